@@ -1,0 +1,33 @@
+# vl_build_flags carries what every target of ours compiles with; third-party code does not get it.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+add_library(vl_build_flags INTERFACE)
+target_include_directories(vl_build_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
+target_compile_options(vl_build_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
+  -Wcast-align -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wextra-semi
+  -Wzero-as-null-pointer-constant -Wundef -fstack-protector-strong)
+target_link_options(vl_build_flags INTERFACE -fstack-protector-strong)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vl_build_flags INTERFACE
+    -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast)
+endif()
+if(WIN32)
+  target_compile_definitions(vl_build_flags INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+endif()
+if(VL_CHECKS)
+  target_compile_definitions(vl_build_flags INTERFACE _GLIBCXX_ASSERTIONS)
+  target_compile_options(vl_build_flags INTERFACE -fsanitize=undefined -fsanitize-undefined-trap-on-error)
+endif()
+if(VL_COVERAGE)
+  target_compile_options(vl_build_flags INTERFACE --coverage)
+  target_link_options(vl_build_flags INTERFACE --coverage)
+endif()
+if(VL_SANITIZE)
+  set(vl_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(vl_build_flags INTERFACE ${vl_sanitizers})
+  target_link_options(vl_build_flags INTERFACE ${vl_sanitizers})
+endif()
+if(VL_FUZZ)
+  target_compile_options(vl_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,20 @@
+# vl_add_test(NAME SOURCES file... LIBS library... [ARGS argument...])
+#
+# One GoogleTest program. A Windows program runs under Wine in a clone of the base prefix of its own, so that
+# its registry, files, objects and windows are nobody else's. Its cases are counted from build/<preset>/results.
+function(vl_add_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS;ARGS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  if(WIN32)
+    target_link_libraries(${name} PRIVATE vl_build_flags ${arg_LIBS} vl_test_support)
+    set(runner ${CMAKE_SOURCE_DIR}/scripts/in-prefix.sh)
+  else()
+    target_link_libraries(${name} PRIVATE vl_build_flags ${arg_LIBS} gtest_main)
+    set(runner)
+  endif()
+  add_test(NAME ${name}
+    COMMAND ${runner} $<TARGET_FILE:${name}> --gtest_brief=1 --gtest_output=xml:${name}.xml ${arg_ARGS}
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/results)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+endfunction()
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/results)

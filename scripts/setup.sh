@@ -1,0 +1,75 @@
+#!/bin/sh
+# setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the source of
+# JsonCpp. Everything but the packages goes below build/. A second run finds its work done and needs no network.
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+third_party="$root/build/third-party"
+jsoncpp=libjsoncpp_1.9.5.orig.tar.gz
+jsoncpp_sha256=f409856e5920c18d0c2fb85276e24ee607d2a09b5e7d5f0a371368903c275da2
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null 2>&1; then
+        sudo "$@"
+    else
+        echo "setup: $* needs root: run it as root once, or install sudo" >&2
+        exit 1
+    fi
+}
+
+installed() {
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+missing=""
+for group in "$@"; do
+    for package in $(sed -n "s/^$group //p" "$root/scripts/packages.txt"); do
+        installed "$package" || missing="$missing $package"
+    done
+done
+if [ -n "$missing" ]; then
+    echo "setup: installing$missing"
+    as_root apt-get update -q >/dev/null || echo "setup: package lists could not be refreshed, going on with those here" >&2
+    # shellcheck disable=SC2086 # a list of words is wanted
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing >/dev/null
+fi
+
+verified() {
+    [ -f "$1" ] && echo "$jsoncpp_sha256  $1" | sha256sum -c --quiet - >/dev/null 2>&1
+}
+
+if ! verified "$third_party/$jsoncpp"; then
+    # A private list of package sources, derived from the machine's own, which stay as they are.
+    echo "setup: fetching $jsoncpp"
+    apt="$root/build/apt"
+    rm -rf "$apt"
+    mkdir -p "$apt/parts" "$apt/lists/partial" "$apt/cache/archives/partial" "$third_party"
+    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
+        [ -f "$file" ] && sed -n '/debian/s/^deb /deb-src /p' "$file"
+    done | sort -u >"$apt/parts/derived.list" || true
+    for file in /etc/apt/sources.list.d/*.sources; do
+        [ -f "$file" ] && grep -qi debian "$file" || continue
+        sed 's/^Types:.*/Types: deb-src/' "$file" >"$apt/parts/$(basename "$file")"
+    done
+    private_apt() {
+        apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$apt/parts" \
+            -o Dir::State::lists="$apt/lists" -o Dir::Cache="$apt/cache" -o APT::Sandbox::User="$(id -un)" "$@" >/dev/null
+    }
+    (
+        cd "$apt"
+        private_apt update
+        private_apt source --download-only libjsoncpp=1.9.5-4
+        mv "$jsoncpp" "$third_party/"
+    )
+    rm -rf "$apt"
+    verified "$third_party/$jsoncpp" || {
+        echo "setup: $jsoncpp does not have the expected SHA-256" >&2
+        exit 1
+    }
+fi
+
+# Header-only packages get a folder of links of their own: the host's include folder on the search path of a
+# cross build would shadow the target's C library.
+mkdir -p "$third_party/include"
+ln -sfn /usr/include/CLI "$third_party/include/CLI"

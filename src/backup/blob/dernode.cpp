@@ -1,0 +1,1 @@
+#include "backup/blob/dernode.h"

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <windows.h>
+
+// importPatch_t replaces one imported function of a module for the life of the object, so that a test can see or
+// fail a platform call. Only calls of that module are caught, whatever library their code came from.
+//
+// module:   the test program itself is GetModuleHandleW(nullptr)
+// function: the imported name, such as "CreateFileW"
+class importPatch_t
+{
+public:
+    importPatch_t(HMODULE module, const char* function, void* replacement);
+    ~importPatch_t();
+    importPatch_t(const importPatch_t&) = delete;
+    importPatch_t& operator=(const importPatch_t&) = delete;
+
+    // found is false when the module does not import the function; the test then asserts nothing.
+    bool found() const noexcept { return m_slot != nullptr; }
+    void* original() const noexcept { return m_original; }
+
+private:
+    void** m_slot = nullptr;
+    void* m_original = nullptr;
+};
+
+// importPatch calls through the original: importOriginal<decltype(&CreateFileW)>(patch)(...).
+template <class Function> Function importOriginal(const importPatch_t& patch)
+{
+    return reinterpret_cast<Function>(patch.original());
+}
