@@ -6,7 +6,8 @@
 #include <windows.h>
 #include <wincrypt.h>
 
-// The blob classes that carry encoded elements; each owns pbData. struct types: 6 text, 25 octets, 28 integer.
+// The blob classes that carry encoded elements; each owns pbData. struct types: 6 text, 25 octets,
+// 28 integer.
 struct _heap_allocator {
     static BYTE* allocate(size_t size) noexcept; // null on failure
     static void release(BYTE* memory) noexcept;

@@ -1,39 +1,68 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <variant>
 #include <vector>
 
-// CDerNode is one element of a DER tree that is to be written: nothing yet, a leaf, or a sequence of nodes. The
-// tree is measured once and written once into a buffer of exactly that size. Portable: no platform header.
+// CDerNode is one element of a DER tree (X.690) that is to be written: nothing yet, a leaf, or a
+// sequence of nodes. The tree is measured in one pass and written in another, into a buffer of
+// exactly that size. Portable.
 //
-// An empty node adds no bytes at all, so that later elements of its sequence move one place forward.
+// An empty node adds no bytes at all, so that later elements of its sequence move one place
+// forward.
+//
+// Errors: a setter raises std::bad_alloc and leaves the node as it was
 class CDerNode
 {
 public:
-    bool IsEmpty() const noexcept;
+    bool IsEmpty() const noexcept { return std::holds_alternative<std::monostate>(m_content); }
 
-    void SetSequence(size_t count);    // count empty children; an empty sequence encodes as 30 00
-    CDerNode& Child(size_t index);
-    size_t Count() const noexcept;
+    void SetSequence(size_t count); // count empty children; without any it encodes as 30 00
+    CDerNode& Child(size_t index)
+    {
+        return std::get<Children>(m_content)[index];
+    }                              // of a sequence only
+    size_t Count() const noexcept; // children; 0 for anything but a sequence
 
-    // SetOctets borrows the bytes: they must stay until the tree is written. keepAlive, if given, is held so long.
+    // SetOctets borrows the bytes: they must stay until the tree is written. keepAlive, if given,
+    // is held so long.
     void SetOctets(std::span<const uint8_t> bytes, std::shared_ptr<const void> keepAlive = {});
-    void SetWide(std::u16string_view text);  // BMPString with the terminating zero added; copies
-    void SetNarrow(std::string_view text);   // OCTET STRING with the terminating zero added; copies
-    void SetInteger(uint32_t value);         // the four bytes as one signed number, in shortest form
+    // SetWide copies the text up to its first zero as a BMPString that ends in 00 00.
+    void SetWide(std::u16string_view text);
+#ifdef _WIN32
+    void SetWide(std::wstring_view text);
+#endif
+    // SetNarrow copies the text up to its first zero as an OCTET STRING that ends in 00.
+    void SetNarrow(std::string_view text);
+    // SetInteger takes the four bytes as one signed number and writes the shortest form: 0xFFFFFFFF
+    // is 02 01 FF.
+    void SetInteger(uint32_t value) noexcept;
 
-    // Encode gives the bytes of the whole tree; empty for an empty node. Errors: std::bad_alloc.
-    std::vector<uint8_t> Encode() const;
+    // Measure gives the encoded size of the whole tree in bytes, 0 for an empty node, and keeps
+    // each node's part of it for Write. Write then stores exactly that many bytes and gives their
+    // end. A change needs a new Measure.
+    size_t Measure() noexcept;
+    uint8_t* Write(uint8_t* out) const noexcept;
+
+    // Encode is Measure and Write into a buffer of its own. Errors: std::bad_alloc.
+    std::vector<uint8_t> Encode();
 
 private:
-    enum class Kind { Empty, Leaf, Sequence };
-    Kind m_kind = Kind::Empty;
+    struct Borrowed {
+        std::span<const uint8_t> bytes;
+        std::shared_ptr<const void> keepAlive;
+    };
+    struct Integer {
+        std::array<uint8_t, 4> bytes; // the low m_size content octets of the number are written
+    };
+    using Owned = std::vector<uint8_t>;
+    using Children = std::vector<CDerNode>;
+
+    std::variant<std::monostate, Owned, Borrowed, Integer, Children> m_content;
+    size_t m_size = 0; // content octets, as last measured
     uint8_t m_tag = 0;
-    std::vector<uint8_t> m_owned;
-    std::span<const uint8_t> m_view;
-    std::shared_ptr<const void> m_keepAlive;
-    std::vector<CDerNode> m_children;
 };
