@@ -2,7 +2,8 @@
 
 #include <windows.h>
 
-// findAgentWindow finds the top-level window of the running agent, anew at each call; null if there is none.
+// findAgentWindow finds the top-level window of the running agent, anew at each call; null if there
+// is none.
 HWND findAgentWindow();
 
 // The numbers of the two registered messages, kept once known.
