@@ -7,8 +7,8 @@
 
 #include <windows.h>
 
-// A benchmark is a ratio of two bodies measured in one run: their rounds alternate, so that whatever else the
-// machine does meets both alike, and the median of the rounds decides.
+// A benchmark is a ratio of two bodies measured in one run: their rounds alternate, so that
+// whatever else the machine does meets both alike, and the median of the rounds decides.
 namespace bench {
 
 inline double secondsOf(const std::function<void()>& body)
@@ -30,12 +30,13 @@ inline double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-// ratio prints one row of the table: the median of measured / baseline over the rounds, beside its limit.
+// ratio prints one row of the table: the median of measured / baseline over the rounds, beside its
+// limit.
 //
 // limit:   0 when the row only informs
 // Returns: the ratio
-inline double ratio(const char* name, double limit, int rounds, const std::function<void()>& measured,
-                    const std::function<void()>& baseline)
+inline double ratio(const char* name, double limit, int rounds,
+                    const std::function<void()>& measured, const std::function<void()>& baseline)
 {
     measured();
     baseline();

@@ -1,7 +1,8 @@
 #pragma once
 
-// The interfaces, identifiers and property ids of VLOnlineIDs.dll, for hosts in C++. VLONLINEIDSLib.idl says the
-// same for other languages. Every operation may be called on any thread, in any order, any number of times.
+// The interfaces, identifiers and property ids of VLOnlineIDs.dll, for hosts in C++.
+// VLONLINEIDSLib.idl says the same for other languages. Every operation may be called on any
+// thread, in any order, any number of times.
 
 #include <windows.h>
 #include <unknwn.h>
@@ -14,21 +15,23 @@ inline constexpr GUID CLSID_CVLKTPages = {
     0x42F9948B, 0xB690, 0x4325, {0xA0, 0x73, 0x63, 0xA8, 0xBF, 0x31, 0xFF, 0x32}};
 
 // Property ids of the plug-in, for IVLKTElementUI::GetProperty.
-inline constexpr ULONG propertyName = 1;            // VT_BSTR
-inline constexpr ULONG propertyIconLocation = 2;    // VT_BSTR: path of the branding DLL, a comma, the icon's number
+inline constexpr ULONG propertyName = 1; // VT_BSTR
+inline constexpr ULONG propertyIconLocation =
+    2; // VT_BSTR: path of the branding DLL, a comma, the icon's number
 inline constexpr ULONG propertyFixedName = 3;       // VT_BSTR: "Password Manager" in every language
 inline constexpr ULONG propertyDescription = 4;     // VT_BSTR
 inline constexpr ULONG propertyKind = 8;            // VT_UI4: 2
 inline constexpr ULONG propertySecurityLevel = 100; // VT_I4: 0 to 4
 inline constexpr ULONG propertyExplanation = 101;   // VT_BSTR
-inline constexpr ULONG propertyNotifications = 103; // VT_ARRAY of VT_VARIANT, each an IVLKTElementUI
+inline constexpr ULONG propertyNotifications =
+    103; // VT_ARRAY of VT_VARIANT, each an IVLKTElementUI
 
 // Property and command ids of a notification; 100 and 101 as above.
-inline constexpr ULONG notificationCaption = 3;  // get, VT_BSTR
-inline constexpr ULONG notificationShown = 6;    // get, VT_BOOL; not at level 1
-inline constexpr ULONG notificationActions = 9;  // get, VT_ARRAY of VT_VARIANT; levels 1 and 2 only
-inline constexpr LONG commandSetShown = 2;       // set, VT_BOOL
-inline constexpr LONG commandOpenConsole = 100;  // set, value ignored
+inline constexpr ULONG notificationCaption = 3; // get, VT_BSTR
+inline constexpr ULONG notificationShown = 6;   // get, VT_BOOL; not at level 1
+inline constexpr ULONG notificationActions = 9; // get, VT_ARRAY of VT_VARIANT; levels 1 and 2 only
+inline constexpr LONG commandSetShown = 2;      // set, VT_BOOL
+inline constexpr LONG commandOpenConsole = 100; // set, value ignored
 
 struct IVLKTPages : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE AddPages() = 0;
@@ -61,9 +64,11 @@ struct IVLKTTraySubscribe : public IUnknown {
 
 // Reached through IVLKTBackupRestore2 alone: the object does not answer for it.
 struct IVLKTBackupRestore : public IUnknown {
-    // secretNames: VT_ARRAY | VT_BSTR; storageData: VT_ARRAY | VT_UI1, the bytes of a backup. Returns S_OK also
-    // when the backup failed; an output that wasn't filled is as the caller passed it.
-    virtual HRESULT STDMETHODCALLTYPE GetStorageData(VARIANT* secretNames, VARIANT* storageData) = 0;
+    // secretNames: VT_ARRAY | VT_BSTR; storageData: VT_ARRAY | VT_UI1, the bytes of a backup.
+    // Returns S_OK also when the backup failed; an output that wasn't filled is as the caller
+    // passed it.
+    virtual HRESULT STDMETHODCALLTYPE GetStorageData(VARIANT* secretNames,
+                                                     VARIANT* storageData) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetStorageData(VARIANT* storageData) = 0;
 };
 
@@ -73,7 +78,8 @@ struct IVLKTBackupRestore2 : public IVLKTBackupRestore {
 };
 
 struct IVLKTBackupRestore3 : public IUnknown {
-    virtual HRESULT STDMETHODCALLTYPE GetStorageData(VARIANT* secretNames, VARIANT* storageData) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetStorageData(VARIANT* secretNames,
+                                                     VARIANT* storageData) = 0;
     // secrets may be null with size 0. Blocks until the agent, if it runs, has acknowledged.
     virtual HRESULT STDMETHODCALLTYPE SetPluginData(ULONG secretsSize, const BYTE* secrets,
                                                     ULONG storageSize, const BYTE* storage) = 0;
@@ -81,11 +87,19 @@ struct IVLKTBackupRestore3 : public IUnknown {
 
 } // namespace VLONLINEIDSLib
 
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTPages, 0xB437C14F, 0x1012, 0x417E, 0xA1, 0x27, 0x55, 0xC8, 0x4C, 0xC0, 0xB1, 0x6F)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTElementUI, 0x94B2C874, 0xB9DB, 0x4149, 0xB1, 0x00, 0x36, 0x75, 0x20, 0x7B, 0x37, 0x23)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKSecurityStatus, 0x63DA27C4, 0x8119, 0x4914, 0xA6, 0xF6, 0x90, 0x1B, 0x85, 0x84, 0x8A, 0x83)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTPluginInfo, 0x8DCEF2E1, 0x863A, 0x40BD, 0xB3, 0x86, 0x5E, 0x64, 0xD4, 0xD0, 0x80, 0xAE)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTDisableApp, 0xF203734C, 0xBB33, 0x4E09, 0x9E, 0xC9, 0xEC, 0x48, 0x5D, 0xD2, 0x3B, 0x14)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTTraySubscribe, 0xEE919550, 0x8B02, 0x40BB, 0x82, 0x5E, 0xF6, 0xAD, 0x17, 0x33, 0xE3, 0xF3)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTBackupRestore2, 0xAF086E5D, 0x67C5, 0x425E, 0xB2, 0x15, 0x63, 0xBD, 0x87, 0x17, 0x61, 0x0A)
-__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTBackupRestore3, 0xC8AE6F28, 0x53BD, 0x4287, 0x88, 0x19, 0xA4, 0xBD, 0x17, 0x10, 0xA5, 0x4C)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTPages, 0xB437C14F, 0x1012, 0x417E, 0xA1, 0x27, 0x55, 0xC8,
+                0x4C, 0xC0, 0xB1, 0x6F)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTElementUI, 0x94B2C874, 0xB9DB, 0x4149, 0xB1, 0x00, 0x36, 0x75,
+                0x20, 0x7B, 0x37, 0x23)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKSecurityStatus, 0x63DA27C4, 0x8119, 0x4914, 0xA6, 0xF6, 0x90,
+                0x1B, 0x85, 0x84, 0x8A, 0x83)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTPluginInfo, 0x8DCEF2E1, 0x863A, 0x40BD, 0xB3, 0x86, 0x5E, 0x64,
+                0xD4, 0xD0, 0x80, 0xAE)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTDisableApp, 0xF203734C, 0xBB33, 0x4E09, 0x9E, 0xC9, 0xEC, 0x48,
+                0x5D, 0xD2, 0x3B, 0x14)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTTraySubscribe, 0xEE919550, 0x8B02, 0x40BB, 0x82, 0x5E, 0xF6,
+                0xAD, 0x17, 0x33, 0xE3, 0xF3)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTBackupRestore2, 0xAF086E5D, 0x67C5, 0x425E, 0xB2, 0x15, 0x63,
+                0xBD, 0x87, 0x17, 0x61, 0x0A)
+__CRT_UUID_DECL(VLONLINEIDSLib::IVLKTBackupRestore3, 0xC8AE6F28, 0x53BD, 0x4287, 0x88, 0x19, 0xA4,
+                0xBD, 0x17, 0x10, 0xA5, 0x4C)

@@ -1,7 +1,7 @@
 #pragma once
 
-// The globals whose construction order matters, low first; destruction runs the other way round. The link order
-// of objects says nothing about it, so each of them names its place here.
+// The globals whose construction order matters, low first; destruction runs the other way round.
+// The link order of objects says nothing about it, so each of them names its place here.
 inline constexpr int initBaseModule = 200;
 inline constexpr int initComModule = 210;
 inline constexpr int initOsVersion = 220;

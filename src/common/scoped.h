@@ -5,7 +5,8 @@
 #include <windows.h>
 
 // CScoped owns one handle of the kind that Traits describes: value_type, empty() and close(value).
-// Move-only. Closing keeps the thread's last error, since a destructor often runs just before the caller reads it.
+// Move-only. Closing keeps the thread's last error, since a destructor often runs just before the
+// caller reads it.
 template <class Traits> class CScoped
 {
 public:
@@ -56,7 +57,8 @@ struct kernelHandle {
     static HANDLE empty() noexcept { return nullptr; }
     static void close(HANDLE h) noexcept { CloseHandle(h); }
 };
-using CKernelHandle = CScoped<kernelHandle>; // events, mutexes, semaphores, mappings, tokens, processes
+using CKernelHandle =
+    CScoped<kernelHandle>; // events, mutexes, semaphores, mappings, tokens, processes
 
 struct fileHandle {
     using value_type = HANDLE;

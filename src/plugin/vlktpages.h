@@ -3,9 +3,10 @@
 #include "atl/comobject.h"
 #include "vlonlineids.h"
 
-// CVLKTPages is the one component class. It has no state: each operation reads what it needs at the moment of the
-// call and forgets it. The operations stand in files of their own by subject: pages.cpp (life cycle and what does
-// nothing), properties.cpp, status.cpp, policy.cpp, backupoperations.cpp.
+// CVLKTPages is the one component class. It has no state: each operation reads what it needs at the
+// moment of the call and forgets it. The operations stand in files of their own by subject:
+// pages.cpp (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp,
+// backupoperations.cpp.
 class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public CComCoClass<CVLKTPages, &VLONLINEIDSLib::CLSID_CVLKTPages>,
                    public VLONLINEIDSLib::IVLKTPages,
@@ -18,9 +19,12 @@ class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public VLONLINEIDSLib::IVLKTBackupRestore3
 {
 public:
+    virtual ~CVLKTPages() = default; // declared first: its place in the table is behind AddPages
+
     HRESULT FinalConstruct();
     void FinalRelease();
-    static const _ATL_INTMAP_ENTRY* GetEntries() noexcept; // the interface table, in the order of look-up
+    static const _ATL_INTMAP_ENTRY*
+    GetEntries() noexcept; // the interface table, in the order of look-up
 
     STDMETHOD(AddPages)() override;
 
@@ -36,11 +40,12 @@ public:
 
     STDMETHOD(Subscribe)() override;
 
-    STDMETHOD(GetStorageData)(VARIANT* secretNames, VARIANT* storageData) override; // of both interfaces
+    STDMETHOD(GetStorageData)
+    (VARIANT* secretNames, VARIANT* storageData) override; // of both interfaces
     STDMETHOD(SetStorageData)(VARIANT* storageData) override;
     STDMETHOD(SetStorageData2)(ULONG flags, VARIANT* storageData) override;
-    STDMETHOD(SetPluginData)(ULONG secretsSize, const BYTE* secrets, ULONG storageSize,
-                             const BYTE* storage) override;
+    STDMETHOD(SetPluginData)
+    (ULONG secretsSize, const BYTE* secrets, ULONG storageSize, const BYTE* storage) override;
 
 private:
     LONG GetSecurityLevel();                    // 0 to 4

@@ -2,8 +2,9 @@
 
 #include <windows.h>
 
-// importPatch_t replaces one imported function of a module for the life of the object, so that a test can see or
-// fail a platform call. Only calls of that module are caught, whatever library their code came from.
+// importPatch_t replaces one imported function of a module for the life of the object, so that a
+// test can see or fail a platform call. Only calls of that module are caught, whatever library
+// their code came from.
 //
 // module:   the test program itself is GetModuleHandleW(nullptr)
 // function: the imported name, such as "CreateFileW"

@@ -1,0 +1,6 @@
+#include <windows.h>
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD, void*)
+{
+    return TRUE;
+}

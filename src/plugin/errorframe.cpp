@@ -1,0 +1,47 @@
+#include "plugin/errorframe.h"
+
+#include <cstdio>
+#include <exception>
+
+#include <comdef.h>
+
+#include "tracecore/tracer.h"
+
+namespace {
+
+// tag_t is the operation's name with the clause's suffix.
+struct tag_t {
+    char text[64] = {};
+    tag_t(const char* operation, const char* clause) noexcept
+    {
+        std::snprintf(text, sizeof text, "%s%s", operation, clause);
+    }
+};
+
+// A tracer that runs out of memory must not change the operation's status.
+template <class Body> void quietly(Body body) noexcept
+{
+    try {
+        body();
+    } catch (...) {
+    }
+}
+
+} // namespace
+
+HRESULT frameStatus(const char* operation) noexcept
+{
+    HRESULT status = E_FAIL;
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        status = E_UNEXPECTED;
+        quietly([&] { tracecore::traceException(tag_t(operation, "[std]").text, exception); });
+    } catch (const _com_error& error) {
+        status = error.Error();
+        quietly([&] { tracecore::traceIfFailed(tag_t(operation, "[com]").text, status); });
+    } catch (...) {
+        quietly([&] { tracecore::traceStatus(tag_t(operation, "oo").text, 0); });
+    }
+    return status;
+}

@@ -1,0 +1,11 @@
+#include <windows.h>
+
+STDAPI DllRegisterServer()
+{
+    return E_NOTIMPL;
+}
+
+STDAPI DllUnregisterServer()
+{
+    return E_NOTIMPL;
+}
