@@ -2,8 +2,12 @@
 
 #include <windows.h>
 
-// findAgentWindow finds the top-level window of the running agent, anew at each call; null if there
-// is none.
+// findAgentWindow finds the top-level window of the running agent, anew at each call.
+//
+// Returns: null if there is none. That is traced: in full once per process, then in short, and as
+// an error only
+//          when the windows couldn't be searched.
+// Source:  FindWindowExW, by class and title
 HWND findAgentWindow();
 
 // The numbers of the two registered messages, kept once known.

@@ -5,9 +5,65 @@
 
 #include <windows.h>
 
+#include "agent/linknames.h"
+#include "agent/sharedblock.h"
+
 // sendToAgent hands name and body to the agent through named shared memory. It blocks the calling
 // thread, without a time limit, until the agent has acknowledged.
 //
+// message:    the number of the registered message that the agent is to give itself
 // name, body: UTF-8
 // Returns:    false only when both are empty. True doesn't say that the agent received anything.
+// Errors:     are traced
 bool sendToAgent(HWND window, uint32_t message, const std::string& name, const std::string& body);
+
+// The steps of an exchange, below sendToAgent.
+
+// agentTransfer_t is the state of one transfer. It wipes its copy of the body, which may be a
+// secret.
+struct agentTransfer_t {
+    void* buffer = nullptr; // the mapped request buffer, the connection's
+    int32_t remaining = 1;  // blocks still to send
+    HWND window = nullptr;
+    uint32_t message = 0;
+    std::string name;
+    std::string body;
+    linkNames_t names{};
+    mappedBlock_t payload;
+
+    agentTransfer_t() = default;
+    agentTransfer_t(const agentTransfer_t&) = delete;
+    agentTransfer_t& operator=(const agentTransfer_t&) = delete;
+    ~agentTransfer_t();
+};
+
+// agentConnection_t holds the objects of one exchange. Its end closes the events, then the request
+// buffer, then gives the semaphore back.
+struct agentConnection_t {
+    HANDLE semaphore = nullptr;
+    bool held = false; // the semaphore was taken
+    mappedBlock_t buffer;
+    HANDLE ackEvent = nullptr;   // for waiting
+    HANDLE readyEvent = nullptr; // for setting
+
+    agentConnection_t() = default;
+    agentConnection_t(const agentConnection_t&) = delete;
+    agentConnection_t& operator=(const agentConnection_t&) = delete;
+    ~agentConnection_t();
+};
+
+// _callserverprocess runs the whole exchange. Failures are traced.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name stands in traces, and readers search for
+// it.
+void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer);
+
+// connectToAgent takes the semaphore, without a time limit, and opens the agent's objects. What it
+// couldn't get stays null, and is traced.
+void connectToAgent(const linkNames_t& names, agentConnection_t& connection);
+
+// fillRequestBlock makes the payload block and writes body and request, all in one block.
+//
+// Errors: raises std::runtime_error "MMF.failed" when the payload block can't be made or either
+// block is too
+//         short for what it is to hold; nothing is written then
+void fillRequestBlock(agentTransfer_t& transfer);

@@ -1,0 +1,135 @@
+#include "agent/sharedblock.h"
+
+#include <atomic>
+
+#include "agent/objectsecurity.h"
+#include "common/scoped.h"
+#include "common/status.h"
+#include "tracecore/tracer.h"
+
+using namespace tracecore;
+
+namespace {
+
+constexpr DWORD waitAndModify = SYNCHRONIZE | SEMAPHORE_MODIFY_STATE;
+
+std::atomic<bool> firstMissingBlock{true};
+
+void mapWhole(mappedBlock_t& block)
+{
+    block.view = MapViewOfFile(block.handle, FILE_MAP_WRITE, 0, 0, 0);
+    if (!block.view)
+        traceStatus("IPC.MapViewOfFile", statusFromError(GetLastError()));
+}
+
+void traceMissingBlock(const std::wstring& name)
+{
+    const std::wstring text =
+        formatWide(L"IPC.OpenFileMapping '%ls' MMF.FILE_NOT_FOUND", name.c_str());
+    if (firstMissingBlock.exchange(false, std::memory_order_relaxed))
+        traceNoteW(text);
+    else
+        traceWrite('U', L"'`I04`'" + text);
+}
+
+} // namespace
+
+mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
+{
+    mappedBlock_t block;
+    sharedObjectSecurity_t security;
+    if (!initMappingSecurity(security).valid) {
+        const DWORD error = GetLastError();
+        traceStatusW(formatWide(L"IPC.InitSA '%ls'", name.c_str()), statusFromError(error));
+        SetLastError(error);
+        return block;
+    }
+    block.handle = CreateFileMappingW(INVALID_HANDLE_VALUE, &security.attributes, PAGE_READWRITE, 0,
+                                      size, name.c_str());
+    if (!block.handle) {
+        const DWORD error = GetLastError();
+        const bool valid = IsValidSecurityDescriptor(security.attributes.lpSecurityDescriptor);
+        traceStatusW(
+            formatWide(L"IPC.CreateFileMapping '%ls' SA=%s", name.c_str(), valid ? L"OK" : L"INV"),
+            statusFromError(error));
+        traceWrite('U', L"'`I04`'SA: " +
+                            securityToString(security.descriptor.GetPSECURITY_DESCRIPTOR()));
+        SetLastError(error);
+        return block;
+    }
+    applyLowLabel(block.handle); // a block without the label is still good for most clients
+    mapWhole(block);
+    return block;
+}
+
+mappedBlock_t openSharedBlock(const std::wstring& name)
+{
+    mappedBlock_t block;
+    block.handle = OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str());
+    if (block.handle) {
+        mapWhole(block);
+        return block;
+    }
+    const DWORD error = GetLastError();
+    if (error == ERROR_FILE_NOT_FOUND)
+        traceMissingBlock(name);
+    else
+        traceStatusW(formatWide(L"IPC.OpenFileMapping '%ls'", name.c_str()),
+                     statusFromError(error));
+    return block;
+}
+
+void closeSharedBlock(mappedBlock_t& block) noexcept
+{
+    if (block.view)
+        UnmapViewOfFile(block.view);
+    if (block.handle)
+        CloseHandle(block.handle);
+    block = {};
+}
+
+size_t sharedBlockSize(const void* view) noexcept
+{
+    MEMORY_BASIC_INFORMATION region{};
+    if (!view || !VirtualQuery(view, &region, sizeof region) || region.State != MEM_COMMIT ||
+        region.Protect != PAGE_READWRITE)
+        return 0;
+    return region.RegionSize;
+}
+
+HANDLE openLinkSemaphore(const std::wstring& name)
+{
+    SetLastError(ERROR_SUCCESS);
+    HANDLE semaphore = OpenSemaphoreW(waitAndModify, FALSE, name.c_str());
+    if (semaphore)
+        return semaphore;
+    HRESULT status = statusFromError(GetLastError());
+    const std::wstring cantOpen =
+        formatWide(L"IPC.Failed to open semaphore '%ls'. BAD.", name.c_str());
+    traceStatusW(cantOpen, status);
+
+    sharedObjectSecurity_t security;
+    if (!initSemaphoreSecurity(security).valid)
+        return nullptr;
+    SetLastError(ERROR_SUCCESS);
+    semaphore = CreateSemaphoreW(&security.attributes, 1, 1, name.c_str());
+    if (semaphore) {
+        applyLowLabel(semaphore);
+        return semaphore;
+    }
+    const DWORD error = GetLastError();
+    status = statusFromError(error);
+    traceStatusW(
+        formatWide(L"IPC.Failed to create semaphore '%ls'. OK. Try to open it.", name.c_str()),
+        status);
+    if (error == ERROR_ACCESS_DENIED) {
+        SetLastError(ERROR_SUCCESS);
+        // A mutex is asked for where a semaphore is meant, so this mostly gives null. Intended.
+        semaphore = OpenMutexW(waitAndModify, FALSE, name.c_str());
+        if (!semaphore)
+            traceLastError(cantOpen);
+    } else {
+        SetLastError(error);
+    }
+    return semaphore;
+}

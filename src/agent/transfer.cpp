@@ -1,0 +1,141 @@
+#include "agent/transfer.h"
+
+#include <cstring>
+#include <stdexcept>
+
+#include "common/status.h"
+#include "tracecore/tracer.h"
+
+using namespace tracecore;
+
+namespace {
+
+void closeHandle(HANDLE& handle) noexcept
+{
+    if (handle)
+        CloseHandle(handle);
+    handle = nullptr;
+}
+
+// The text may fill the block to its last byte, with the zero.
+bool holdsText(const void* view, size_t offset, const std::string& text)
+{
+    const size_t size = sharedBlockSize(view);
+    return offset < size && text.size() < size - offset;
+}
+
+void writeText(void* view, size_t offset, const std::string& text)
+{
+    std::memcpy(static_cast<char*>(view) + offset, text.c_str(), text.size() + 1);
+}
+
+} // namespace
+
+agentTransfer_t::~agentTransfer_t()
+{
+    closeSharedBlock(payload);
+    SecureZeroMemory(body.data(), body.size());
+}
+
+agentConnection_t::~agentConnection_t()
+{
+    closeHandle(readyEvent);
+    closeHandle(ackEvent);
+    closeSharedBlock(buffer);
+    if (semaphore && held)
+        ReleaseSemaphore(semaphore, 1, nullptr);
+    closeHandle(semaphore);
+}
+
+bool sendToAgent(HWND window, uint32_t message, const std::string& name, const std::string& body)
+{
+    if (name.empty() && body.empty()) {
+        traceNote("invalid data to send");
+        return false;
+    }
+    agentTransfer_t transfer;
+    transfer.window = window;
+    transfer.message = message;
+    transfer.name = name;
+    transfer.body = body;
+    transfer.names = linkSets[linkNipc];
+    _callserverprocess(transfer.names, transfer);
+    return true; // also when nothing arrived: it says only that the data was fit to send. Intended.
+}
+
+void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer)
+{
+    agentConnection_t connection;
+    connectToAgent(names, connection);
+    if (!connection.semaphore || !connection.ackEvent || !connection.readyEvent ||
+        !connection.buffer.handle || !connection.buffer.view)
+        return;
+    transfer.buffer = connection.buffer.view;
+    while (transfer.remaining > 0) {
+        try {
+            fillRequestBlock(transfer);
+        } catch (...) {
+            traceNote("_callserverprocess");
+            break;
+        }
+        SetEvent(connection.readyEvent);
+        if (WaitForSingleObject(connection.ackEvent, INFINITE) != WAIT_OBJECT_0) {
+            traceNote("cannot transfer the rest from client");
+            break;
+        }
+    }
+    transfer.buffer = nullptr;
+    closeSharedBlock(transfer.payload); // before the next client may come in
+}
+
+void connectToAgent(const linkNames_t& names, agentConnection_t& connection)
+{
+    if (!connection.semaphore)
+        connection.semaphore = openLinkSemaphore(names.admission);
+    if (!connection.semaphore) {
+        traceStatus("Create Semaphore failed", statusFromError(GetLastError()));
+        return;
+    }
+    const DWORD result = WaitForSingleObject(connection.semaphore, INFINITE);
+    if (result != WAIT_OBJECT_0) {
+        const HRESULT status = statusFromError(GetLastError());
+        traceStatusW(formatWide(L"WaitForSingleObject = %0x on Semaphore", result), status);
+        return;
+    }
+    connection.held = true;
+    connection.buffer = openSharedBlock(names.buffer);
+    if (!connection.buffer.handle || !connection.buffer.view)
+        return;
+    connection.ackEvent = OpenEventW(SYNCHRONIZE, FALSE, names.acknowledge);
+    connection.readyEvent = OpenEventW(EVENT_MODIFY_STATE, FALSE, names.dataReady);
+    const HRESULT status =
+        statusFromError(GetLastError()); // the later one's if both failed. Intended.
+    if (!connection.ackEvent)
+        traceStatus("no AckEvent", status);
+    else if (!connection.readyEvent)
+        traceStatus("no ReadyEvent", status);
+}
+
+void fillRequestBlock(agentTransfer_t& transfer)
+{
+    transfer.payload =
+        createSharedBlock(transfer.names.payload, static_cast<uint32_t>(transfer.body.size() + 1));
+    if (transfer.payload.handle && transfer.payload.view) {
+        // Whoever took the payload's name first gave the block its size, and it stays.
+        if (holdsText(transfer.payload.view, 0, transfer.body) &&
+            holdsText(transfer.buffer, sizeof(requestHeader_t), transfer.name)) {
+            const requestHeader_t header{
+                commandRestoreSecret, GetCurrentProcessId(),
+                static_cast<uint32_t>(reinterpret_cast<uintptr_t>(transfer.window)),
+                transfer.message};
+            writeText(transfer.payload.view, 0, transfer.body);
+            std::memcpy(transfer.buffer, &header, sizeof header);
+            writeText(transfer.buffer, sizeof header, transfer.name);
+            transfer.remaining = 0;
+            return;
+        }
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    }
+    traceStatus("IPC.CreateMMF.2VLA.savefile", statusFromError(GetLastError()));
+    throw std::runtime_error("MMF.failed");
+}
