@@ -4,14 +4,14 @@
 #include <cstdint>
 #include <span>
 
-// The trace file's record: thread id (4 bytes, little-endian), level (1), n (2, little-endian), then n bytes of
-// UTF-8 text, scrambled. Portable: no platform header.
+// The trace file's record: thread id (4 bytes, little-endian), level (1), n (2, little-endian),
+// then n bytes of UTF-8 text, scrambled. Portable: no platform header.
 namespace tracecore {
 
 inline constexpr size_t recordHeaderSize = 7;
 
-// scrambleText scrambles the text of one record in place; unscrambleText is its opposite. The stream starts anew
-// with each call, so equal texts have equal scrambled bytes.
+// scrambleText scrambles the text of one record in place; unscrambleText is its opposite. The
+// stream starts anew with each call, so equal texts have equal scrambled bytes.
 void scrambleText(uint8_t* buffer, size_t length) noexcept;
 void unscrambleText(uint8_t* buffer, size_t length) noexcept;
 

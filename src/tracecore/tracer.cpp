@@ -1,41 +1,254 @@
 #include "tracecore/tracer.h"
 
+#include "common/initorder.h"
+#include "common/status.h"
+#include "common/text.h"
+#include "tracecore/realtracer.h"
+
 #include <cstdarg>
 #include <cwchar>
+#include <mutex>
 
 namespace tracecore {
 
+std::atomic<uint8_t> traceDisabled{0};
+std::atomic<uint32_t> sinkKind{sinkNone};
+SYSTEMTIME lastStamp{};
+[[gnu::init_priority(initTracer)]] criticalSection_t configLock;
+[[gnu::init_priority(initTracer)]] std::atomic<std::shared_ptr<outputStorageInterface_i>> sink;
+
+namespace {
+
+std::atomic<bool> ready{false}; // the tracer is built and not yet destroyed
+
+[[gnu::init_priority(initTracer)]] realTracer_t tracer;
+
+// Built behind the tracer, destroyed before it: calls from outside its life do nothing.
+[[gnu::init_priority(initTracer)]] const struct readyMark_t {
+    readyMark_t() noexcept { ready = true; }
+    ~readyMark_t() { ready = false; }
+} readyMark;
+
+bool closed() noexcept
+{
+    return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
+}
+
+class lastErrorKeeper_t
+{
+public:
+    lastErrorKeeper_t() noexcept : m_error(GetLastError()) {}
+    ~lastErrorKeeper_t() { SetLastError(m_error); }
+    lastErrorKeeper_t(const lastErrorKeeper_t&) = delete;
+    lastErrorKeeper_t& operator=(const lastErrorKeeper_t&) = delete;
+
+private:
+    const DWORD m_error;
+};
+
+// writerTurn_t is the right to write. Without the mutex, the lock of the stacks at least keeps the
+// writers of this process apart.
+class writerTurn_t
+{
+public:
+    writerTurn_t() noexcept
+    {
+        if (tracer.mutex)
+            WaitForSingleObject(tracer.mutex.get(),
+                                INFINITE); // a wait that fails is written through
+        else
+            tracer.stacks.lock.lock();
+    }
+    ~writerTurn_t()
+    {
+        if (tracer.mutex)
+            ReleaseMutex(tracer.mutex.get());
+        else
+            tracer.stacks.lock.unlock();
+    }
+    writerTurn_t(const writerTurn_t&) = delete;
+    writerTurn_t& operator=(const writerTurn_t&) = delete;
+};
+
+bool sameDate(const SYSTEMTIME& a, const SYSTEMTIME& b) noexcept
+{
+    return a.wYear == b.wYear && a.wMonth == b.wMonth && a.wDay == b.wDay;
+}
+
+bool sameTime(const SYSTEMTIME& a, const SYSTEMTIME& b) noexcept
+{
+    return a.wHour == b.wHour && a.wMinute == b.wMinute && a.wSecond == b.wSecond &&
+           a.wMilliseconds == b.wMilliseconds;
+}
+
+void traceEmit(const SYSTEMTIME& time, char level, const std::wstring& text,
+               const std::string& function)
+{
+    const std::shared_ptr<outputStorageInterface_i> out = sink.load();
+    if (!out)
+        return;
+    if (!sameDate(time, lastStamp) || !sameTime(time, lastStamp)) {
+        if (!sameDate(time, lastStamp))
+            out->write('t', formatWide(L"%02d/%02d/%02d", time.wMonth, time.wDay, time.wYear % 100),
+                       function);
+        out->write('T',
+                   formatWide(L"%02d:%02d:%02d.%03d", time.wHour, time.wMinute, time.wSecond,
+                              time.wMilliseconds),
+                   function);
+        lastStamp = time;
+    }
+    out->write(level, text, function);
+}
+
+void writeEntry(traceStackEntry_t& frame)
+{
+    traceEmit(frame.localTime(), '>', wideFromUtf8(frame.name), frame.name);
+    frame.setWritten(true);
+}
+
+void flushPending()
+{
+    threadFrames_t* const mine = tracer.stacks.frames();
+    if (!mine || !mine->depth) {
+        std::lock_guard guard(tracer.stacks.lock);
+        if (!tracer.stacks.mainFrame.isWritten())
+            writeEntry(tracer.stacks.mainFrame);
+        return;
+    }
+    if (mine->last().isWritten()) // a frame is only written together with all frames under it
+        return;
+    for (size_t i = 0; i < mine->depth; ++i) {
+        if (!mine->frames[i].isWritten())
+            writeEntry(mine->frames[i]);
+    }
+}
+
+// Narrow formats mean narrow arguments, which a wide format has to be told.
+void markNarrow(std::wstring& format, const wchar_t* conversion)
+{
+    for (size_t at = format.find(conversion); at != std::wstring::npos;
+         at = format.find(conversion, at + 1))
+        format.insert(at + 1, 1, L'h');
+}
+
+} // namespace
+
+realTracer_t& theTracer() noexcept
+{
+    return tracer;
+}
+
 bool traceActive() noexcept
 {
-    return false;
+    return !closed() && tracer.mode.load(std::memory_order_relaxed) >= sinkFileAppend;
 }
 
-void traceEnter(const char*) {}
-void traceLeave() {}
-void traceText(const char*) {}
-void traceFormat(int, const char*, ...) {}
-void traceStatus(const char*, HRESULT) {}
-void traceStatusW(const std::wstring&, HRESULT) {}
-void traceLastError(const std::wstring&) {}
-void traceIfFailed(const char*, HRESULT) {}
-void traceNote(const char*) {}
-void traceNoteW(const std::wstring&) {}
-void traceNotePair(const char*, const char*) {}
-void traceWrite(char, const std::wstring&) {}
-
-HRESULT traceException(const char*, const std::exception&)
+void traceEnter(const char* name)
 {
-    return E_UNEXPECTED;
+    if (closed())
+        return;
+    tracer.stacks.push(name);
+    pollConfiguration(tracer);
+    // The entry itself is written with the first record inside the function.
 }
 
-std::wstring formatWide(const wchar_t* format, ...)
+void traceLeave()
 {
+    if (closed())
+        return;
+    if (tracer.mode.load(std::memory_order_relaxed) > sinkNowhere) {
+        try {
+            traceWrite('<', {});
+        } catch (...) { // out of memory: the frame goes all the same
+        }
+    }
+    tracer.stacks.pop();
+}
+
+void traceWrite(char level, const std::wstring& text)
+{
+    if (closed() || level == '>')
+        return;
+    if (level == '<' && !tracer.stacks.current().isWritten()) // nothing for a silent function
+        return;
+    const lastErrorKeeper_t keeper;
+    const writerTurn_t turn;
+    if (level != '<')
+        flushPending();
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    traceEmit(now, level, text, tracer.stacks.current().name);
+}
+
+void traceText(const char* text)
+{
+    if (!traceActive())
+        return;
+    const lastErrorKeeper_t keeper;
+    traceWrite('U', wideFromUtf8(text ? text : ""));
+}
+
+void traceFormat(int, const char* format, ...)
+{
+    if (!traceActive() || !format)
+        return;
+    const lastErrorKeeper_t keeper;
+    std::wstring wide = wideFromAnsi(format);
+    if (wide.empty())
+        return;
+    markNarrow(wide, L"%s");
+    markNarrow(wide, L"%c");
+    wchar_t text[400] = {};
     va_list arguments;
     va_start(arguments, format);
-    wchar_t text[1024] = {};
-    _vsnwprintf(text, 1023, format, arguments);
+    _vsnwprintf(text, std::size(text) - 1, wide.c_str(), arguments);
     va_end(arguments);
-    return text;
+    traceWrite('U', text);
+}
+
+void traceStatus(const char* text, HRESULT status)
+{
+    if (traceActive())
+        traceWrite('E', formatWide(L"%d %hs", static_cast<int>(status), text ? text : ""));
+}
+
+void traceStatusW(const std::wstring& text, HRESULT status)
+{
+    if (traceActive())
+        traceWrite('E', formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
+}
+
+void traceLastError(const std::wstring& text)
+{
+    traceStatusW(text, statusFromError(GetLastError()));
+}
+
+void traceIfFailed(const char* text, HRESULT status)
+{
+    if (FAILED(status))
+        traceStatus(text, status);
+}
+
+void traceNote(const char* text)
+{
+    traceStatus(text, S_OK);
+}
+
+void traceNoteW(const std::wstring& text)
+{
+    traceStatusW(text, S_OK);
+}
+
+void traceNotePair(const char* first, const char* second)
+{
+    if (traceActive())
+        traceStatusW(formatWide(L"%hs%hs", first ? first : "", second ? second : ""), S_OK);
+}
+
+HRESULT traceException(const char* label, const std::exception& exception)
+{
+    traceNotePair(label, exception.what());
+    return E_UNEXPECTED;
 }
 
 } // namespace tracecore

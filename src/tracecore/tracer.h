@@ -5,11 +5,13 @@
 
 #include <windows.h>
 
-// The process-wide diagnostic tracer as its callers see it. Entering a function writes nothing: its record is
-// written late, when something inside it is traced, with the time at which it was really entered.
+// The process-wide diagnostic tracer as its callers see it. Entering a function writes nothing: its
+// record is written late, when something inside it is traced, with the time at which it was really
+// entered.
 //
-// Every operation may be called on any thread, raises nothing by design and returns no failure. Each leaves the
-// thread's last error as it found it. Narrow texts are UTF-8 but for formats, which are in the active code page.
+// Every operation may be called on any thread, raises nothing by design and returns no failure.
+// Each leaves the thread's last error as it found it. Narrow texts are UTF-8 but for formats, which
+// are in the active code page.
 namespace tracecore {
 
 // traceActive tells whether messages go anywhere; test it before building an expensive text.
@@ -23,8 +25,8 @@ void traceEnter(const char* name);
 // traceLeave pops the calling thread's last frame, and writes its exit if its entry was written.
 void traceLeave();
 
-// traceText and traceFormat write a plain message, level U. traceFormat takes printf arguments: %s is narrow,
-// %ls is wide; a text of more than 399 characters is cut there. ignored is always 0.
+// traceText and traceFormat write a plain message, level U. traceFormat takes printf arguments: %s
+// is narrow, %ls is wide; a text of more than 399 characters is cut there. ignored is always 0.
 void traceText(const char* text);
 void traceFormat(int ignored, const char* format, ...);
 
@@ -48,11 +50,12 @@ void traceNotePair(const char* first, const char* second);
 // Returns: E_UNEXPECTED, always
 HRESULT traceException(const char* label, const std::exception& exception);
 
-// traceWrite is the one path to the sink, for texts that are built already. A level of '>' does nothing.
+// traceWrite is the one path to the sink, for texts that are built already. A level of '>' does
+// nothing.
 void traceWrite(char level, const std::wstring& text);
 
-// formatWide is the printf of this system, with the platform's rules for wide formats: %s and %ls take a wide
-// string, %hs and %S a narrow one; the size I64 is known.
+// formatWide is the printf of this system, with the platform's rules for wide formats: %s and %ls
+// take a wide string, %hs and %S a narrow one; the size I64 is known.
 std::wstring formatWide(const wchar_t* format, ...);
 
 // traceScope_t is the pair of traceEnter and traceLeave for a block, on every way out of it.

@@ -6,7 +6,8 @@
 
 #include <windows.h>
 
-// fakeSettings_t stands in for the settings provider's library, in this process, for the life of the object.
+// fakeSettings_t stands in for the settings provider's library, in this process, for the life of
+// the object.
 class fakeSettings_t
 {
 public:

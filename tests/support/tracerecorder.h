@@ -1,15 +1,24 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-// traceRecorder_t makes the tracer active with a sink that remembers, for the life of the object.
+class recordingSink_t;
+namespace tracecore {
+class outputStorageInterface_i;
+}
+
 struct traceRecord_t {
     char level;
     std::wstring text;
     std::string function;
 };
 
+// traceRecorder_t makes the tracer active with a sink that remembers, for the life of the object.
+// The configuration is not looked at meanwhile. The first message outside all functions writes an
+// entry named "main" first.
 class traceRecorder_t
 {
 public:
@@ -18,9 +27,17 @@ public:
     traceRecorder_t(const traceRecorder_t&) = delete;
     traceRecorder_t& operator=(const traceRecorder_t&) = delete;
 
-    // messages gives the E and U records as "E text" and "U text", oldest first, and forgets all records.
+    // messages gives the E and U records as "E text" and "U text", oldest first, and forgets all
+    // records.
     std::vector<std::wstring> messages();
 
     // all gives every record but the time stamps (T and t), oldest first, and forgets them.
     std::vector<traceRecord_t> all();
+
+private:
+    std::shared_ptr<recordingSink_t> m_sink;
+    std::shared_ptr<tracecore::outputStorageInterface_i> m_replaced;
+    uint32_t m_nextPoll = 0;
+    uint32_t m_mode = 0;
+    uint32_t m_kind = 0;
 };

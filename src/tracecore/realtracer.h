@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/scoped.h"
+#include "tracecore/sink.h"
+#include "tracecore/threadstacks.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace tracecore {
+
+// The kinds of sinks, the values of the tracer's mode and of sinkKind.
+enum : uint32_t {
+    sinkNone = 0,
+    sinkNowhere = 1,
+    sinkFileAppend = 2,
+    sinkFileNew = 3,
+    sinkConsole = 4,
+    sinkIDE = 5,
+};
+
+// tracer_t is the tracer as its configuration drives it.
+class tracer_t
+{
+public:
+    tracer_t();
+    virtual ~tracer_t() = default;
+    tracer_t(const tracer_t&) = delete;
+    tracer_t& operator=(const tracer_t&) = delete;
+
+    // fileName gives the trace file's full path.
+    virtual void fileName(std::wstring& out, bool newFileAlways) = 0;
+
+    // expire removes the expired switch.
+    //
+    // Returns: true if the switch was there as a number, also when it could not be removed
+    virtual bool expire() = 0;
+
+    // traceMode is the sink kind that the configuration wants, sinkNowhere to sinkIDE.
+    virtual uint32_t traceMode() = 0;
+
+    threadStacks_t stacks;
+    std::atomic<uint32_t> nextPoll{0}; // tick count, the earliest next look at the configuration
+    std::atomic<uint32_t> mode{sinkNowhere}; // the sink kind last wanted
+    CKernelHandle mutex;                     // the writers' mutex, may be null
+    std::atomic<uint8_t> fileFailed{0};      // the trace file could not be opened; stays set
+};
+
+// realTracer_t is the only implementation, with the registry as its configuration.
+class realTracer_t final : public tracer_t
+{
+public:
+    realTracer_t();
+    ~realTracer_t() override;
+    void fileName(std::wstring& out, bool newFileAlways) override;
+    bool expire() override;
+    uint32_t traceMode() override;
+};
+
+// theTracer is the module's one tracer.
+realTracer_t& theTracer() noexcept;
+
+// The state beside the tracer. sink is replaced with configLock held; a writer shares its ownership
+// for one record, so that a sink that is replaced meanwhile lives until the record is out.
+extern std::atomic<uint8_t>
+    traceDisabled; // nonzero makes all operations empty calls; nothing here sets it
+extern criticalSection_t configLock;
+extern std::atomic<std::shared_ptr<outputStorageInterface_i>> sink;
+extern std::atomic<uint32_t> sinkKind;
+extern SYSTEMTIME lastStamp; // the time of the last record emitted, under the writers' mutex
+
+// pollConfiguration looks at the configuration if that is due, and replaces the sink when another
+// is wanted. Raises nothing.
+void pollConfiguration(tracer_t& tracer) noexcept;
+
+} // namespace tracecore

@@ -1,0 +1,135 @@
+#include "tracecore/threadstacks.h"
+
+#include <mutex>
+
+namespace tracecore {
+
+namespace {
+
+constexpr size_t ownerRoom = 10;
+constexpr size_t keptFrames = 64; // a stack that was deeper gives its memory back when it empties
+
+uint64_t systemTime() noexcept
+{
+    FILETIME time;
+    GetSystemTimeAsFileTime(&time);
+    return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
+} // namespace
+
+bool traceStackEntry_t::isWritten() const noexcept
+{
+    return __atomic_load_n(&written, __ATOMIC_RELAXED);
+}
+
+void traceStackEntry_t::setWritten(bool value) noexcept
+{
+    __atomic_store_n(&written, value, __ATOMIC_RELAXED);
+}
+
+SYSTEMTIME traceStackEntry_t::localTime() const noexcept
+{
+    const FILETIME utc{static_cast<DWORD>(entered), static_cast<DWORD>(entered >> 32)};
+    FILETIME local{};
+    SYSTEMTIME time{};
+    FileTimeToLocalFileTime(&utc, &local);
+    FileTimeToSystemTime(&local, &time);
+    return time;
+}
+
+void threadFrames_t::push(const char* name)
+{
+    if (depth == frames.size())
+        frames.emplace_back();
+    traceStackEntry_t& frame = frames[depth];
+    frame.name = name ? name : "";
+    frame.entered = systemTime();
+    frame.written = false;
+    ++depth;
+}
+
+threadStacks_t::threadStacks_t() : ownerThread(GetCurrentThreadId())
+{
+    mainFrame.name = "main";
+    mainFrame.entered = systemTime();
+    claim(ownerThread).frames.reserve(ownerRoom);
+}
+
+void threadStacks_t::push(const char* name)
+{
+    const uint32_t thread = GetCurrentThreadId();
+    threadFrames_t* const mine = find(thread);
+    (mine ? *mine : claim(thread)).push(name);
+}
+
+void threadStacks_t::pop() noexcept
+{
+    const uint32_t thread = GetCurrentThreadId();
+    threadFrames_t* const mine = find(thread);
+    if (!mine || !mine->depth)
+        return;
+    if (--mine->depth)
+        return;
+    if (mine->frames.size() > keptFrames)
+        mine->frames = {};
+    if (thread != ownerThread)
+        release(*mine, thread);
+}
+
+traceStackEntry_t& threadStacks_t::current() noexcept
+{
+    threadFrames_t* const mine = frames();
+    return mine && mine->depth ? mine->last() : mainFrame;
+}
+
+size_t threadStacks_t::threads()
+{
+    std::lock_guard guard(lock);
+    size_t count = byThread.size();
+    for (const slot_t& slot : m_slots)
+        count += slot.thread.load(std::memory_order_relaxed) != 0;
+    return count;
+}
+
+threadFrames_t* threadStacks_t::find(uint32_t thread) noexcept
+{
+    for (size_t i = 0; i < reach; ++i) {
+        slot_t& slot = slotOf(thread, i);
+        if (slot.thread.load(std::memory_order_relaxed) == thread)
+            return &slot;
+    }
+    if (!m_crowded.load(std::memory_order_relaxed)) // a thread sees its own count at least
+        return nullptr;
+    std::lock_guard guard(lock);
+    const auto it = byThread.find(thread);
+    return it == byThread.end() ? nullptr : &it->second;
+}
+
+threadFrames_t& threadStacks_t::claim(uint32_t thread)
+{
+    for (size_t i = 0; i < reach; ++i) {
+        slot_t& slot = slotOf(thread, i);
+        uint32_t none = 0;
+        if (slot.thread.compare_exchange_strong(none, thread, std::memory_order_acquire))
+            return slot;
+    }
+    std::lock_guard guard(lock);
+    threadFrames_t& frames = byThread[thread];
+    frames.crowded = true;
+    m_crowded.store(static_cast<uint32_t>(byThread.size()), std::memory_order_relaxed);
+    return frames;
+}
+
+void threadStacks_t::release(threadFrames_t& frames, uint32_t thread) noexcept
+{
+    if (!frames.crowded) {
+        static_cast<slot_t&>(frames).thread.store(0, std::memory_order_release);
+        return;
+    }
+    std::lock_guard guard(lock);
+    byThread.erase(thread);
+    m_crowded.store(static_cast<uint32_t>(byThread.size()), std::memory_order_relaxed);
+}
+
+} // namespace tracecore
