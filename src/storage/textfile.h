@@ -1,20 +1,66 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <string>
-#include <vector>
 
-// MappedFile is a read-only view of one file; its holder ends it with mapfile_close.
+#include "storage/textlines.h"
+
+// Whole files through a read-only mapping, and text files as lines. A file that can't be read,
+// because it is missing, empty or held open by a writer, reads as nothing. Nothing is shared
+// between calls.
+
+// MappedFile is a read-only view of one file. It is a plain record: its holder ends it with
+// mapfile_close.
 struct MappedFile {
     uint32_t size = 0;             // bytes; the low 32 bits of the file's size
     const uint8_t* view = nullptr; // null with size 0: nothing could be mapped
 };
 
-using TextLines = std::vector<std::string>; // UTF-8, without line ends
-
+// mapfile_open maps a whole file. While the view lives, others can read the file but not write it.
+//
+// Returns: empty on any failure
+// Source:  CreateFileMappingW; the view alone keeps the mapping alive
 MappedFile mapfile_open(const std::wstring& fileName);
+
+// mapfile_close unmaps the view, if there is one, and sets it to null.
 void mapfile_close(MappedFile& mapped);
+
+// decodetext gives the text of a mapped file as UTF-8. UTF-16 is known by the bytes FF FE, which
+// are dropped; it ends at its first zero unit, and an odd last byte is dropped. Any other file is
+// taken to be UTF-8 and copied as it is, with whatever mark it starts with.
+//
+// mapped: aligned as a mapping is
+// text:   cleared first
 void decodetext(const MappedFile& mapped, std::string& text);
+
+// load_textlines gives the lines of a text file.
+//
+// lines:  cleared first
+// Errors: may raise, when memory runs out; the file is let go of then too
 void load_textlines(const std::wstring& fileName, TextLines& lines);
+
+// load_textfile is load_textlines that raises nothing: an error is traced, and lines holds what was
+// done so far.
 void load_textfile(const std::wstring& fileName, TextLines& lines);
+
+// fileloadword is the word for the code of a fileload_error; a code without one gives "[code]".
+std::string fileloadword(int32_t code);
+
+namespace errors {
+
+// fileload_error is the error of loading a file. The loader's own steps raise none: a missing or
+// unreadable file is an empty list.
+class fileload_error : public std::exception
+{
+public:
+    fileload_error(int32_t loadCode, std::string message);
+    const char* what() const noexcept override;
+
+    int32_t code; // 0 undef, 1 notfound, 2 noaccess, 3 badfile, 4 badcrc, 5 nodll
+
+private:
+    std::string m_message;
+};
+
+} // namespace errors

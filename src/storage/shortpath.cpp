@@ -1,0 +1,73 @@
+#include "storage/paths.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+
+#include "common/text.h"
+
+namespace {
+
+struct prefixrow_t {
+    const wchar_t* prefix;
+    std::wstring (*folder)();
+};
+constexpr prefixrow_t prefixrows[] = {
+    {L"kri::", appdata_templatesdir}, {L"krs::", appdata_rootdir}, {L"usr::", localappdata_rootdir},
+    {L"dbg::", templates_bindir},     {L"bin::", bindir_plain},
+};
+constexpr size_t prefixcount = std::size(prefixrows);
+
+// prefixcache_t keeps the lower-case folder of each row from its first use on. Threads that meet at
+// a first use may all look the folder up; the first to store it wins.
+class prefixcache_t
+{
+public:
+    constexpr prefixcache_t() noexcept = default;
+    ~prefixcache_t()
+    {
+        for (auto& folder : m_folders)
+            owned(folder.exchange(nullptr));
+    }
+    prefixcache_t(const prefixcache_t&) = delete;
+    prefixcache_t& operator=(const prefixcache_t&) = delete;
+
+    const std::wstring& folder(size_t row)
+    {
+        const std::wstring* known = m_folders[row].load(std::memory_order_acquire);
+        if (!known) {
+            owned made = std::make_unique<const std::wstring>(lowerpath(prefixrows[row].folder()));
+            if (m_folders[row].compare_exchange_strong(known, made.get()))
+                known = made.release();
+        }
+        return *known;
+    }
+
+private:
+    using owned = std::unique_ptr<const std::wstring>;
+    std::array<std::atomic<const std::wstring*>, prefixcount> m_folders{};
+};
+constinit prefixcache_t prefixcache;
+
+} // namespace
+
+std::wstring shortpath(const std::wstring& path)
+{
+    if (path.empty())
+        return {};
+    std::wstring work = lowerpath(unifyslashes(path));
+    for (size_t row = 0; row < prefixcount; ++row) {
+        const std::wstring& folder = prefixcache.folder(row);
+        // A folder that could not be found out is an empty text, and that is found in front.
+        // Intended: the classes of quick links build on it.
+        const size_t at = work.find(folder);
+        if (at != std::wstring::npos)
+            return work.replace(at, folder.size(), prefixrows[row].prefix);
+    }
+    return work;
+}
+
+std::wstring shortpath_utf8(const std::string& path)
+{
+    return shortpath(wideFromUtf8(path));
+}
