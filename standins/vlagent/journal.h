@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <windows.h>
+
+#include "common/scoped.h"
+
+// journalLine_t builds one JSON object; it begins with the time and the name of the event.
+class journalLine_t
+{
+public:
+    explicit journalLine_t(std::string_view event);
+
+    journalLine_t& number(std::string_view key, uint64_t value);
+    // value: UTF-8; bytes that aren't become the replacement character
+    journalLine_t& text(std::string_view key, std::string_view value);
+
+    std::string finished() const { return m_json + "}\n"; }
+
+private:
+    std::string m_json;
+};
+
+// journal_t appends lines to a file that others may read meanwhile. Not opened, it keeps nothing.
+// Any thread may write: each line is one call of the system.
+class journal_t
+{
+public:
+    bool open(const std::wstring& path); // false with the last error set
+    void write(const journalLine_t& line) const;
+
+private:
+    CFileHandle m_file;
+};

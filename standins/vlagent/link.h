@@ -1,0 +1,44 @@
+#pragma once
+
+#include <windows.h>
+
+#include "agent/sharedblock.h"
+#include "common/scoped.h"
+#include "vlagent/journal.h"
+
+// agentLink_t is the agent's end of the link: it makes the four named objects that clients need,
+// and answers their requests.
+class agentLink_t
+{
+public:
+    // journal: outlives the link
+    explicit agentLink_t(const journal_t& journal) noexcept : m_journal(journal) {}
+    agentLink_t(const agentLink_t&) = delete;
+    agentLink_t& operator=(const agentLink_t&) = delete;
+    ~agentLink_t() { closeSharedBlock(m_buffer); }
+
+    // open makes the objects, or joins those that a client of an earlier agent still holds.
+    //
+    // Returns: null, or the name of the object that couldn't be made, with the last error set
+    const wchar_t* open();
+
+    // run answers requests until stop is set. Every exchange is journalled and acknowledged,
+    // refused ones too; what the client gave is stored, journalled and wiped before the
+    // acknowledgement, so that a client that returns finds it there. Each accepted message is
+    // posted to window.
+    //
+    // once: end after the first exchange
+    void run(HWND window, HANDLE stop, bool once);
+
+private:
+    void serve(HWND window);
+    void servePending(HWND window);
+    void leave(HWND window);
+
+    const journal_t& m_journal;
+    CKernelHandle m_admission;
+    CKernelHandle m_acknowledge;
+    CKernelHandle m_dataReady;
+    mappedBlock_t m_buffer;
+    bool m_joined = false; // the data ready event was there before
+};
