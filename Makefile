@@ -1,27 +1,62 @@
-# Every command sets up what it needs and is quick when that is there. Nothing is written outside build/ but for
+# Every command sets up what it needs, and is quick when that is there. Nothing is written outside build/ but for
 # installed packages.
 .DEFAULT_GOAL := build
 SHELL := /bin/sh
 SECONDS ?= 60
-export CMAKE_C_COMPILER_LAUNCHER = $(shell command -v ccache)
-export CMAKE_CXX_COMPILER_LAUNCHER = $(shell command -v ccache)
-export CCACHE_DIR ?= $(CURDIR)/build/ccache
-export CCACHE_BASEDIR = $(CURDIR)
 
-configure = cmake --preset $(1) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
-compile = cmake --build --preset $(1)
+export CCACHE_DIR ?= $(CURDIR)/build/ccache
+export CCACHE_BASEDIR := $(CURDIR)
+configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
+    >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
+compile = cmake --build --preset $(1) --parallel 2
 
 .PHONY: build demo test bench fuzz lint coverage package clean
+set-up = @mkdir -p build && scripts/setup.sh
 
-build/.set-up: scripts/setup.sh scripts/packages.txt
-	@mkdir -p build
-	@scripts/setup.sh build
-	@touch $@
-
-build: build/.set-up
+build:
+	$(set-up) build
 	@$(call configure,release)
-	@$(compile) 2>&1
 	@$(call configure,native-release)
+	@$(call compile,release)
+	@$(call compile,native-release)
+	@cmake --install build/release --prefix build/dist >/dev/null
+	@cmake --install build/native-release --prefix build/dist >/dev/null
+
+demo: build
+	@scripts/base-prefix.sh
+	@scripts/demo.sh
+
+test: build
+	@$(call configure,native)
+	@$(call compile,native)
+	@scripts/base-prefix.sh
+	@scripts/run_tests.py native release
+
+bench: build
+	@scripts/base-prefix.sh
+	@scripts/bench.sh
+
+lint:
+	$(set-up) build lint
+	@$(call configure,release)
+	@scripts/lint.sh
+
+fuzz:
+	$(set-up) build fuzz
+	@$(call configure,fuzz)
+	@$(call compile,fuzz)
+	@scripts/fuzz.sh $(SECONDS)
+
+coverage:
+	$(set-up) build coverage
+	@$(call configure,coverage)
+	@$(call compile,coverage)
+	@scripts/base-prefix.sh
+	@scripts/coverage.sh
+
+package: build
+	$(set-up) package
+	@scripts/package.sh
 
 clean:
 	rm -rf build

@@ -48,13 +48,13 @@ public:
     (ULONG secretsSize, const BYTE* secrets, ULONG storageSize, const BYTE* storage) override;
 
 private:
+    // GetGPOSettings reads the policy that switches the application off.
+    //
+    // value:   0 unless the policy has a value
+    // Returns: the policy record's status (0, 1, 0x80070002 for none, or another), or the failure
+    HRESULT GetGPOSettings(ULONG* value);
+
     LONG GetSecurityLevel();                    // 0 to 4
     void GetExplanation(BSTR* explanation);     // the caller owns it
     void GetNotifications(SAFEARRAY** notices); // the caller owns it; locked once
 };
-
-// GetGPOSettings reads the policy that switches the application off.
-//
-// value:   0 unless the policy has a value
-// Returns: the policy record's status (0, 1, 0x80070002 for none, or another), or the failure
-HRESULT GetGPOSettings(ULONG* value);
