@@ -1,0 +1,108 @@
+#include "resources/languagelibrary.h"
+
+#include <cwchar>
+#include <span>
+
+#include "common/scoped.h"
+#include "resources/languagenames.h"
+#include "resources/muifile.h"
+
+namespace {
+
+struct mappedView {
+    using value_type = void*;
+    static void* empty() noexcept { return nullptr; }
+    static void close(void* view) noexcept { UnmapViewOfFile(view); }
+};
+
+constexpr LANGID englishUs = 1033;
+constexpr LONGLONG maxFileSize = 1 << 28;
+
+// checkedFile_t keeps a file from being written while what was read of it still has to hold.
+struct checkedFile_t {
+    CFileHandle file;
+    muiFile_t contents;
+};
+
+checkedFile_t checkFile(const std::wstring& path)
+{
+    checkedFile_t checked;
+    checked.file.reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                   OPEN_EXISTING, 0, nullptr));
+    LARGE_INTEGER size{};
+    if (!checked.file || !GetFileSizeEx(checked.file.get(), &size) || size.QuadPart > maxFileSize)
+        return checked;
+    const CKernelHandle mapping(
+        CreateFileMappingW(checked.file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+    if (!mapping)
+        return checked;
+    const CScoped<mappedView> view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
+    if (view)
+        checked.contents = readMuiFile(
+            {static_cast<const uint8_t*>(view.get()), static_cast<size_t>(size.QuadPart)});
+    return checked;
+}
+
+std::wstring languageFolder(DWORD flags, LANGID language)
+{
+    if (flags & languageFolderByName)
+        return std::wstring(languageName(language));
+    wchar_t folder[16] = {};
+    _snwprintf(folder, 15, L"MUI\\%04hx", language);
+    return folder;
+}
+
+std::wstring languageFile(const std::wstring& path, const std::wstring& folder)
+{
+    const size_t slash = path.find_last_of(L"\\/");
+    const std::wstring start = slash == std::wstring::npos ? L"." : path.substr(0, slash);
+    const std::wstring name = slash == std::wstring::npos ? path : path.substr(slash + 1);
+    return start + L'\\' + folder + L'\\' + name + L".mui";
+}
+
+HMODULE loadOne(const std::wstring& path, const muiFile_t& library, DWORD flags, LANGID language)
+{
+    const std::wstring folder = languageFolder(flags, language);
+    if (folder.empty())
+        return nullptr;
+    const std::wstring name = languageFile(path, folder);
+    const checkedFile_t file = checkFile(name);
+    if (!languageFileFits(library, file.contents))
+        return nullptr;
+    return LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+}
+
+HMODULE searchAll(const std::wstring& path, const muiFile_t& library, DWORD flags)
+{
+    for (const LANGID language :
+         {GetUserDefaultUILanguage(), GetSystemDefaultUILanguage(), englishUs}) {
+        if (const HMODULE found = loadOne(path, library, flags, language))
+            return found;
+        if (const HMODULE found = loadOne(path, library, flags, neutralLanguage(language)))
+            return found;
+    }
+    return nullptr;
+}
+
+HMODULE libraryItself(const std::wstring& path)
+{
+    HMODULE library = nullptr;
+    if (GetModuleHandleExW(0, path.c_str(), &library))
+        return library;
+    return LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+}
+
+} // namespace
+
+HMODULE LoadLanguageLibrary(const std::wstring& path, DWORD flags, LANGID language)
+{
+    if (language == 1)
+        return nullptr;
+    const checkedFile_t library = checkFile(path);
+    if (!library.contents.sound)
+        return nullptr;
+    if (!library.contents.divided)
+        return libraryItself(path);
+    return language ? loadOne(path, library.contents, flags, language)
+                    : searchAll(path, library.contents, flags);
+}

@@ -1,0 +1,25 @@
+#include "resources/languagenames.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+struct languageRow_t {
+    LANGID language;
+    const wchar_t* name;
+};
+
+constexpr languageRow_t languages[] = {
+#include "resources/languagenames.inc" // made by generate/languagenames.cpp, in ascending order
+};
+
+} // namespace
+
+std::wstring_view languageName(LANGID language) noexcept
+{
+    const auto row = std::ranges::lower_bound(languages, language, {}, &languageRow_t::language);
+    if (row == std::end(languages) || row->language != language)
+        return {};
+    return row->name;
+}

@@ -1,0 +1,88 @@
+#include "resources/strings.h"
+
+#include <iterator>
+#include <span>
+#include <string_view>
+
+#include "resources/branding.h"
+#include "resources/resourceids.h"
+#include "resources/resourcemodule.h"
+#include "resources/stringblock.h"
+
+namespace {
+
+constexpr std::wstring_view markerStart = L"<<%";
+constexpr std::wstring_view marker = L"<<%PN%>>";
+constexpr WORD primaryLanguage = 0x3FF;
+
+HRSRC findStringBlock(HMODULE module, WORD number)
+{
+    const auto type = MAKEINTRESOURCEW(6);
+    const auto block = MAKEINTRESOURCEW(number);
+    HRSRC found = FindResourceExW(module, type, block, 0);
+    if (!found)
+        found = FindResourceExW(module, type, block,
+                                static_cast<WORD>(GetUserDefaultUILanguage() & primaryLanguage));
+    if (!found)
+        found = FindResourceW(module, type, block); // name and type stand reversed. Intended.
+    return found;
+}
+
+// readString gives the length in the block, 0 if the string isn't there.
+int readString(HMODULE module, HRSRC resource, unsigned index, std::wstring& out)
+{
+    const HGLOBAL loaded = LoadResource(module, resource);
+    const void* const data = loaded ? LockResource(loaded) : nullptr;
+    if (!data)
+        return 0;
+    const auto text = findInStringBlock(
+        {static_cast<const uint8_t*>(data), SizeofResource(module, resource)}, index);
+    FreeResource(loaded);
+    if (!text)
+        return 0;
+    const std::u16string_view visible = std::u16string_view(*text).substr(0, text->find(u'\0'));
+    out.assign(visible.begin(), visible.end());
+    return static_cast<int>(text->size());
+}
+
+} // namespace
+
+std::wstring GetBrandedString(UINT id)
+{
+    std::wstring text;
+    LoadStringFromModule(ResourceModule(), id, text);
+    if (text.find(markerStart) != std::wstring::npos)
+        ExpandProductName(text);
+    return text;
+}
+
+int LoadStringFromModule(HMODULE module, UINT id, std::wstring& out)
+{
+    if (const uint32_t block = stringBlockNumber(id)) {
+        if (const HRSRC resource = findStringBlock(module, static_cast<WORD>(block & 0xFFFF))) {
+            if (const int length = readString(module, resource, stringBlockIndex(id), out))
+                return length;
+        }
+    }
+    wchar_t buffer[260] = {};
+    const int length = LoadStringW(module, id, buffer, static_cast<int>(std::size(buffer)));
+    out = buffer;
+    return length;
+}
+
+void ExpandProductName(std::wstring& text)
+{
+    const std::wstring name = GetProductName();
+    for (size_t at = text.find(marker); at != std::wstring::npos;
+         at = text.find(marker, at + name.size()))
+        text.replace(at, marker.size(), name);
+}
+
+std::wstring GetProductName()
+{
+    wchar_t buffer[260] = {};
+    // Also with no branding DLL: the process's program may have the string.
+    LoadStringW(CBranding::LoadResourceDLL(), IDS_PRODUCT_NAME, buffer,
+                static_cast<int>(std::size(buffer)));
+    return buffer;
+}
