@@ -92,6 +92,10 @@ sharedObjectSecurity_t& initSecurity(sharedObjectSecurity_t& security,
         security.valid = true;
     } catch (const ATL::CAtlException& exception) {
         traceStatus("SA", exception.m_hr);
+        // The way of the exception cleared it, and the caller traces it.
+        SetLastError(HRESULT_FACILITY(exception.m_hr) == FACILITY_WIN32
+                         ? static_cast<DWORD>(HRESULT_CODE(exception.m_hr))
+                         : static_cast<DWORD>(exception.m_hr));
     } catch (...) {
         traceStatus("SA", 0);
     }

@@ -27,7 +27,8 @@ struct sharedObjectSecurity_t {
 // primary group are those of the process.
 //
 // Returns: security itself
-// Errors:  raise nothing; a failure leaves valid unset and is traced as "SA"
+// Errors:  raise nothing; a failure leaves valid unset, is traced as "SA" and is the thread's last
+// error
 sharedObjectSecurity_t& initMappingSecurity(sharedObjectSecurity_t& security);
 sharedObjectSecurity_t& initSemaphoreSecurity(sharedObjectSecurity_t& security);
 
