@@ -1,1 +1,272 @@
 #include "backup/blob/blob.h"
+
+#include "backup/blob/derheader.h"
+#include "backup/blob/derview.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <string_view>
+#include <vector>
+
+static_assert(offsetof(CVLBlobSeq, count) == offsetof(CRYPT_SEQUENCE_OF_ANY, cValue) &&
+              offsetof(CVLBlobSeq, items) == offsetof(CRYPT_SEQUENCE_OF_ANY, rgValue));
+
+void* _heap_allocator::allocate(size_t size) noexcept
+{
+    return HeapAlloc(GetProcessHeap(), 0, size);
+}
+
+void _heap_allocator::release(void* memory) noexcept
+{
+    if (memory)
+        HeapFree(GetProcessHeap(), 0, memory);
+}
+
+namespace {
+
+using bytes_t = std::span<const uint8_t>;
+
+// Makes room for one element in the slot and stores its header. Null, with the slot empty, if it
+// would be too long.
+BYTE* beginElement(uint8_t tag, size_t length, _CRYPTOAPI_BLOB& slot)
+{
+    slot = {};
+    const size_t size = derHeaderSize(length) + length;
+    if (size > std::numeric_limits<DWORD>::max())
+        return nullptr;
+    slot.pbData = _auto_heap_mem<BYTE>(size).release();
+    slot.cbData = static_cast<DWORD>(size);
+    return derWriteHeader(slot.pbData, tag, length);
+}
+
+_CRYPTOAPI_BLOB copyOf(bytes_t bytes)
+{
+    if (bytes.empty())
+        return {};
+    _auto_heap_mem<BYTE> copy(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), copy.get());
+    return {static_cast<DWORD>(bytes.size()), copy.release()};
+}
+
+// Runs code of the portable codec, which knows no status.
+template <class Body> auto withStatus(Body body)
+{
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        raiseStatus(E_OUTOFMEMORY);
+    }
+}
+
+} // namespace
+
+uint8_t blobcodec::tagOf(structType_t structType) noexcept
+{
+    return structType == structMultiByteInt ? derTag::integer : derTag::octetString;
+}
+
+bool blobcodec::encode(uint8_t tag, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_BLOB& slot)
+{
+    bytes_t bytes = blobView(contents);
+    if (tag == derTag::integer) {
+        // Little-endian, so the octets to drop are the last ones: those that only repeat the sign
+        // of the one before.
+        while (bytes.size() > 1 &&
+               bytes.back() == ((bytes[bytes.size() - 2] & 0x80) != 0 ? 0xFF : 0x00))
+            bytes = bytes.first(bytes.size() - 1);
+        static constexpr uint8_t zero[] = {0};
+        if (bytes.empty())
+            bytes = zero; // no bytes are the number 0, which has an octet
+    }
+    BYTE* out = beginElement(tag, bytes.size(), slot);
+    if (!out)
+        return false;
+    if (tag == derTag::integer) {
+        std::reverse_copy(bytes.begin(), bytes.end(), out);
+    } else if (tag == derTag::bmpString) {
+        for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
+            out[i] = bytes[i + 1];
+            out[i + 1] = bytes[i];
+        }
+    } else {
+        std::copy(bytes.begin(), bytes.end(), out);
+    }
+    return true;
+}
+
+bool blobcodec::decode(structType_t structType, const _CRYPTOAPI_BLOB& encoded,
+                       _CRYPTOAPI_BLOB& contents)
+{
+    const CDerElement element(blobView(encoded));
+    bytes_t bytes;
+    if (structType == structMultiByteInt) {
+        if (!element.DecodeInteger(bytes))
+            return false;
+        contents = copyOf(bytes);
+        std::reverse(contents.pbData, contents.pbData + contents.cbData);
+        return true;
+    }
+    if (structType != structOctetString || !element.DecodeOctets(bytes))
+        return false;
+    contents = copyOf(bytes);
+    return true;
+}
+
+CVLWStrBlob::CVLWStrBlob(const wchar_t* text) noexcept : CVLAnyBlob(structAnyString)
+{
+    if (!text)
+        return;
+    const size_t size = 2 * (std::wstring_view(text).size() + 1);
+    if (size > std::numeric_limits<DWORD>::max())
+        return;
+    pbData = static_cast<BYTE*>(_heap_allocator::allocate(size));
+    if (!pbData)
+        return;
+    CopyMemory(pbData, text, size);
+    cbData = static_cast<DWORD>(size);
+}
+
+_CRYPTOAPI_BLOB* CVLWStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
+{
+    // Whole code units only; a blob filled by hand may have half of one behind them.
+    return blobcodec::encode(derTag::bmpString, {cbData & ~1U, pbData}, slot) ? &slot : nullptr;
+}
+
+bool CVLWStrBlob::Decode()
+{
+    withStatus([this] {
+        std::u16string units;
+        if (CDerElement(blobView(*this)).DecodeWide(units))
+            Take(copyOf({reinterpret_cast<const uint8_t*>(units.data()), 2 * units.size()}));
+    });
+    return true;
+}
+
+CVLStrBlob::CVLStrBlob(const char* text) noexcept : CVLAnyBlob(structAnyString)
+{
+    if (!text)
+        return;
+    const size_t size = std::string_view(text).size() + 1;
+    if (size > std::numeric_limits<DWORD>::max())
+        return;
+    pbData = static_cast<BYTE*>(_heap_allocator::allocate(size));
+    if (!pbData)
+        return;
+    CopyMemory(pbData, text, size);
+    cbData = static_cast<DWORD>(size);
+}
+
+_CRYPTOAPI_BLOB* CVLStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
+{
+    return blobcodec::encode(derTag::octetString, *this, slot) ? &slot : nullptr;
+}
+
+bool CVLStrBlob::Decode()
+{
+    (void)DecodeAs(structOctetString); // refused: the encoded bytes stay
+    return true;
+}
+
+CVLIntBlob::CVLIntBlob(uint32_t value) noexcept : CVLAnyBlob(structMultiByteInt)
+{
+    pbData = static_cast<BYTE*>(_heap_allocator::allocate(sizeof value));
+    if (!pbData)
+        return;
+    for (cbData = 0; cbData < sizeof value; ++cbData)
+        pbData[cbData] = static_cast<BYTE>(value >> (8 * cbData));
+}
+
+uint32_t readInteger(const _CRYPTOAPI_BLOB& element) noexcept
+{
+    return CDerElement(blobView(element)).Integer();
+}
+
+CVLBlobSeq::CVLBlobSeq(DWORD n) noexcept
+{
+    for (; n > 0 && !items; n = items ? n : n / 2) {
+        items = static_cast<_CRYPTOAPI_BLOB*>(_heap_allocator::allocate(n * sizeof *items));
+        if (items) {
+            std::fill_n(items, n, _CRYPTOAPI_BLOB{});
+            count = n;
+        }
+    }
+}
+
+void CVLBlobSeq::Clear() noexcept
+{
+    for (DWORD i = 0; i < count; ++i)
+        _heap_allocator::release(items[i].pbData);
+    _heap_allocator::release(items);
+    items = nullptr;
+    count = cursor = 0;
+}
+
+void CVLBlobSeq::SecureClear() noexcept
+{
+    for (DWORD i = 0; i < count; ++i) {
+        if (items[i].pbData)
+            SecureZeroMemory(items[i].pbData, items[i].cbData);
+    }
+    Clear();
+}
+
+void CVLBlobSeq::Assign(const CRYPT_SEQUENCE_OF_ANY& elements)
+{
+    Clear();
+    if (elements.cValue == 0)
+        return;
+    items = _auto_heap_mem<_CRYPTOAPI_BLOB>(elements.cValue).release();
+    std::fill_n(items, elements.cValue, _CRYPTOAPI_BLOB{});
+    count = elements.cValue;
+    for (DWORD i = 0; i < count; ++i)
+        items[i] = copyOf(blobView(elements.rgValue[i]));
+}
+
+void CVLBlobSeq::Encode(_CRYPTOAPI_BLOB& destination) const
+{
+    size_t length = 0;
+    for (DWORD i = 0; i < count; ++i)
+        length += blobView(items[i]).size();
+    BYTE* out = beginElement(derTag::sequence, length, destination);
+    if (!out)
+        return;
+    for (DWORD i = 0; i < count; ++i) {
+        const bytes_t element = blobView(items[i]);
+        out = std::copy(element.begin(), element.end(), out);
+    }
+}
+
+bool CVLBlobSeq::Decode(const _CRYPTOAPI_BLOB* source)
+{
+    if (!source)
+        return false;
+    return withStatus([this, source] {
+        CDerSequenceView elements;
+        if (!elements.Decode(blobView(*source)))
+            return false;
+        std::vector<_CRYPTOAPI_BLOB> records;
+        records.reserve(elements.Count());
+        for (const CDerElement& element : elements) {
+            const bytes_t bytes = element.Encoded();
+            records.push_back({static_cast<DWORD>(bytes.size()), const_cast<BYTE*>(bytes.data())});
+        }
+        Assign({static_cast<DWORD>(records.size()), records.data()});
+        return true;
+    });
+}
+
+CVLBlobSeq& CVLBlobSeq::ReadNextWStr(_auto_heap_mem<wchar_t>& out)
+{
+    out.reset();
+    const _CRYPTOAPI_BLOB* element = ReadNext();
+    if (!element)
+        return *this;
+    const std::u16string text =
+        withStatus([element] { return CDerElement(blobView(*element)).WideText(); });
+    _auto_heap_mem<wchar_t> copy(text.size() + 1);
+    *std::copy(text.begin(), text.end(), copy.get()) = L'\0';
+    out = std::move(copy);
+    return *this;
+}

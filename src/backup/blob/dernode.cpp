@@ -1,33 +1,10 @@
 #include "backup/blob/dernode.h"
 
-#include "backup/blob/dertag.h"
+#include "backup/blob/derheader.h"
 
 #include <algorithm>
 
 namespace {
-
-// The octets that a length takes behind its first one: none below 128.
-unsigned lengthOctets(size_t length) noexcept
-{
-    unsigned count = 0;
-    for (size_t rest = length < 0x80 ? 0 : length; rest != 0; rest >>= 8)
-        ++count;
-    return count;
-}
-
-uint8_t* writeHeader(uint8_t* out, uint8_t tag, size_t length) noexcept
-{
-    *out++ = tag;
-    unsigned count = lengthOctets(length);
-    if (count == 0) {
-        *out++ = static_cast<uint8_t>(length);
-        return out;
-    }
-    *out++ = static_cast<uint8_t>(0x80 | count);
-    while (count-- > 0)
-        *out++ = static_cast<uint8_t>(length >> (8 * count));
-    return out;
-}
 
 template <class Char> std::vector<uint8_t> bmpString(std::basic_string_view<Char> text)
 {
@@ -112,14 +89,14 @@ size_t CDerNode::Measure() noexcept
                 break;
         }
     }
-    return 2 + lengthOctets(m_size) + m_size;
+    return derHeaderSize(m_size) + m_size;
 }
 
 uint8_t* CDerNode::Write(uint8_t* out) const noexcept
 {
     if (IsEmpty())
         return out;
-    out = writeHeader(out, m_tag, m_size);
+    out = derWriteHeader(out, m_tag, m_size);
     if (const auto* children = std::get_if<Children>(&m_content)) {
         for (const CDerNode& child : *children)
             out = child.Write(out);

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+// CDerReader takes DER elements (X.690, definite lengths) off the front of bytes it doesn't own. It
+// never looks past them. A read that fails returns false and leaves the reader and every out
+// argument as they were.
+//
+// The platform's decoder reads some forms that DER forbids, and hosts have backups from it, so
+// these are read too:
+//   - a length in more octets than it needs, up to four behind the first (04 81 01 41)
+//   - an integer with needless octets in front, or with none at all (02 00)
+//   - bytes behind the outer element, as each operation on a whole element ignores them
+// and these are refused, as it refuses them:
+//   - indefinite length (80), the reserved first octet FF, five or more length octets
+//   - an element that is longer than what is left
+//   - a tag other than the one asked for, which for a sequence is 30 alone
+// It differs in these: an element of a tag number above 30, whose tag takes more octets, is stepped
+// over whole, and a string cut into segments (24) is refused, as the format never had either. There
+// is no limit to the size of an element but the 32 bits of a length of four octets.
+class CDerReader
+{
+public:
+    explicit CDerReader(std::span<const uint8_t> bytes) noexcept : m_rest(bytes) {}
+
+    bool AtEnd() const noexcept { return m_rest.empty(); }
+
+    // Read takes an element of that tag.
+    // contents: the content octets without tag and length, a view into the reader's bytes
+    [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept;
+
+    // ReadAny takes an element of any tag; of a tag of several octets, the first is told.
+    [[nodiscard]] bool ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept;
+
+    // ReadElement takes an element of any tag whole, with tag and length.
+    [[nodiscard]] bool ReadElement(std::span<const uint8_t>& element) noexcept;
+
+private:
+    struct Extent {
+        size_t header; // octets of tag and length
+        size_t length; // content octets, all of them there
+    };
+    bool Next(Extent& extent) const noexcept;
+
+    std::span<const uint8_t> m_rest;
+};
