@@ -1,0 +1,23 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+// SettingDef is one key that the provider knows, with its text while none is stored.
+struct SettingDef {
+    const wchar_t* key;
+    const wchar_t*
+        text; // may hold references such as %APPDATA%; null: the installation's bin folder
+};
+
+std::span<const SettingDef> allsettings() noexcept;
+
+// findsetting gives the setting of a key, exact in case; null for a key that isn't one.
+const SettingDef* findsetting(std::wstring_view key) noexcept;
+
+// defaulttext is the setting's text while none is stored.
+//
+// expanded: false keeps the references. With true, a text whose variable is not set is empty, so
+//           that no folder of that odd name comes into being
+std::wstring defaulttext(const SettingDef& setting, bool expanded);
