@@ -1,5 +1,6 @@
 #include "storage/paths.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <memory>
@@ -56,11 +57,15 @@ std::wstring shortpath(const std::wstring& path)
     if (path.empty())
         return {};
     std::wstring work = lowerpath(unifyslashes(path));
+    std::wstring backslashed = work;
+    std::replace(backslashed.begin(), backslashed.end(), L'/', L'\\');
     for (size_t row = 0; row < prefixcount; ++row) {
         const std::wstring& folder = prefixcache.folder(row);
         // A folder that could not be found out is an empty text, and that is found in front.
         // Intended: the classes of quick links build on it.
-        const size_t at = work.find(folder);
+        size_t at = work.find(folder);
+        if (at == std::wstring::npos) // a path written with forward slashes lies there too
+            at = backslashed.find(folder);
         if (at != std::wstring::npos)
             return work.replace(at, folder.size(), prefixrows[row].prefix);
     }
