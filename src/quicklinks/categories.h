@@ -2,13 +2,25 @@
 
 #include "backup/blob/dernode.h"
 
-// qlcategories_backup makes the list of the user's quick link categories.
+struct _CRYPTOAPI_BLOB;
+
+// The user's quick link categories: names and texts that the dashboard keeps as string values in
+// HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\QLCategories. They are carried, and
+// not looked into. Neither operation traces anything.
+
+// qlcategories_backup makes the list of the categories, in the order of enumeration. It ends at the
+// first value that isn't a terminated string.
 //
-// out:     receives a sequence of pairs of name and text; may be null
-// Returns: true when the key holds at least one value
-// Source:  HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\QLCategories
+// out:     receives a sequence of pairs of name and text, both wide; may be null
+// Returns: true when the key holds at least one value, of whatever kind
+// Errors:  std::bad_alloc
+// Source:  RegEnumValueW, RegQueryValueExW
 bool qlcategories_backup(CDerNode* out);
 
-// qlcategories_restore replaces the categories by those of an encoded element; null does nothing.
-struct _CRYPTOAPI_BLOB;
+// qlcategories_restore replaces the categories by those of an encoded list, all of type REG_SZ,
+// and empties the text of the category last used. An undecodable list is an empty one; null does
+// nothing.
+//
+// Errors: std::bad_alloc
+// Source: RegDeleteKeyW, RegCreateKeyExW, RegSetValueExW; their failures are passed over
 void qlcategories_restore(const _CRYPTOAPI_BLOB* blob);

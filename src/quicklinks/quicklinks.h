@@ -1,40 +1,94 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "quicklinks/lookup.h"
+#include "quicklinks/record.h"
 #include "storage/textfile.h"
 
-// QLRecord is one quick link. All strings are UTF-8.
-struct QLRecord {
-    uint32_t kind = 0; // 0 nothing yet, 1 a web link, 2 a dialog link
-    std::string url;
-    std::string dlgpath;
-    std::string manifest; // as stored: may hold %appdata%, may start with the alien mark
-    std::string manifestid;
-    uint32_t profile = 0;
-    int32_t index = -1; // position after a load; -1 in a fresh record
-    std::string name;
-    bool wocred = false;
-};
-
-// QL is the user's quick link file in memory. It belongs to the operation that built it.
+// QL is the user's quick link file in memory. It belongs to the operation that built it: no locks,
+// and two writers of the file overwrite each other. Nothing here raises but for want of memory.
+//
+// A quick link is looked up by the file name of its manifest and its profile; the manifest's folder
+// takes no part, so that a template which moved still finds its quick link.
 class QL
 {
 public:
-    QL(); // loads the file named by the settings
+    // The constructor loads the file named by the settings and fills filtered. A missing file is an
+    // empty list.
+    QL();
+
+    // add makes a quick link, or updates the first one with that manifest's file name and profile.
+    //
+    // target:   an address or a dialog path, told apart by isdlgpath
+    // manifest: the template's full path; a found record keeps the path that it has
+    // Errors:   refused with a trace when manifest has no file name, silently when name or target
+    // is empty
     void add(const std::string& name, const std::string& target, const std::string& manifest,
              uint32_t profile, const std::string& manifestid, bool wocred);
+
+    // find gives the first record of that file name and profile.
+    //
+    // manifestfile: a path or a bare file name; its file name counts, and the case of it
+    // profile:      all ones for any
+    // Returns:      a loan until records changes; null when there is none
+    QLRecord* find(std::string_view manifestfile, uint32_t profile);
+
+    // flush saves the file when dirty, and then takes the save's success for dirty.
     void flush();
+
+    // removefile deletes the file. Returns: true when it was there and is gone.
     static bool removefile();
 
-    std::vector<QLRecord> records;
-    std::string krsurls;
-    std::string krsdlgpaths;
-    bool dirty = false;
-    std::vector<QLRecord> filtered; // copies of the records that a backup carries
+    // filter selects what a backup carries: each record of a folder other than the user's roaming
+    // templates folder, and of the user's own those whose target is neither in the list nor another
+    // folder's too.
+    //
+    // list: UTF-8 items separated by commas
+    // keep: replaced by copies, in the order of records
+    void filter(const std::string& list, std::vector<QLRecord>& keep) const;
+
+    // parse replaces records and both lists by what the lines hold. Lines that are no key and value
+    // are traced and skipped, unknown keys are ignored, records whose manifest isn't there now are
+    // dropped.
+    void parse(const TextLines& lines);
+
+    // render writes the records that have a kind, then the lists that aren't empty, each line with
+    // one line feed.
+    void render(const std::string& urls, const std::string& dlgpaths, std::ostream& out) const;
+
+    // save writes the file, with CR LF. There is no way back: a failure on the way leaves a short
+    // or empty file.
+    //
+    // fileName: at most 260 characters
+    // traced:   whether the name is traced
+    // Returns:  true when the file was written; a failure is traced
+    bool save(const std::wstring& fileName, bool traced) const;
+
+    std::vector<QLRecord> records;  // changed by parse and add; others may append
+    std::string krsurls;            // items separated by commas, from the file
+    std::string krsdlgpaths;        // likewise
+    bool dirty = false;             // records changed since the load; see flush for its odd end
+    std::vector<QLRecord> filtered; // copies of the records that a backup carries; from the load
     bool tracing = true;
+
+private:
+    QLLookup m_lookup;
 };
 
+// qlfilename is the full name of the quick link file; empty if unset. Source: setting
+// path_quicklink_filename.
 std::wstring qlfilename();
+
+// isdlgpath tells a dialog link from an address by its text: it names iexplore.exe anywhere, or
+// ends in .exe.
+bool isdlgpath(std::string_view target);
+
+// splitdlgpath splits a dialog link behind the browser's program name; any other text is all head.
+//
+// head, tail: replaced, both in lower case
+void splitdlgpath(const std::wstring& text, std::wstring& head, std::wstring& tail);

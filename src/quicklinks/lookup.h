@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "quicklinks/record.h"
+
+// QLLookup finds the first record of a file name and profile without a walk through all of them. It
+// follows a list that grows at its end, shrinks or is cleared. A profile that changes may only
+// become anyprofile. Portable.
+class QLLookup
+{
+public:
+    static constexpr uint32_t anyprofile = 0xFFFFFFFF;
+    static constexpr size_t none = SIZE_MAX;
+
+    // first gives the lowest position whose manifest has exactly that file name, and that profile
+    // or any.
+    size_t first(const std::vector<QLRecord>& records, std::string_view file, uint32_t profile);
+
+    // clear is due when records were replaced.
+    void clear() noexcept;
+
+private:
+    void follow(const std::vector<QLRecord>& records);
+
+    // Each record stands under its own profile and under anyprofile; positions ascend.
+    std::unordered_map<std::string, std::vector<size_t>> m_positions;
+    size_t m_followed = 0; // records that stand in m_positions
+};
+
+// qlfilepart is the text behind the last \, / or : of a path; all of it if there is none.
+std::string_view qlfilepart(std::string_view path) noexcept;
