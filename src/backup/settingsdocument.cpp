@@ -1,0 +1,255 @@
+#include "backup/settingsdocument.h"
+
+#include <windows.h>
+#include <wincrypt.h>
+#include <comdef.h>
+
+#include <json/json.h>
+
+#include "backup/blob/derview.h"
+#include "common/scoped.h"
+#include "common/text.h"
+#include "storage/settings.h"
+#include "storage/textfile.h"
+#include "tracecore/tracer.h"
+
+using namespace tracecore;
+
+namespace {
+
+// A member carries the key of its setting.
+constexpr char showPrompt[] = "show_training_prompt";
+constexpr char hotKey[] = "open_guard_desk_qa";
+constexpr char grabbing[] = "useGrabbingCreds";
+constexpr char listFile[] = "path_dontpromptlist_filename";
+
+// Booleans are stored as these: "0" would read back as the default.
+constexpr wchar_t storedTrue[] = L"1";
+constexpr wchar_t storedFalse[] = L"-1";
+
+// NewSettings is what a restore found; what is empty stays as it is.
+struct NewSettings {
+    std::wstring prompt;
+    std::wstring grabbing;
+    std::wstring hotKey;
+    std::wstring listText;
+    std::wstring listPath;
+};
+
+std::wstring SettingKey(const char* member)
+{
+    return wideFromUtf8(member);
+}
+
+// TraceCaught traces the exception in flight the way the error frame does.
+void TraceCaught(const std::string& operation)
+{
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        traceException((operation + "[std]").c_str(), exception);
+    } catch (const _com_error& error) {
+        traceIfFailed((operation + "[com]").c_str(), error.Error());
+    } catch (...) {
+        traceNote((operation + "oo").c_str());
+    }
+}
+
+// CFileView is a mapped file that ends with the block.
+class CFileView
+{
+public:
+    explicit CFileView(const std::wstring& path) : m_mapped(mapfile_open(path)) {}
+    ~CFileView() { mapfile_close(m_mapped); }
+    CFileView(const CFileView&) = delete;
+    CFileView& operator=(const CFileView&) = delete;
+    const MappedFile& get() const noexcept { return m_mapped; }
+
+private:
+    MappedFile m_mapped;
+};
+
+std::string ReadListText(const std::wstring& path)
+{
+    std::string text;
+    if (!path.empty())
+        decodetext(CFileView(path).get(), text);
+    return text;
+}
+
+// BoolOf is true for whatever isn't empty or zero. The library itself refuses texts and containers.
+bool BoolOf(const Json::Value& value)
+{
+    if (value.isString())
+        return !value.asString().empty();
+    if (value.isArray() || value.isObject())
+        return !value.empty();
+    return value.asBool();
+}
+
+// TextOf refuses numbers, which the library itself would write out.
+std::wstring TextOf(const Json::Value& value)
+{
+    if (value.isNumeric())
+        Json::throwLogicError("Type is not convertible to string");
+    return wideFromUtf8(value.asString());
+}
+
+// MemberOf gives null for a member of a value that has nothing in it.
+const Json::Value& MemberOf(const Json::Value& value, const char* member)
+{
+    return value.empty() && !value.isObject() ? Json::Value::nullSingleton() : value[member];
+}
+
+void ReadMembers(const Json::Value& root, NewSettings& found)
+{
+    const Json::Value& current = MemberOf(root["settings"], "current");
+    const Json::Value& prompt = MemberOf(current, showPrompt);
+    if (!prompt.empty())
+        found.prompt = BoolOf(prompt) ? storedTrue : storedFalse;
+    const Json::Value& grab = MemberOf(current, grabbing);
+    if (!grab.empty())
+        found.grabbing = BoolOf(grab) ? storedTrue : storedFalse;
+    const Json::Value& key = MemberOf(current, hotKey);
+    if (!key.empty())
+        found.hotKey = TextOf(key);
+    // The list's path stays empty, so that the list is not written back. Intended.
+    const Json::Value& list = MemberOf(current, listFile);
+    if (!list.empty())
+        found.listText = TextOf(list);
+}
+
+bool ReadDocument(const CDerElement& element, NewSettings& found)
+{
+    std::string text;
+    try {
+        text = element.NarrowText();
+    } catch (...) {
+        TraceCaught("json_settings");
+    }
+    if (text.empty()) {
+        traceFormat(0, "Empty json data.");
+        return false;
+    }
+    Json::Value root;
+    if (!Json::Reader().parse(text, root, true)) {
+        traceFormat(0, "Bad json format.");
+        return false;
+    }
+    ReadMembers(root, found);
+    return true;
+}
+
+void ReadLegacy(const CDerSequenceView& elements, NewSettings& found)
+{
+    found.prompt = elements[0].Integer() == 1 ? storedTrue : storedFalse;
+    const std::u16string key = elements[1].WideText();
+    found.hotKey.assign(key.begin(), key.end());
+    if (elements.Count() != 3)
+        return;
+    found.listPath = settings_getpath(SettingKey(listFile));
+    // The whole element, tag and length with it, is the text. Intended.
+    const std::span<const uint8_t> encoded = elements[2].Encoded();
+    const std::string text(encoded.begin(), encoded.end());
+    found.listText = wideFromUtf8(text.c_str());
+}
+
+void WriteListFile(const std::wstring& path, const std::wstring& text)
+{
+    const CFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
+        return;
+    // The count is in characters where the call takes bytes: the first half arrives. Intended.
+    DWORD written = 0;
+    if (WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
+        traceFormat(0, "file name='%ls', dataLen = %d.", path.c_str(), written);
+}
+
+void Apply(const NewSettings& found)
+{
+    if (!found.prompt.empty())
+        settings_set(SettingKey(showPrompt), found.prompt);
+    if (!found.hotKey.empty())
+        settings_set(SettingKey(hotKey), found.hotKey);
+    if (!found.grabbing.empty())
+        settings_set(SettingKey(grabbing), found.grabbing);
+    if (!found.listPath.empty() && !found.listText.empty())
+        WriteListFile(found.listPath, found.listText);
+}
+
+} // namespace
+
+bool ExportSettings(CDerNode* slot)
+{
+    if (!slot)
+        return false;
+    const bool promptDefault = settings_getbool(L"show_training_prompt_def", false);
+    const bool prompt = settings_getbool(SettingKey(showPrompt), promptDefault);
+    std::string key = utf8FromWide(settings_getpath(SettingKey(hotKey)));
+    if (key.empty())
+        key = "Ctrl+Win+72";
+    const std::wstring listPath = settings_getpath(SettingKey(listFile));
+    const std::string list = ReadListText(listPath);
+    const bool grab = settings_getpath(SettingKey(grabbing)) == L"1";
+
+    traceFormat(0, "Pre train [default] = %s", promptDefault ? "Show" : "Hide");
+    traceFormat(0, "Pre train [current] = %s", prompt ? "Show" : "Hide");
+    traceFormat(0, "Hotkey    [current] = %ls", wideFromUtf8(key).c_str());
+    if (!list.empty())
+        traceFormat(0, "Dont prmpt[size=%d] = %ls", static_cast<int>(list.size()),
+                    listPath.c_str());
+    traceFormat(0, "Use Grabbing Creds  = %s", grab ? "Yes" : "No");
+
+    Json::Value root;
+    Json::Value& current = root["settings"]["current"];
+    current[showPrompt] = prompt;
+    current[hotKey] = key;
+    current[grabbing] = grab;
+    if (!list.empty())
+        current[listFile] = list;
+    std::string text;
+    jv2s(root, text);
+    slot->SetSequence(1);
+    slot->Child(0).SetNarrow(text);
+    return true;
+}
+
+bool RestoreSettings(const _CRYPTOAPI_BLOB* element)
+{
+    if (!element) {
+        traceFormat(0, "Invalid BLOB pointer.");
+        return false;
+    }
+    CDerSequenceView elements; // stays without any when the element isn't a sequence
+    if (element->pbData)
+        static_cast<void>(elements.Decode({element->pbData, element->cbData}));
+    NewSettings found;
+    if (elements.Count() == 1) {
+        if (!ReadDocument(elements[0], found))
+            return false;
+    } else if (elements.Count() >= 2) {
+        ReadLegacy(elements, found);
+    } else {
+        traceStatus("Unsupported settings format.", 0);
+        return false;
+    }
+    Apply(found);
+    return true;
+}
+
+void jv2s(const Json::Value& value, std::string& text)
+{
+    text.clear();
+    if (value.empty())
+        return;
+    try {
+        Json::FastWriter writer;
+        std::string line = writer.write(value);
+        if (line.ends_with('\n'))
+            line.pop_back();
+        text = std::move(line);
+    } catch (...) {
+        TraceCaught("jv2s");
+    }
+}
