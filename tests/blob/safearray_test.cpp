@@ -1,0 +1,191 @@
+#include "backup/blob/safearray.h"
+
+#include <cerrno>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using bytes = std::vector<uint8_t>;
+
+// The status that a call raises; S_OK for none.
+HRESULT raised(const std::function<void()>& call)
+{
+    try {
+        call();
+        return S_OK;
+    } catch (const ATL::CAtlException& e) {
+        return e.m_hr;
+    }
+}
+
+struct arrayDeleter {
+    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
+};
+using array_t = std::unique_ptr<SAFEARRAY, arrayDeleter>;
+
+array_t made(VARTYPE type, ULONG count, LONG lower = 0)
+{
+    SAFEARRAYBOUND bound{count, lower};
+    return array_t(SafeArrayCreate(type, 1, &bound));
+}
+
+bytes bytesOf(const CVLByteArray& array)
+{
+    return {array.Bytes().begin(), array.Bytes().end()};
+}
+
+TEST(CVLBstrArray, AppendsFromNothingAndReplacesInPlace)
+{
+    CVLBstrArray names;
+    EXPECT_EQ(names.SetAt(0, nullptr), E_INVALIDARG); // before the bounds are asked for
+    EXPECT_NE(raised([&] { names.SetAt(0, L"x"); }), S_OK);
+    EXPECT_EQ(names.Add(L"first"), S_OK);
+    EXPECT_EQ(names.LowerBound(), 0);
+    EXPECT_EQ(names.UpperBound(), 0);
+    EXPECT_EQ(names.Get()->cLocks, 1u);
+    EXPECT_EQ(names.Add(L"second"), S_OK);
+    EXPECT_EQ(names.SetAt(0, L"new"), S_OK);
+    EXPECT_EQ(names.SetAt(2, L"x"), E_INVALIDARG);
+    EXPECT_EQ(names.SetAt(-1, L"x"), E_INVALIDARG);
+
+    ATL::CComVariant wrapped;
+    names.Wrap(wrapped);
+    EXPECT_EQ(wrapped.vt, 0x2008);
+    ASSERT_NE(wrapped.parray, names.Get());
+    const auto* texts = static_cast<BSTR*>(wrapped.parray->pvData);
+    EXPECT_STREQ(texts[0], L"new");
+    EXPECT_STREQ(texts[1], L"second");
+    EXPECT_EQ(wrapped.parray->cLocks, 0u);
+    EXPECT_EQ(names.Release(), S_OK);
+    EXPECT_EQ(names.Get(), nullptr);
+}
+
+TEST(CVLVariantArray, StoresDeepCopiesThroughOneReference)
+{
+    ATL::CComVariant text(L"value");
+    VARIANT reference;
+    reference.vt = VT_BYREF | VT_VARIANT;
+    reference.pvarVal = &text;
+    CVLVariantArray array;
+    EXPECT_EQ(array.Add(reference), S_OK);
+    text.Clear();
+    const auto& stored = *static_cast<VARIANT*>(array.Get()->pvData);
+    ASSERT_EQ(stored.vt, VT_BSTR);
+    EXPECT_STREQ(stored.bstrVal, L"value");
+    ATL::CComVariant wrapped;
+    array.WrapReleased(wrapped);
+    EXPECT_EQ(wrapped.vt, 0x200C);
+    EXPECT_EQ(array.Get(), nullptr);
+}
+
+TEST(CVLByteArray, AppendsRunsAndResizes)
+{
+    CVLByteArray array;
+    EXPECT_EQ(array.SetAt(0, 1), E_FAIL);
+    EXPECT_EQ(raised([&] { array.Resize(1, 0); }), E_FAIL);
+    EXPECT_EQ(array.Add({}), S_OK);
+    ASSERT_NE(array.Get(), nullptr);
+    EXPECT_EQ(array.UpperBound(), -1);
+    EXPECT_EQ(array.Add(bytes{1, 2, 3}), S_OK);
+    EXPECT_EQ(array.Add(bytes{4}), S_OK);
+    EXPECT_EQ(bytesOf(array), (bytes{1, 2, 3, 4}));
+    EXPECT_EQ(array.Resize(2, 7), S_OK);
+    EXPECT_EQ(array.SetAt(8, 9), S_OK);
+    EXPECT_EQ(array.SetAt(6, 9), E_INVALIDARG);
+    EXPECT_EQ(array.Add(bytes{5, 6}), S_OK); // behind index 8
+    EXPECT_EQ(array.UpperBound(), 10);
+    EXPECT_EQ(bytesOf(array), (bytes{1, 9, 5, 6}));
+    array.Get()->fFeatures |= FADF_FIXEDSIZE;
+    EXPECT_EQ(array.Resize(9, 0), E_FAIL);
+    EXPECT_EQ(array.Add(bytes{7}), E_FAIL);
+    EXPECT_EQ(bytesOf(array), (bytes{1, 9, 5, 6}));
+    array.Get()->fFeatures &= static_cast<USHORT>(~FADF_FIXEDSIZE);
+    SafeArrayLock(array.Get()); // somebody else's
+    EXPECT_EQ(array.Resize(9, 0), DISP_E_ARRAYISLOCKED);
+    EXPECT_EQ(array.Release(), DISP_E_ARRAYISLOCKED);
+    ASSERT_NE(array.Get(), nullptr);
+}
+
+TEST(CVLByteArray, CopiesOnlyBytes)
+{
+    const struct {
+        const char* what;
+        VARTYPE type;
+        ULONG count;
+        LONG lower;
+        HRESULT refusal;
+    } cases[] = {
+        {"bytes from 5", VT_UI1, 3, 5, S_OK},
+        {"no bytes", VT_UI1, 0, 0, S_OK},
+        {"strings", VT_BSTR, 2, 0, E_INVALIDARG},
+        {"objects", VT_UNKNOWN, 1, 0, E_INVALIDARG},
+        {"dispatch objects", VT_DISPATCH, 1, 0, E_INVALIDARG},
+        {"signed bytes", VT_I1, 1, 0, E_INVALIDARG},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const array_t source = made(c.type, c.count, c.lower);
+        CVLByteArray holder;
+        holder.Add(bytes{42});
+        EXPECT_EQ(raised([&] { EXPECT_EQ(holder.CopyFrom(source.get()), S_OK); }), c.refusal);
+        if (c.refusal != S_OK) {
+            EXPECT_EQ(bytesOf(holder), bytes{42}); // refused before what is held goes
+            continue;
+        }
+        EXPECT_NE(holder.Get(), source.get());
+        EXPECT_EQ(holder.Get()->cLocks, 1u);
+        EXPECT_EQ(holder.LowerBound(), c.lower);
+        EXPECT_EQ(holder.Bytes().size(), c.count);
+    }
+    CVLByteArray holder;
+    EXPECT_EQ(raised([&] { holder.CopyFrom(nullptr); }), E_INVALIDARG);
+    ATL::CComVariant wrapped;
+    for (const bool copied : {true, false}) {
+        EXPECT_EQ(raised([&] { copied ? holder.Wrap(wrapped) : holder.WrapReleased(wrapped); }),
+                  E_INVALIDARG);
+        EXPECT_EQ(wrapped.vt, VT_ERROR);
+        EXPECT_EQ(wrapped.scode, E_INVALIDARG);
+    }
+}
+
+TEST(HandOver, MovesOrClearsTheLocalOne)
+{
+    ATL::CComVariant local(L"text"), output(L"old");
+    const BSTR text = local.bstrVal;
+    handOver(&output, local);
+    EXPECT_EQ(output.bstrVal, text);
+    EXPECT_EQ(local.vt, VT_EMPTY);
+
+    handOver(nullptr, output);
+    EXPECT_EQ(output.vt, VT_EMPTY);
+
+    ATL::CComVariant again(L"text");
+    VARIANT invalid{};
+    invalid.vt = 0x7777; // can't be cleared
+    handOver(&invalid, again);
+    EXPECT_EQ(invalid.vt, 0x7777);
+    EXPECT_EQ(again.vt, VT_EMPTY);
+
+    const importPatch_t patch(GetModuleHandleW(nullptr), "memcpy_s",
+                              reinterpret_cast<void*>(&refusedCopy));
+    ASSERT_TRUE(patch.found());
+    const struct {
+        errno_t result;
+        HRESULT status;
+    } cases[] = {{0, S_OK},
+                 {STRUNCATE, S_OK},
+                 {ENOMEM, E_OUTOFMEMORY},
+                 {EINVAL, E_INVALIDARG},
+                 {ERANGE, E_INVALIDARG},
+                 {1, E_FAIL}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.result);
+        EXPECT_EQ(raised([&] { ATL::AtlCrtErrorCheck(c.result); }), c.status);
+    }
+}
+
+} // namespace
