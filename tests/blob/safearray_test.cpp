@@ -169,10 +169,10 @@ TEST(HandOver, MovesOrClearsTheLocalOne)
     handOver(&invalid, again);
     EXPECT_EQ(invalid.vt, 0x7777);
     EXPECT_EQ(again.vt, VT_EMPTY);
+}
 
-    const importPatch_t patch(GetModuleHandleW(nullptr), "memcpy_s",
-                              reinterpret_cast<void*>(&refusedCopy));
-    ASSERT_TRUE(patch.found());
+TEST(HandOver, RaisesForARefusedMemoryCopy)
+{
     const struct {
         errno_t result;
         HRESULT status;
