@@ -1,6 +1,19 @@
 #include <windows.h>
 
-BOOL WINAPI DllMain(HINSTANCE, DWORD, void*)
+#include "common/osversion.h"
+#include "resources/muimodule.h"
+#include "resources/resourcemodule.h"
+
+// Current systems redirect resource look-ups to the language file by themselves; on older ones the
+// file is chosen here, once. No thread, no trace: the loader's lock is held.
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 {
+    if (systemRedirectsResources(osVersionAtStart()))
+        return TRUE;
+    if (reason == DLL_PROCESS_ATTACH)
+        SetResourceModule(LoadMuiModule(instance));
+    else if (reason == DLL_PROCESS_DETACH)
+        if (const HMODULE language = SetResourceModule(nullptr))
+            FreeLibrary(language);
     return TRUE;
 }

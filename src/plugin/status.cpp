@@ -1,11 +1,142 @@
+#include "atl/comutil.h"
+#include "backup/blob/safearray.h"
+#include "common/scoped.h"
+#include "common/status.h"
+#include "plugin/errorframe.h"
+#include "plugin/notification.h"
 #include "plugin/vlktpages.h"
+#include "resources/strings.h"
+#include "tracecore/tracer.h"
 
-STDMETHODIMP CVLKTPages::GetStatus(ULONG*, BSTR*)
+using namespace VLONLINEIDSLib;
+using ATL::CComBSTR;
+using ATL::CComVariant;
+using tracecore::traceScope_t;
+
+namespace {
+
+constexpr UINT textDisabledByPolicy = 1029;
+
+// readStatusInput reads IDCard_SS, which other components maintain. A value of any type with four
+// bytes is taken as the number; whatever can't be read is 0.
+DWORD readStatusInput() noexcept
 {
-    return E_NOTIMPL;
+    CRegistryKey key;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard", 0,
+                      KEY_READ, key.put()) != ERROR_SUCCESS)
+        return 0;
+    DWORD value = 0;
+    DWORD size = sizeof value;
+    if (RegQueryValueExW(key.get(), L"IDCard_SS", nullptr, nullptr, reinterpret_cast<BYTE*>(&value),
+                         &size) != ERROR_SUCCESS)
+        return 0;
+    return value;
 }
 
-STDMETHODIMP CVLKTPages::GetStatus(ULONG*)
+struct status_t {
+    ULONG status;
+    UINT text; // the string's number
+};
+
+status_t statusFromInput(DWORD input) noexcept
 {
-    return E_NOTIMPL;
+    switch (input) {
+    case 0:
+        return {0, 1054};
+    case 1:
+        return {2, 1053};
+    default:
+        return {1, 1031};
+    }
+}
+
+BSTR brandedBstr(UINT id)
+{
+    return CComBSTR(GetBrandedString(id).c_str()).Detach();
+}
+
+} // namespace
+
+// Of IVLKSecurityStatus. Disabled by policy is told by status 0, a text and a failure all at once.
+STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
+{
+    const traceScope_t scope("CVLKTPages::GetStatus");
+    try {
+        *status = 0;
+        ULONG disabled = 0;
+        GetGPOSettings(&disabled); // a policy that can't be asked is no policy
+        if (disabled) {
+            *text = brandedBstr(textDisabledByPolicy);
+            raiseStatus(E_NOTIMPL);
+        }
+        const status_t found = statusFromInput(readStatusInput());
+        *status = found.status;
+        *text = brandedBstr(found.text);
+        return S_OK;
+    } catch (...) {
+        return frameStatus("GetStatus");
+    }
+}
+
+// Of IVLKTDisableApp; what is raised is traced and the result stays 0.
+STDMETHODIMP CVLKTPages::GetStatus(ULONG* status)
+{
+    const traceScope_t scope("CVLKTPages::GetStatus");
+    if (!status)
+        return E_POINTER;
+    try {
+        *status = 0;
+        ULONG disabled = 0;
+        const HRESULT result = GetGPOSettings(&disabled);
+        if (result == 0)
+            *status = disabled ? 3 : 1;
+        else if (result == 1)
+            *status = disabled ? 2 : 0;
+    } catch (...) {
+        frameStatus("GetStatus");
+    }
+    return S_OK;
+}
+
+LONG CVLKTPages::GetSecurityLevel()
+{
+    const traceScope_t scope("CVLKTPages::GetSecurityLevel");
+    auto status = static_cast<ULONG>(-1);
+    CComBSTR text;
+    IVLKSecurityStatus* const self = this;
+    self->GetStatus(&status, &text.m_str); // a disabled application goes on as status 0
+    switch (status) {
+    case 0:
+        return IsLevelTwoDismissed() ? 4 : 2;
+    case 1:
+        return 3;
+    case 2:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+void CVLKTPages::GetExplanation(BSTR* explanation)
+{
+    const traceScope_t scope("CVLKTPages::GetExplanation");
+    *explanation = nullptr;
+    ULONG status = 0;
+    IVLKSecurityStatus* const self = this;
+    self->GetStatus(&status, explanation);
+}
+
+void CVLKTPages::GetNotifications(SAFEARRAY** notices)
+{
+    const traceScope_t scope("CVLKTPages::GetNotifications");
+    *notices = nullptr;
+    CComBSTR explanation;
+    GetExplanation(&explanation.m_str);
+    const LONG level = GetSecurityLevel();
+    // Without memory for the object the array carries a null one.
+    CComVariant notice(
+        static_cast<IUnknown*>(new (std::nothrow) CNotification(level, explanation)));
+    CVLVariantArray list;
+    list.Add(notice);
+    *notices = list.Detach();
 }

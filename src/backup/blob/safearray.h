@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 
 #include <windows.h>
 #include <oleauto.h>
@@ -36,6 +37,9 @@ public:
 
     // Release unlocks and destroys the array. The holder stays as it is unless both succeed.
     HRESULT Release() noexcept;
+
+    // Detach gives up the array, the caller's, with the lock that the holder took.
+    [[nodiscard]] SAFEARRAY* Detach() noexcept { return std::exchange(m_array, nullptr); }
 
     // Wrap puts a copy of the array into the variant, whose old content is overwritten, not
     // cleared. A failure, or an empty holder with E_INVALIDARG, is raised and stands in the variant
