@@ -1,8 +1,51 @@
 #include "tracecore/realtracer.h"
 
+#include "atl/security.h"
+#include "tracecore/tracer.h"
+
 namespace tracecore {
 
-tracer_t::tracer_t() = default;
+namespace {
+
+// The mutex has a name of its own in each process, which a tool can look up, and lets every user
+// in, since those who call into one process may be different ones.
+CKernelHandle makeWritersMutex() noexcept
+{
+    try {
+        const std::wstring name =
+            formatWide(L"Global\\%s_%04X", L"VLMAX_tracemutex", GetCurrentProcessId());
+        CKernelHandle handle;
+        if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, handle.put()))
+            return {};
+        ATL::CAccessToken token;
+        token.Attach(handle.release());
+
+        ATL::CDacl list;
+        list.AddAllowedAce(ATL::CSid(5, {SECURITY_AUTHENTICATED_USER_RID}), GENERIC_ALL, 0);
+        list.AddAllowedAce(ATL::CSid(5, {SECURITY_LOCAL_SYSTEM_RID}), GENERIC_ALL, 0);
+        list.AddAllowedAce(ATL::CSid(5, {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS}),
+                           GENERIC_ALL, 0);
+        list.AddAllowedAce(ATL::CSid(5, {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_USERS}),
+                           GENERIC_ALL, 0);
+        ATL::CSecurityDesc descriptor;
+        descriptor.SetOwner(token.GetUser());
+        descriptor.SetGroup(token.GetPrimaryGroup());
+        descriptor.SetDacl(list);
+        SECURITY_DESCRIPTOR raw = *descriptor.GetPSECURITY_DESCRIPTOR();
+
+        SECURITY_ATTRIBUTES attributes = {sizeof attributes, &raw, FALSE};
+        CKernelHandle mutex(CreateMutexW(&attributes, FALSE, name.c_str()));
+        if (!mutex && GetLastError() == ERROR_ACCESS_DENIED)
+            mutex.reset(OpenMutexW(GENERIC_READ, FALSE, name.c_str()));
+        return mutex;
+    } catch (...) { // works without it
+        return {};
+    }
+}
+
+} // namespace
+
+tracer_t::tracer_t() : mutex(makeWritersMutex()) {}
 
 realTracer_t::realTracer_t()
 {

@@ -9,10 +9,13 @@ namespace {
 constexpr size_t ownerRoom = 10;
 constexpr size_t keptFrames = 64; // a stack that was deeper gives its memory back when it empties
 
-uint64_t systemTime() noexcept
+constexpr uint64_t longestTick = 20 * 10000; // of the system's coarse clock, in 100 ns
+
+// timeOf reads one of the system's clocks.
+uint64_t timeOf(void(WINAPI* clock)(FILETIME*)) noexcept
 {
     FILETIME time;
-    GetSystemTimeAsFileTime(&time);
+    clock(&time);
     return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
 
@@ -30,7 +33,11 @@ void traceStackEntry_t::setWritten(bool value) noexcept
 
 SYSTEMTIME traceStackEntry_t::localTime() const noexcept
 {
-    const FILETIME utc{static_cast<DWORD>(entered), static_cast<DWORD>(entered >> 32)};
+    // The clock of the push can be up to a tick ahead of the one that stamps the records.
+    const uint64_t coarse = timeOf(GetSystemTimeAsFileTime);
+    const bool ahead = entered > coarse && entered - coarse < longestTick;
+    const uint64_t time100 = ahead ? coarse : entered;
+    const FILETIME utc{static_cast<DWORD>(time100), static_cast<DWORD>(time100 >> 32)};
     FILETIME local{};
     SYSTEMTIME time{};
     FileTimeToLocalFileTime(&utc, &local);
@@ -44,7 +51,7 @@ void threadFrames_t::push(const char* name)
         frames.emplace_back();
     traceStackEntry_t& frame = frames[depth];
     frame.name = name ? name : "";
-    frame.entered = systemTime();
+    frame.entered = timeOf(GetSystemTimePreciseAsFileTime);
     frame.written = false;
     ++depth;
 }
@@ -52,7 +59,7 @@ void threadFrames_t::push(const char* name)
 threadStacks_t::threadStacks_t() : ownerThread(GetCurrentThreadId())
 {
     mainFrame.name = "main";
-    mainFrame.entered = systemTime();
+    mainFrame.entered = timeOf(GetSystemTimePreciseAsFileTime);
     claim(ownerThread).frames.reserve(ownerRoom);
 }
 

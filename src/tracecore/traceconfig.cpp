@@ -1,28 +1,284 @@
+#include "tracecore/traceconfig.h"
+
+#include "common/module.h"
+#include "common/osversion.h"
+#include "common/scoped.h"
+#include "tracecore/lasterror.h"
 #include "tracecore/realtracer.h"
+#include "tracecore/sinks.h"
+#include "tracecore/tracefilename.h"
+
+#include <atomic>
+#include <ctime>
+#include <list>
+#include <mutex>
 
 namespace tracecore {
 
-void realTracer_t::fileName(std::wstring& out, bool)
+std::atomic<int32_t> debuggerPresent{-1};
+std::atomic<uint8_t> sweepDone{0};
+
+namespace {
+
+constexpr uint32_t pollInterval = 30000; // milliseconds
+constexpr wchar_t switchName[] = L"DoTrace";
+
+CRegistryKey openTracing(REGSAM access)
 {
-    out.clear();
+    CRegistryKey key;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", 0, access, key.put());
+    return key;
 }
 
-bool realTracer_t::expire()
+bool readNumber(const CRegistryKey& key, const wchar_t* name, DWORD& number) noexcept
 {
-    return false;
+    DWORD value = 0;
+    DWORD type = REG_NONE;
+    DWORD size = sizeof value;
+    if (!key ||
+        RegQueryValueExW(key.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &size))
+        return false;
+    if (type != REG_DWORD || size != sizeof value)
+        return false;
+    number = value;
+    return true;
 }
 
-uint32_t realTracer_t::traceMode()
+DWORD numberOf(const CRegistryKey& key, const wchar_t* name, DWORD missing) noexcept
 {
-    return sinkNowhere;
+    readNumber(key, name, missing);
+    return missing;
 }
+
+std::wstring textOf(const CRegistryKey& key, const wchar_t* name)
+{
+    std::wstring text;
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    LSTATUS error = key ? RegQueryValueExW(key.get(), name, nullptr, &type, nullptr, &size)
+                        : ERROR_FILE_NOT_FOUND;
+    do {
+        if (error && error != ERROR_MORE_DATA)
+            return {};
+        text.resize(size / sizeof(wchar_t) + 1); // the value may have grown, or lack its zero
+        size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        error = RegQueryValueExW(key.get(), name, nullptr, &type,
+                                 reinterpret_cast<BYTE*>(text.data()), &size);
+    } while (error);
+    if (type != REG_SZ && type != REG_EXPAND_SZ)
+        return {};
+    text.resize(size / sizeof(wchar_t));
+    return text.substr(0, text.find(L'\0'));
+}
+
+std::wstring expandedOf(const CRegistryKey& key, const wchar_t* name)
+{
+    const std::wstring text = textOf(key, name);
+    if (text.empty())
+        return {};
+    const DWORD size = ExpandEnvironmentStringsW(text.c_str(), nullptr, 0);
+    std::wstring expanded(size, L'\0');
+    const DWORD got = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), size);
+    if (got == 0 || got > size)
+        return {};
+    return expanded.substr(0, got - 1);
+}
+
+// named tells whether a subkey of the tracing key has a value of this name; false, too, if there is
+// no such key.
+bool named(const CRegistryKey& tracing, const wchar_t* subkey, const std::wstring& name)
+{
+    CRegistryKey key;
+    if (RegOpenKeyExW(tracing.get(), subkey, 0, KEY_READ, key.put()))
+        return false;
+    for (DWORD i = 0;; ++i) {
+        wchar_t value[261] = {};
+        DWORD length = static_cast<DWORD>(std::size(value));
+        const LSTATUS error =
+            RegEnumValueW(key.get(), i, value, &length, nullptr, nullptr, nullptr, nullptr);
+        if (error == ERROR_MORE_DATA) // too long for a component's name
+            continue;
+        if (error)
+            return false;
+        if (CompareStringOrdinal(value, static_cast<int>(length), name.data(),
+                                 static_cast<int>(name.size()), TRUE) == CSTR_EQUAL)
+            return true;
+    }
+}
+
+bool dayOf(int64_t time, int64_t& day) noexcept
+{
+    const __time64_t seconds = time;
+    tm fields{};
+    if (_localtime64_s(&fields, &seconds))
+        return false;
+    fields.tm_hour = fields.tm_min = fields.tm_sec = 0;
+    day = _mktime64(&fields);
+    return true;
+}
+
+bool underDebugger() noexcept
+{
+    int32_t present = debuggerPresent;
+    if (present < 0)
+        debuggerPresent = present = IsDebuggerPresent() ? 1 : 0;
+    return present != 0;
+}
+
+void replaceSink(uint32_t wanted)
+{
+    if (sinkKind == wanted)
+        return;
+    sink.store(nullptr);
+    sinkKind = sinkNone;
+    std::shared_ptr<outputStorageInterface_i> made = createSink(wanted);
+    if (made) {
+        sink.store(std::move(made));
+        sinkKind = wanted;
+    }
+}
+
+void followConfiguration(tracer_t& tracer)
+{
+    const uint32_t wanted = tracer.traceMode();
+    if (wanted != tracer.mode) {
+        std::lock_guard guard(configLock);
+        tracer.mode = wanted;
+        replaceSink(wanted);
+        tracer.nextPoll = 0;
+    }
+}
+
+void dropExpiredSwitch(tracer_t& tracer)
+{
+    if (!switchExpired() || !tracer.expire())
+        return;
+    std::wstring name;
+    tracer.fileName(name, tracer.mode == sinkFileNew);
+    sweepOldTraces(name, 1);
+}
+
+} // namespace
 
 void pollConfiguration(tracer_t& tracer) noexcept
 {
     const uint32_t now = GetTickCount();
     if (now <= tracer.nextPoll.load(std::memory_order_relaxed))
         return;
-    tracer.nextPoll.exchange(now + 30000);
+    const lastErrorKeeper_t keeper;
+    try {
+        followConfiguration(tracer);
+        tracer.nextPoll.exchange(now + pollInterval);
+        dropExpiredSwitch(tracer);
+    } catch (...) { // out of memory: the next look tries again
+        tracer.nextPoll.exchange(now + pollInterval);
+    }
+}
+
+uint32_t realTracer_t::traceMode()
+{
+    const CRegistryKey key = openTracing(KEY_READ);
+    const DWORD value = numberOf(key, switchName, 0);
+    if (value != 1 && daysUntil(value) < 1)
+        return sinkNowhere;
+    if (!componentTraced())
+        return sinkNowhere;
+    switch (numberOf(key, L"TraceToFile", 1)) {
+    case 1:
+        return numberOf(key, L"NewFileAlways", 1) ? sinkFileNew : sinkFileAppend;
+    case 3:
+        return sinkConsole;
+    case 4:
+        return underDebugger() ? sinkIDE : sinkConsole;
+    default:
+        return sinkNowhere;
+    }
+}
+
+void realTracer_t::fileName(std::wstring& out, bool newFileAlways)
+{
+    const CRegistryKey key = openTracing(KEY_READ);
+    const bool ie1 = numberOf(key, L"IE1", 1) != 0;
+    const bool noTimestamp = numberOf(key, L"noTimestamp", 0) != 0;
+    const std::wstring given = textOf(key, L"FileName");
+    std::wstring folder = expandedOf(key, L"TracePathLow");
+    if (folder.empty())
+        folder = expandedOf(key, L"TracePath");
+    if (!folder.empty() && folder.back() != L'\\' && folder.back() != L'/')
+        folder += L'\\';
+    out = composeTraceFileName(thisModule(), newFileAlways, ie1, noTimestamp, given, folder);
+}
+
+bool realTracer_t::expire()
+{
+    DWORD number = 0;
+    if (!readNumber(openTracing(KEY_READ), switchName, number))
+        return false; // a missing switch must not be treated as expired at each look
+    const CRegistryKey key = openTracing(KEY_WRITE);
+    if (key)
+        RegDeleteValueW(key.get(), switchName);
+    return true;
+}
+
+bool componentTraced()
+{
+    const std::wstring component = baseNameOf(moduleFileName(thisModule()));
+    const CRegistryKey tracing = openTracing(KEY_READ);
+    return !tracing || !named(tracing, L"ComponentsNOT", component) ||
+           named(tracing, L"Components", component);
+}
+
+int32_t daysUntil(int64_t time) noexcept
+{
+    int64_t day = 0;
+    int64_t today = 0;
+    if (!dayOf(time, day) || !dayOf(_time64(nullptr), today) || day <= today)
+        return 0;
+    return static_cast<int32_t>(day - today) /
+           86400; // 32 bits: far days come out negative. Intended.
+}
+
+bool switchExpired()
+{
+    const DWORD value = numberOf(openTracing(KEY_READ), switchName, 0);
+    return value != 1 && daysUntil(value) <= 0;
+}
+
+void sweepOldTraces(const std::wstring& path, uint8_t flag)
+{
+    if (sweepDone)
+        return;
+    const CKernelHandle turn(
+        CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
+    if (!turn)
+        return;
+    const DWORD waited = WaitForSingleObject(turn.get(), 0);
+    if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
+        return; // another process is at it: a later look tries again
+    const struct release_t {
+        HANDLE mutex;
+        ~release_t() { ReleaseMutex(mutex); }
+    } release{turn.get()};
+    sweepDone = 1;
+    const size_t dot = path.rfind(L'.');
+    if (!flag || dot == std::wstring::npos)
+        return;
+    const std::wstring folder = path.substr(0, path.rfind(L'\\') + 1);
+
+    std::list<std::wstring> files;
+    WIN32_FIND_DATAW found;
+    const CSearchHandle search(FindFirstFileW((folder + L'*' + path.substr(dot)).c_str(), &found));
+    if (search) {
+        do {
+            files.push_back(folder + found.cFileName);
+        } while (FindNextFileW(search.get(), &found));
+    }
+    // The walk ends where it starts, so that no file is marked for removal. Intended: traces stay
+    // until someone takes them away.
+    if (osVersionAtStart().isNt()) {
+        for (auto next = files.begin(); next != files.begin(); ++next)
+            MoveFileExW(next->c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+    }
 }
 
 } // namespace tracecore

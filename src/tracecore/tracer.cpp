@@ -3,6 +3,7 @@
 #include "common/initorder.h"
 #include "common/status.h"
 #include "common/text.h"
+#include "tracecore/lasterror.h"
 #include "tracecore/realtracer.h"
 
 #include <cstdarg>
@@ -33,18 +34,6 @@ bool closed() noexcept
 {
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
-
-class lastErrorKeeper_t
-{
-public:
-    lastErrorKeeper_t() noexcept : m_error(GetLastError()) {}
-    ~lastErrorKeeper_t() { SetLastError(m_error); }
-    lastErrorKeeper_t(const lastErrorKeeper_t&) = delete;
-    lastErrorKeeper_t& operator=(const lastErrorKeeper_t&) = delete;
-
-private:
-    const DWORD m_error;
-};
 
 // writerTurn_t is the right to write. Without the mutex, the lock of the stacks at least keeps the
 // writers of this process apart.

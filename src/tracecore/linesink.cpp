@@ -1,0 +1,97 @@
+#include "tracecore/sinks.h"
+
+#include "tracecore/tracer.h"
+
+#include <cwchar>
+#include <cwctype>
+
+namespace tracecore {
+
+namespace {
+
+constexpr WORD plainColour = 7;
+constexpr WORD errorColour = 12;
+constexpr size_t directiveLength = 7; // as in '`I04`'
+
+// Reads the colour directive at the front of a text; false for a text without one or with a colour
+// above 15.
+bool readColour(const std::wstring& text, WORD& colour)
+{
+    if (text.size() < directiveLength || text.compare(0, 3, L"'`I") != 0)
+        return false;
+    if (!std::iswxdigit(text[3]) || !std::iswxdigit(text[4]))
+        return false;
+    const unsigned long value = std::wcstoul(text.substr(3, 2).c_str(), nullptr, 16);
+    if (value > 15)
+        return false;
+    colour = static_cast<WORD>(value);
+    return true;
+}
+
+std::wstring systemText(DWORD status)
+{
+    CLocalMemory owner;
+    wchar_t* text = nullptr;
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+        nullptr, status, 0x400, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    owner.reset(text);
+    std::wstring result(text ? text : L"", length);
+    result.erase(result.find_last_not_of(L"\r\n") + 1);
+    return result;
+}
+
+// What a line shows for the text of an error record, "code message".
+std::wstring shownStatus(const std::wstring& text)
+{
+    const size_t blank = text.find(L' ');
+    if (blank == std::wstring::npos)
+        return {};
+    const std::wstring code = text.substr(0, blank);
+    const auto status = static_cast<DWORD>(std::wcstoll(code.c_str(), nullptr, 10));
+    const std::wstring message = text.substr(blank + 1);
+    if (status == 0)
+        return message;
+    const std::wstring known = systemText(status);
+    if (known.empty())
+        return formatWide(L"%08X", status); // the message is dropped here. Intended.
+    return known + L' ' + message;
+}
+
+} // namespace
+
+void outputStorageWindow_t::write(char level, const std::wstring& text, const std::string& function)
+{
+    if (level == 'T') {
+        m_timeText = text;
+        return;
+    }
+    if (level != 'D' && level != 'E' && level != 'U')
+        return;
+    prepare();
+    std::wstring shown;
+    bool coloured = false;
+    WORD colour = errorColour;
+    if (m_console && level == 'E') {
+        coloured = true;
+    } else if (m_console && readColour(text, colour)) {
+        coloured = true;
+        shown = text.substr(directiveLength);
+    }
+    if (coloured)
+        SetConsoleTextAttribute(m_console, colour);
+    if (level == 'E')
+        shown = shownStatus(text);
+    emit(formatWide(L"0x%x %s %S() %s%s\n", GetCurrentThreadId(), m_timeText.c_str(),
+                    function.c_str(), level == 'E' ? L"*ERR* " : L"",
+                    (shown.empty() ? text : shown).c_str()));
+    if (coloured)
+        SetConsoleTextAttribute(m_console, plainColour);
+}
+
+void outputStorageIDE_t::emit(const std::wstring& line)
+{
+    OutputDebugStringW(line.c_str());
+}
+
+} // namespace tracecore

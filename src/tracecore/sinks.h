@@ -1,0 +1,87 @@
+#pragma once
+
+#include "common/scoped.h"
+#include "tracecore/sink.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace tracecore {
+
+// outputStorageNowhere_t is tracing switched off.
+class outputStorageNowhere_t final : public outputStorageInterface_i
+{
+public:
+    void write(char, const std::wstring&, const std::string&) override {}
+};
+
+// outputStorageFile_t writes all records to a trace file, which it opens with the first of them. A
+// file that can't be opened sets the tracer's fileFailed: no sink of this process tries again.
+//
+// path:    the file's full name
+// newFile: creates the file anew; otherwise it is appended to, and a note of the new writer comes
+// first
+class outputStorageFile_t final : public outputStorageInterface_i
+{
+public:
+    outputStorageFile_t(std::wstring path, bool newFile)
+        : m_path(std::move(path)), m_newFile(newFile)
+    {}
+    void write(char level, const std::wstring& text, const std::string& function) override;
+
+private:
+    bool ensureOpen();
+
+    std::wstring m_path; // empty once the file is open
+    bool m_newFile;
+    CFileHandle m_handle;
+};
+
+// outputStorageWindow_t turns messages into readable lines, and keeps the other records to itself
+// but for the time.
+class outputStorageWindow_t : public outputStorageInterface_i
+{
+public:
+    void write(char level, const std::wstring& text, const std::string& function) override;
+
+protected:
+    virtual void prepare() = 0;                      // makes the output ready
+    virtual void emit(const std::wstring& line) = 0; // puts out one finished line
+
+    std::wstring m_timeText;    // of the last T record
+    HANDLE m_console = nullptr; // where colours are set; the console sink owns it
+};
+
+// outputStorageConsole_t writes the lines to the process's console, and makes one when there is
+// none.
+class outputStorageConsole_t final : public outputStorageWindow_t
+{
+public:
+    ~outputStorageConsole_t() override;
+
+protected:
+    void prepare() override;
+    void emit(const std::wstring& line) override;
+
+private:
+    bool m_opened = false;
+};
+
+// outputStorageIDE_t writes the lines to an attached debugger.
+class outputStorageIDE_t final : public outputStorageWindow_t
+{
+protected:
+    void prepare() override {}
+    void emit(const std::wstring& line) override;
+};
+
+// createSink makes the sink of a kind, sinkNowhere to sinkIDE; null for any other. The file sinks
+// get their path from the tracer.
+std::unique_ptr<outputStorageInterface_i> createSink(uint32_t kind);
+
+// writeRecord appends one record to a trace file with a single write. An invalid handle writes
+// nothing. A text of 65,536 bytes or more breaks the parsing of the file: its length field wraps.
+void writeRecord(HANDLE file, char level, const std::wstring& text);
+
+} // namespace tracecore
