@@ -1,0 +1,150 @@
+#include "tracefixture.h"
+
+#include "tracecore/sinks.h"
+
+#include <vector>
+
+using namespace tracecore;
+
+namespace {
+
+class LineSink : public tracingFixture
+{
+protected:
+    static std::wstring systemText(DWORD status)
+    {
+        wchar_t text[512] = {};
+        DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                      nullptr, status, 0x400, text, 512, nullptr);
+        while (length && (text[length - 1] == L'\n' || text[length - 1] == L'\r'))
+            --length;
+        return {text, length};
+    }
+
+    const std::wstring denied = systemText(0x80070005);
+    const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThreadId());
+};
+
+TEST_F(LineSink, ConsoleShowsMessagesInColour)
+{
+    FreeConsole();
+    const std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
+    console->write('T', L"12:00:00.000", "f");
+    console->write('>', L"f", "f");
+    const HANDLE none =
+        CreateFileW(L"CONOUT$", GENERIC_READ, 3, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(none, INVALID_HANDLE_VALUE); // nothing shown, so nothing opened
+    ASSERT_FALSE(denied.empty());
+    const struct {
+        char level;
+        const wchar_t* text;
+        std::wstring line;
+        WORD colour;
+    } cases[] = {
+        {'U', L"'`I04`'SA: x", L"SA: x", 4},
+        {'U', L"'`I0f`'white", L"white", 15},
+        {'U', L"'`I10`'above", L"'`I10`'above", 7},
+        {'U', L"'`Izz`'none", L"'`Izz`'none", 7},
+        {'D', L"'`I0A`'debug", L"debug", 10},
+        {'E', L"-2147024891 rest of it", L"*ERR* " + denied + L" rest of it", 12},
+        {'E', L"0 note", L"*ERR* note", 12},
+        {'U', L"plain", L"plain", 7},
+        {'E', L"0 '`I04`'N/A", L"*ERR* '`I04`'N/A", 12},
+        {'E', L"-2147418113 dropped", L"*ERR* 8000FFFF", 12},
+        {'E', L"bare", L"*ERR* bare", 12},
+        {'E', L" 5 x", L"*ERR* 5 x", 12},
+    };
+    for (const auto& c : cases)
+        console->write(c.level, c.text, "f");
+    const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
+                                         OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(screen);
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    ASSERT_TRUE(GetConsoleScreenBufferInfo(screen.get(), &info));
+    EXPECT_EQ(info.dwSize.X, 240);
+    EXPECT_EQ(info.dwSize.Y, 2048);
+    EXPECT_EQ(info.wAttributes, 7);
+    EXPECT_EQ(info.dwCursorPosition.Y, static_cast<SHORT>(std::size(cases)));
+    for (size_t row = 0; row < std::size(cases); ++row) {
+        SCOPED_TRACE(row);
+        const auto& c = cases[row];
+        std::wstring shown(240, L'\0');
+        std::vector<WORD> colours(240);
+        DWORD got = 0;
+        const COORD start = {0, static_cast<SHORT>(row)};
+        ReadConsoleOutputCharacterW(screen.get(), shown.data(), 240, start, &got);
+        ReadConsoleOutputAttribute(screen.get(), colours.data(), 240, start, &got);
+        shown.erase(shown.find_last_not_of(L' ') + 1);
+        EXPECT_EQ(shown, prefix + c.line);
+        EXPECT_EQ(colours[0], c.colour);
+        EXPECT_EQ(colours[shown.size() - 1], c.colour);
+    }
+    wchar_t title[256] = {};
+    GetConsoleTitleW(title, 256);
+    EXPECT_EQ(std::wstring(title).rfind(formatWide(L"DBG [PID:%04X]: ", GetCurrentProcessId()), 0),
+              0u);
+}
+
+TEST_F(LineSink, ControlEventsPlayTheirTunes)
+{
+    static PHANDLER_ROUTINE handler;
+    static std::wstring tune;
+    const importPatch_t handlers(
+        program(), "SetConsoleCtrlHandler",
+        reinterpret_cast<void*>(+[](PHANDLER_ROUTINE routine, BOOL add) -> BOOL {
+            handler = add ? routine : nullptr;
+            return TRUE;
+        }));
+    const importPatch_t beeps(
+        program(), "Beep", reinterpret_cast<void*>(+[](DWORD frequency, DWORD duration) -> BOOL {
+            tune += formatWide(duration == 200 ? L"%d " : L"?", frequency / 100);
+            return TRUE;
+        }));
+    const importPatch_t pauses(program(), "Sleep", reinterpret_cast<void*>(+[](DWORD duration) {
+                                   tune += formatWide(L"(%d) ", duration);
+                               }));
+    FreeConsole();
+    {
+        const std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
+        console->write('U', L"open", "f");
+        ASSERT_NE(handler, nullptr);
+        const struct {
+            DWORD event;
+            int extra;
+            BOOL handled;
+        } cases[] = {{0, 4, TRUE},  {1, 5, FALSE}, {2, 3, TRUE},
+                     {5, 2, FALSE}, {6, 1, FALSE}, {3, -1, FALSE}};
+        for (const auto& c : cases) {
+            tune.clear();
+            EXPECT_EQ(handler(c.event), c.handled);
+            std::wstring expected = c.extra < 0 ? L"" : L"2 4 (500) 4 2 6 2 2 (1000) ";
+            for (int i = 0; i < c.extra; ++i)
+                expected += L"2 ";
+            EXPECT_EQ(tune, expected);
+        }
+    }
+    EXPECT_EQ(handler, nullptr);
+}
+
+TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)
+{
+    const CKernelHandle memory(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                  4096, L"DBWIN_BUFFER"));
+    const CKernelHandle room(CreateEventW(nullptr, FALSE, TRUE, L"DBWIN_BUFFER_READY"));
+    const CKernelHandle data(CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_DATA_READY"));
+    const auto view = static_cast<const char*>(MapViewOfFile(memory.get(), FILE_MAP_READ, 0, 0, 0));
+    ASSERT_NE(view, nullptr);
+    const std::unique_ptr<outputStorageInterface_i> debugger = createSink(sinkIDE);
+    debugger->write('T', L"12:00:00.000", "f");
+    for (const auto& [level, text, line] :
+         {std::tuple('U', L"'`I04`'x", L"'`I04`'x"), std::tuple('E', L"0 note", L"*ERR* note")}) {
+        debugger->write(level, text, "f");
+        ASSERT_EQ(WaitForSingleObject(data.get(), 5000), WAIT_OBJECT_0);
+        const std::string got = view + 4;
+        EXPECT_EQ(std::wstring(got.begin(), got.end()), prefix + line + L"\n");
+        SetEvent(room.get());
+    }
+    UnmapViewOfFile(view);
+}
+
+} // namespace

@@ -1,0 +1,206 @@
+#include "tracefixture.h"
+
+#include "tracecore/tracefilename.h"
+#include "common/module.h"
+#include "common/text.h"
+
+#include <ctime>
+#include <functional>
+#include <thread>
+#include <vector>
+
+using namespace tracecore;
+
+namespace {
+
+DWORD daysFromNow(int days)
+{
+    return static_cast<DWORD>(std::time(nullptr) + days * 86400);
+}
+
+class TraceConfig : public tracingFixture
+{
+protected:
+    static void list(const wchar_t* subkey, const std::wstring& name)
+    {
+        setValue(std::wstring(L"Tracing\\") + subkey, name.c_str(), REG_SZ, L"", 2);
+    }
+    const std::wstring component = baseNameOf(moduleFileName(nullptr));
+};
+
+TEST_F(TraceConfig, WantedSinkByTheRegistry)
+{
+    static bool debugged;
+    const importPatch_t debugger(program(), "IsDebuggerPresent",
+                                 reinterpret_cast<void*>(+[]() -> BOOL { return debugged; }));
+    std::wstring upper = component;
+    CharUpperW(upper.data());
+    const std::wstring longName(300, L'c');
+    const struct {
+        const char* what;
+        std::function<void()> configure;
+        uint32_t mode;
+    } cases[] = {
+        {"no key", [] {}, sinkNowhere},
+        {"off", [] { setNumber(L"DoTrace", 0); }, sinkNowhere},
+        {"wrong type", [] { setValue(L"Tracing", L"DoTrace", REG_SZ, L"1", 4); }, sinkNowhere},
+        {"wrong size", [] { setValue(L"Tracing", L"DoTrace", REG_QWORD, L"\1\0\0", 8); },
+         sinkNowhere},
+        {"tomorrow", [] { setNumber(L"DoTrace", daysFromNow(1)); }, sinkFileNew},
+        {"today", [] { setNumber(L"DoTrace", daysFromNow(0)); }, sinkNowhere},
+        {"long past", [] { setNumber(L"DoTrace", 2); }, sinkNowhere},
+        {"more than 2^31 seconds ahead", [] { setNumber(L"DoTrace", 0xFFFFFFFF); }, sinkNowhere},
+        {"on", [] { setNumber(L"DoTrace", 1); }, sinkFileNew},
+        {"appending", [] { setNumber(L"NewFileAlways", 0); }, sinkFileAppend},
+        {"no output", [] { setNumber(L"TraceToFile", 2); }, sinkNowhere},
+        {"console", [] { setNumber(L"TraceToFile", 3); }, sinkConsole},
+        {"no debugger", [] { setNumber(L"TraceToFile", 4); }, sinkConsole},
+        {"debugger's answer is kept", [] { debugged = true; }, sinkConsole},
+        {"debugger", [] { debuggerPresent = -1; }, sinkIDE},
+        {"another excluded", [&] { list(L"ComponentsNOT", L"Other" + component); }, sinkIDE},
+        {"name too long", [&] { list(L"ComponentsNOT", longName); }, sinkIDE},
+        {"excluded", [&] { list(L"ComponentsNOT", upper); }, sinkNowhere},
+        {"others let through", [] { list(L"Components", L"Other"); }, sinkNowhere},
+        {"let through", [&] { list(L"Components", component); }, sinkIDE},
+        {"only let through",
+         [] {
+             RegDeleteTreeW(HKEY_LOCAL_MACHINE,
+                            (std::wstring(tracingKey) + L"\\ComponentsNOT").c_str());
+         },
+         sinkIDE},
+    };
+    debugged = false;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        c.configure();
+        EXPECT_EQ(theTracer().traceMode(), c.mode);
+    }
+}
+
+TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
+{
+    static int reads;
+    static decltype(&RegOpenKeyExW) original;
+    reads = 0;
+    const importPatch_t patch(
+        program(), "RegOpenKeyExW",
+        reinterpret_cast<void*>(+[](HKEY root, const wchar_t* name, DWORD options, REGSAM access,
+                                    HKEY* key) -> LSTATUS {
+            ++reads;
+            return original(root, name, options, access, key);
+        }));
+    original = importOriginal<decltype(original)>(patch);
+    follow();
+    EXPECT_GT(reads, 0);
+    reads = 0;
+    setNumber(L"DoTrace", 1);
+    testTicks += 30000;
+    traceEnter("early");
+    traceLeave();
+    EXPECT_EQ(reads, 0);
+    EXPECT_FALSE(traceActive());
+    ++testTicks;
+    SetLastError(1234);
+    traceEnter("due");
+    EXPECT_EQ(GetLastError(), 1234u);
+    traceLeave();
+    EXPECT_TRUE(traceActive());
+    EXPECT_EQ(sinkKind, sinkFileNew);
+}
+
+TEST_F(TraceConfig, ExpiredSwitchIsDeletedOnlyIfItIsANumber)
+{
+    static REGSAM refused;
+    static decltype(&RegOpenKeyExW) original;
+    const importPatch_t patch(
+        program(), "RegOpenKeyExW",
+        reinterpret_cast<void*>(+[](HKEY root, const wchar_t* name, DWORD options, REGSAM access,
+                                    HKEY* key) -> LSTATUS {
+            return access == refused ? ERROR_ACCESS_DENIED
+                                     : original(root, name, options, access, key);
+        }));
+    original = importOriginal<decltype(original)>(patch);
+    refused = 0;
+    EXPECT_FALSE(theTracer().expire());
+    setValue(L"Tracing", L"DoTrace", REG_SZ, L"1", 4);
+    EXPECT_TRUE(switchExpired());
+    EXPECT_FALSE(theTracer().expire());
+    EXPECT_TRUE(hasSwitch());
+
+    setNumber(L"DoTrace", daysFromNow(1));
+    follow();
+    EXPECT_TRUE(hasSwitch());
+    setNumber(L"DoTrace", daysFromNow(-1));
+    refused = KEY_WRITE;
+    EXPECT_TRUE(theTracer().expire());
+    EXPECT_TRUE(hasSwitch());
+    refused = 0;
+    follow();
+    EXPECT_FALSE(hasSwitch());
+    EXPECT_FALSE(traceActive());
+}
+
+TEST_F(TraceConfig, SweepLooksOnceAtTheTracesAndMarksNone)
+{
+    static std::vector<std::wstring> patterns;
+    static decltype(&FindFirstFileW) original;
+    patterns.clear();
+    const importPatch_t find(
+        program(), "FindFirstFileW",
+        reinterpret_cast<void*>(+[](const wchar_t* pattern, WIN32_FIND_DATAW* found) -> HANDLE {
+            patterns.emplace_back(pattern);
+            return original(pattern, found);
+        }));
+    original = importOriginal<decltype(original)>(find);
+    static bool marked;
+    marked = false;
+    const importPatch_t move(program(), "MoveFileExW",
+                             reinterpret_cast<void*>(+[](const wchar_t*, const wchar_t*,
+                                                         DWORD) -> BOOL { return marked = true; }));
+    std::ofstream(folder / "old.trc3") << "x";
+    setText(L"FileName", (folder / "new.trc3").wstring());
+
+    const CKernelHandle other(
+        CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
+    const CKernelHandle held(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const CKernelHandle looked(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::thread holder([&] {
+        WaitForSingleObject(other.get(), 30000);
+        SetEvent(held.get());
+        WaitForSingleObject(looked.get(), 30000);
+        ReleaseMutex(other.get());
+    });
+    WaitForSingleObject(held.get(), 30000);
+    setNumber(L"DoTrace", 2);
+    follow();
+    EXPECT_TRUE(patterns.empty()); // another process was at it
+    SetEvent(looked.get());
+    holder.join();
+    for (int i = 0; i < 2; ++i) {
+        setNumber(L"DoTrace", 2);
+        follow();
+    }
+    EXPECT_EQ(patterns, std::vector<std::wstring>{(folder / "*.trc3").wstring()});
+    EXPECT_TRUE(find.found() && move.found() && !marked);
+    EXPECT_TRUE(std::filesystem::exists(folder / "old.trc3"));
+}
+
+TEST_F(TraceConfig, FileNameTakesTheFolderFromTheEnvironmentTracePathLowFirst)
+{
+    SetEnvironmentVariableW(L"VL_TRACES", folder.c_str());
+    setText(L"TracePath", L"%VL_TRACES%\\b/");
+    setNumber(L"noTimestamp", 1);
+    std::wstring name;
+    theTracer().fileName(name, false);
+    EXPECT_EQ(name.rfind((folder / "b\\").wstring() + component + L".x64.", 0), 0u)
+        << utf8FromWide(name);
+    setText(L"TracePathLow", L"%VL_TRACES%\\a");
+    theTracer().fileName(name, false);
+    EXPECT_EQ(name.rfind((folder / "a\\").wstring(), 0), 0u);
+    EXPECT_EQ(name.find(L"~~"), std::wstring::npos);
+    theTracer().fileName(name, true);
+    EXPECT_NE(name.find(L"~~"), std::wstring::npos);
+    SetEnvironmentVariableW(L"VL_TRACES", nullptr);
+}
+
+} // namespace
