@@ -1,0 +1,105 @@
+#include "backup/currentuser.h"
+
+#include <algorithm>
+#include <new>
+
+#include "common/scoped.h"
+#include "common/status.h"
+
+namespace {
+
+// CThreadIdentity puts the thread's identity back as it was when the object was made.
+class CThreadIdentity
+{
+public:
+    CThreadIdentity() noexcept
+    {
+        if (!OpenThreadToken(GetCurrentThread(), MAXIMUM_ALLOWED, TRUE, m_saved.put()))
+            m_saved.reset();
+    }
+    CThreadIdentity(const CThreadIdentity&) = delete;
+    CThreadIdentity& operator=(const CThreadIdentity&) = delete;
+    ~CThreadIdentity()
+    {
+        RevertToSelf();
+        if (m_saved)
+            SetThreadToken(nullptr, m_saved.get());
+    }
+
+    bool Impersonates() const noexcept { return static_cast<bool>(m_saved); }
+
+private:
+    CKernelHandle m_saved;
+};
+
+CKernelHandle OpenUserToken()
+{
+    CKernelHandle token;
+    DWORD error = ERROR_SUCCESS;
+    {
+        const CThreadIdentity identity;
+        if (!identity.Impersonates()) {
+            RevertToSelf();
+            if (!ImpersonateSelf(SecurityImpersonation))
+                raiseLastError();
+        }
+        if (!OpenThreadToken(GetCurrentThread(), MAXIMUM_ALLOWED, TRUE, token.put()))
+            error = GetLastError();
+    }
+    if (!token)
+        raiseError(error);
+    return token;
+}
+
+std::unique_ptr<BYTE[]> NewBytes(size_t size)
+{
+    try {
+        return std::make_unique<BYTE[]>(size);
+    } catch (const std::bad_alloc&) {
+        raiseStatus(E_OUTOFMEMORY);
+    }
+}
+
+void raiseIfError(DWORD error)
+{
+    if (error != ERROR_SUCCESS)
+        raiseError(error);
+}
+
+} // namespace
+
+CCurrentUser::CCurrentUser()
+{
+    const CKernelHandle token = OpenUserToken();
+    DWORD size = 0;
+    if (!GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size) && size == 0)
+        raiseIfError(GetLastError());
+    // Zeroed, so that a call which fails without an error leaves no identifier.
+    const auto information = NewBytes(std::max<size_t>(size, sizeof(TOKEN_USER)));
+    if (!GetTokenInformation(token.get(), TokenUser, information.get(), size, &size))
+        raiseIfError(GetLastError());
+    const PSID sid = reinterpret_cast<const TOKEN_USER*>(information.get())->User.Sid;
+    if (!sid || !IsValidSid(sid))
+        raiseStatus(E_INVALIDARG);
+    const DWORD length = GetLengthSid(sid);
+    m_sid = NewBytes(length);
+    CopySid(length, m_sid.get(), sid);
+    if (!IsValidSid(m_sid.get()))
+        raiseStatus(E_INVALIDARG);
+}
+
+const std::wstring& CCurrentUser::Qualified()
+{
+    DWORD accountSize = 0;
+    DWORD domainSize = 0;
+    LookupAccountSidW(nullptr, m_sid.get(), nullptr, &accountSize, nullptr, &domainSize, &m_use);
+    std::wstring account(accountSize, L'\0');
+    std::wstring domain(domainSize, L'\0');
+    if (LookupAccountSidW(nullptr, m_sid.get(), account.data(), &accountSize, domain.data(),
+                          &domainSize, &m_use)) {
+        m_account = account.c_str();
+        m_domain = domain.c_str();
+        m_qualified = m_domain + L'\\' + m_account;
+    }
+    return m_qualified;
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <windows.h>
+
+// CCurrentUser is the user in whose name the calling thread runs: the impersonated one, or else the
+// process's.
+class CCurrentUser
+{
+public:
+    // Reads the thread's token; the thread ends with the identity it had, whatever comes of it.
+    // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier,
+    // E_OUTOFMEMORY Source: OpenThreadToken, GetTokenInformation
+    CCurrentUser();
+
+    // Qualified looks the account up and gives domain\account; empty if it can't be found. Source:
+    // LookupAccountSidW
+    const std::wstring& Qualified();
+
+    const std::wstring& Account() const noexcept { return m_account; }
+    const std::wstring& Domain() const noexcept { return m_domain; }
+
+private:
+    std::unique_ptr<BYTE[]> m_sid;
+    std::wstring m_account; // the three are empty until looked up
+    std::wstring m_domain;
+    std::wstring m_qualified;
+    SID_NAME_USE m_use = SidTypeUnknown;
+};
