@@ -1,0 +1,146 @@
+#include "backup/storagedata.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "backup/filename.h"
+#include "backup/settingsdocument.h"
+#include "common/status.h"
+#include "common/text.h"
+#include "quicklinks/categories.h"
+#include "quicklinks/quicklinks.h"
+#include "storage/folderlist.h"
+#include "storage/paths.h"
+#include "storage/settings.h"
+#include "storage/textfile.h"
+
+namespace {
+
+constexpr wchar_t dataFile[] = L"updata.vls";
+constexpr wchar_t temporaryDataFile[] = L"updata_temp.vls";
+
+// Up to this size a copy is cheaper than the mapping, of which a process can't hold any number.
+constexpr size_t largestCopiedFile = 0x10000;
+
+constexpr uint32_t webLink = 1;
+
+std::wstring PersonalFolder()
+{
+    return addslash(unifyslashes(settings_getpath(L"path_localstorage_dir")));
+}
+
+class CMappedFile
+{
+public:
+    explicit CMappedFile(const std::wstring& fileName) : m_file(mapfile_open(fileName)) {}
+    CMappedFile(const CMappedFile&) = delete;
+    CMappedFile& operator=(const CMappedFile&) = delete;
+    ~CMappedFile() { mapfile_close(m_file); }
+
+    bool IsMapped() const noexcept { return m_file.view != nullptr; }
+    std::span<const uint8_t> Bytes() const noexcept { return {m_file.view, m_file.size}; }
+
+private:
+    MappedFile m_file;
+};
+
+// SetFile fills a node with a file's bytes. What can't be read has none.
+void SetFile(CDerNode& node, const std::wstring& fileName)
+{
+    const auto file = std::make_shared<CMappedFile>(fileName);
+    const std::span<const uint8_t> bytes = file->Bytes();
+    if (bytes.size() > largestCopiedFile) {
+        node.SetOctets(bytes, file);
+        return;
+    }
+    const std::shared_ptr<uint8_t[]> copy = std::make_shared_for_overwrite<uint8_t[]>(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), copy.get());
+    node.SetOctets({copy.get(), bytes.size()}, copy);
+}
+
+std::wstring StoredName(const FileRec& file)
+{
+    return file.alien ? L"alien|" + file.folder + file.name : file.name;
+}
+
+void SetQuickLink(CDerNode& node, const QLRecord& record)
+{
+    const std::string& target = record.kind == webLink ? record.url : record.dlgpath;
+    node.SetSequence(6);
+    node.Child(0).SetWide(wideFromUtf8(record.name));
+    node.Child(1).SetWide(wideFromUtf8(target.c_str()));
+    node.Child(2).SetWide(FileNamePart(wideFromUtf8(record.manifest)));
+    node.Child(3).SetInteger(record.profile);
+    node.Child(4).SetWide(wideFromUtf8(record.manifestid));
+    node.Child(5).SetInteger(record.wocred ? 1 : 0);
+}
+
+} // namespace
+
+bool CStorageData::IsStorageDataPresent()
+{
+    const std::wstring folder = PersonalFolder();
+    if (folder.empty())
+        return false;
+    bool hasData = fileexists(folder + dataFile);
+    const bool hasTemporaryData = fileexists(folder + temporaryDataFile);
+    if (hasData)
+        hasData = CMappedFile(folder + dataFile).IsMapped(); // a file of no bytes can't be mapped
+    return hasData || hasTemporaryData;
+}
+
+HRESULT CStorageData::ExportTemplates(CDerNode* slot)
+{
+    if (!slot)
+        return E_POINTER;
+    FolderSet folders;
+    std::vector<FileRec> files;
+    prepfolderlist(folders);
+    collectall(folders, files);
+    const std::wstring folder = PersonalFolder();
+    if (!folder.empty()) {
+        files.push_back({folder, dataFile, false});
+        files.push_back({folder, temporaryDataFile, false});
+    }
+    if (files.empty())
+        return E_FAIL;
+    slot->SetSequence(files.size());
+    for (size_t i = 0; i < files.size(); ++i) {
+        CDerNode& pair = slot->Child(i);
+        pair.SetSequence(2);
+        pair.Child(0).SetWide(StoredName(files[i]));
+        SetFile(pair.Child(1), files[i].folder + files[i].name);
+    }
+    return S_OK;
+}
+
+bool CStorageData::ExportQuickLinks(CDerNode& slot)
+{
+    const QL quickLinks;
+    slot.SetSequence(quickLinks.filtered.size());
+    for (size_t i = 0; i < quickLinks.filtered.size(); ++i)
+        SetQuickLink(slot.Child(i), quickLinks.filtered[i]);
+    return !quickLinks.filtered.empty();
+}
+
+uint32_t CStorageData::BuildBackup(CDerNode& backup)
+{
+    try {
+        backup.SetSequence(4);
+        const bool hasTemplates = SUCCEEDED(ExportTemplates(&backup.Child(0)));
+        const bool hasQuickLinks = ExportQuickLinks(backup.Child(1));
+        const bool hasCategories = qlcategories_backup(&backup.Child(2));
+        const bool hasSettings = ExportSettings(&backup.Child(3));
+        if (!hasTemplates && !hasQuickLinks && !hasCategories && !hasSettings)
+            return 0;
+        const size_t size = backup.Measure();
+        if (size > MAXLONG)
+            raiseStatus(E_OUTOFMEMORY); // no array can take it
+        return static_cast<uint32_t>(size);
+    } catch (const std::bad_alloc&) {
+        raiseStatus(E_OUTOFMEMORY);
+    }
+}
