@@ -1,21 +1,146 @@
 #include "plugin/vlktpages.h"
 
-STDMETHODIMP CVLKTPages::GetStorageData(VARIANT*, VARIANT*)
+#include <span>
+#include <string>
+
+#include "agent/discovery.h"
+#include "agent/transfer.h"
+#include "backup/blob/safearray.h"
+#include "backup/restore.h"
+#include "backup/secretexistence.h"
+#include "backup/secretlist.h"
+#include "backup/storagedata.h"
+#include "common/scoped.h"
+#include "common/status.h"
+#include "common/text.h"
+#include "plugin/errorframe.h"
+#include "tracecore/tracer.h"
+
+using namespace tracecore;
+
+namespace {
+
+constexpr VARTYPE namesType = VT_ARRAY | VT_BSTR;
+constexpr VARTYPE dataType = VT_ARRAY | VT_UI1;
+
+void Deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
 {
-    return E_NOTIMPL;
+    ATL::CComVariant local;
+    array.WrapReleased(local);
+    local.vt = type;
+    handOver(output, local);
 }
 
-STDMETHODIMP CVLKTPages::SetStorageData(VARIANT*)
+void DeliverNames(VARIANT* output)
 {
-    return E_NOTIMPL;
+    CVLBstrArray names;
+    names.Add(secretName);
+    Deliver(names, namesType, output);
 }
 
-STDMETHODIMP CVLKTPages::SetStorageData2(ULONG, VARIANT*)
+void DeliverBackup(VARIANT* output)
 {
-    return E_NOTIMPL;
+    CVLByteArray array;
+    array.Add({}); // a backup of nothing is an empty array
+    CDerNode backup;
+    const uint32_t size = CStorageData::BuildBackup(backup);
+    std::span<uint8_t> place;
+    if (size > 0 && SUCCEEDED(array.Extend(size, place)))
+        backup.Write(place.data());
+    Deliver(array, dataType, output);
 }
 
-STDMETHODIMP CVLKTPages::SetPluginData(ULONG, const BYTE*, ULONG, const BYTE*)
+void RestoreCopyOf(const VARIANT* data)
 {
-    return E_NOTIMPL;
+    if (!data)
+        raiseStatus(E_POINTER);
+    if (data->vt != dataType)
+        raiseStatus(E_INVALIDARG);
+    CVLByteArray copy;
+    const HRESULT status = copy.CopyFrom(data->parray);
+    if (FAILED(status))
+        ATL::AtlThrow(status);
+    try {
+        RestoreFromSafeArray(copy.Get());
+    } catch (...) {
+        SafeArrayUnlock(copy.Get()); // left accessed, it could not be destroyed
+        throw;
+    }
+}
+
+// Only a restore that ran to its end is announced.
+void PostRestoreDone(WPARAM first, LPARAM second)
+{
+    if (const HWND window = findAgentWindow())
+        PostMessageW(window, restoreDoneMessage(), first, second);
+    else
+        traceFormat(0, "VlAgent window NOT found!");
+}
+
+} // namespace
+
+STDMETHODIMP CVLKTPages::GetStorageData(VARIANT* secretNames, VARIANT* storageData)
+{
+    const traceScope_t scope("CVLKTPages::GetStorageData");
+    try {
+        const CLoadedModule library(LoadLibraryW(L"VLFPApi.dll"));
+        if (!library)
+            raiseLastError();
+        const bool secretExists = DoesSecretExist(library.get());
+        const bool dataPresent = CStorageData::IsStorageDataPresent();
+        if (secretExists)
+            DeliverNames(secretNames);
+        if (secretExists || dataPresent)
+            DeliverBackup(storageData);
+    } catch (...) {
+        frameStatus("GetStorageData"); // a failed backup shows in the trace alone
+    }
+    return S_OK;
+}
+
+STDMETHODIMP CVLKTPages::SetStorageData(VARIANT* storageData)
+{
+    const traceScope_t scope("CVLKTPages::SetStorageData");
+    try {
+        RestoreCopyOf(storageData);
+        PostRestoreDone(0, 0);
+        return S_OK;
+    } catch (...) {
+        return frameStatus("SetStorageData");
+    }
+}
+
+STDMETHODIMP CVLKTPages::SetStorageData2(ULONG flags, VARIANT* storageData)
+{
+    const traceScope_t scope("CVLKTPages::SetStorageData2");
+    try {
+        RestoreCopyOf(storageData);
+        PostRestoreDone(flags >> 16, flags & 0xFFFF);
+        return S_OK;
+    } catch (...) {
+        return frameStatus("SetStorageData2");
+    }
+}
+
+STDMETHODIMP CVLKTPages::SetPluginData(ULONG secretsSize, const BYTE* secrets, ULONG storageSize,
+                                       const BYTE* storage)
+{
+    const traceScope_t scope("CVLKTPages::SetPluginData");
+    try {
+        if (!storage)
+            raiseStatus(E_POINTER);
+        if (storageSize == 0)
+            raiseStatus(E_INVALIDARG);
+        const std::wstring body = SecretFromList({secrets, secrets ? secretsSize : 0});
+        RestoreBackup({storage, storageSize});
+        // The agent is told the name even when there is no secret; it hears nothing else.
+        if (const HWND window = findAgentWindow())
+            sendToAgent(window, restore2DoneMessage(), utf8FromWide(secretName),
+                        utf8FromWide(body));
+        else
+            traceFormat(0, "VlAgent window NOT found!");
+        return S_OK;
+    } catch (...) {
+        return frameStatus("SetPluginData");
+    }
 }

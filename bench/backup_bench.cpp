@@ -1,0 +1,109 @@
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "backup/restore.h"
+#include "backup/storagedata.h"
+#include "common/scoped.h"
+#include "ratio.h"
+#include "storage/textfile.h"
+#include "support/fakesettings.h"
+
+// Export against mapping and copying the same files once, and restore against deleting and writing
+// the same files, each by nothing but the platform's calls.
+namespace {
+
+const std::wstring folder = [] {
+    wchar_t temporary[MAX_PATH] = {};
+    GetTempPathW(MAX_PATH, temporary);
+    return std::wstring(temporary) + L"vlbackupbench\\";
+}();
+
+std::wstring nameOf(int index)
+{
+    return L"template" + std::to_wstring(index) + L".vlm";
+}
+
+void writeRaw(const std::wstring& path, const std::vector<uint8_t>& content)
+{
+    const CFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+}
+
+void deleteRaw()
+{
+    WIN32_FIND_DATAW entry = {};
+    const CSearchHandle search(FindFirstFileW((folder + L"*.vlm").c_str(), &entry));
+    if (!search)
+        return;
+    do {
+        DeleteFileW((folder + entry.cFileName).c_str());
+    } while (FindNextFileW(search.get(), &entry));
+}
+
+void copyRaw(int count, std::vector<uint8_t>& out)
+{
+    size_t at = 0;
+    for (int i = 0; i < count; ++i) {
+        MappedFile mapped = mapfile_open(folder + nameOf(i));
+        std::memcpy(out.data() + at, mapped.view, mapped.size);
+        at += mapped.size;
+        mapfile_close(mapped);
+    }
+}
+
+void measure(const char* what, int count, size_t size, int restored, double exportLimit,
+             double restoreLimit)
+{
+    deleteRaw();
+    const std::vector<uint8_t> content(size, 0x5A);
+    for (int i = 0; i < count; ++i)
+        writeRaw(folder + nameOf(i), content);
+    const std::string exportName = std::string("export of ") + what + " / mapping and copying them";
+    bench::ratio(
+        exportName.c_str(), exportLimit, 9,
+        [] {
+            CDerNode backup;
+            const uint32_t bytes = CStorageData::BuildBackup(backup);
+            std::vector<uint8_t> out(bytes);
+            backup.Write(out.data());
+        },
+        [&] {
+            std::vector<uint8_t> out(static_cast<size_t>(count) * size);
+            copyRaw(count, out);
+        });
+
+    for (int i = restored; i < count; ++i)
+        DeleteFileW((folder + nameOf(i)).c_str());
+    CDerNode tree;
+    CStorageData::BuildBackup(tree);
+    const std::vector<uint8_t> backup = tree.Encode();
+    tree = CDerNode();
+    const std::string restoreName =
+        "restore of " + std::to_string(restored) + " of them / deleting and writing them";
+    bench::ratio(
+        restoreName.c_str(), restoreLimit, 9, [&] { RestoreBackup(backup); },
+        [&] {
+            deleteRaw();
+            for (int i = 0; i < restored; ++i)
+                writeRaw(folder + nameOf(i), content);
+        });
+    deleteRaw();
+}
+
+} // namespace
+
+int main()
+{
+    CreateDirectoryW(folder.c_str(), nullptr);
+    fakeSettings_t settings;
+    settings.values = {{L"path_localstorage_dir", folder},
+                       {L"path_cachestorage_dir", folder + L"cache\\"},
+                       {L"path_quicklink_filename", folder + L"quicklinks.txt"},
+                       {L"is_personalMode", L"1"}};
+    measure("1,000 templates of 4 KiB", 1000, 0x1000, 1000, 1.5, 1.3);
+    measure("200 templates of 1 MiB", 200, 0x100000, 100, 1.5, 1.3);
+}

@@ -1,0 +1,88 @@
+#include "backup/restore.h"
+
+#include <new>
+
+#include <windows.h>
+#include <wincrypt.h>
+
+#include "atl/exception.h"
+#include "backup/blob/derview.h"
+#include "backup/settingsdocument.h"
+#include "backup/storagedata.h"
+#include "common/status.h"
+#include "quicklinks/categories.h"
+#include "tracecore/tracer.h"
+
+using namespace tracecore;
+
+namespace {
+
+_CRYPTOAPI_BLOB LoanOf(const CDerElement& element)
+{
+    const std::span<const uint8_t> bytes = element.Encoded();
+    return {static_cast<DWORD>(bytes.size()),
+            const_cast<BYTE*>(bytes.data())}; // its readers don't write
+}
+
+void RestoreElements(const CDerSequenceView& backup)
+{
+    const size_t count = backup.Count();
+    CStorageData::RestoreTemplates(backup[0]);
+    CStorageData::RestoreQuickLinks(backup[1], count == 2 ? TextForm::Octets : TextForm::Wide);
+    if (count >= 3) {
+        const _CRYPTOAPI_BLOB categories = LoanOf(backup[2]);
+        qlcategories_restore(&categories);
+    }
+    if (count == 4) { // not of five or more: what a fourth element holds there is not known
+        const _CRYPTOAPI_BLOB settings = LoanOf(backup[3]);
+        RestoreSettings(&settings);
+    }
+}
+
+HRESULT ReadBounds(SAFEARRAY* array, LONG& lower, LONG& upper)
+{
+    const HRESULT status = SafeArrayGetLBound(array, 1, &lower);
+    return FAILED(status) ? status : SafeArrayGetUBound(array, 1, &upper);
+}
+
+// An array of several dimensions may hold no byte at all though its first has a size.
+bool HasElements(const SAFEARRAY& array)
+{
+    for (USHORT i = 0; i < array.cDims; ++i) {
+        if (array.rgsabound[i].cElements == 0)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void RestoreBackup(std::span<const uint8_t> bytes)
+{
+    try {
+        CDerSequenceView backup;
+        if (!backup.Decode(bytes) || backup.Count() < 2)
+            raiseStatus(E_UNEXPECTED);
+        RestoreElements(backup);
+    } catch (const std::bad_alloc&) {
+        raiseStatus(E_OUTOFMEMORY);
+    }
+}
+
+void RestoreFromSafeArray(SAFEARRAY* array)
+{
+    LONG lower = 0;
+    LONG upper = 0;
+    const HRESULT status = ReadBounds(array, lower, upper);
+    if (FAILED(status))
+        ATL::AtlThrow(status);
+    traceFormat(0, "lBound = %d, uBound = %d", static_cast<int>(lower), static_cast<int>(upper));
+    const uint32_t last = static_cast<uint32_t>(upper) - static_cast<uint32_t>(lower);
+    void* data = nullptr;
+    SafeArrayAccessData(array, &data);
+    std::span<const uint8_t> bytes;
+    if (last != 0xFFFFFFFF && data && HasElements(*array))
+        bytes = {static_cast<const uint8_t*>(data), size_t{last} + 1};
+    RestoreBackup(bytes);
+    SafeArrayUnaccessData(array); // not when the restore raises: the array stays accessed then
+}

@@ -1,0 +1,70 @@
+#include "backup/secretlist.h"
+
+#include <cstring>
+#include <cwchar>
+#include <new>
+
+#include "backup/blob/blob.h"
+#include "backup/secretexistence.h"
+#include "common/status.h"
+#include "tracecore/tracer.h"
+
+namespace {
+
+// CSecretSeq overwrites its elements on every way out.
+class CSecretSeq : public CVLBlobSeq
+{
+public:
+    ~CSecretSeq() { SecureClear(); }
+};
+
+std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
+{
+    const auto* const end = data.pbData + (data.cbData & ~1u); // half a unit is none
+    const auto* zero = data.pbData;
+    while (zero != end && (zero[0] != 0 || zero[1] != 0))
+        zero += sizeof(wchar_t);
+    std::wstring text(static_cast<size_t>(zero - data.pbData) / sizeof(wchar_t), L'\0');
+    if (!text.empty())
+        std::memcpy(text.data(), data.pbData, text.size() * sizeof(wchar_t));
+    return text;
+}
+
+// TakeSecret gives whether the item is the one; its value goes into body.
+bool TakeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
+{
+    CSecretSeq item;
+    if (!item.Decode(&encoded) || item.count != 2) {
+        tracecore::traceFormat(0, "Unknown secret blob");
+        return false;
+    }
+    _auto_heap_mem<wchar_t> name;
+    item.ReadNextWStr(name);
+    CDataBlob_s data;
+    data.DecodeOctetsFrom(item.ReadNext());
+    if (!name.get() || std::wcscmp(name.get(), secretName) != 0)
+        return false;
+    tracecore::traceFormat(0, "Secret Name = %ls", name.get());
+    body = TextOf(data);
+    return true;
+}
+
+} // namespace
+
+std::wstring SecretFromList(std::span<const uint8_t> list)
+{
+    try {
+        const _CRYPTOAPI_BLOB loan = {static_cast<DWORD>(list.size()),
+                                      const_cast<BYTE*>(list.data())};
+        CSecretSeq items;
+        (void)items.Decode(&loan);
+        std::wstring body;
+        while (const _CRYPTOAPI_BLOB* item = items.ReadNext()) {
+            if (TakeSecret(*item, body))
+                break;
+        }
+        return body;
+    } catch (const std::bad_alloc&) {
+        raiseStatus(E_OUTOFMEMORY);
+    }
+}
