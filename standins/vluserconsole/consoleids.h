@@ -1,0 +1,10 @@
+#define IDI_CONSOLE 1
+#define IDD_CONSOLE 1
+#define IDC_HEADING 100
+#define IDC_INTRODUCTION 101
+#define IDC_PLUGIN 110
+#define IDC_PAGE 111
+#define IDC_ITEM 112
+#define IDC_COMMAND_LINE 113
+#define IDC_LOG 114
+#define IDC_LABEL 120
