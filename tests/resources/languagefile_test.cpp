@@ -112,13 +112,15 @@ TEST(LanguageSearch, AsksForTheFoldersInOrder)
 
 TEST(LanguageSearch, GivesBackADllThatKeepsItsTextsItself)
 {
-    const CLoadedModule branding(LoadLibraryW(builtFile(L"Branding.dll").c_str()));
-    ASSERT_TRUE(branding);
     for (const auto& version : {oldSystem, currentSystem}) {
+        CLoadedModule branding(LoadLibraryW(builtFile(L"Branding.dll").c_str()));
+        ASSERT_TRUE(branding);
         const HMODULE found = LoadMuiModule(branding.get(), version);
         EXPECT_EQ(found, branding.get());
         FreeLibrary(found); // one reference came with it, and no other
         EXPECT_EQ(GetModuleHandleW(L"Branding.dll"), branding.get());
+        branding.reset();
+        EXPECT_EQ(GetModuleHandleW(L"Branding.dll"), nullptr);
     }
 }
 
@@ -127,6 +129,7 @@ TEST(LanguageSearch, FailsForADllWithoutAFile)
     const uiLanguages_t languages(0x0409);
     installation_t installation;
     installation.install(L"en-US", L"en-US");
+    installation.install(L"ar", L"en-US");
     const std::wstring path = installation.dllPath().wstring();
     EXPECT_EQ(LoadLanguageLibrary(path, languageFolderByName, 1), nullptr);
     EXPECT_EQ(LoadLanguageLibrary(path + L"x", languageFolderByName, 0), nullptr);
