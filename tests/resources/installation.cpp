@@ -73,8 +73,13 @@ installation_t::installation_t() : m_folder(newFolder())
 installation_t::~installation_t()
 {
     m_dll.reset();
-    std::error_code ignored; // a language file may be mapped still
-    fs::remove_all(m_folder, ignored);
+    // Not remove_all: it tries for ever when a language file is still mapped.
+    std::error_code ignored;
+    std::vector<fs::path> contents(1, m_folder);
+    for (const auto& entry : fs::recursive_directory_iterator(m_folder, ignored))
+        contents.push_back(entry.path());
+    for (; !contents.empty(); contents.pop_back())
+        fs::remove(contents.back(), ignored);
 }
 
 fs::path installation_t::install(const std::wstring& folder, const std::wstring& language)
