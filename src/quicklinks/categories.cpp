@@ -35,7 +35,7 @@ bool readtext(HKEY key, const wchar_t* name, DWORD size, std::u16string& text)
     std::memcpy(units.data(), data.data(), size);
     if (units.back() != u'\0')
         return false;
-    text = units.c_str(); // ends at the first zero, as a wide text blob does
+    text.assign(units, 0, units.find(u'\0')); // where a wide text blob ends
     return true;
 }
 

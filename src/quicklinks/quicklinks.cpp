@@ -71,17 +71,19 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
         traceText(record ? "  QL updated" : "  QL created");
     if (target.empty() || name.empty())
         return;
-    if (!record) {
-        record = &records.emplace_back();
-        record->manifest = utf8FromWide(collapseenv(wideFromUtf8(manifest)));
-    }
+    QLRecord fresh;
+    if (!record)
+        fresh.manifest = utf8FromWide(collapseenv(wideFromUtf8(manifest)));
+    QLRecord& changed = record ? *record : fresh;
     // The other of the two keeps its old value: kind selects the line that is written.
-    (isdlg ? record->dlgpath : record->url) = target;
-    record->kind = isdlg ? 2 : 1;
-    record->name = name;
-    record->profile = profile;
-    record->manifestid = manifestid;
-    record->wocred = wocred;
+    (isdlg ? changed.dlgpath : changed.url) = target;
+    changed.kind = isdlg ? 2 : 1;
+    changed.name = name;
+    changed.profile = profile;
+    changed.manifestid = manifestid;
+    changed.wocred = wocred;
+    if (!record)
+        records.push_back(std::move(fresh));
     dirty = true;
 }
 

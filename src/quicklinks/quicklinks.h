@@ -26,8 +26,8 @@ public:
     //
     // target:   an address or a dialog path, told apart by isdlgpath
     // manifest: the template's full path; a found record keeps the path that it has
-    // Errors:   refused with a trace when manifest has no file name, silently when name or target
-    // is empty
+    // Errors:   a manifest without a file name is refused with a trace, an empty name or target
+    //           without one
     void add(const std::string& name, const std::string& target, const std::string& manifest,
              uint32_t profile, const std::string& manifestid, bool wocred);
 
@@ -69,7 +69,7 @@ public:
     // Returns:  true when the file was written; a failure is traced
     bool save(const std::wstring& fileName, bool traced) const;
 
-    std::vector<QLRecord> records;  // changed by parse and add; others may append
+    std::vector<QLRecord> records;  // changed by parse and add; others may append or cut
     std::string krsurls;            // items separated by commas, from the file
     std::string krsdlgpaths;        // likewise
     bool dirty = false;             // records changed since the load; see flush for its odd end

@@ -71,7 +71,7 @@ bool manifestexists(const QLRecord& record)
     return fileexists(stripalienmark(expandenv(wideFromUtf8(record.manifest)), hadMark));
 }
 
-// program tells whether a dialog link's program is there. References are not expanded.
+// programexists tells whether a dialog link's program is there. References are not expanded.
 bool programexists(const std::string& dlgpath)
 {
     std::wstring head;
