@@ -1,0 +1,162 @@
+#include "difference.h"
+
+#include "document.h"
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+// One thing of an element: its name, and what is compared.
+struct item {
+    std::string name;
+    std::vector<std::pair<const char*, std::string>> fields;
+    std::span<const uint8_t> content; // of a file, compared without a copy
+};
+using items = std::vector<item>;
+
+items filesOf(const CBackupView& backup)
+{
+    items out;
+    for (const BackupFile& file : backup.files)
+        out.push_back({file.name, {}, file.content});
+    return out;
+}
+
+items linksOf(const CBackupView& backup)
+{
+    items out;
+    for (const BackupLink& link : backup.links) {
+        out.push_back({link.name,
+                       {{"target", link.target},
+                        {"manifest", link.manifest},
+                        {"profile", std::to_string(link.profile)},
+                        {"manifestid", link.manifestid},
+                        {"wocred", link.wocred ? "1" : "0"}},
+                       {}});
+    }
+    return out;
+}
+
+items categoriesOf(const CBackupView& backup)
+{
+    items out;
+    for (const BackupCategory& category : backup.categories)
+        out.push_back({category.name, {{"text", category.text}}, {}});
+    return out;
+}
+
+// Each member that holds no others, by its path.
+void addMembers(const Json::Value& value, const std::string& path, items& out)
+{
+    if (!value.isObject() || value.empty()) {
+        out.push_back({path, {{"value", jsonText(value, false)}}, {}});
+        return;
+    }
+    for (const std::string& name : value.getMemberNames())
+        addMembers(value[name], path.empty() ? name : path + "." + name, out);
+}
+
+items settingsOf(const CBackupView& backup)
+{
+    const BackupSettings& settings = backup.settings;
+    items out;
+    if (settings.form == SettingsForm::legacy) {
+        out.push_back({"training prompt", {{"value", settings.showPrompt ? "show" : "hide"}}, {}});
+        out.push_back({"hot key", {{"value", settings.hotKey}}, {}});
+        out.push_back({"do-not-prompt list", {}, settings.dontPromptList});
+    } else if (settings.form == SettingsForm::document) {
+        if (const auto document = parseDocument(settings.document))
+            addMembers(*document, {}, out);
+        else
+            out.push_back({"document", {{"text", settings.document}}, {}});
+    }
+    return out;
+}
+
+class comparison
+{
+public:
+    explicit comparison(std::vector<BackupDifference>& found) : m_found(found) {}
+
+    void compare(const char* element, const items& first, const items& second)
+    {
+        std::map<std::pair<std::string_view, size_t>, size_t>
+            places; // of second, by name and how often it came
+        std::map<std::string_view, size_t> seen;
+        for (size_t i = 0; i < second.size(); ++i)
+            places[{second[i].name, seen[second[i].name]++}] = i;
+        seen.clear();
+        bool inOrder = true;
+        size_t last = 0;
+        for (const item& mine : first) {
+            const auto place = places.find({mine.name, seen[mine.name]++});
+            if (place == places.end()) {
+                m_found.push_back({element, mine.name, "only in the first"});
+                continue;
+            }
+            inOrder = inOrder && place->second >= last;
+            last = place->second;
+            compareItem(element, mine, second[place->second]);
+            places.erase(place);
+        }
+        for (const auto& [name, index] : places)
+            m_found.push_back({element, second[index].name, "only in the second"});
+        if (!inOrder)
+            m_found.push_back({element, {}, "in another order"});
+    }
+
+private:
+    void compareItem(const char* element, const item& mine, const item& other)
+    {
+        for (size_t i = 0; i < mine.fields.size() && i < other.fields.size(); ++i) {
+            if (mine.fields[i].second == other.fields[i].second)
+                continue;
+            m_found.push_back({element, mine.name,
+                               std::string(mine.fields[i].first) + ": \"" + mine.fields[i].second +
+                                   "\" and \"" + other.fields[i].second + "\""});
+        }
+        if (!std::equal(mine.content.begin(), mine.content.end(), other.content.begin(),
+                        other.content.end())) {
+            m_found.push_back({element, mine.name,
+                               "content: " + std::to_string(mine.content.size()) + " and " +
+                                   std::to_string(other.content.size()) + " bytes that differ"});
+        }
+    }
+
+    std::vector<BackupDifference>& m_found;
+};
+
+} // namespace
+
+std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBackupView& second)
+{
+    std::vector<BackupDifference> found;
+    if (first.elementCount != second.elementCount) {
+        found.push_back({"backup",
+                         {},
+                         "elements: " + std::to_string(first.elementCount) + " and " +
+                             std::to_string(second.elementCount)});
+    }
+    if (first.settings.form != second.settings.form)
+        found.push_back({"settings", {}, "in another form"});
+    comparison both(found);
+    both.compare("templates", filesOf(first), filesOf(second));
+    both.compare("quicklinks", linksOf(first), linksOf(second));
+    both.compare("categories", categoriesOf(first), categoriesOf(second));
+    both.compare("settings", settingsOf(first), settingsOf(second));
+    if (!found.empty())
+        return found;
+    // The same to a reader, yet maybe not the same bytes.
+    for (size_t i = 0; i < first.elements.size(); ++i) {
+        const auto& mine = first.elements[i];
+        const auto& other = second.elements[i];
+        if (!std::equal(mine.begin(), mine.end(), other.begin(), other.end()))
+            found.push_back({"backup", "element " + std::to_string(i), "encoded differently"});
+    }
+    if (found.empty() && first.size != second.size)
+        found.push_back({"backup", {}, "encoded differently"});
+    return found;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "backup/blob/backupview.h"
+
+// BackupDifference is one thing that two backups don't share.
+struct BackupDifference {
+    std::string element; // "templates", "quicklinks", "categories", "settings" or "backup"
+    std::string
+        item; // the name of the file, link, category or setting; empty for the element as a whole
+    std::string what;
+};
+
+// compareBackups compares two backups element by element. Items are matched by name, and by their
+// order where a name comes twice; then the order of those that both have is compared, and at last
+// the encoded bytes.
+//
+// Returns: empty only for backups that are equal byte for byte, bytes behind their ends left out
+std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBackupView& second);

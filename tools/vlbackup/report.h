@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ostream>
+
+#include <json/json.h>
+
+#include "backup/blob/backupview.h"
+
+// What the commands tell of a backup, as text for a reader and as JSON for a program.
+void listText(const CBackupView& backup, std::ostream& out);
+Json::Value listJson(const CBackupView& backup);
+
+void infoText(const CBackupView& backup, std::ostream& out);
+Json::Value infoJson(const CBackupView& backup);
+
+// completeFindings adds what takes a JSON parser to find.
+void completeFindings(CBackupView& backup);
+void verifyText(const CBackupView& backup, std::ostream& out);
+Json::Value verifyJson(const CBackupView& backup);
+
+// base64 of RFC 4648, with padding
+std::string base64(std::span<const uint8_t> bytes);
