@@ -44,7 +44,7 @@ constinit registeredMessage_t restore2Done{restore2DoneName};
 HWND findAgentWindow()
 {
     SetLastError(ERROR_SUCCESS);
-    const HWND window = FindWindowExW(nullptr, nullptr, agentWindowName, agentWindowName);
+    HWND window = FindWindowExW(nullptr, nullptr, agentWindowName, agentWindowName);
     if (window)
         return window;
     const DWORD error = GetLastError();

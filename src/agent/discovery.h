@@ -5,8 +5,7 @@
 // findAgentWindow finds the top-level window of the running agent, anew at each call.
 //
 // Returns: null if there is none. That is traced: in full once per process, then in short, and as
-// an error only
-//          when the windows couldn't be searched.
+//          an error only when the windows couldn't be searched.
 // Source:  FindWindowExW, by class and title
 HWND findAgentWindow();
 

@@ -27,8 +27,7 @@ struct sharedObjectSecurity_t {
 // primary group are those of the process.
 //
 // Returns: security itself
-// Errors:  raise nothing; a failure leaves valid unset, is traced as "SA" and is the thread's last
-// error
+// Errors:  raise nothing; a failure leaves valid unset, is traced as "SA" and becomes the last error
 sharedObjectSecurity_t& initMappingSecurity(sharedObjectSecurity_t& security);
 sharedObjectSecurity_t& initSemaphoreSecurity(sharedObjectSecurity_t& security);
 
@@ -40,15 +39,14 @@ void applyLowLabel(HANDLE object);
 // from 6.2 on.
 //
 // flags:   of the entry, such as CONTAINER_INHERIT_ACE
-// Returns: whether an entry was added. Not if list has one already, and not if the caller itself,
-// by its
-//          impersonation token or else by its process, lives in a container.
+// Returns: whether an entry was added. Not if list has one already, and not if the caller itself
+//          lives in a container, by its impersonation token or else by its process.
 bool addAppContainerAce(ATL::CDacl& list, uint32_t mask, BYTE flags);
 
 // allowapppackages gives application packages read and execute on a file or folder.
 //
-// Returns: nonzero when an entry was added; 0 on failure, and also when the path had the entry
-// already Errors:  sets the thread's last error
+// Returns: nonzero when an entry was added; 0 on failure, and when the path had the entry already
+// Errors:  sets the thread's last error
 DWORD allowapppackages(const std::wstring& path);
 
 // securityToString gives a descriptor in string form, with all parts, for tracing; empty on

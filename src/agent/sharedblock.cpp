@@ -22,6 +22,13 @@ void mapWhole(mappedBlock_t& block)
         traceStatus("IPC.MapViewOfFile", statusFromError(GetLastError()));
 }
 
+// The colour asks for notice without counting as an error.
+void traceColoured(const std::wstring& text)
+{
+    if (traceActive())
+        traceWrite('U', L"'`I04`'" + text);
+}
+
 void traceMissingBlock(const std::wstring& name)
 {
     const std::wstring text =
@@ -29,7 +36,7 @@ void traceMissingBlock(const std::wstring& name)
     if (firstMissingBlock.exchange(false, std::memory_order_relaxed))
         traceNoteW(text);
     else
-        traceWrite('U', L"'`I04`'" + text);
+        traceColoured(text);
 }
 
 } // namespace
@@ -52,8 +59,7 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
         traceStatusW(
             formatWide(L"IPC.CreateFileMapping '%ls' SA=%s", name.c_str(), valid ? L"OK" : L"INV"),
             statusFromError(error));
-        traceWrite('U', L"'`I04`'SA: " +
-                            securityToString(security.descriptor.GetPSECURITY_DESCRIPTOR()));
+        traceColoured(L"SA: " + securityToString(security.descriptor.GetPSECURITY_DESCRIPTOR()));
         SetLastError(error);
         return block;
     }

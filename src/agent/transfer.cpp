@@ -108,8 +108,8 @@ void connectToAgent(const linkNames_t& names, agentConnection_t& connection)
         return;
     connection.ackEvent = OpenEventW(SYNCHRONIZE, FALSE, names.acknowledge);
     connection.readyEvent = OpenEventW(EVENT_MODIFY_STATE, FALSE, names.dataReady);
-    const HRESULT status =
-        statusFromError(GetLastError()); // the later one's if both failed. Intended.
+    // After both opens: when both failed it is the later one's. Intended.
+    const HRESULT status = statusFromError(GetLastError());
     if (!connection.ackEvent)
         traceStatus("no AckEvent", status);
     else if (!connection.readyEvent)

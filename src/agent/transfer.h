@@ -19,8 +19,7 @@ bool sendToAgent(HWND window, uint32_t message, const std::string& name, const s
 
 // The steps of an exchange, below sendToAgent.
 
-// agentTransfer_t is the state of one transfer. It wipes its copy of the body, which may be a
-// secret.
+// agentTransfer_t is the state of one transfer. It wipes its copy of the body: it may be a secret.
 struct agentTransfer_t {
     void* buffer = nullptr; // the mapped request buffer, the connection's
     int32_t remaining = 1;  // blocks still to send
@@ -52,9 +51,8 @@ struct agentConnection_t {
     ~agentConnection_t();
 };
 
-// _callserverprocess runs the whole exchange. Failures are traced.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the name stands in traces, and readers search for
-// it.
+// _callserverprocess runs the whole exchange. Failures are traced, and readers of traces search for
+// this very name.
 void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer);
 
 // connectToAgent takes the semaphore, without a time limit, and opens the agent's objects. What it
@@ -63,7 +61,6 @@ void connectToAgent(const linkNames_t& names, agentConnection_t& connection);
 
 // fillRequestBlock makes the payload block and writes body and request, all in one block.
 //
-// Errors: raises std::runtime_error "MMF.failed" when the payload block can't be made or either
-// block is too
-//         short for what it is to hold; nothing is written then
+// Errors: raises std::runtime_error "MMF.failed" when the payload block can't be made, or when one of
+//         the two blocks is too short for what it is to hold; nothing is written then
 void fillRequestBlock(agentTransfer_t& transfer);

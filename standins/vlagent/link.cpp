@@ -17,7 +17,7 @@ namespace {
 constexpr const linkNames_t& names = linkSets[linkNipc];
 
 // The store takes no more than 1 MiB of UTF-16, which is at most this much UTF-8.
-constexpr size_t maximumValue = 3 * 512 * 1024;
+constexpr size_t maximumValue = 0x180000;
 
 // How long an agent that ends waits for a client that is inside. A client that died there never
 // leaves.
@@ -112,7 +112,7 @@ const wchar_t* agentLink_t::open()
     m_buffer = createSharedBlock(names.buffer, names.bufferSize);
     if (sharedBlockSize(m_buffer.view) < names.bufferSize)
         return names.buffer;
-    for (const HANDLE object : {m_admission.get(), m_acknowledge.get(), m_dataReady.get()})
+    for (HANDLE object : {m_admission.get(), m_acknowledge.get(), m_dataReady.get()})
         applyLowLabel(object);
     return nullptr;
 }

@@ -73,7 +73,7 @@ std::optional<options_t> readOptions()
 
 int quitRunningAgent()
 {
-    const HWND window = findAgentWindow();
+    HWND window = findAgentWindow();
     if (!window)
         return fail(L"no agent is running");
     DWORD processId = 0;
@@ -115,7 +115,7 @@ HWND makeWindow(const journal_t& journal)
     if (!RegisterClassExW(&windowClass))
         return nullptr;
     // Top-level though never shown: a message-only window wouldn't be found.
-    const HWND window = CreateWindowExW(0, agentWindowName, agentWindowName, WS_OVERLAPPED, 0, 0, 0,
+    HWND window = CreateWindowExW(0, agentWindowName, agentWindowName, WS_OVERLAPPED, 0, 0, 0,
                                         0, nullptr, nullptr, windowClass.hInstance, nullptr);
     if (window)
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&journal));
@@ -142,7 +142,7 @@ int runAgent(const options_t& options)
         return fail(std::wstring(L"the object '") + object + L"' can't be made" + lastErrorText() +
                     L"; another program may have its name");
     // Last, so that a client that finds the window finds the objects too.
-    const HWND window = makeWindow(journal);
+    HWND window = makeWindow(journal);
     if (!window)
         return fail(L"no window can be made" + lastErrorText() +
                     L"; under Wine, set the graphics driver to null");
