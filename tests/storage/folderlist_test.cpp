@@ -105,6 +105,7 @@ TEST_F(FolderList, LocalFoldersGiveWhatTheMaskFinds)
     std::vector<FileRec> files;
     collectall({{m_root, false, true, true},
                 {deep, true, true, true},
+                {m_root + L"sub.vlm\\", true, true, true}, // nothing there
                 {L"N:\\", true, false, true},
                 {m_root + L"a.txt\\", true, true, true}},
                files);
@@ -118,5 +119,6 @@ TEST_F(FolderList, LocalFoldersGiveWhatTheMaskFinds)
               (texts{L"U local folders", L"U   '" + shortpath(m_root + L"*.vlm") + L"'",
                      L"U   '" + shortpath(m_root + L"a.txt\\*.vlm") + L"'",
                      L"E -2147024773 failed access files from folder '" + m_root + L"a.txt\\'",
-                     L"U   '" + shortpath(deep + L"*.vlm") + L"'"}));
+                     L"U   '" + shortpath(deep + L"*.vlm") + L"'",
+                     L"U   '" + shortpath(m_root + L"sub.vlm\\*.vlm") + L"'"}));
 }
