@@ -115,8 +115,8 @@ HWND makeWindow(const journal_t& journal)
     if (!RegisterClassExW(&windowClass))
         return nullptr;
     // Top-level though never shown: a message-only window wouldn't be found.
-    HWND window = CreateWindowExW(0, agentWindowName, agentWindowName, WS_OVERLAPPED, 0, 0, 0,
-                                        0, nullptr, nullptr, windowClass.hInstance, nullptr);
+    HWND window = CreateWindowExW(0, agentWindowName, agentWindowName, WS_OVERLAPPED, 0, 0, 0, 0,
+                                  nullptr, nullptr, windowClass.hInstance, nullptr);
     if (window)
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&journal));
     return window;
