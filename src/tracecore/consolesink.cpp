@@ -67,13 +67,13 @@ void enlarge(HANDLE console) noexcept
 
 void outputStorageConsole_t::prepare()
 {
-    if (m_opened)
+    if (opened)
         return;
-    m_opened = true;
+    opened = true;
     const HANDLE present = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
                                        OPEN_EXISTING, 0, nullptr);
     if (present != INVALID_HANDLE_VALUE) {
-        m_console = present;
+        console = present;
         return;
     }
     if (!AllocConsole()) {
@@ -81,31 +81,31 @@ void outputStorageConsole_t::prepare()
         AllocConsole();
     }
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-    m_console = output == INVALID_HANDLE_VALUE ? nullptr : output;
-    enlarge(m_console);
+    console = output == INVALID_HANDLE_VALUE ? nullptr : output;
+    enlarge(console);
     wchar_t title[256] = {};
     if (GetConsoleTitleW(title, static_cast<DWORD>(std::size(title))))
         SetConsoleTitleW(formatWide(L"DBG [PID:%04X]: %s", GetCurrentProcessId(), title).c_str());
-    if (m_console)
+    if (console)
         SetConsoleCtrlHandler(playEvent, TRUE);
 }
 
 void outputStorageConsole_t::emit(const std::wstring& line)
 {
     prepare();
-    if (line.empty() || !m_console)
+    if (line.empty() || !console)
         return;
     DWORD written = 0;
-    WriteConsoleW(m_console, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    WriteConsoleW(console, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
 }
 
 outputStorageConsole_t::~outputStorageConsole_t()
 {
-    if (!m_opened)
+    if (!opened)
         return;
-    if (m_console) {
+    if (console) {
         SetConsoleCtrlHandler(playEvent, FALSE);
-        CloseHandle(m_console);
+        CloseHandle(console);
     }
     FreeConsole();
 }

@@ -57,32 +57,32 @@ void writeRecord(HANDLE file, char level, const std::wstring& text)
 void outputStorageFile_t::write(char level, const std::wstring& text, const std::string&)
 {
     if (ensureOpen())
-        writeRecord(m_handle.get(), level, text);
+        writeRecord(handle.get(), level, text);
 }
 
 bool outputStorageFile_t::ensureOpen()
 {
-    if (m_handle)
+    if (handle)
         return true;
     std::atomic<uint8_t>& failed = theTracer().fileFailed;
-    if (m_path.empty() || failed)
+    if (path.empty() || failed)
         return false;
     SetLastError(ERROR_SUCCESS);
-    m_handle.reset(CreateFileW(m_path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                               nullptr, m_newFile ? CREATE_ALWAYS : OPEN_ALWAYS,
-                               FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (!m_handle) {
+    handle.reset(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                             nullptr, newFile ? CREATE_ALWAYS : OPEN_ALWAYS,
+                             FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!handle) {
         failed = 1;
         return false;
     }
-    m_path.clear();
+    path.clear();
     DWORD high = 0;
-    if (GetFileSize(m_handle.get(), &high) == 0 && high == 0) {
-        writeTraceHeader(m_handle.get(), thisModule());
+    if (GetFileSize(handle.get(), &high) == 0 && high == 0) {
+        writeTraceHeader(handle.get(), thisModule());
     } else {
         SYSTEMTIME now;
         GetLocalTime(&now);
-        writeRecord(m_handle.get(), 'N',
+        writeRecord(handle.get(), 'N',
                     formatWide(L"%02d-%02d-%02d", now.wMonth, now.wDay, now.wYear));
     }
     return true;

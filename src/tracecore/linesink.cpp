@@ -63,7 +63,7 @@ std::wstring shownStatus(const std::wstring& text)
 void outputStorageWindow_t::write(char level, const std::wstring& text, const std::string& function)
 {
     if (level == 'T') {
-        m_timeText = text;
+        timeText = text;
         return;
     }
     if (level != 'D' && level != 'E' && level != 'U')
@@ -72,21 +72,21 @@ void outputStorageWindow_t::write(char level, const std::wstring& text, const st
     std::wstring shown;
     bool coloured = false;
     WORD colour = errorColour;
-    if (m_console && level == 'E') {
+    if (console && level == 'E') {
         coloured = true;
-    } else if (m_console && readColour(text, colour)) {
+    } else if (console && readColour(text, colour)) {
         coloured = true;
         shown = text.substr(directiveLength);
     }
     if (coloured)
-        SetConsoleTextAttribute(m_console, colour);
+        SetConsoleTextAttribute(console, colour);
     if (level == 'E')
         shown = shownStatus(text);
-    emit(formatWide(L"0x%x %s %S() %s%s\n", GetCurrentThreadId(), m_timeText.c_str(),
+    emit(formatWide(L"0x%x %s %S() %s%s\n", GetCurrentThreadId(), timeText.c_str(),
                     function.c_str(), level == 'E' ? L"*ERR* " : L"",
                     (shown.empty() ? text : shown).c_str()));
     if (coloured)
-        SetConsoleTextAttribute(m_console, plainColour);
+        SetConsoleTextAttribute(console, plainColour);
 }
 
 void outputStorageIDE_t::emit(const std::wstring& line)

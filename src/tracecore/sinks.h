@@ -19,23 +19,22 @@ public:
 // outputStorageFile_t writes all records to a trace file, which it opens with the first of them. A
 // file that can't be opened sets the tracer's fileFailed: no sink of this process tries again.
 //
-// path:    the file's full name
-// newFile: creates the file anew; otherwise it is appended to, and a note of the new writer comes
+// fullName: where the file is
+// anew:     creates the file anew; otherwise it is appended to, and a note of the new writer comes
 // first
 class outputStorageFile_t final : public outputStorageInterface_i
 {
 public:
-    outputStorageFile_t(std::wstring path, bool newFile)
-        : m_path(std::move(path)), m_newFile(newFile)
+    outputStorageFile_t(std::wstring fullName, bool anew) : path(std::move(fullName)), newFile(anew)
     {}
     void write(char level, const std::wstring& text, const std::string& function) override;
 
 private:
     bool ensureOpen();
 
-    std::wstring m_path; // empty once the file is open
-    bool m_newFile;
-    CFileHandle m_handle;
+    std::wstring path; // empty once the file is open
+    bool newFile;
+    CFileHandle handle;
 };
 
 // outputStorageWindow_t turns messages into readable lines, and keeps the other records to itself
@@ -49,8 +48,8 @@ protected:
     virtual void prepare() = 0;                      // makes the output ready
     virtual void emit(const std::wstring& line) = 0; // puts out one finished line
 
-    std::wstring m_timeText;    // of the last T record
-    HANDLE m_console = nullptr; // where colours are set; the console sink owns it
+    std::wstring timeText;    // of the last T record
+    HANDLE console = nullptr; // where colours are set; the console sink owns it
 };
 
 // outputStorageConsole_t writes the lines to the process's console, and makes one when there is
@@ -65,7 +64,7 @@ protected:
     void emit(const std::wstring& line) override;
 
 private:
-    bool m_opened = false;
+    bool opened = false;
 };
 
 // outputStorageIDE_t writes the lines to an attached debugger.

@@ -89,20 +89,18 @@ TEST_F(LineSink, ControlEventsPlayTheirTunes)
 {
     static PHANDLER_ROUTINE handler;
     static std::wstring tune;
-    const importPatch_t handlers(
-        program(), "SetConsoleCtrlHandler",
-        reinterpret_cast<void*>(+[](PHANDLER_ROUTINE routine, BOOL add) -> BOOL {
+    const importPatch_t handlers = fake(
+        "SetConsoleCtrlHandler", +[](PHANDLER_ROUTINE routine, BOOL add) -> BOOL {
             handler = add ? routine : nullptr;
             return TRUE;
-        }));
-    const importPatch_t beeps(
-        program(), "Beep", reinterpret_cast<void*>(+[](DWORD frequency, DWORD duration) -> BOOL {
+        });
+    const importPatch_t beeps = fake(
+        "Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
             tune += formatWide(duration == 200 ? L"%d " : L"?", frequency / 100);
             return TRUE;
-        }));
-    const importPatch_t pauses(program(), "Sleep", reinterpret_cast<void*>(+[](DWORD duration) {
-                                   tune += formatWide(L"(%d) ", duration);
-                               }));
+        });
+    const importPatch_t pauses = fake(
+        "Sleep", +[](DWORD duration) { tune += formatWide(L"(%d) ", duration); });
     FreeConsole();
     {
         const std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);

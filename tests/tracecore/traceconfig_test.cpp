@@ -31,8 +31,8 @@ protected:
 TEST_F(TraceConfig, WantedSinkByTheRegistry)
 {
     static bool debugged;
-    const importPatch_t debugger(program(), "IsDebuggerPresent",
-                                 reinterpret_cast<void*>(+[]() -> BOOL { return debugged; }));
+    const importPatch_t debugger = fake(
+        "IsDebuggerPresent", +[]() -> BOOL { return debugged; });
     std::wstring upper = component;
     CharUpperW(upper.data());
     const std::wstring longName(300, L'c');
@@ -82,13 +82,12 @@ TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
     static int reads;
     static decltype(&RegOpenKeyExW) original;
     reads = 0;
-    const importPatch_t patch(
-        program(), "RegOpenKeyExW",
-        reinterpret_cast<void*>(+[](HKEY root, const wchar_t* name, DWORD options, REGSAM access,
-                                    HKEY* key) -> LSTATUS {
+    const importPatch_t patch = fake(
+        "RegOpenKeyExW",
+        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
             ++reads;
             return original(root, name, options, access, key);
-        }));
+        });
     original = importOriginal<decltype(original)>(patch);
     follow();
     EXPECT_GT(reads, 0);
@@ -112,13 +111,12 @@ TEST_F(TraceConfig, ExpiredSwitchIsDeletedOnlyIfItIsANumber)
 {
     static REGSAM refused;
     static decltype(&RegOpenKeyExW) original;
-    const importPatch_t patch(
-        program(), "RegOpenKeyExW",
-        reinterpret_cast<void*>(+[](HKEY root, const wchar_t* name, DWORD options, REGSAM access,
-                                    HKEY* key) -> LSTATUS {
+    const importPatch_t patch = fake(
+        "RegOpenKeyExW",
+        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
             return access == refused ? ERROR_ACCESS_DENIED
                                      : original(root, name, options, access, key);
-        }));
+        });
     original = importOriginal<decltype(original)>(patch);
     refused = 0;
     EXPECT_FALSE(theTracer().expire());
@@ -145,18 +143,17 @@ TEST_F(TraceConfig, SweepLooksOnceAtTheTracesAndMarksNone)
     static std::vector<std::wstring> patterns;
     static decltype(&FindFirstFileW) original;
     patterns.clear();
-    const importPatch_t find(
-        program(), "FindFirstFileW",
-        reinterpret_cast<void*>(+[](const wchar_t* pattern, WIN32_FIND_DATAW* found) -> HANDLE {
+    const importPatch_t find = fake(
+        "FindFirstFileW", +[](const wchar_t* pattern, WIN32_FIND_DATAW* found) -> HANDLE {
             patterns.emplace_back(pattern);
             return original(pattern, found);
-        }));
+        });
     original = importOriginal<decltype(original)>(find);
     static bool marked;
     marked = false;
-    const importPatch_t move(program(), "MoveFileExW",
-                             reinterpret_cast<void*>(+[](const wchar_t*, const wchar_t*,
-                                                         DWORD) -> BOOL { return marked = true; }));
+    const importPatch_t move = fake(
+        "MoveFileExW",
+        +[](const wchar_t*, const wchar_t*, DWORD) -> BOOL { return marked = true; });
     std::ofstream(folder / "old.trc3") << "x";
     setText(L"FileName", (folder / "new.trc3").wstring());
 

@@ -139,14 +139,14 @@ TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
 TEST_F(TraceFile, Header)
 {
     static DWORD platform, major, minor;
-    const importPatch_t version(program(), "GetVersionExA",
-                                reinterpret_cast<void*>(+[](OSVERSIONINFOA* info) -> BOOL {
-                                    info->dwPlatformId = platform;
-                                    info->dwMajorVersion = major;
-                                    info->dwMinorVersion = minor;
-                                    lstrcpyA(info->szCSDVersion, "Service Pack 3");
-                                    return TRUE;
-                                }));
+    const importPatch_t version = fake(
+        "GetVersionExA", +[](OSVERSIONINFOA* info) -> BOOL {
+            info->dwPlatformId = platform;
+            info->dwMajorVersion = major;
+            info->dwMinorVersion = minor;
+            lstrcpyA(info->szCSDVersion, "Service Pack 3");
+            return TRUE;
+        });
     at(2017, 7, 4, 1, 2, 3, 45);
     const auto header = [this] {
         const CFileHandle file = createFile(L"header");
@@ -205,13 +205,12 @@ TEST_F(TraceFile, NameRules)
 {
     static std::wstring program_;
     program_ = L"C:\\Apps\\host.exe";
-    const importPatch_t names(
-        program(), "GetModuleFileNameW",
-        reinterpret_cast<void*>(+[](HMODULE module, wchar_t* path, DWORD size) -> DWORD {
+    const importPatch_t names = fake(
+        "GetModuleFileNameW", +[](HMODULE module, wchar_t* path, DWORD size) -> DWORD {
             lstrcpynW(path, module ? L"C:\\Apps\\My\\VLOnlineIDs.DLL" : program_.c_str(),
                       static_cast<int>(size));
             return static_cast<DWORD>(lstrlenW(path));
-        }));
+        });
     at(2017, 7, 14, 15, 59, 4, 123);
     DWORD session = 0;
     ProcessIdToSessionId(GetCurrentProcessId(), &session);

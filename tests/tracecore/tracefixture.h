@@ -114,6 +114,13 @@ protected:
             patch->emplace(program(), name, reinterpret_cast<void*>(readSystem));
     }
 
+    // fake replaces a platform call of the program for the life of the result.
+    template <class R, class... A>
+    [[nodiscard]] static importPatch_t fake(const char* name, R(WINAPI* call)(A...))
+    {
+        return importPatch_t(program(), name, reinterpret_cast<void*>(call));
+    }
+
     static HMODULE program() { return GetModuleHandleW(nullptr); }
 
     std::filesystem::path folder;
