@@ -6,7 +6,6 @@
 
 #include <ctime>
 #include <functional>
-#include <thread>
 #include <vector>
 
 using namespace tracecore;
@@ -25,6 +24,26 @@ protected:
     {
         setValue(std::wstring(L"Tracing\\") + subkey, name.c_str(), REG_SZ, L"", 2);
     }
+
+    // Counts the keys that are opened, and refuses those asked for with one access.
+    static importPatch_t watchKeys()
+    {
+        reads = 0;
+        refused = 0;
+        openKey = RegOpenKeyExW;
+        return fake(
+            "RegOpenKeyExW",
+            +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access,
+                HKEY* key) -> LSTATUS {
+                ++reads;
+                return access == refused ? ERROR_ACCESS_DENIED
+                                         : openKey(root, name, options, access, key);
+            });
+    }
+
+    static inline int reads;
+    static inline REGSAM refused;
+    static inline decltype(&RegOpenKeyExW) openKey;
     const std::wstring component = baseNameOf(moduleFileName(nullptr));
 };
 
@@ -79,16 +98,7 @@ TEST_F(TraceConfig, WantedSinkByTheRegistry)
 
 TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
 {
-    static int reads;
-    static decltype(&RegOpenKeyExW) original;
-    reads = 0;
-    const importPatch_t patch = fake(
-        "RegOpenKeyExW",
-        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
-            ++reads;
-            return original(root, name, options, access, key);
-        });
-    original = importOriginal<decltype(original)>(patch);
+    const importPatch_t patch = watchKeys();
     follow();
     EXPECT_GT(reads, 0);
     reads = 0;
@@ -109,16 +119,7 @@ TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
 
 TEST_F(TraceConfig, ExpiredSwitchIsDeletedOnlyIfItIsANumber)
 {
-    static REGSAM refused;
-    static decltype(&RegOpenKeyExW) original;
-    const importPatch_t patch = fake(
-        "RegOpenKeyExW",
-        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
-            return access == refused ? ERROR_ACCESS_DENIED
-                                     : original(root, name, options, access, key);
-        });
-    original = importOriginal<decltype(original)>(patch);
-    refused = 0;
+    const importPatch_t patch = watchKeys();
     EXPECT_FALSE(theTracer().expire());
     setValue(L"Tracing", L"DoTrace", REG_SZ, L"1", 4);
     EXPECT_TRUE(switchExpired());
@@ -157,24 +158,15 @@ TEST_F(TraceConfig, SweepLooksOnceAtTheTracesAndMarksNone)
     std::ofstream(folder / "old.trc3") << "x";
     setText(L"FileName", (folder / "new.trc3").wstring());
 
-    const CKernelHandle other(
-        CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
-    const CKernelHandle held(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    const CKernelHandle looked(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    std::thread holder([&] {
-        WaitForSingleObject(other.get(), 30000);
-        SetEvent(held.get());
-        WaitForSingleObject(looked.get(), 30000);
-        ReleaseMutex(other.get());
-    });
-    WaitForSingleObject(held.get(), 30000);
-    setNumber(L"DoTrace", 2);
-    follow();
-    EXPECT_TRUE(patterns.empty()); // another process was at it
-    SetEvent(looked.get());
-    holder.join();
-    for (int i = 0; i < 2; ++i) {
+    {
+        const importPatch_t busy = fake(
+            "WaitForSingleObject", +[](HANDLE, DWORD) -> DWORD { return WAIT_TIMEOUT; });
         setNumber(L"DoTrace", 2);
+        follow();
+        EXPECT_TRUE(patterns.empty()); // another process is at it
+    }
+    for (int i = 0; i < 2; ++i) {
+        setNumber(L"DoTrace", 0); // a number that is not 1
         follow();
     }
     EXPECT_EQ(patterns, std::vector<std::wstring>{(folder / "*.trc3").wstring()});

@@ -8,7 +8,6 @@
 #include "tracecore/traceheader.h"
 
 #include <regex>
-#include <thread>
 
 using namespace tracecore;
 
@@ -58,28 +57,6 @@ TEST_F(TraceFile, StampsComeWithTheEntryTimesAndOnlyWhenTheTimeChanges)
     EXPECT_EQ(trace.records.back().thread, GetCurrentThreadId());
 }
 
-TEST_F(TraceFile, MessageOutsideAllFunctionsHasTheMainFrameOnce)
-{
-    at(2017, 7, 14, 1, 2, 3, 4);
-    theTracer().stacks.mainFrame.entered -= 50'000'000;
-    uint32_t id = 0;
-    const decodedTrace_t trace = traced([&id] {
-        std::thread([&id] {
-            id = GetCurrentThreadId();
-            traceText("a");
-            traceText("b");
-            traceLeave(); // the main frame is written: its exit is, too
-        }).join();
-    });
-    strings texts;
-    for (const decodedRecord_t& record : trace.records) {
-        EXPECT_EQ(record.thread, id);
-        if (record.level != 't' && record.level != 'T')
-            texts.push_back(record.line());
-    }
-    EXPECT_EQ(texts, (strings{"> main", "U a", "U b", "< "}));
-}
-
 TEST_F(TraceFile, LaterWriterAppendsANoteAndANewFileStartsWithTheHeader)
 {
     at(2017, 7, 14, 1, 2, 3, 4);
@@ -124,7 +101,6 @@ TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
             text[i] = static_cast<char>('a' + i % 23);
         {
             const CFileHandle file = createFile(L"record");
-            SetFilePointer(file.get(), 0, nullptr, FILE_BEGIN);
             writeRecord(file.get(), 'U', wideFromUtf8(text));
         }
         const std::string bytes = bytesOf(folder / L"record");

@@ -1,7 +1,6 @@
 #include "tracecore/tracer.h"
 
 #include "common/scoped.h"
-#include "support/patchimport.h"
 #include "support/tracerecorder.h"
 #include "tracecore/realtracer.h"
 
@@ -86,31 +85,33 @@ TEST(Tracer, MessagesHaveTheirForms)
 TEST(Tracer, FormatterKnowsThePlatformsConversions)
 {
     const std::wstring longText(2000, L'y');
-    const std::wstring results[] = {
-        formatWide(L"100%% %s %hs %S %ls", L"a", "b", "c", L"d"),
-        formatWide(L"%+05d|%-4d|%#x|%08X|% d|%.3s", 7, 7, 255, 0xBEEF, 7, L"abcdef"),
-        formatWide(L"%I64d %ld %hd %04X", 0x123456789LL, 5L, 70000, 0x12345),
-        formatWide(L"%s", longText.c_str()),
-        formatWide(L"%s", L""),
-    };
-    const std::wstring expected[] = {L"100% a b c d", L"+0007|7   |0xff|0000BEEF| 7|abc",
-                                     L"4886718345 5 4464 12345", longText, L""};
-    for (size_t i = 0; i < std::size(expected); ++i)
-        EXPECT_EQ(results[i], expected[i]);
+    EXPECT_EQ(formatWide(L"100%% %s %hs %S %ls", L"a", "b", "c", L"d"), L"100% a b c d");
+    EXPECT_EQ(formatWide(L"%+05d|%-4d|%#x|%08X|% d|%.3s", 7, 7, 255, 0xBEEF, 7, L"abcdef"),
+              L"+0007|7   |0xff|0000BEEF| 7|abc");
+    EXPECT_EQ(formatWide(L"%I64d %hd %04X", 0x123456789LL, 70000, 0x12345),
+              L"4886718345 4464 12345");
+    EXPECT_EQ(formatWide(L"%s", longText.c_str()), longText);
+}
+
+TEST(Tracer, MessageOutsideAllFunctionsHasTheMainFrameOnce)
+{
+    traceRecorder_t recorder;
+    traceText("a");
+    traceText("b");
+    traceLeave(); // the main frame is written: its exit is, too
+    EXPECT_EQ(lines(recorder),
+              (strings{L"> main [main]", L"U a [main]", L"U b [main]", L"<  [main]"}));
 }
 
 TEST(Tracer, DisabledFlagEmptiesAllCalls)
 {
     traceRecorder_t recorder;
     traceDisabled = 1;
-    const size_t before = theTracer().stacks.threads();
-    std::thread([&] {
-        traceScope_t scope("f");
-        EXPECT_EQ(theTracer().stacks.threads(), before);
-        traceText("x");
-        EXPECT_FALSE(traceActive());
-        EXPECT_EQ(traceException("x", std::runtime_error("y")), E_UNEXPECTED);
-    }).join();
+    const traceScope_t scope("f");
+    EXPECT_EQ(theTracer().stacks.frames()->depth, 0u);
+    traceText("x");
+    EXPECT_FALSE(traceActive());
+    EXPECT_EQ(traceException("x", std::runtime_error("y")), E_UNEXPECTED);
     traceDisabled = 0;
     EXPECT_TRUE(recorder.all().empty());
 }
@@ -183,28 +184,8 @@ TEST(Tracer, WritersMutexIsFoundByProcessIdAndLetsUsersIn)
     }
 }
 
-TEST(Tracer, MutexThatIsDeniedIsOpenedAndOneThatFailsIsDoneWithout)
+TEST(Tracer, WithoutTheMutexMessagesAreWrittenAllTheSame)
 {
-    static DWORD createError, openAccess;
-    const HMODULE program = GetModuleHandleW(nullptr);
-    const importPatch_t create(
-        program, "CreateMutexW",
-        reinterpret_cast<void*>(+[](SECURITY_ATTRIBUTES*, BOOL, const wchar_t*) -> HANDLE {
-            SetLastError(createError);
-            return nullptr;
-        }));
-    const importPatch_t open(
-        program, "OpenMutexW",
-        reinterpret_cast<void*>(+[](DWORD access, BOOL, const wchar_t*) -> HANDLE {
-            openAccess = access;
-            return nullptr;
-        }));
-    for (const DWORD error : {DWORD{ERROR_INVALID_HANDLE}, DWORD{ERROR_ACCESS_DENIED}}) {
-        createError = error;
-        openAccess = 0;
-        EXPECT_FALSE(realTracer_t().mutex);
-        EXPECT_EQ(openAccess, error == ERROR_ACCESS_DENIED ? 0x80000000 : 0);
-    }
     traceRecorder_t recorder;
     CKernelHandle held = std::move(theTracer().mutex);
     traceText("without");
