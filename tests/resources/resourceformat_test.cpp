@@ -2,8 +2,8 @@
 #include "resources/stringblock.h"
 #include "sampleimage.h"
 
-#include <functional>
-#include <numeric>
+#include <algorithm>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -44,25 +44,6 @@ muiFile_t read(const std::vector<sampleResource_t>& resources)
 }
 
 } // namespace
-
-TEST(StringBlock, NumberAndIndexOfAnId)
-{
-    const struct {
-        uint32_t id;
-        uint32_t block;
-        unsigned index;
-    } cases[] = {
-        {0, 1, 0},         {15, 1, 15},
-        {16, 2, 0},        {103, 7, 7},
-        {1026, 65, 2},     {1054, 66, 14},
-        {65535, 4096, 15}, {0xFFFFFFFF, 0x10000000, 15}, // cut to 16 bits by the caller
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.id);
-        EXPECT_EQ(stringBlockNumber(c.id), c.block);
-        EXPECT_EQ(stringBlockIndex(c.id), c.index);
-    }
-}
 
 TEST(StringBlock, FindsTheWantedEntryAndPassesOverEmptyOnes)
 {
@@ -124,21 +105,6 @@ TEST(MuiFile, TellsWhatAFileIs)
         EXPECT_EQ(file.divided, c.divided);
         EXPECT_EQ(file.described, c.described);
     }
-}
-
-TEST(MuiFile, OneEqualChecksumIsEnough)
-{
-    const muiFile_t library = read({{0, 1, muiData(1, 2)}});
-    const struct {
-        uint8_t service, content;
-        bool fits;
-    } cases[] = {{1, 2, true}, {1, 9, true}, {9, 2, true}, {9, 9, false}, {2, 1, false}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << +c.service << " " << +c.content);
-        EXPECT_EQ(languageFileFits(library, read({{0, 1, muiData(c.service, c.content)}})), c.fits);
-    }
-    EXPECT_FALSE(languageFileFits(library, {}));
-    EXPECT_FALSE(languageFileFits({}, {}));
 }
 
 TEST(MuiFile, IsUnsoundAtEveryLengthButItsOwn)

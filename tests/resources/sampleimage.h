@@ -1,20 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
-// sampleImage is the file of a small resource-only library, with the resources given in one
-// section. The places of its parts are fixed, so that a test can forge one of them.
 struct sampleResource_t {
     uint32_t type; // 0 stands for the name "MUI"
     uint32_t id;
     std::vector<uint8_t> data;
 };
-
-std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& resources);
-
-void put(std::vector<uint8_t>& bytes, size_t offset, uint32_t value, unsigned width);
 
 inline constexpr size_t sampleOptionalHeader = 0x40 + 24;
 inline constexpr size_t sampleResourceEntry =
@@ -22,3 +15,65 @@ inline constexpr size_t sampleResourceEntry =
 inline constexpr size_t sampleSectionHeader = sampleOptionalHeader + 240;
 inline constexpr size_t sampleRoot = 0x200; // the resource directory in the file
 inline constexpr uint32_t sampleRootAddress = 0x1000;
+
+inline void put(std::vector<uint8_t>& bytes, size_t offset, uint32_t value, unsigned width)
+{
+    for (unsigned i = 0; i < width; ++i)
+        bytes.at(offset + i) = static_cast<uint8_t>(value >> (8 * i));
+}
+
+inline std::vector<uint8_t> sampleResourceSection(const std::vector<sampleResource_t>& resources)
+{
+    constexpr uint32_t highBit = 0x80000000;
+    std::vector<uint8_t> section(16 + resources.size() * 8);
+    // Appends a directory with one entry, which is all that a name or a language has here.
+    const auto appendDirectory = [&section](uint32_t name, size_t target) {
+        const size_t at = section.size();
+        section.resize(at + 24);
+        put(section, at + 14, 1, 2);
+        put(section, at + 16, name, 4);
+        put(section, at + 20, static_cast<uint32_t>(target), 4);
+    };
+    put(section, 14, static_cast<uint32_t>(resources.size()), 2);
+    const auto nameOffset = static_cast<uint32_t>(section.size());
+    for (const char unit : {'\3', '\0', 'M', '\0', 'U', '\0', 'I', '\0'})
+        section.push_back(static_cast<uint8_t>(unit));
+    for (size_t i = 0; i < resources.size(); ++i) {
+        const auto start = static_cast<uint32_t>(section.size());
+        const auto& [type, id, data] = resources[i];
+        put(section, 16 + i * 8, type ? type : highBit | nameOffset, 4);
+        put(section, 20 + i * 8, highBit | start, 4);
+        appendDirectory(id, highBit | (start + 24));
+        appendDirectory(0x409, start + 48);
+        section.resize(start + 64);
+        put(section, start + 48, sampleRootAddress + start + 64, 4);
+        put(section, start + 52, static_cast<uint32_t>(data.size()), 4);
+        section.insert(section.end(), data.begin(), data.end());
+    }
+    return section;
+}
+
+// sampleImage is the file of a small resource-only library, with the resources given in one section. The places of
+// its parts are fixed, so that a test can forge one of them.
+inline std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& resources)
+{
+    const std::vector<uint8_t> section = sampleResourceSection(resources);
+    const auto size = static_cast<uint32_t>(section.size());
+    std::vector<uint8_t> file(sampleRoot);
+    put(file, 0, 0x5A4D, 2);
+    put(file, 0x3C, 0x40, 4);
+    put(file, 0x40, 0x4550, 4);
+    put(file, 0x40 + 6, 1, 2);    // sections
+    put(file, 0x40 + 20, 240, 2); // size of the optional header
+    put(file, sampleOptionalHeader, 0x20B, 2);
+    put(file, sampleOptionalHeader + 60, sampleRoot, 4); // size of the headers
+    put(file, sampleOptionalHeader + 108, 16, 4);
+    put(file, sampleResourceEntry, sampleRootAddress, 4);
+    put(file, sampleResourceEntry + 4, size, 4);
+    put(file, sampleSectionHeader + 8, size, 4);
+    put(file, sampleSectionHeader + 12, sampleRootAddress, 4);
+    put(file, sampleSectionHeader + 16, size, 4);
+    put(file, sampleSectionHeader + 20, sampleRoot, 4);
+    file.insert(file.end(), section.begin(), section.end());
+    return file;
+}
