@@ -1,0 +1,402 @@
+#include "tracebytes.h"
+
+#include "commands.h"
+#include "exports.h"
+#include "statusnames.h"
+#include "stats.h"
+#include "tracefile.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+
+using namespace tracecore;
+using namespace vltrace;
+
+namespace {
+
+struct result_t {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+result_t run(
+    std::vector<std::string> arguments, const std::function<bool()>& wait = [] { return false; })
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = runVltrace(std::move(arguments), out, err, wait);
+    return {status, out.str(), err.str()};
+}
+
+size_t linesOf(const std::string& text)
+{
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// A folder of the test's own, with a name that is no ASCII, and the sample trace in it.
+class VltraceTool : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_folder = std::filesystem::temp_directory_path() /
+                   pathOf("vltrace-Größe-日-" + std::to_string(std::random_device()()));
+        std::filesystem::create_directories(m_folder);
+        write(sample, sampleTrace().bytes);
+    }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
+
+    std::string name(const std::string& file) const
+    {
+        const auto path = (m_folder / pathOf(file)).u8string();
+        return {path.begin(), path.end()};
+    }
+    void write(const std::string& file, const std::vector<uint8_t>& bytes,
+               std::ios::openmode mode = std::ios::trunc) const
+    {
+        std::ofstream(m_folder / pathOf(file), std::ios::binary | mode)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+    }
+    std::string contents(const std::string& file) const
+    {
+        std::ostringstream text;
+        text << std::ifstream(m_folder / pathOf(file), std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    const std::string sample = "host.x64.vlonlineids.dll~~07.14.17_at_15.59.04.123~~1.4242.trc3";
+    std::filesystem::path m_folder;
+};
+
+TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatus)
+{
+    const result_t result = run({"cat", name(sample)});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.substr(result.out.find("2017-")),
+              "2017-07-14 15:59:04.100  0x01A4  > CVLKTPages::SetStorageData\n"
+              "2017-07-14 15:59:04.110  0x01A4    > RestoreBackup\n"
+              "2017-07-14 15:59:04.150  0x01A4      E 0x80070005 ERROR_ACCESS_DENIED (access is "
+              "denied): Größe of 日\n"
+              "2017-07-14 15:59:04.020  0x02B0  > Poll\n"
+              "2017-07-14 15:59:04.160  0x02B0    U [colour 04] NoVLAgent\n"
+              "2017-07-14 15:59:04.160  0x02B0  < Poll  140 ms\n"
+              "2017-07-14 15:59:04.160  0x01A4    < RestoreBackup  50 ms\n"
+              "2017-07-14 15:59:04.300  0x01A4  < CVLKTPages::SetStorageData  200 ms\n"
+              "2017-07-14 15:59:04.300  0x03C8  N 07-14-2017\n"
+              "2017-07-15 00:00:00.005  0x03C8  > main\n"
+              "2017-07-15 00:00:00.005  0x03C8    E note\n");
+    EXPECT_NE(result.out.find("# trace3\n"), std::string::npos);
+}
+
+TEST_F(VltraceTool, ErrorsComeWithTheirChain)
+{
+    const std::string out = run({"cat", "--errors", "--level", "E", name(sample)}).out;
+    EXPECT_EQ(out.substr(out.find("2017-")),
+              "2017-07-14 15:59:04.150  0x01A4  E 0x80070005 ERROR_ACCESS_DENIED (access is "
+              "denied): Größe of 日\n"
+              "    in CVLKTPages::SetStorageData, entered 15:59:04.100\n"
+              "    in RestoreBackup, entered 15:59:04.110\n"
+              "2017-07-15 00:00:00.005  0x03C8  E note\n"
+              "    in main, entered 00:00:00.005\n");
+}
+
+TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
+{
+    const struct {
+        std::vector<std::string> filter;
+        const char* levels; // of the records left
+    } cases[] = {
+        {{}, ">>E>U<<<N>E"},
+        {{"--thread", "0x2B0"}, ">U<"},
+        {{"--thread", "688", "--thread", "0x3c8"}, ">U<N>E"},
+        {{"--level", "EU"}, "EUE"},
+        {{"--level", "tT"}, "tTTTTTTtT"},
+        {{"--function", "restoreb"}, ">E<"},
+        {{"--function", "SetStorageData"}, ">>E<<"},
+        {{"--text", "agent"}, "U"},
+        {{"--text", "Poll"}, "><"},
+        {{"--from", "2017-07-15"}, ">E"},
+        {{"--to", "2017-07-14"}, ">>E>U<<<N"},
+        {{"--from", "15:59:04.150", "--to", "15:59:04.160"}, "EU<<"},
+        {{"--from", "2017-07-14T15:59:04.150", "--to", "2017-07-14 15:59"}, "EU<<<N"},
+        {{"--level", "E", "--thread", "0x2B0"}, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.filter));
+        std::vector<std::string> arguments = {"export", name(sample)};
+        arguments.insert(arguments.end(), c.filter.begin(), c.filter.end());
+        std::istringstream lines(run(arguments).out);
+        std::string levels;
+        for (std::string line; std::getline(lines, line);) {
+            Json::Value object;
+            ASSERT_TRUE(Json::Reader().parse(line, object)) << line;
+            if (object["type"].asString() == "record")
+                levels += object["level"].asString();
+        }
+        EXPECT_EQ(levels, c.levels);
+    }
+}
+
+TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
+{
+    write("taken", {1});
+    write("plain.txt", std::vector<uint8_t>(500, 'x'));
+    write("empty.trc3", {});
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        const char* hint;
+    } cases[] = {
+        {{}, 2, "--help"},
+        {{"dog", "x"}, 2, "--help"},
+        {{"cat"}, 2, "--help"},
+        {{"cat", name("none.trc3")}, 1, "check the name"},
+        {{"tail", "-f", name("none.trc3")}, 1, "check the name"},
+        {{"cat", name("")}, 1, "folder"},
+        {{"cat", name("plain.txt")}, 1, ".trc3"},
+        {{"cat", name("empty.trc3")}, 0, "is empty"},
+        {{"cat", "--from", "noon", name(sample)}, 2, "2017-07-14T15:59:04.123"},
+        {{"cat", "--from", "2017-02-30", name(sample)}, 2, "no time"},
+        {{"cat", "--thread", "0x", name(sample)}, 2, "0x1A4"},
+        {{"cat", "--level", "X", name(sample)}, 2, "none of"},
+        {{"export", "--format", "xml", name(sample)}, 2, "jsonl"},
+        {{"cat", "--output", name("taken"), name(sample)}, 1, "--force"},
+        {{"cat", "--force", "--output", name(sample), name(sample)}, 1, "the trace itself"},
+        {{"cat", "--output", name("no/such/file"), name(sample)}, 1, "check the folder"},
+        {{"cat", "--help"}, 0, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const result_t result = run(c.arguments);
+        EXPECT_EQ(result.status, c.status);
+        EXPECT_NE(result.err.find(c.hint), std::string::npos) << result.err;
+        EXPECT_LE(linesOf(result.err), 1U) << result.err;
+    }
+    EXPECT_EQ(contents("taken"), "\x01");
+    EXPECT_EQ(contents(sample).size(), sampleTrace().bytes.size());
+    EXPECT_EQ(run({"cat", "--force", "--output", name("taken"), name(sample)}).out, "");
+    EXPECT_EQ(contents("taken"), run({"cat", name(sample)}).out);
+    // A file that can't be read doesn't keep the next one back.
+    EXPECT_NE(run({"cat", name("none"), name(sample)}).out.find("RestoreBackup"),
+              std::string::npos);
+}
+
+TEST_F(VltraceTool, TailFollowsGrowthTruncationAndANewFile)
+{
+    EXPECT_EQ(linesOf(run({"tail", "-n", "3", name(sample)}).out), 3U);
+
+    const auto traceOf = [](const char* text) {
+        return traceBytes_t().text(traceBytes_t::header).record(8, 'U', text).bytes;
+    };
+    const auto moreOf = [](const char* text) { return traceBytes_t().record(8, 'U', text).bytes; };
+    write("t", traceOf("number 1"));
+    const auto half = moreOf("number 3");
+    const std::vector<std::function<void()>> changes = {
+        [&] { write("t", moreOf("number 2"), std::ios::app); },
+        [&] {
+            write("t", {half.begin(), half.begin() + 9}, std::ios::app);
+        },
+        [&] {
+            write("t", {half.begin() + 9, half.end()}, std::ios::app);
+        },
+        [&] { write("t", traceOf("4, in a shorter file")); },
+        [&] { write("t", moreOf(std::string(2000, '5').c_str()), std::ios::app); },
+        [&] { write("t", moreOf("6, cut off again"), std::ios::app); },
+        [&] { std::filesystem::resize_file(m_folder / "t", contents("t").size() - 23); },
+        [&] { std::filesystem::remove(m_folder / "t"); },
+        [&] {
+            auto longer = traceOf("7, in a longer file with another beginning");
+            longer[30] ^= 1; // the header's date
+            write("t", longer);
+        },
+        [] {},
+    };
+    size_t change = 0;
+    const result_t result = run({"tail", "-f", name("t")}, [&] {
+        if (change == changes.size())
+            return false;
+        changes[change++]();
+        return true;
+    });
+    EXPECT_EQ(result.status, 0);
+    std::string seen;
+    for (size_t at = result.out.find("U "); at != std::string::npos;
+         at = result.out.find("U ", at + 1))
+        seen += result.out.substr(at + 2, 8) + "|";
+    EXPECT_EQ(seen,
+              "number 1|number 2|number 3|4, in a |55555555|6, cut o|4, in a |55555555|7, in a |");
+    EXPECT_EQ(result.out.find("skipped"), std::string::npos) << result.out;
+}
+
+TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
+{
+    traceBytes_t trace;
+    trace.text(traceBytes_t::header).record(8, 't', "07/14/17").record(8, 'T', "10:00:00.000");
+    trace.record(8, '>', "outer").record(8, 'T', "10:00:00.100").record(8, '>', "again");
+    trace.record(8, 'T', "10:00:00.200")
+        .record(8, '>', "again")
+        .record(8, 'E', "-1 x")
+        .record(8, 'U', "y");
+    trace.record(8, 'T', "10:00:00.500")
+        .record(8, '<')
+        .record(8, 'T', "10:00:01.000")
+        .record(8, '<');
+    trace.record(8, '>', "back")
+        .record(8, 'T', "09:00:00.000")
+        .record(8, '<'); // the clock was set back
+    write("t", trace.bytes);
+    const std::string out = run({"stats", name("t")}).out;
+    std::map<std::string, std::string> rows;
+    std::istringstream lines(out.substr(out.find('\n') + 1));
+    std::string order;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream cells(line);
+        std::string row;
+        std::string cell;
+        for (int i = 0; i < 7 && cells >> cell; ++i)
+            row += cell + " ";
+        cells >> cell;
+        rows[cell] = row;
+        order += cell + " ";
+    }
+    EXPECT_EQ(order, "again back outer ");
+    EXPECT_EQ(rows["again"],
+              "2 1 1 0 900 450 900 "); // the inner call's 300 ms lie in the outer one's
+    EXPECT_EQ(rows["outer"], "1 0 0 1 - - - ");
+    EXPECT_EQ(rows["back"], "1 0 0 0 0 0 0 ");
+    EXPECT_LT(run({"stats", "--sort", "name", name("t")}).out.find("back"), out.size());
+}
+
+// expectGoodChrome checks what viewers rely on: the fields of each event, each thread's time going
+// forward, and an E of the same name for each B.
+void expectGoodChrome(const std::vector<uint8_t>& bytes, size_t* spans = nullptr)
+{
+    std::ostringstream out;
+    chromeTrace_t chrome({}, out);
+    chrome.begin("sample");
+    traceFeed_t feed(chrome);
+    feed.feed(bytes);
+    feed.finish();
+    chrome.end();
+    chrome.finish();
+    Json::Value root;
+    ASSERT_TRUE(Json::Reader().parse(out.str(), root)) << out.str();
+    std::map<unsigned, std::vector<std::string>> open;
+    std::map<unsigned, int64_t> last;
+    for (const Json::Value& event : root["traceEvents"]) {
+        for (const char* field : {"name", "ph", "ts", "pid", "tid"})
+            ASSERT_TRUE(event.isMember(field)) << field << event;
+        ASSERT_TRUE(event["ts"].isIntegral());
+        const unsigned thread = event["tid"].asUInt();
+        const std::string phase = event["ph"].asString();
+        if (phase == "M" || event["name"] == "damage")
+            continue;
+        if (last.count(thread)) {
+            ASSERT_GT(event["ts"].asInt64(), last[thread]) << event;
+        }
+        last[thread] = event["ts"].asInt64();
+        if (phase == "B") {
+            open[thread].push_back(event["name"].asString());
+            if (spans)
+                ++*spans;
+        } else if (phase == "E") {
+            ASSERT_FALSE(open[thread].empty()) << event;
+            ASSERT_EQ(open[thread].back(), event["name"].asString());
+            open[thread].pop_back();
+        } else {
+            ASSERT_EQ(phase, "i");
+            ASSERT_EQ(event["s"].asString(), "t");
+        }
+    }
+    for (const auto& [thread, names] : open)
+        ASSERT_TRUE(names.empty()) << thread;
+}
+
+TEST(ChromeExport, IsBalancedForWholeCutAndDamagedTraces)
+{
+    const auto bytes = sampleTrace().bytes;
+    size_t spans = 0;
+    expectGoodChrome(bytes, &spans);
+    EXPECT_EQ(spans, 4U);
+    for (size_t size = 0; size < bytes.size(); size += 3) {
+        SCOPED_TRACE(size);
+        ASSERT_NO_FATAL_FAILURE(
+            expectGoodChrome({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)}));
+    }
+    for (size_t bit = 0; bit < bytes.size() * 8; bit += 5) {
+        SCOPED_TRACE(bit);
+        auto flipped = bytes;
+        flipped[bit / 8] ^= static_cast<uint8_t>(1U << bit % 8);
+        ASSERT_NO_FATAL_FAILURE(expectGoodChrome(flipped));
+    }
+}
+
+TEST_F(VltraceTool, ChromeExportTellsTimesProcessAndMessages)
+{
+    Json::Value root;
+    ASSERT_TRUE(Json::Reader().parse(
+        run({"export", "--format", "chrome", "--level", ">E", name(sample), name(sample)}).out,
+        root));
+    std::string seen;
+    for (const Json::Value& event : root["traceEvents"])
+        if (event["tid"].asUInt() == 0x1A4 && event["pid"].asUInt() == 4242 && event["ph"] != "M")
+            seen += event["ph"].asString() + std::to_string(event["ts"].asInt64() % 60'000'000) +
+                    event["name"].asString() + event["args"]["statusName"].asString() + "\n";
+    EXPECT_EQ(seen,
+              "B4100000CVLKTPages::SetStorageData\nB4110000RestoreBackup\n"
+              "i4150000Größe of "
+              "日ERROR_ACCESS_DENIED\nE4160000RestoreBackup\nE4300000CVLKTPages::SetStorageData\n");
+    EXPECT_EQ(root["traceEvents"].size(), 2U * 14); // the same name twice: two processes
+}
+
+TEST_F(VltraceTool, ControlCharactersDoNotReachTheTerminal)
+{
+    write("t", traceBytes_t()
+                   .text(traceBytes_t::header)
+                   .record(8, 'U',
+                           "a\nb\x1B[31m\xC2\x9B"
+                           "c\td")
+                   .record(8, '<')
+                   .bytes);
+    const std::string out = run({"cat", "--no-marks", name("t")}).out;
+    EXPECT_NE(out.find("a\\nb\\x1B[31m\\x9Bc\td"), std::string::npos) << out;
+    EXPECT_NE(out.find("entry is not known"), std::string::npos);
+}
+
+TEST(StatusNames, DecodeByTableAndByRule)
+{
+    const struct {
+        uint32_t status;
+        const char* hex;
+        const char* name;
+        const char* text;
+    } cases[] = {
+        {0, "0x00000000", "S_OK", "done"},
+        {2, "0x00000002", "ERROR_FILE_NOT_FOUND", "not found"},
+        {0x80070005, "0x80070005", "ERROR_ACCESS_DENIED", "access is denied"},
+        {0x80070648, "0x80070648", "ERROR_UNKNOWN_PROPERTY", "no such property"},
+        {0x80070032, "0x80070032", "ERROR_NOT_SUPPORTED", "not supported"},
+        {0x8007FFFE, "0x8007FFFE", "error 65534", ""},
+        {0x8000FFFF, "0x8000FFFF", "E_UNEXPECTED", "unexpected failure"},
+        {0x8009310B, "0x8009310B", "CRYPT_E_ASN1_BADTAG", "another DER tag than expected"},
+        {0xC0000001, "0xC0000001", "STATUS_UNSUCCESSFUL", "unspecified failure of the system"},
+        {0xDEADBEEF, "0xDEADBEEF", "", ""},
+        {0x00010005, "0x00010005", "", ""}, // no error of the platform: above 65535
+    };
+    for (const auto& c : cases) {
+        const statusInfo_t info = describeStatus(static_cast<int32_t>(c.status));
+        EXPECT_EQ(info.hex, c.hex);
+        EXPECT_EQ(info.name, c.name) << c.hex;
+        EXPECT_EQ(info.text, c.text) << c.hex;
+    }
+}
+
+} // namespace

@@ -1,0 +1,154 @@
+#include "filter.h"
+
+#include <algorithm>
+#include <charconv>
+
+using namespace tracecore;
+
+namespace vltrace {
+
+namespace {
+
+char lowered(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return std::search(text.begin(), text.end(), part.begin(), part.end(),
+                       [](char a, char b) { return lowered(a) == lowered(b); }) != text.end();
+}
+
+bool containsAny(const std::string& text, const std::vector<std::string>& parts)
+{
+    return std::any_of(parts.begin(), parts.end(),
+                       [&](const std::string& part) { return contains(text, part); });
+}
+
+// isBefore compares as far as both are known: an instant on any day with the time of day alone.
+bool isBefore(const traceMoment_t& moment, const instant_t& instant)
+{
+    if (instant.day && moment.day != instant.day)
+        return moment.day < instant.day;
+    return moment.msOfDay < instant.msOfDay;
+}
+
+bool isAfter(const traceMoment_t& moment, const instant_t& instant)
+{
+    if (instant.day && moment.day != instant.day)
+        return moment.day > instant.day;
+    return moment.msOfDay > instant.msOfDay;
+}
+
+// take reads a number of so many digits from the front of text; -1 if there is none.
+int take(std::string_view& text, size_t digits)
+{
+    int value = 0;
+    if (text.size() < digits)
+        return -1;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + digits, value);
+    if (error != std::errc() || end != text.data() + digits)
+        return -1;
+    text.remove_prefix(digits);
+    return value;
+}
+
+bool takeSign(std::string_view& text, char sign)
+{
+    if (text.empty() || text[0] != sign)
+        return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+std::optional<int32_t> takeDay(std::string_view& text)
+{
+    const int year = take(text, 4);
+    const int month = takeSign(text, '-') ? take(text, 2) : -1;
+    const int day = takeSign(text, '-') ? take(text, 2) : -1;
+    return year < 0 || month < 0 || day < 0 ? std::nullopt : dayOf(year, month, day);
+}
+
+std::optional<int32_t> takeTime(std::string_view& text, bool latest)
+{
+    const int hour = take(text, 2);
+    const int minute = takeSign(text, ':') ? take(text, 2) : -1;
+    int second = latest ? 59 : 0;
+    int ms = latest ? 999 : 0;
+    if (takeSign(text, ':')) {
+        second = take(text, 2);
+        if (takeSign(text, '.'))
+            ms = take(text, 3);
+    }
+    const auto isWithin = [](int value, int limit) { return value >= 0 && value < limit; };
+    if (!isWithin(hour, 24) || !isWithin(minute, 60) || !isWithin(second, 60) || ms < 0)
+        return std::nullopt;
+    return ((hour * 60 + minute) * 60 + second) * 1000 + ms;
+}
+
+} // namespace
+
+bool filter_t::wants(const traceRecord_t& record, const traceStep_t& step) const
+{
+    if (!threads.empty() &&
+        std::find(threads.begin(), threads.end(), record.thread) == threads.end())
+        return false;
+    if (levels.empty() ? record.level == 'T' || record.level == 't'
+                       : levels.find(record.level) == std::string::npos)
+        return false;
+    const bool timed = step.moment.msOfDay.has_value();
+    if ((from && (!timed || isBefore(step.moment, *from))) ||
+        (to && (!timed || isAfter(step.moment, *to))))
+        return false;
+    const std::string left = step.left ? step.left->name : std::string();
+    if (!texts.empty() && !containsAny(record.level == '<' ? left : record.text, texts))
+        return false;
+    if (functions.empty() || (step.left && containsAny(left, functions)))
+        return true;
+    const auto open = innermost(*step.open);
+    return std::any_of(open.begin(), open.end(), [&](const openFunction_t& function) {
+        return containsAny(function.name, functions);
+    });
+}
+
+std::optional<instant_t> parseInstant(const std::string& text, bool latest)
+{
+    std::string_view rest = text;
+    instant_t instant;
+    instant.msOfDay = latest ? 86'400'000 - 1 : 0;
+    if (rest.size() > 4 && rest[4] == '-') {
+        instant.day = takeDay(rest);
+        if (!instant.day)
+            return std::nullopt;
+        if (rest.empty())
+            return instant;
+        if (!takeSign(rest, ' ') && !takeSign(rest, 'T'))
+            return std::nullopt;
+    }
+    const auto time = takeTime(rest, latest);
+    if (!time || !rest.empty())
+        return std::nullopt;
+    instant.msOfDay = *time;
+    return instant;
+}
+
+std::optional<uint32_t> parseThread(const std::string& text)
+{
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    const std::string digits = hex ? text.substr(2) : text;
+    uint32_t thread = 0;
+    const auto [end, error] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), thread, hex ? 16 : 10);
+    if (digits.empty() || error != std::errc() || end != digits.data() + digits.size())
+        return std::nullopt;
+    return thread;
+}
+
+std::span<const openFunction_t> innermost(const std::vector<openFunction_t>& open)
+{
+    constexpr size_t limit = 100;
+    return std::span(open).last(std::min(open.size(), limit));
+}
+
+} // namespace vltrace

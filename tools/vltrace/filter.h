@@ -1,0 +1,47 @@
+#pragma once
+
+#include "tracecore/tracewalker.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vltrace {
+
+// instant_t is an end of a range of time: on a day, or on any day.
+struct instant_t {
+    std::optional<int32_t> day; // days since 1970-01-01
+    int32_t msOfDay = 0;
+};
+
+// filter_t tells which records are wanted: those that meet each part which is set. Comparisons of
+// texts take no notice of the case of ASCII letters.
+struct filter_t {
+    std::vector<uint32_t> threads;
+    std::string levels; // level bytes; empty: all but the stamps T and t
+    std::vector<std::string>
+        functions;                  // part of the name of a function that is open, or is being left
+    std::vector<std::string> texts; // part of the record's text; of a <: of the function's name
+    std::optional<instant_t> from;  // inclusive, both
+    std::optional<instant_t> to;
+
+    bool wants(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step) const;
+};
+
+// parseInstant reads YYYY-MM-DD, HH:MM[:SS[.mmm]] or both with a blank or a T between. What is left
+// out is the beginning, or with latest the end of that day, minute or second.
+//
+// Returns: none if the text is no such thing
+std::optional<instant_t> parseInstant(const std::string& text, bool latest);
+
+// parseThread reads a thread id in decimal, or in hexadecimal behind 0x.
+std::optional<uint32_t> parseThread(const std::string& text);
+
+// innermost gives the last functions of a chain, at most as many as are worth showing and
+// searching: a damaged or endless recursion may hold millions.
+std::span<const tracecore::openFunction_t>
+innermost(const std::vector<tracecore::openFunction_t>& open);
+
+} // namespace vltrace
