@@ -1,0 +1,97 @@
+#include "exports.h"
+#include "lines.h"
+#include "tracefile.h"
+
+#include <cstdlib>
+#include <map>
+#include <sstream>
+
+using namespace tracecore;
+
+namespace {
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+// Every byte from the first record or damage on is told exactly once, in order, and every entry
+// that the walker shows is left or lost at most once.
+class checks_t : public vltrace::traceConsumer_i
+{
+public:
+    explicit checks_t(std::span<const uint8_t> bytes) : m_bytes(bytes) {}
+
+    void begin(const std::string&) override {}
+    void take(const traceItem_t& item, const traceStep_t& step) override
+    {
+        for (const lostFunction_t& lost : step.lost)
+            require(m_depth[lost.thread]-- > 0);
+        if (const auto* record = std::get_if<traceRecord_t>(&item)) {
+            require(vltrace::printable(record->text).size() >= record->text.size() / 2);
+            pass(record->offset,
+                 size_t{7} + m_bytes[record->offset + 5] + 256U * m_bytes[record->offset + 6]);
+            size_t& depth = m_depth[record->thread];
+            depth += record->level == '>';
+            require(!step.left || depth-- > 0);
+            require(step.open->size() == depth);
+        } else if (const auto* damage = std::get_if<traceDamage_t>(&item);
+                   damage && damage->bytes) {
+            pass(damage->offset, damage->bytes);
+        }
+    }
+    void end() override { require(!m_started || m_at == m_bytes.size()); }
+
+private:
+    void pass(uint64_t offset, uint64_t size)
+    {
+        require(!m_started || offset == m_at);
+        require(size > 0 && size <= m_bytes.size() - offset);
+        m_at = offset + size;
+        m_started = true;
+    }
+
+    std::span<const uint8_t> m_bytes;
+    std::map<uint32_t, size_t> m_depth;
+    uint64_t m_at = 0;
+    bool m_started = false;
+};
+
+void feed(std::span<const uint8_t> bytes, size_t pieceSize, vltrace::traceConsumer_i& consumer)
+{
+    consumer.begin("fuzz");
+    vltrace::traceFeed_t feed(consumer);
+    for (size_t at = 0; at < bytes.size(); at += pieceSize)
+        feed.feed(bytes.subspan(at, std::min(pieceSize, bytes.size() - at)));
+    feed.finish();
+    consumer.end();
+    consumer.finish();
+}
+
+std::string shown(std::span<const uint8_t> bytes, size_t pieceSize)
+{
+    std::string text;
+    vltrace::linePrinter_t printer({}, {}, [&](const std::string& line) { text += line; });
+    feed(bytes, pieceSize, printer);
+    return text;
+}
+
+} // namespace
+
+// The first byte says how the rest, a trace file, comes in pieces: the size of the pieces must make
+// no difference.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0)
+        return 0;
+    const std::span<const uint8_t> bytes(data + 1, size - 1);
+    const size_t pieceSize = data[0] + size_t{1};
+    checks_t checks(bytes);
+    feed(bytes, pieceSize, checks);
+    require(shown(bytes, pieceSize) == shown(bytes, SIZE_MAX / 2));
+    std::ostringstream out;
+    vltrace::chromeTrace_t chrome({}, out);
+    feed(bytes, pieceSize, chrome);
+    return 0;
+}
