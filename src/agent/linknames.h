@@ -4,7 +4,7 @@
 #include <cstdint>
 
 // What the plug-in and the agent must agree on: names, and the layout of the request buffer. The
-// names carry no namespace prefix, so the objects live in the session.
+// names carry no namespace prefix, so the objects are those of one logon.
 
 inline constexpr wchar_t agentWindowName[] = L"Veltrano Pro Agent"; // class and title
 inline constexpr wchar_t restoreDoneName[] = L"WM_VL_AGENT_PMRESTOREDONE";
