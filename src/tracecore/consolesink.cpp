@@ -70,8 +70,8 @@ void outputStorageConsole_t::prepare()
     if (opened)
         return;
     opened = true;
-    const HANDLE present = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
-                                       OPEN_EXISTING, 0, nullptr);
+    HANDLE present = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
+                                 OPEN_EXISTING, 0, nullptr);
     if (present != INVALID_HANDLE_VALUE) {
         console = present;
         return;
@@ -80,7 +80,7 @@ void outputStorageConsole_t::prepare()
         FreeConsole();
         AllocConsole();
     }
-    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     console = output == INVALID_HANDLE_VALUE ? nullptr : output;
     enlarge(console);
     wchar_t title[256] = {};

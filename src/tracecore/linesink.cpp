@@ -49,7 +49,7 @@ std::wstring shownStatus(const std::wstring& text)
         return {};
     const std::wstring code = text.substr(0, blank);
     const auto status = static_cast<DWORD>(std::wcstoll(code.c_str(), nullptr, 10));
-    const std::wstring message = text.substr(blank + 1);
+    std::wstring message = text.substr(blank + 1);
     if (status == 0)
         return message;
     const std::wstring known = systemText(status);

@@ -9,7 +9,7 @@ namespace {
 constexpr size_t ownerRoom = 10;
 constexpr size_t keptFrames = 64; // a stack that was deeper gives its memory back when it empties
 
-constexpr uint64_t longestTick = 20 * 10000; // of the system's coarse clock, in 100 ns
+constexpr uint64_t longestTick = 200000; // of the system's coarse clock, in 100 ns
 
 // timeOf reads one of the system's clocks.
 uint64_t timeOf(void(WINAPI* clock)(FILETIME*)) noexcept

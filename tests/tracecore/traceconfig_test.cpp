@@ -14,7 +14,7 @@ namespace {
 
 DWORD daysFromNow(int days)
 {
-    return static_cast<DWORD>(std::time(nullptr) + days * 86400);
+    return static_cast<DWORD>(std::time(nullptr) + days * int64_t{86400});
 }
 
 class TraceConfig : public tracingFixture

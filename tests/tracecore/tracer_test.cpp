@@ -128,6 +128,7 @@ TEST(Tracer, StacksOfManyThreadsAndDepthsStayApartAndGoWithTheLastFrame)
     const CKernelHandle allInside(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const CKernelHandle counted(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     std::vector<std::thread> workers;
+    workers.reserve(threads);
     for (int i = 0; i < threads; ++i) {
         workers.emplace_back([&, i] {
             traceLeave(); // without a frame: nothing
