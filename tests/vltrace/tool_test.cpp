@@ -2,7 +2,7 @@
 
 #include "commands.h"
 #include "exports.h"
-#include "statusnames.h"
+#include "common/statusnames.h"
 #include "stats.h"
 #include "tracefile.h"
 
@@ -392,7 +392,7 @@ TEST(StatusNames, DecodeByTableAndByRule)
         {0x00010005, "0x00010005", "", ""}, // no error of the platform: above 65535
     };
     for (const auto& c : cases) {
-        const statusInfo_t info = describeStatus(static_cast<int32_t>(c.status));
+        const tools::statusInfo_t info = tools::describeStatus(static_cast<int32_t>(c.status));
         EXPECT_EQ(info.hex, c.hex);
         EXPECT_EQ(info.name, c.name) << c.hex;
         EXPECT_EQ(info.text, c.text) << c.hex;

@@ -1,6 +1,6 @@
 #include "exports.h"
 
-#include "statusnames.h"
+#include "common/statusnames.h"
 
 #include <json/json.h>
 
@@ -39,7 +39,7 @@ void addMessage(Json::Value& object, const message_t& message)
         object["colour"] = message.colour;
     if (!message.status)
         return;
-    const statusInfo_t info = describeStatus(*message.status);
+    const tools::statusInfo_t info = tools::describeStatus(*message.status);
     object["status"] = info.hex;
     if (!info.name.empty())
         object["statusName"] = info.name;

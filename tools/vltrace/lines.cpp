@@ -1,6 +1,6 @@
 #include "lines.h"
 
-#include "statusnames.h"
+#include "common/statusnames.h"
 
 #include <cstdio>
 #include <utility>
@@ -24,7 +24,7 @@ std::string statusText(const message_t& message)
 {
     if (!message.status || *message.status == 0)
         return {};
-    const statusInfo_t info = describeStatus(*message.status);
+    const tools::statusInfo_t info = tools::describeStatus(*message.status);
     std::string text = info.hex;
     if (!info.name.empty())
         text += " " + info.name;

@@ -1,10 +1,10 @@
-#include "statusnames.h"
+#include "common/statusnames.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
 
-namespace vltrace {
+namespace tools {
 
 namespace {
 
@@ -180,4 +180,4 @@ statusInfo_t describeStatus(int32_t status)
     return info;
 }
 
-} // namespace vltrace
+} // namespace tools

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace vltrace {
+namespace tools {
 
 // statusInfo_t is what a status number means. name and text are empty for a number that isn't
 // known.
@@ -17,4 +17,4 @@ struct statusInfo_t {
 // is the platform's error xxxx.
 statusInfo_t describeStatus(int32_t status);
 
-} // namespace vltrace
+} // namespace tools
