@@ -107,9 +107,13 @@ int cat(const openBackup& backup, const std::string& name, bool json, std::ostre
     return done;
 }
 
-int diff(const openBackup& first, const openBackup& second, bool json, std::ostream& out)
+// restored: the second was taken after restoring the first; what the format itself makes different is then no
+// difference, only told with its reason.
+int diff(const openBackup& first, const openBackup& second, bool restored, bool json,
+         std::ostream& out)
 {
     const auto differences = compareBackups(first.view, second.view);
+    bool amissAny = false;
     Json::Value value;
     value["equal"] = differences.empty();
     value["differences"] = Json::arrayValue;
@@ -118,9 +122,14 @@ int diff(const openBackup& first, const openBackup& second, bool json, std::ostr
         entry["element"] = difference.element;
         entry["item"] = cleanUtf8(difference.item);
         entry["what"] = cleanUtf8(difference.what);
+        const std::string reason = restored ? reasonAfterRestore(difference) : std::string();
+        amissAny = amissAny || reason.empty();
+        if (restored)
+            entry["reason"] = reason;
         if (!json) {
             out << difference.element << (difference.item.empty() ? "" : " ")
-                << printable(difference.item) << ": " << printable(difference.what) << '\n';
+                << printable(difference.item) << ": " << printable(difference.what)
+                << (reason.empty() ? "" : " (" + reason + ")") << '\n';
         }
         value["differences"].append(std::move(entry));
     }
@@ -128,7 +137,9 @@ int diff(const openBackup& first, const openBackup& second, bool json, std::ostr
         writeJson(value, out);
     else if (differences.empty())
         out << "equal\n";
-    return differences.empty() ? done : amiss;
+    else if (!amissAny)
+        out << "equal but for that\n";
+    return amissAny ? amiss : done;
 }
 
 } // namespace
@@ -164,6 +175,10 @@ int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostre
         command("verify", "Check its form, and the stored names; exit status 1 if it isn't sound");
     auto* diffCommand = command("diff", "Compare it with another; exit status 1 if they differ");
     diffCommand->add_option("other", other, "The other backup")->required();
+    bool restored = false;
+    diffCommand->add_flag(
+        "--restored", restored,
+        "The other was taken after restoring this one: pass what the format makes different");
     try {
         std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
         app.parse(std::move(arguments));
@@ -184,7 +199,7 @@ int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostre
         if (diffCommand->parsed()) {
             openBackup second;
             openReadable(other, in, second);
-            return finish(diff(backup, second, json, out));
+            return finish(diff(backup, second, restored, json, out));
         }
         if (ls->parsed() && json)
             writeJson(listJson(backup.view), out);

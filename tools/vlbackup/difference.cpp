@@ -3,11 +3,16 @@
 #include "document.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <string_view>
 #include <utility>
 
 namespace {
+
+constexpr char encodedDifferently[] = "encoded differently";
+constexpr char onlyInTheFirst[] = "only in the first";
+constexpr char inAnotherOrder[] = "in another order";
 
 // One thing of an element: its name, and what is compared.
 struct item {
@@ -94,7 +99,7 @@ public:
         for (const item& mine : first) {
             const auto place = places.find({mine.name, seen[mine.name]++});
             if (place == places.end()) {
-                m_found.push_back({element, mine.name, "only in the first"});
+                m_found.push_back({element, mine.name, onlyInTheFirst});
                 continue;
             }
             inOrder = inOrder && place->second >= last;
@@ -105,7 +110,7 @@ public:
         for (const auto& [name, index] : places)
             m_found.push_back({element, second[index].name, "only in the second"});
         if (!inOrder)
-            m_found.push_back({element, {}, "in another order"});
+            m_found.push_back({element, {}, inAnotherOrder});
     }
 
 private:
@@ -147,16 +152,33 @@ std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBa
     both.compare("quicklinks", linksOf(first), linksOf(second));
     both.compare("categories", categoriesOf(first), categoriesOf(second));
     both.compare("settings", settingsOf(first), settingsOf(second));
-    if (!found.empty())
-        return found;
     // The same to a reader, yet maybe not the same bytes.
-    for (size_t i = 0; i < first.elements.size(); ++i) {
+    constexpr std::array names = {"templates", "quicklinks", "categories", "settings"};
+    const auto told = [&](size_t element) {
+        return std::any_of(found.begin(), found.end(), [&](const BackupDifference& difference) {
+            return element < names.size() && difference.element == names.at(element);
+        });
+    };
+    for (size_t i = 0; i < std::min(first.elements.size(), second.elements.size()); ++i) {
         const auto& mine = first.elements[i];
         const auto& other = second.elements[i];
-        if (!std::equal(mine.begin(), mine.end(), other.begin(), other.end()))
-            found.push_back({"backup", "element " + std::to_string(i), "encoded differently"});
+        if (!told(i) && !std::equal(mine.begin(), mine.end(), other.begin(), other.end()))
+            found.push_back({"backup", "element " + std::to_string(i), encodedDifferently});
     }
     if (found.empty() && first.size != second.size)
-        found.push_back({"backup", {}, "encoded differently"});
+        found.push_back({"backup", {}, encodedDifferently});
     return found;
+}
+
+std::string reasonAfterRestore(const BackupDifference& difference)
+{
+    if (difference.what == inAnotherOrder)
+        return "files and registry values come in the order in which the system finds them";
+    if (difference.element == "settings" &&
+        difference.item == "settings.current.path_dontpromptlist_filename" &&
+        difference.what == onlyInTheFirst)
+        return "the do-not-prompt list of a document is not written back";
+    if (difference.item == "element 1" && difference.what == encodedDifferently)
+        return "a number above 0x7FFFFFFF loses leading FF octets on its way";
+    return {};
 }
