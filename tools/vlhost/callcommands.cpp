@@ -1,0 +1,157 @@
+#include "commands.h"
+
+#include "pluginhost.h"
+#include "print.h"
+#include "variants.h"
+
+using namespace VLONLINEIDSLib;
+
+namespace {
+
+// arguments_t is what the operations take, filled by the parser.
+struct arguments_t {
+    unsigned long number = 0;
+    long command = 0;
+    std::string file;
+    std::string secretsFile;
+    bool state = false;
+};
+
+Json::Value outcome(HRESULT status)
+{
+    Json::Value json(Json::objectValue);
+    json["status"] = jsonOfStatus(status);
+    return json;
+}
+
+Json::Value withValue(HRESULT status, const CVariant& value)
+{
+    Json::Value json = outcome(status);
+    json["value"] = jsonOfVariant(value.Value());
+    return json;
+}
+
+Json::Value getStatus(const CPluginHost& host)
+{
+    ULONG status = 0;
+    BSTR text = nullptr;
+    const HRESULT result = host.Get<IVLKSecurityStatus>().get()->GetStatus(&status, &text);
+    CVariant owner; // the text is the caller's, also with a failure
+    owner.Get()->vt = VT_BSTR;
+    owner.Get()->bstrVal = text;
+    Json::Value json = withValue(result, owner);
+    json["number"] = static_cast<Json::UInt>(status);
+    return json;
+}
+
+Json::Value getStorageData(const CPluginHost& host)
+{
+    CVariant names;
+    CVariant data;
+    Json::Value json =
+        outcome(host.Get<IVLKTBackupRestore2>().get()->GetStorageData(names.Get(), data.Get()));
+    json["secretNames"] = jsonOfVariant(names.Value());
+    json["storageData"] = jsonOfVariant(data.Value());
+    return json;
+}
+
+} // namespace
+
+void addCallCommands(CLI::App& app, const options_t& options)
+{
+    CLI::App* const call =
+        app.add_subcommand("call", "Call one operation and print all that it gives");
+    call->require_subcommand(1);
+    const auto arguments = std::make_shared<arguments_t>();
+
+    const auto operation = [call, &options](const char* name, const char* help, auto body) {
+        CLI::App* const command = call->add_subcommand(name, help);
+        command->callback([&options, body] {
+            const CPluginHost host(options.plugin);
+            printResult(body(host), options.json);
+        });
+        return command;
+    };
+
+    operation("add-pages", "IVLKTPages::AddPages", [](const CPluginHost& host) {
+        return outcome(host.Get<IVLKTPages>().get()->AddPages());
+    });
+    operation("get-property", "IVLKTElementUI::GetProperty",
+              [arguments](const CPluginHost& host) {
+                  CVariant value;
+                  const HRESULT status =
+                      host.Get<IVLKTElementUI>().get()->GetProperty(arguments->number, value.Get());
+                  return withValue(status, value);
+              })
+        ->add_option("id", arguments->number)
+        ->required();
+    operation("set-property", "IVLKTElementUI::SetProperty",
+              [arguments](const CPluginHost& host) {
+                  CVariant value;
+                  value.Get()->vt = VT_BOOL;
+                  value.Get()->boolVal = arguments->state ? VARIANT_TRUE : VARIANT_FALSE;
+                  return outcome(host.Get<IVLKTElementUI>().get()->SetProperty(arguments->command,
+                                                                               value.Get()));
+              })
+        ->add_option("id", arguments->command)
+        ->required();
+    operation("get-status", "IVLKSecurityStatus::GetStatus", getStatus);
+    operation("get-info", "IVLKTPluginInfo::GetInfo",
+              [arguments](const CPluginHost& host) {
+                  CVariant value;
+                  const HRESULT status =
+                      host.Get<IVLKTPluginInfo>().get()->GetInfo(arguments->number, value.Get());
+                  return withValue(status, value);
+              })
+        ->add_option("id", arguments->number)
+        ->required();
+    operation("disable-status", "IVLKTDisableApp::GetStatus", [](const CPluginHost& host) {
+        ULONG status = 0;
+        Json::Value json = outcome(host.Get<IVLKTDisableApp>().get()->GetStatus(&status));
+        json["number"] = static_cast<Json::UInt>(status);
+        return json;
+    });
+    operation("disable-local", "IVLKTDisableApp::DisableLocal",
+              [arguments](const CPluginHost& host) {
+                  return outcome(
+                      host.Get<IVLKTDisableApp>().get()->DisableLocal(arguments->number));
+              })
+        ->add_option("flag", arguments->number)
+        ->required();
+    operation("subscribe", "IVLKTTraySubscribe::Subscribe", [](const CPluginHost& host) {
+        return outcome(host.Get<IVLKTTraySubscribe>().get()->Subscribe());
+    });
+    operation("get-storage-data", "IVLKTBackupRestore2::GetStorageData", getStorageData);
+    operation("set-storage-data", "IVLKTBackupRestore2::SetStorageData",
+              [arguments](const CPluginHost& host) {
+                  CVariant data;
+                  setBytes(data, readFile(arguments->file));
+                  return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get()));
+              })
+        ->add_option("file", arguments->file)
+        ->required();
+    CLI::App* const second =
+        operation("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
+                  [arguments](const CPluginHost& host) {
+                      CVariant data;
+                      setBytes(data, readFile(arguments->file));
+                      return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData2(
+                          arguments->number, data.Get()));
+                  });
+    second->add_option("flags", arguments->number)->required();
+    second->add_option("file", arguments->file)->required();
+    CLI::App* const third =
+        operation("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
+                  [arguments](const CPluginHost& host) {
+                      const bytes_t storage = readFile(arguments->file);
+                      const bytes_t secrets = arguments->secretsFile.empty()
+                                                  ? bytes_t()
+                                                  : readFile(arguments->secretsFile);
+                      return outcome(host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
+                          static_cast<ULONG>(secrets.size()), secrets.data(),
+                          static_cast<ULONG>(storage.size()), storage.data()));
+                  });
+    third->add_option("file", arguments->file, "The backup")->required();
+    third->add_option("--secrets", arguments->secretsFile,
+                      "The encoded secret list; - is standard input");
+}

@@ -1,0 +1,280 @@
+#include "commands.h"
+
+#include <array>
+#include <functional>
+#include <iostream>
+
+#include "common/commandline.h"
+#include "common/text.h"
+#include "pluginhost.h"
+#include "print.h"
+#include "variants.h"
+
+using namespace VLONLINEIDSLib;
+
+namespace {
+
+const char* levelMeaning(LONG level)
+{
+    static constexpr std::array meanings = {"unknown", "attention needed", "advice, not dismissed",
+                                            "action recommended", "nothing to do"};
+    return level >= 0 && level < static_cast<LONG>(meanings.size())
+               ? meanings.at(static_cast<size_t>(level))
+               : "unknown";
+}
+
+const char* switchMeaning(ULONG status)
+{
+    static constexpr std::array meanings = {"on: no policy, or none that can be read",
+                                            "on, by policy", "off, by the user's own setting",
+                                            "off, by policy"};
+    return status < meanings.size() ? meanings.at(status) : "unknown";
+}
+
+// property reads one property; what the plug-in refuses is told by its status in place of a value.
+Json::Value property(IVLKTElementUI* element, ULONG id)
+{
+    CVariant value;
+    const HRESULT status = element->GetProperty(id, value.Get());
+    if (FAILED(status))
+        return statusText(status);
+    const Json::Value json = jsonOfVariant(value.Value());
+    return json.isMember("value") ? json["value"] : json;
+}
+
+LONG securityLevel(const CPluginHost& host)
+{
+    CVariant value;
+    const HRESULT status =
+        host.Get<IVLKTElementUI>().get()->GetProperty(propertySecurityLevel, value.Get());
+    if (FAILED(status))
+        throw CToolError("the plug-in told no level: " + statusText(status));
+    return value.Value().lVal;
+}
+
+Json::Value statusOf(const CPluginHost& host)
+{
+    ULONG status = 0;
+    CVariant text;
+    text.Get()->vt = VT_BSTR;
+    text.Get()->bstrVal = nullptr;
+    const HRESULT result =
+        host.Get<IVLKSecurityStatus>().get()->GetStatus(&status, &text.Get()->bstrVal);
+    Json::Value json(Json::objectValue);
+    json["status"] = static_cast<Json::UInt>(status);
+    json["text"] = jsonOfVariant(text.Value())["value"];
+    json["disabledByPolicy"] = result == E_NOTIMPL;
+    if (FAILED(result) && result != E_NOTIMPL)
+        throw CToolError("the plug-in told no status: " + statusText(result));
+    const LONG level = securityLevel(host);
+    json["level"] = static_cast<Json::Int>(level);
+    json["levelMeaning"] = levelMeaning(level);
+    ULONG switched = 0;
+    const HRESULT asked = host.Get<IVLKTDisableApp>().get()->GetStatus(&switched);
+    if (FAILED(asked))
+        throw CToolError("the plug-in didn't tell whether it is on: " + statusText(asked));
+    json["switch"] = static_cast<Json::UInt>(switched);
+    json["switchMeaning"] = switchMeaning(switched);
+    return json;
+}
+
+// eachNotification calls use with every notification and its place in the list, from 1.
+void eachNotification(const CPluginHost& host,
+                      const std::function<void(unsigned, IVLKTElementUI*)>& use)
+{
+    CVariant value;
+    const HRESULT status =
+        host.Get<IVLKTElementUI>().get()->GetProperty(propertyNotifications, value.Get());
+    if (FAILED(status))
+        throw CToolError("the plug-in gave no notifications: " + statusText(status));
+    LONG lower = 0;
+    LONG upper = -1;
+    SafeArrayGetLBound(value.Value().parray, 1, &lower);
+    SafeArrayGetUBound(value.Value().parray, 1, &upper);
+    for (LONG i = lower; i <= upper; ++i) {
+        CVariant element;
+        if (FAILED(SafeArrayGetElement(value.Value().parray, &i, element.Get())) ||
+            element.Value().vt != VT_UNKNOWN || !element.Value().punkVal)
+            continue;
+        CInterface<IVLKTElementUI> notice;
+        if (SUCCEEDED(element.Value().punkVal->QueryInterface(
+                __uuidof(IVLKTElementUI), reinterpret_cast<void**>(notice.put()))))
+            use(static_cast<unsigned>(i - lower) + 1, notice.get());
+    }
+}
+
+Json::Value notificationsOf(const CPluginHost& host)
+{
+    Json::Value list(Json::arrayValue);
+    eachNotification(host, [&](unsigned number, IVLKTElementUI* notice) {
+        Json::Value json(Json::objectValue);
+        json["number"] = number;
+        json["caption"] = property(notice, notificationCaption);
+        json["explanation"] = property(notice, propertyExplanation);
+        json["level"] = property(notice, propertySecurityLevel);
+        json["shown"] = property(notice, notificationShown);
+        CVariant actions;
+        json["canOpenConsole"] = SUCCEEDED(notice->GetProperty(notificationActions, actions.Get()));
+        list.append(json);
+    });
+    return list;
+}
+
+Json::Value interfacesOf(const CPluginHost& host)
+{
+    const struct {
+        const char* name;
+        IID iid;
+    } interfaces[] = {
+        {"IVLKTPages", __uuidof(IVLKTPages)},
+        {"IVLKTElementUI", __uuidof(IVLKTElementUI)},
+        {"IVLKSecurityStatus", __uuidof(IVLKSecurityStatus)},
+        {"IVLKTPluginInfo", __uuidof(IVLKTPluginInfo)},
+        {"IVLKTDisableApp", __uuidof(IVLKTDisableApp)},
+        {"IVLKTBackupRestore3", __uuidof(IVLKTBackupRestore3)},
+        {"IVLKTBackupRestore2", __uuidof(IVLKTBackupRestore2)},
+        {"IVLKTTraySubscribe", __uuidof(IVLKTTraySubscribe)},
+    };
+    Json::Value list(Json::arrayValue);
+    for (const auto& row : interfaces) {
+        CInterface<IUnknown> found;
+        if (SUCCEEDED(
+                host.Object()->QueryInterface(row.iid, reinterpret_cast<void**>(found.put()))))
+            list.append(row.name);
+    }
+    return list;
+}
+
+Json::Value infoOf(const CPluginHost& host)
+{
+    CVariant identifier;
+    host.Get<IVLKTPluginInfo>().get()->GetInfo(0, identifier.Get());
+    const auto element = host.Get<IVLKTElementUI>();
+    Json::Value json(Json::objectValue);
+    json["file"] = utf8FromWide(host.Path());
+    json["classIdentifier"] = jsonOfVariant(identifier.Value())["value"];
+    json["name"] = property(element.get(), propertyName);
+    json["fixedName"] = property(element.get(), propertyFixedName);
+    json["description"] = property(element.get(), propertyDescription);
+    json["icon"] = property(element.get(), propertyIconLocation);
+    json["kind"] = property(element.get(), propertyKind);
+    json["explanation"] = property(element.get(), propertyExplanation);
+    json["interfaces"] = interfacesOf(host);
+    json["status"] = statusOf(host);
+    json["notifications"] = notificationsOf(host);
+    return json;
+}
+
+// setShown shows or dismisses what the dashboard shows now.
+Json::Value setShown(const CPluginHost& host, bool shown)
+{
+    CVariant flag;
+    flag.Get()->vt = VT_BOOL;
+    flag.Get()->boolVal = shown ? VARIANT_TRUE : VARIANT_FALSE;
+    eachNotification(host, [&](unsigned, IVLKTElementUI* notice) {
+        const HRESULT status = notice->SetProperty(commandSetShown, flag.Get());
+        if (FAILED(status))
+            throw CToolError("the notification refused: " + statusText(status));
+    });
+    Json::Value json(Json::objectValue);
+    const LONG level = securityLevel(host);
+    json["level"] = static_cast<Json::Int>(level);
+    json["levelMeaning"] = levelMeaning(level);
+    json["notifications"] = notificationsOf(host);
+    return json;
+}
+
+Json::Value openConsole(const CPluginHost& host)
+{
+    Json::Value json(Json::objectValue);
+    eachNotification(host, [&](unsigned, IVLKTElementUI* notice) {
+        const HRESULT status = notice->SetProperty(commandOpenConsole, nullptr);
+        if (FAILED(status))
+            throw CToolError("the notification refused: " + statusText(status));
+        json["console"] = "started";
+    });
+    return json;
+}
+
+std::string explained(HRESULT status)
+{
+    if (status == E_ACCESSDENIED)
+        return "the setting is the machine's: run this as an administrator";
+    if (status == static_cast<HRESULT>(0x80070000u | ERROR_MOD_NOT_FOUND))
+        return "VLFPApi.dll is not in the system folder: install it first";
+    return {};
+}
+
+Json::Value switchTo(const CPluginHost& host, bool on)
+{
+    const HRESULT status = host.Get<IVLKTDisableApp>().get()->DisableLocal(on ? 0 : 1);
+    if (FAILED(status))
+        throw CToolError("the application can't be switched " + std::string(on ? "on: " : "off: ") +
+                             statusText(status),
+                         explained(status));
+    return statusOf(host);
+}
+
+// registerWith calls one of the DLL's two registration functions.
+void registerWith(const options_t& options, const char* function, bool registered)
+{
+    std::wstring path;
+    if (!options.plugin.empty()) {
+        path = wideFromUtf8(options.plugin);
+    } else if (registered) {
+        path = registeredPluginPath();
+    } else {
+        wchar_t own[MAX_PATH] = {};
+        GetModuleFileNameW(nullptr, own, MAX_PATH);
+        path = own;
+        path.resize(path.find_last_of(L'\\') + 1);
+        path += L"VLOnlineIDs.dll"; // it lies beside this program
+    }
+    const CLoadedModule library = loadPlugin(path);
+    using registration = HRESULT(WINAPI*)();
+    const auto call = reinterpret_cast<registration>(
+        reinterpret_cast<void*>(GetProcAddress(library.get(), function)));
+    if (!call)
+        throw CToolError(utf8FromWide(path) + " has no " + function, "is this the plug-in's DLL?");
+    const HRESULT status = call();
+    if (FAILED(status))
+        throw CToolError(
+            utf8FromWide(path) + ": " + statusText(status),
+            status == E_ACCESSDENIED
+                ? "the dashboard's keys are the machine's: run this as an administrator"
+                : "");
+    Json::Value json(Json::objectValue);
+    json["file"] = utf8FromWide(path);
+    json["done"] = function;
+    printResult(json, options.json);
+}
+
+} // namespace
+
+void addDashboardCommands(CLI::App& app, const options_t& options)
+{
+    const auto add = [&](const char* name, const char* help, auto body) {
+        app.add_subcommand(name, help)->callback([&options, body] {
+            const CPluginHost host(options.plugin);
+            printResult(body(host), options.json);
+        });
+    };
+    add("info", "Everything that a dashboard shows of the plug-in", infoOf);
+    add("status", "Status, level, and whether the application is switched off", statusOf);
+    add("notifications", "What the user should look at", notificationsOf);
+    add("dismiss", "Dismiss the notification",
+        [](const CPluginHost& host) { return setShown(host, false); });
+    add("show", "Show the notification again",
+        [](const CPluginHost& host) { return setShown(host, true); });
+    add("console", "Open the console at the plug-in's page", openConsole);
+    add("enable", "Switch the application on",
+        [](const CPluginHost& host) { return switchTo(host, true); });
+    add("disable", "Switch the application off",
+        [](const CPluginHost& host) { return switchTo(host, false); });
+    app.add_subcommand("register", "Register the plug-in with the dashboard")->callback([&options] {
+        registerWith(options, "DllRegisterServer", false);
+    });
+    app.add_subcommand("unregister", "Take the plug-in out of the dashboard")->callback([&options] {
+        registerWith(options, "DllUnregisterServer", true);
+    });
+}

@@ -1,0 +1,146 @@
+#include "commands.h"
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+
+#include "common/commandline.h"
+#include "print.h"
+#include "safetycopy.h"
+#include "secretstore.h"
+#include "takebackup.h"
+#include "variants.h"
+
+using namespace VLONLINEIDSLib;
+
+namespace {
+
+struct arguments_t {
+    std::string file;
+    std::string entry = "1";
+    unsigned long flags = 0;
+    std::optional<int> secretFrom;
+    bool dryRun = false;
+    bool force = false;
+    bool undo = false;
+};
+
+// verify refuses bytes that the plug-in would restore only in part: it checks nothing but the number of elements, and
+// has deleted the old files by then.
+void verify(const CBackupView& backup, bool decoded, bool force)
+{
+    const char* const hint = "nothing was touched; 'vlbackup verify' tells more";
+    if (!decoded)
+        throw CToolError("the file is no backup", hint);
+    if (backup.Sound())
+        return;
+    for (const auto& finding : backup.findings)
+        if (finding.kind != BackupFinding::Kind::note)
+            std::cerr << "vlhost: " << finding.where << ": " << finding.what << '\n';
+    if (!force)
+        throw CToolError("the backup is not sound",
+                         "nothing was touched; --force restores it all the same");
+}
+
+HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const bytes_t& bytes)
+{
+    if (arguments.entry == "plugin-data") {
+        CSecretBytes secrets;
+        if (arguments.secretFrom)
+            secrets.bytes = std::move(
+                encodeSecretList(protectedStorage, readSecretFrom(*arguments.secretFrom)).bytes);
+        return host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
+            static_cast<ULONG>(secrets.bytes.size()), secrets.bytes.data(),
+            static_cast<ULONG>(bytes.size()), bytes.data());
+    }
+    CVariant data;
+    setBytes(data, bytes);
+    const auto target = host.Get<IVLKTBackupRestore2>();
+    return arguments.entry == "2" ? target.get()->SetStorageData2(arguments.flags, data.Get())
+                                  : target.get()->SetStorageData(data.Get());
+}
+
+bool sameLink(const BackupLink& one, const BackupLink& other)
+{
+    return one.name == other.name && one.target == other.target && one.manifest == other.manifest &&
+           one.profile == other.profile && one.manifestid == other.manifestid &&
+           one.wocred == other.wocred;
+}
+
+// compareLinks takes a backup of what is there now and looks for the links of the restored one in it.
+void compareLinks(const CPluginHost& host, const CBackupView& wanted,
+                  std::vector<std::string>& differences)
+{
+    const backup_t now = takeBackupIfAny(host);
+    CBackupView found;
+    if (now.bytes.empty() || !found.Decode(now.bytes))
+        return; // the plug-in takes no backup of templates alone
+    for (const auto& link : wanted.links)
+        if (std::none_of(found.links.begin(), found.links.end(),
+                         [&](const BackupLink& other) { return sameLink(link, other); }))
+            differences.push_back(
+                "the quick link '" + link.name +
+                "' is not there (its program or template may be missing on this machine)");
+}
+
+Json::Value restoreFile(const CPluginHost& host, const arguments_t& arguments)
+{
+    const bytes_t bytes = readFile(arguments.file);
+    CBackupView backup;
+    const bool decoded = backup.Decode(bytes);
+    verify(backup, decoded, arguments.force);
+    const restorePlan_t plan = planRestore(backup);
+    Json::Value json(Json::objectValue);
+    json["backup"] = backupVersionText(backup.elementCount);
+    json["plan"] = jsonOfPlan(plan);
+    if (arguments.dryRun)
+        return json;
+    makeSafetyCopy(host, plan);
+    const HRESULT status = restore(host, arguments, bytes);
+    if (FAILED(status))
+        throw CToolError("the plug-in's restore failed: " + statusText(status),
+                         "'vlhost restore --undo' puts the old state back");
+    std::vector<std::string> differences = compareRestored(backup, plan);
+    compareLinks(host, backup, differences);
+    json["differences"] = Json::Value(Json::arrayValue);
+    for (const auto& difference : differences)
+        json["differences"].append(difference);
+    return json;
+}
+
+} // namespace
+
+void addRestoreCommand(CLI::App& app, const options_t& options)
+{
+    CLI::App* const command =
+        app.add_subcommand("restore", "Put a backup back, after a safety copy of what it replaces");
+    const auto arguments = std::make_shared<arguments_t>();
+    auto* const file =
+        command->add_option("file", arguments->file, "The backup; - is standard input");
+    command
+        ->add_option("--entry", arguments->entry,
+                     "The operation to use: SetStorageData, SetStorageData2 or SetPluginData")
+        ->check(CLI::IsMember({"1", "2", "plugin-data"}))
+        ->capture_default_str();
+    command->add_option("--flags", arguments->flags, "Passed on to the agent by --entry 2");
+    command->add_option("--secret-from", arguments->secretFrom,
+                        "File descriptor with the secret's value, for --entry plugin-data");
+    command->add_flag("--dry-run", arguments->dryRun,
+                      "Tell what would be deleted and replaced, and stop");
+    command->add_flag("--force", arguments->force, "Restore a backup that is not sound");
+    command->add_flag("--undo", arguments->undo, "Put back what the last restore replaced")
+        ->excludes(file);
+    command->callback([arguments, &options] {
+        if (arguments->file.empty() && !arguments->undo)
+            throw CToolError("a backup is wanted", "vlhost restore FILE", 2);
+        if (arguments->secretFrom && arguments->entry != "plugin-data")
+            throw CToolError("only --entry plugin-data takes a secret", "", 2);
+        const CPluginHost host(options.plugin);
+        const Json::Value json =
+            arguments->undo ? undoRestore(host) : restoreFile(host, *arguments);
+        printResult(json, options.json);
+        if (!json["differences"].empty())
+            throw CToolError("not everything came back as the backup has it",
+                             "'vlhost restore --undo' puts the old state back");
+    });
+}

@@ -1,0 +1,104 @@
+#include "commands.h"
+
+#include "common/commandline.h"
+#include "common/text.h"
+#include "print.h"
+#include "secretstore.h"
+#include "storage/settings.h"
+
+namespace {
+
+struct arguments_t {
+    std::string name = utf8FromWide(protectedStorage);
+    std::string value;
+    int descriptor = 0;
+};
+
+Json::Value done(const char* what, const std::string& name)
+{
+    Json::Value json(Json::objectValue);
+    json[what] = name;
+    return json;
+}
+
+void addSecretCommands(CLI::App& app, const options_t& options)
+{
+    CLI::App* const secret =
+        app.add_subcommand("secret", "The named secret that the host keeps beside a backup");
+    secret->require_subcommand(1);
+    const auto arguments = std::make_shared<arguments_t>();
+    secret->add_option("--name", arguments->name, "Its name")->capture_default_str();
+
+    CLI::App* const store =
+        secret->add_subcommand("store", "Store it; the value is never on the command line");
+    store->add_option("--from", arguments->descriptor, "File descriptor to read it from")
+        ->capture_default_str();
+    store->callback([arguments, &options] {
+        const CSecretBytes value = readSecretFrom(arguments->descriptor);
+        CSecretStore().Store(wideFromUtf8(arguments->name), value.bytes);
+        printResult(done("stored", arguments->name), options.json);
+    });
+
+    const auto target = std::make_shared<int>(1);
+    CLI::App* const show = secret->add_subcommand("read", "Write its value to a file descriptor");
+    show->add_option("--to", *target, "File descriptor to write it to")->capture_default_str();
+    show->callback([arguments, target] {
+        writeSecretTo(*target, CSecretBytes(CSecretStore().Read(wideFromUtf8(arguments->name))));
+    });
+
+    secret->add_subcommand("exists", "Tell whether it is there")->callback([arguments, &options] {
+        Json::Value json(Json::objectValue);
+        json["name"] = arguments->name;
+        json["exists"] = CSecretStore().Exists(wideFromUtf8(arguments->name));
+        printResult(json, options.json);
+    });
+    secret->add_subcommand("delete", "Remove it")->callback([arguments, &options] {
+        CSecretStore().Delete(wideFromUtf8(arguments->name));
+        printResult(done("deleted", arguments->name), options.json);
+    });
+}
+
+[[noreturn]] void settingFailed(const std::string& key, HRESULT status)
+{
+    const bool missing = status == E_NOTIMPL;
+    throw CToolError("the setting '" + key + "': " + statusText(status),
+                     missing ? "VloSet.dll is not in the installation's bin folder"
+                             : "is the key spelt right?");
+}
+
+void addSettingsCommands(CLI::App& app, const options_t& options)
+{
+    CLI::App* const settings =
+        app.add_subcommand("setting", "The settings of the settings provider");
+    settings->require_subcommand(1);
+    const auto arguments = std::make_shared<arguments_t>();
+
+    CLI::App* const get = settings->add_subcommand("get", "Read one");
+    get->add_option("key", arguments->name)->required();
+    get->callback([arguments, &options] {
+        std::wstring value;
+        const HRESULT status = settings_query(wideFromUtf8(arguments->name), value);
+        if (FAILED(status))
+            settingFailed(arguments->name, status);
+        printResult(done(arguments->name.c_str(), utf8FromWide(value)), options.json);
+    });
+
+    CLI::App* const set = settings->add_subcommand("set", "Write one");
+    set->add_option("key", arguments->name)->required();
+    set->add_option("value", arguments->value)->required();
+    set->callback([arguments, &options] {
+        const HRESULT status =
+            settings_set(wideFromUtf8(arguments->name), wideFromUtf8(arguments->value));
+        if (FAILED(status))
+            settingFailed(arguments->name, status);
+        printResult(done(arguments->name.c_str(), arguments->value), options.json);
+    });
+}
+
+} // namespace
+
+void addStoreCommands(CLI::App& app, const options_t& options)
+{
+    addSecretCommands(app, options);
+    addSettingsCommands(app, options);
+}

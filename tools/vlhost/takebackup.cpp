@@ -1,0 +1,46 @@
+#include "takebackup.h"
+
+#include "backup/blob/backupview.h"
+#include "common/commandline.h"
+#include "print.h"
+#include "variants.h"
+
+using namespace VLONLINEIDSLib;
+
+namespace {
+
+constexpr char seeTrace[] =
+    "the plug-in hides failures: 'vlhost trace on', try again, and read the trace";
+
+} // namespace
+
+backup_t takeBackupIfAny(const CPluginHost& host)
+{
+    CVariant names;
+    CVariant data;
+    const HRESULT status =
+        host.Get<IVLKTBackupRestore2>().get()->GetStorageData(names.Get(), data.Get());
+    if (FAILED(status))
+        throw CToolError("the plug-in gave no backup: " + statusText(status), seeTrace);
+    backup_t backup{{}, textsOf(names.Value())};
+    if (data.Value().vt == VT_EMPTY)
+        return backup;
+    if (data.Value().vt != (VT_ARRAY | VT_UI1))
+        throw CToolError("the plug-in gave something else than bytes", seeTrace);
+    backup.bytes = bytesOf(data.Value());
+    if (backup.bytes.empty())
+        throw CToolError("the plug-in gave an empty backup", seeTrace);
+    CBackupView view;
+    if (!view.Decode(backup.bytes))
+        throw CToolError("the plug-in gave bytes that are no backup", seeTrace);
+    return backup;
+}
+
+backup_t takeBackup(const CPluginHost& host)
+{
+    backup_t backup = takeBackupIfAny(host);
+    if (backup.bytes.empty())
+        throw CToolError("the plug-in gave no backup: there is nothing to back up, or it failed",
+                         seeTrace);
+    return backup;
+}
