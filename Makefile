@@ -19,8 +19,8 @@ build:
 	@$(call configure,native-release)
 	@$(call compile,release)
 	@$(call compile,native-release)
-	@cmake --install build/release --prefix build/dist >/dev/null
-	@cmake --install build/native-release --prefix build/dist >/dev/null
+	@cmake --install build/release --prefix build/dist --component dist >/dev/null
+	@cmake --install build/native-release --prefix build/dist --component dist >/dev/null
 
 demo: build
 	@scripts/base-prefix.sh
