@@ -30,12 +30,15 @@ def integer(value):
 
 templates = sequence(sequence(wide("a.vlm"), element(0x04, b"AB")),
                      sequence(wide("alien|C:\\x\\b.vlm"), element(0x04, bytes(200))))
-new_links = sequence(sequence(wide("Mail"), wide("https://mail.test/"), wide("a.vlm"), integer(3), wide("id"), integer(1)))
-old_links = sequence(sequence(narrow("Mail"), narrow("https://mail.test/"), narrow("a.vlm"), integer(3), narrow("id")))
+new_links = sequence(sequence(wide("Mail"), wide("https://mail.test/"), wide("a.vlm"), integer(3),
+                              wide("id"), integer(1)))
+old_links = sequence(sequence(narrow("Mail"), narrow("https://mail.test/"), narrow("a.vlm"), integer(3),
+                              narrow("id")))
 categories = sequence(sequence(wide("Work"), wide("1")))
 document = sequence(narrow('{"settings":{"current":{"open_guard_desk_qa":"Ctrl+Win+72"}}}'))
 legacy = sequence(integer(1), wide("Ctrl+Win+72"), element(0x04, b"list"))
-other_texts = sequence(*(sequence(element(tag, b"aabb"), element(0x04, b"")) for tag in (0x0C, 0x13, 0x16, 0x1A)))
+other_texts = sequence(*(sequence(element(tag, b"aabb"), element(0x04, b""))
+                         for tag in (0x0C, 0x13, 0x16, 0x1A)))
 
 seeds = {
     "two": sequence(templates, old_links),

@@ -203,29 +203,6 @@ TEST(Blob, DecodesAsThePlatformDoes)
     }
 }
 
-TEST(BlobInteger, ShortestFormOutNoSignExtensionBackIn)
-{
-    const struct {
-        uint32_t value;
-        bytes der;
-        uint32_t back;
-    } cases[] = {
-        {0, {0x02, 0x01, 0x00}, 0},
-        {127, {0x02, 0x01, 0x7F}, 127},
-        {128, {0x02, 0x02, 0x00, 0x80}, 128}, // the zero keeps it positive
-        {0x80000000, {0x02, 0x04, 0x80, 0, 0, 0}, 0x80000000},
-        {0xFFFFFF80, {0x02, 0x01, 0x80}, 0x80},
-        {0xFFFFFFFF, {0x02, 0x01, 0xFF}, 0xFF},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.value);
-        CVLBlobSeq slot(1);
-        EXPECT_TRUE(CVLIntBlob(c.value).EncodeAs(structMultiByteInt, slot.items[0]));
-        EXPECT_EQ(bytesOf(slot.items[0]), c.der);
-        EXPECT_EQ(readInteger(slot.items[0]), c.back);
-    }
-}
-
 TEST(CDataBlob_s, TakesOctetsOrEndsEmpty)
 {
     CDataBlob_s secret;

@@ -60,8 +60,9 @@ void addMembers(const Json::Value& value, const std::string& path, items& out)
         out.push_back({path, {{"value", jsonText(value, false)}}, {}});
         return;
     }
+    const std::string prefix = path.empty() ? path : path + '.';
     for (const std::string& name : value.getMemberNames())
-        addMembers(value[name], path.empty() ? name : path + "." + name, out);
+        addMembers(value[name], prefix + name, out);
 }
 
 items settingsOf(const CBackupView& backup)

@@ -22,10 +22,8 @@ public:
     bool IsEmpty() const noexcept { return std::holds_alternative<std::monostate>(m_content); }
 
     void SetSequence(size_t count); // count empty children; without any it encodes as 30 00
-    CDerNode& Child(size_t index)
-    {
-        return std::get<Children>(m_content)[index];
-    }                              // of a sequence only
+    // Child gives one of a sequence's children; anything else has none.
+    CDerNode& Child(size_t index) { return std::get<Children>(m_content)[index]; }
     size_t Count() const noexcept; // children; 0 for anything but a sequence
 
     // SetOctets borrows the bytes: they must stay until the tree is written. keepAlive, if given,

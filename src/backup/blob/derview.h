@@ -23,21 +23,20 @@ public:
     // DecodeWide reads NumericString, PrintableString, T61String, VideotexString, IA5String,
     // GraphicString, VisibleString, BMPString and UTF8String. The last two give their characters,
     // an odd last octet of a BMPString left out. The octets of the others stand as they are for
-    // UTF-16 in host order, two a unit. units: all of them, the stored terminator included. Errors:
-    // std::bad_alloc
+    // UTF-16 in host order, two a unit.
+    // units:  all of them, the stored terminator included
+    // Errors: std::bad_alloc
     [[nodiscard]] bool DecodeWide(std::u16string& units) const;
     // DecodeOctets reads an OCTET STRING. contents: a view into the element
     [[nodiscard]] bool DecodeOctets(std::span<const uint8_t>& contents) const noexcept;
-    // DecodeInteger gives the content octets of an INTEGER: big-endian, any number of them, maybe
-    // none.
+    // DecodeInteger gives the content octets of an INTEGER: big-endian, any number, maybe none.
     [[nodiscard]] bool DecodeInteger(std::span<const uint8_t>& contents) const noexcept;
 
     // WideText: up to the first zero, or to the end if there is none. Errors: std::bad_alloc
     std::u16string WideText() const;
-    // NarrowText: an OCTET STRING's text up to the first zero, or to the end; a view into the
-    // element
+    // NarrowText: an OCTET STRING's text up to the first zero, or to the end; a view
     std::string_view NarrowText() const noexcept;
-    // Octets: an OCTET STRING's bytes; a view into the element
+    // Octets: an OCTET STRING's bytes; a view
     std::span<const uint8_t> Octets() const noexcept;
     // Integer: 1 to 4 content octets as an unsigned number; 0 for none, more, or anything but an
     // INTEGER. Not sign-extended: what was written from 0xFFFFFFFF reads back as 0xFF. Intended.
@@ -54,7 +53,8 @@ class CDerSequenceView
 public:
     // Decode reads the sequence at the front of the bytes; what stands behind it is ignored. The
     // elements themselves are not looked into. False, with the old elements kept, if it isn't one
-    // or any element is cut short. Errors: std::bad_alloc, the old elements kept
+    // or any element is cut short.
+    // Errors: std::bad_alloc, the old elements kept
     [[nodiscard]] bool Decode(std::span<const uint8_t> bytes);
     [[nodiscard]] bool Decode(const CDerElement& element) { return Decode(element.Encoded()); }
 
