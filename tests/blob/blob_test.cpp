@@ -312,6 +312,9 @@ TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
     list.Encode(outer.items[0]);
     ASSERT_TRUE(back.Decode(&outer.items[0]));
     ASSERT_EQ(back.count, 3u);
+    ASSERT_TRUE(outer.Decode(outer.Slot(0))); // a list that lies in the one it replaces
+    EXPECT_EQ(outer.count, 3u);
+    EXPECT_EQ(bytesOf(*outer.Slot(0)), bytesOf(*list.Slot(0)));
     EXPECT_FALSE(back.Decode(nullptr));
 
     _auto_heap_mem<wchar_t> text;

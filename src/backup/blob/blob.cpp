@@ -214,14 +214,15 @@ void CVLBlobSeq::SecureClear() noexcept
 
 void CVLBlobSeq::Assign(const CRYPT_SEQUENCE_OF_ANY& elements)
 {
+    // Copied before the old ones go: the elements may lie in this very list.
+    CVLBlobSeq fresh(elements.cValue);
+    if (fresh.count < elements.cValue)
+        raiseStatus(E_OUTOFMEMORY);
+    for (DWORD i = 0; i < fresh.count; ++i)
+        fresh.items[i] = copyOf(blobView(elements.rgValue[i]));
     Clear();
-    if (elements.cValue == 0)
-        return;
-    items = _auto_heap_mem<_CRYPTOAPI_BLOB>(elements.cValue).release();
-    std::fill_n(items, elements.cValue, _CRYPTOAPI_BLOB{});
-    count = elements.cValue;
-    for (DWORD i = 0; i < count; ++i)
-        items[i] = copyOf(blobView(elements.rgValue[i]));
+    std::swap(count, fresh.count);
+    std::swap(items, fresh.items);
 }
 
 void CVLBlobSeq::Encode(_CRYPTOAPI_BLOB& destination) const

@@ -243,7 +243,8 @@ public:
     void Clear() noexcept;
     void SecureClear() noexcept; // overwrites every element's bytes first
 
-    // Assign clears the list and copies each element. One without bytes stays an empty slot.
+    // Assign replaces the list by copies of the elements, which may be its own; the cursor goes to 0.
+    // One without bytes stays an empty slot. Out of memory, the list is unchanged.
     void Assign(const CRYPT_SEQUENCE_OF_ANY& elements);
 
     // Encode writes the sequence over the destination, whatever it pointed at. An empty slot adds
