@@ -62,7 +62,9 @@ TEST_F(TraceFile, LaterWriterAppendsANoteAndANewFileStartsWithTheHeader)
     at(2017, 7, 14, 1, 2, 3, 4);
     const auto say = [](const char* text) {
         traceScope_t scope("f");
+        SetLastError(4321);
         traceText(text);
+        EXPECT_EQ(GetLastError(), 4321u); // opening the file set another
     };
     setNumber(L"NewFileAlways", 0);
     traced([&] { say("first"); });
