@@ -1,11 +1,11 @@
 #include "backup/restore.h"
 
+#include <algorithm>
 #include <new>
 
 #include <windows.h>
 #include <wincrypt.h>
 
-#include "atl/exception.h"
 #include "backup/blob/derview.h"
 #include "backup/settingsdocument.h"
 #include "backup/storagedata.h"
@@ -39,22 +39,6 @@ void RestoreElements(const CDerSequenceView& backup)
     }
 }
 
-HRESULT ReadBounds(SAFEARRAY* array, LONG& lower, LONG& upper)
-{
-    const HRESULT status = SafeArrayGetLBound(array, 1, &lower);
-    return FAILED(status) ? status : SafeArrayGetUBound(array, 1, &upper);
-}
-
-// An array of several dimensions may hold no byte at all though its first has a size.
-bool HasElements(const SAFEARRAY& array)
-{
-    for (USHORT i = 0; i < array.cDims; ++i) {
-        if (array.rgsabound[i].cElements == 0)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 void RestoreBackup(std::span<const uint8_t> bytes)
@@ -69,20 +53,19 @@ void RestoreBackup(std::span<const uint8_t> bytes)
     }
 }
 
-void RestoreFromSafeArray(SAFEARRAY* array)
+void RestoreFromSafeArray(const CVLByteArray& array)
 {
-    LONG lower = 0;
-    LONG upper = 0;
-    const HRESULT status = ReadBounds(array, lower, upper);
-    if (FAILED(status))
-        ATL::AtlThrow(status);
+    const LONG lower = array.LowerBound();
+    const LONG upper = array.UpperBound();
     traceFormat(0, "lBound = %d, uBound = %d", static_cast<int>(lower), static_cast<int>(upper));
     const uint32_t last = static_cast<uint32_t>(upper) - static_cast<uint32_t>(lower);
     void* data = nullptr;
-    SafeArrayAccessData(array, &data);
+    SafeArrayAccessData(array.Get(), &data);
     std::span<const uint8_t> bytes;
-    if (last != 0xFFFFFFFF && data && HasElements(*array))
-        bytes = {static_cast<const uint8_t*>(data), size_t{last} + 1};
+    if (last != 0xFFFFFFFF &&
+        data) // an array of several dimensions may hold less than its first one tells
+        bytes = array.Bytes().first(std::min(array.Bytes().size(), size_t{last} + 1));
     RestoreBackup(bytes);
-    SafeArrayUnaccessData(array); // not when the restore raises: the array stays accessed then
+    SafeArrayUnaccessData(
+        array.Get()); // not when the restore raises: the array stays accessed then
 }

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include <oaidl.h>
+#include "backup/blob/safearray.h"
 
 // RestoreBackup puts the contents of a backup back: files, quick links, categories and settings.
 // The count of its elements tells its version: of two it reads quick links in the old form, of
@@ -14,13 +14,13 @@
 //
 // bytes:   the encoded backup, a loan; walked in place
 // Errors:  raises E_UNEXPECTED for bytes that are no backup, with everything untouched;
-// E_OUTOFMEMORY; and what the
-//          settings document raises, with the elements before it restored
+//          E_OUTOFMEMORY; and what the settings document raises, with the elements before it
+//          restored
 void RestoreBackup(std::span<const uint8_t> bytes);
 
 // RestoreFromSafeArray is RestoreBackup of a byte array with any lower bound; an empty one is
 // refused as a backup.
 //
-// array:   one dimension of VT_UI1; a loan. It stays accessed when the restore raises.
+// array:   a loan. It stays accessed when the restore raises, which one more unlock ends.
 // Errors:  raises ATL::CAtlException for bounds that can't be read, and as RestoreBackup does
-void RestoreFromSafeArray(SAFEARRAY* array);
+void RestoreFromSafeArray(const CVLByteArray& array);

@@ -8,8 +8,7 @@
 // TextForm tells how the text elements of a quick link record are stored.
 enum class TextForm {
     Wide,  // BMPString
-    Octets // OCTET STRING, as backups of two elements have them: taken as UTF-8 that needs no
-           // conversion
+    Octets // OCTET STRING, UTF-8 already: so have it backups of two elements
 };
 
 // CStorageData gathers the user's templates, quick links, categories and settings into the elements

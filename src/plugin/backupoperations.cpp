@@ -61,7 +61,7 @@ void RestoreCopyOf(const VARIANT* data)
     if (FAILED(status))
         ATL::AtlThrow(status);
     try {
-        RestoreFromSafeArray(copy.Get());
+        RestoreFromSafeArray(copy);
     } catch (...) {
         SafeArrayUnlock(copy.Get()); // left accessed, it could not be destroyed
         throw;
