@@ -1,4 +1,4 @@
-#include "tracedecoder.h"
+#include "support/tracedecoder.h"
 #include "tracefixture.h"
 
 #include <map>
