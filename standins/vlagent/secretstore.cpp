@@ -3,7 +3,7 @@
 #include <bcrypt.h>
 #include <array>
 
-#include "atl/security.h"
+#include "backup/currentuser.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "vlfpapi/vlfpapi.h"
@@ -30,27 +30,6 @@ CLoadedModule loadStore()
     return CLoadedModule(LoadLibraryW(L"VLFPApi.dll"));
 }
 
-// The qualified name domain\account of this process's user; empty on failure, with the last error
-// set.
-std::wstring processUser()
-{
-    CKernelHandle handle;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, handle.put()))
-        return {};
-    ATL::CAccessToken token;
-    token.Attach(handle.release());
-    const ATL::CSid user = token.GetUser();
-    std::array<wchar_t, 257> account{};
-    std::array<wchar_t, 257> domain{};
-    DWORD accountSize = account.size();
-    DWORD domainSize = domain.size();
-    SID_NAME_USE use{};
-    if (!LookupAccountSidW(nullptr, user.GetPSID(), account.data(), &accountSize, domain.data(),
-                           &domainSize, &use))
-        return {};
-    return std::wstring(domain.data()) + L'\\' + account.data();
-}
-
 } // namespace
 
 LONG storeSecret(const std::wstring& name, std::string_view value)
@@ -62,7 +41,8 @@ try {
         reinterpret_cast<void*>(GetProcAddress(store.get(), "VLFPStoreSecret")));
     if (!store_secret)
         return lastStatus();
-    const std::wstring user = processUser();
+    CCurrentUser account;
+    const std::wstring& user = account.Qualified();
     if (user.empty())
         return lastStatus();
     const int length = static_cast<int>(value.size());
@@ -77,8 +57,8 @@ try {
     return store_secret(user.c_str(), secretKind, name.c_str(),
                         reinterpret_cast<const BYTE*>(wide.text.c_str()),
                         static_cast<uint32_t>((wide.text.size() + 1) * sizeof(wchar_t)));
-} catch (const ATL::CAtlException& exception) {
-    return exception.m_hr;
+} catch (const _com_error& exception) {
+    return exception.Error();
 }
 
 std::string sha256Text(std::string_view bytes)
