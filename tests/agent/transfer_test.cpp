@@ -1,10 +1,8 @@
 #include "agent/transfer.h"
 
-#include <algorithm>
 #include <cstring>
 #include <thread>
 
-#include <sddl.h>
 #include <gtest/gtest.h>
 
 #include "linkfixture.h"
@@ -12,18 +10,11 @@
 
 namespace {
 
-constexpr DWORD limit = 20000;
 const auto window = reinterpret_cast<HWND>(uintptr_t{0x1122334455667788});
 
-std::string blockText(const wchar_t* name, size_t size)
+std::string requestBytes()
 {
-    const CKernelHandle handle(OpenFileMappingW(FILE_MAP_READ, FALSE, name));
-    const void* view = MapViewOfFile(handle.get(), FILE_MAP_READ, 0, 0, 0);
-    if (!view)
-        return "no block";
-    const std::string text(static_cast<const char*>(view), size);
-    UnmapViewOfFile(view);
-    return text;
+    return blockView_t(L"VLMAX_NIPC_BUFFER").text(0x1000);
 }
 
 bool isFree(const CKernelHandle& semaphore)
@@ -32,13 +23,18 @@ bool isFree(const CKernelHandle& semaphore)
            ReleaseSemaphore(semaphore.get(), 1, nullptr);
 }
 
+bool isGone(const wchar_t* name)
+{
+    const CKernelHandle own(CreateEventW(nullptr, FALSE, FALSE, name));
+    return own && GetLastError() != ERROR_ALREADY_EXISTS;
+}
+
 TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
 {
     const struct {
         std::string name, body;
     } cases[] = {
-        {"KRS Protected Storage", "S\xC3\xA9"
-                                  "cret"},
+        {"KRS Protected Storage", "S\xC3\xA9/cret"},
         {"KRS Protected Storage", ""},
         {"", "body"},
         {"n", std::string(5000, 'b')},
@@ -48,7 +44,7 @@ TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
     const agentObjects_t agent;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name.substr(0, 10) + '/' + c.body.substr(0, 10));
-        std::memset(agent.view, 0xEE, 0x1000);
+        std::memset(blockView_t(L"VLMAX_NIPC_BUFFER").bytes, 0xEE, 0x1000);
         std::thread client([&] { EXPECT_TRUE(sendToAgent(window, 0xC123, c.name, c.body)); });
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(agent.dataReady.get(), limit));
         std::string request("\x02\0\0\0....\x88\x77\x66\x55\x23\xC1\0\0", 16);
@@ -56,128 +52,116 @@ TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
         std::memcpy(request.data() + 4, &process, 4);
         request += c.name + '\0';
         request.resize(0x1000, '\xEE'); // what lies behind stays
-        EXPECT_EQ(request, blockText(L"VLMAX_NIPC_BUFFER", 0x1000));
-        EXPECT_EQ(c.body + '\0', blockText(L"VLTEMPLATE", c.body.size() + 1));
+        EXPECT_EQ(request, requestBytes());
+        EXPECT_EQ(c.body + '\0', blockView_t(L"VLTEMPLATE").text(c.body.size() + 1));
         EXPECT_FALSE(isFree(agent.semaphore));
         SetEvent(agent.acknowledge.get());
         client.join();
-        EXPECT_EQ("no block", blockText(L"VLTEMPLATE", 1));
+        EXPECT_EQ("no block", blockView_t(L"VLTEMPLATE").text(1));
         EXPECT_TRUE(isFree(agent.semaphore));
     }
     EXPECT_EQ(texts_t{}, trace.messages());
 }
 
-enum instead_t { nothing, anEvent, closedEvent, closedBlock, shortBlock, reservedBlock };
-
-// Takes a name, before the exchange does, with something that doesn't serve.
-CKernelHandle take(instead_t instead, const wchar_t* name)
+template <DWORD size, DWORD more = 0> HANDLE block(const wchar_t* name)
 {
-    CLocalMemory descriptor; // lets its object be looked at, and no more
-    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;RC;;;WD)", 1, descriptor.put(),
-                                                         nullptr);
-    SECURITY_ATTRIBUTES closed{sizeof closed, descriptor.get(), FALSE};
-    const auto security = instead == closedEvent || instead == closedBlock ? &closed : nullptr;
-    if (instead == anEvent || instead == closedEvent)
-        return CKernelHandle(CreateEventW(security, FALSE, FALSE, name));
-    const DWORD protection = PAGE_READWRITE | (instead == reservedBlock ? SEC_RESERVE : 0u);
-    const DWORD size = instead == shortBlock ? 100 : 0x10000;
-    return CKernelHandle(
-        CreateFileMappingW(INVALID_HANDLE_VALUE, security, protection, 0, size, name));
+    return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | more, 0, size, name);
 }
 
-// Each thing that is missing or not as it should be ends the exchange with these errors: nothing
-// written or signalled, the semaphore free again and no handle kept.
+HANDLE event(const wchar_t* name)
+{
+    return CreateEventW(nullptr, FALSE, FALSE, name);
+}
+
+HANDLE deniedEvent(const wchar_t* name)
+{
+    ACL nobody{ACL_REVISION, 0, sizeof nobody, 0, 0};
+    SECURITY_DESCRIPTOR descriptor{1, 0, SE_DACL_PRESENT, nullptr, nullptr, nullptr, &nobody};
+    SECURITY_ATTRIBUTES attributes{sizeof attributes, &descriptor, FALSE};
+    return CreateEventW(&attributes, FALSE, FALSE, name);
+}
+
+// Each name that something else has, and a secret's name that doesn't fit, end the exchange with
+// these errors: nothing written or signalled, the semaphore free again and no handle kept.
 TEST(Transfer, BrokenLinkEndsTheExchangeAndKeepsNothing)
 {
     const wchar_t* const mutex = L"VLMAX_NIPC_MUTEX";
-    const wchar_t* const ack = L"VLMAX_NIPC_BUFFER_READY";
+    const wchar_t* const acknowledge = L"VLMAX_NIPC_BUFFER_READY";
     const wchar_t* const ready = L"VLMAX_NIPC_DATA_READY";
-    const wchar_t* const buffer = L"VLMAX_NIPC_BUFFER";
-    const std::wstring semaphore = L"semaphore 'VLMAX_NIPC_MUTEX'.";
-    const std::wstring cantOpen = L"IPC.OpenFileMapping 'VLMAX_NIPC_BUFFER'";
     const std::wstring noPayload = L"IPC.CreateMMF.2VLA.savefile";
     const std::wstring gaveUp = L"E 0 _callserverprocess";
     const texts_t tooShort = {win32(122) + noPayload, gaveUp};
     const struct {
-        const wchar_t* name; // null: all is there, but the secret's name is too long
-        instead_t instead;
+        const wchar_t* name;
+        HANDLE (*take)(const wchar_t*);
         texts_t errors;
+        const wchar_t* denied = nullptr;
     } cases[] = {
-        {ack, nothing, {win32(2) + L"no AckEvent"}},
-        {ready, nothing, {win32(2) + L"no ReadyEvent"}},
-        {ready, closedEvent, {win32(5) + L"no ReadyEvent"}},
-        {buffer, anEvent, {win32(6) + cantOpen}},
-        {buffer, closedBlock, {win32(5) + cantOpen}},
+        {acknowledge, block<100>, {win32(6) + L"no AckEvent"}},
+        {acknowledge, block<100>, {win32(5) + L"no AckEvent"}, ready}, // the later open's error
+        {ready, block<100>, {win32(6) + L"no ReadyEvent"}},
+        {L"VLMAX_NIPC_BUFFER", event, {win32(6) + L"IPC.OpenFileMapping 'VLMAX_NIPC_BUFFER'"}},
         {mutex,
-         anEvent,
-         {win32(6) + L"IPC.Failed to open " + semaphore + L" BAD.",
-          win32(6) + L"IPC.Failed to create " + semaphore + L" OK. Try to open it.",
+         event,
+         {win32(6) + L"IPC.Failed to open semaphore 'VLMAX_NIPC_MUTEX'. BAD.",
+          win32(6) + L"IPC.Failed to create semaphore 'VLMAX_NIPC_MUTEX'. OK. Try to open it.",
           win32(6) + L"Create Semaphore failed"}},
         {L"VLTEMPLATE",
-         anEvent,
+         event,
          {win32(6) + L"IPC.CreateFileMapping 'VLTEMPLATE' SA=OK", win32(6) + noPayload, gaveUp}},
-        {L"VLTEMPLATE", shortBlock, tooShort},
-        {L"VLTEMPLATE", reservedBlock, tooShort},
-        {nullptr, nothing, tooShort},
+        {L"VLTEMPLATE", block<100>, tooShort},
+        {L"VLTEMPLATE", block<0x10000, SEC_RESERVE>, tooShort}, // a view that can't be touched
+        {nullptr, nullptr, tooShort},
     };
     traceRecorder_t trace;
-    sendToAgent(window, 1, "n", "b"); // what the first exchange and the first throw keep open
-    EXPECT_THROW(throw 1, int);
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << (c.name ? c.name : L"long name") << c.instead);
-        agentObjects_t agent;
-        agent.drop(c.name ? c.name : L"");
-        const CKernelHandle taken = c.instead ? take(c.instead, c.name) : CKernelHandle();
-        trace.messages();
-        const size_t before = openHandles();
-        const std::string name(c.name ? 9 : 0x1000 - 16, 'n');
-        EXPECT_TRUE(sendToAgent(window, 1, name, std::string(4096, 'b')));
+        SCOPED_TRACE(testing::Message() << (c.name ? c.name : L"") << '/' << c.errors.back());
+        {
+            const CKernelHandle taken(c.take ? c.take(c.name) : nullptr);
+            const CKernelHandle denied(c.denied ? deniedEvent(c.denied) : nullptr);
+            const agentObjects_t agent;
+            const std::string request = requestBytes(), name(c.name ? 9 : 0x1000 - 16, 'n');
+            EXPECT_TRUE(sendToAgent(window, 1, name, std::string(4096, 'b')));
+            EXPECT_TRUE(!agent.semaphore || isFree(agent.semaphore));
+            EXPECT_NE(WAIT_OBJECT_0, WaitForSingleObject(agent.dataReady.get(), 0));
+            EXPECT_EQ(request, requestBytes());
+        }
+        for (const auto object : {mutex, acknowledge, ready, L"VLMAX_NIPC_BUFFER", L"VLTEMPLATE"})
+            EXPECT_TRUE(isGone(object)) << object;
         texts_t errors = trace.messages();
         std::erase_if(errors, [](const auto& text) { return text.starts_with(L"U "); });
         EXPECT_EQ(c.errors, errors);
-        EXPECT_EQ(before, openHandles());
-        EXPECT_TRUE(!agent.semaphore || isFree(agent.semaphore));
-        EXPECT_NE(WAIT_OBJECT_0, WaitForSingleObject(agent.dataReady.get(), 0));
-        EXPECT_TRUE(!agent.view || 0x1000 == std::count(agent.view, agent.view + 0x1000, 0xEE));
     }
-    const size_t before = openHandles(); // with no object at all, the semaphore is made and goes
-    EXPECT_TRUE(sendToAgent(window, 1, "n", ""));
-    EXPECT_EQ(before, openHandles());
-    trace.messages();
     EXPECT_FALSE(sendToAgent(window, 1, "", ""));
     EXPECT_EQ(texts_t{L"E 0 invalid data to send"}, trace.messages());
 }
 
-int waits = 0;
+int failingWait = 0;
 
-DWORD WINAPI failSecondWait(HANDLE handle, DWORD time)
+DWORD WINAPI failOneWait(HANDLE handle, DWORD time)
 {
-    return ++waits == 2 ? WAIT_FAILED : WaitForSingleObjectEx(handle, time, FALSE);
+    if (--failingWait != 0)
+        return WaitForSingleObjectEx(handle, time, FALSE);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return WAIT_FAILED;
 }
 
 TEST(Transfer, FailedWaitsEndTheExchange)
 {
     traceRecorder_t trace;
-    agentObjects_t agent;
-    {
-        waits = 0;
-        const auto wait = patched("WaitForSingleObject", failSecondWait);
-        EXPECT_TRUE(sendToAgent(window, 1, "n", "b"));
-    }
-    EXPECT_EQ(texts_t{L"E 0 cannot transfer the rest from client"}, trace.messages());
-    EXPECT_EQ("no block", blockText(L"VLTEMPLATE", 1));
-    EXPECT_TRUE(isFree(agent.semaphore));
-
-    // A mutex may come in the semaphore's place. One whose thread ended with it isn't taken.
-    agent.drop(L"VLMAX_NIPC_MUTEX");
-    const CKernelHandle mutex(CreateMutexW(nullptr, FALSE, L"VLMAX_NIPC_MUTEX"));
-    std::thread([&] { WaitForSingleObject(mutex.get(), limit); }).join();
-    failingError = ERROR_ACCESS_DENIED;
-    const auto create = patched("CreateSemaphoreW", failing);
+    const agentObjects_t agent;
+    const auto wait = patched("WaitForSingleObject", failOneWait);
+    WaitForSingleObject(agent.semaphore.get(), 0);
+    failingWait = 1;
     EXPECT_TRUE(sendToAgent(window, 1, "n", "b"));
-    const texts_t messages = trace.messages();
-    ASSERT_EQ(3u, messages.size());
-    EXPECT_TRUE(messages[2].ends_with(L" WaitForSingleObject = 80 on Semaphore")) << messages[2];
+    EXPECT_EQ(texts_t{win32(5) + L"WaitForSingleObject = ffffffff on Semaphore"}, trace.messages());
+    EXPECT_FALSE(isFree(agent.semaphore)); // not taken, so not given back
+    ReleaseSemaphore(agent.semaphore.get(), 1, nullptr);
+    failingWait = 2;
+    EXPECT_TRUE(sendToAgent(window, 1, "n", "b"));
+    EXPECT_EQ(texts_t{L"E 0 cannot transfer the rest from client"}, trace.messages());
+    EXPECT_EQ("no block", blockView_t(L"VLTEMPLATE").text(1));
+    EXPECT_TRUE(isFree(agent.semaphore));
 }
 
 } // namespace
