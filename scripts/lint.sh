@@ -6,8 +6,8 @@ cd "$root" || exit 1
 status=0
 git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run -Werror || status=1
 
-# Generated headers are needed before a file can be looked at.
-cmake --build build/release --target vl_generated >/dev/null || exit 1
+# The build must be configured, and what it generates there.
+cmake --build build/release --target vl_product_picture >/dev/null || exit 1
 include=$(x86_64-w64-mingw32-g++-posix -print-file-name=include)
 git ls-files 'src/*.cpp' 'tools/*.cpp' 'standins/*.cpp' |
     xargs -P 2 -n 4 clang-tidy-14 -p build/release --quiet --warnings-as-errors='*' \
