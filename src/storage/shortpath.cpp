@@ -64,7 +64,7 @@ std::wstring shortpath(const std::wstring& path)
         // A folder that could not be found out is an empty text, and that is found in front.
         // Intended: the classes of quick links build on it.
         size_t at = work.find(folder);
-        if (at == std::wstring::npos) // a path written with forward slashes lies there too
+        if (at == std::wstring::npos) // a path written with forward slashes lies there all the same
             at = backslashed.find(folder);
         if (at != std::wstring::npos)
             return work.replace(at, folder.size(), prefixrows[row].prefix);
