@@ -16,7 +16,7 @@ git ls-files 'src/*.cpp' 'tools/*.cpp' 'standins/*.cpp' |
         --extra-arg=-Wno-unused-command-line-argument 2>build/clang-tidy.log || status=1
 grep -E 'error:' build/clang-tidy.log
 for script in scripts/*.py; do
-    python3 -m py_compile "$script" || status=1
+    python3 -c 'import ast, sys; ast.parse(open(sys.argv[1]).read())' "$script" || status=1
 done
 for script in scripts/*.sh .ci/run; do
     bash -n "$script" || status=1
