@@ -40,13 +40,6 @@ bytes exported()
 }
 
 struct SettingsDocument : testing::Test {
-    std::wstring traced()
-    {
-        std::wstring all;
-        for (const std::wstring& text : recorder.messages())
-            all += L"|" + text;
-        return all;
-    }
     // restored tells how a restore ended, what it traced and the settings then; and forgets them.
     std::wstring restored(bytes encoded)
     {
@@ -57,7 +50,7 @@ struct SettingsDocument : testing::Test {
         } catch (const std::exception& exception) {
             all = wideFromUtf8(exception.what());
         }
-        all += traced();
+        all += recorder.joined();
         for (const auto& [key, value] : std::exchange(settings.values, {}))
             all.append(L"|").append(key).append(L"=").append(value);
         return all;
@@ -73,29 +66,30 @@ TEST_F(SettingsDocument, ExportTakesDefaultsForWhatIsUnset)
     settings.values = {{L"show_training_prompt_def", L"1"}, {L"show_training_prompt", L"0"}};
     EXPECT_EQ(exported(), documentOf(R"("open_guard_desk_qa":"Ctrl+Win+72",)"
                                      R"("show_training_prompt":true,"useGrabbingCreds":false)"));
-    EXPECT_EQ(traced(), L"|U Pre train [default] = Show|U Pre train [current] = Show"
-                        L"|U Hotkey    [current] = Ctrl+Win+72|U Use Grabbing Creds  = No");
+    EXPECT_EQ(recorder.joined(),
+              L"|U Pre train [default] = Show|U Pre train [current] = Show"
+              L"|U Hotkey    [current] = Ctrl+Win+72|U Use Grabbing Creds  = No");
     settings.values[L"show_training_prompt"] = L"-1";
     settings.values[L"open_guard_desk_qa"] = L"\"";
     settings.values[L"useGrabbingCreds"] = L"1";
     EXPECT_EQ(exported(), documentOf(R"("open_guard_desk_qa":"\"",)"
                                      R"("show_training_prompt":false,"useGrabbingCreds":true)"));
-    EXPECT_EQ(traced(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
-                        L"|U Hotkey    [current] = \"|U Use Grabbing Creds  = Yes");
+    EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
+                                 L"|U Hotkey    [current] = \"|U Use Grabbing Creds  = Yes");
     EXPECT_FALSE(ExportSettings(nullptr));
 }
 
 TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
 {
     std::ofstream(listFile, std::ios::binary) << std::string("\xFF\xFE\x61\0\r\0\xE9\0", 8);
-    settings.values = {{L"path_dontpromptlist_filename", listFile}};
+    settings.values = {{L"path_dontpromptlist_filename", listFile}, {L"useGrabbingCreds", L"2"}};
     const bytes element = exported();
     EXPECT_EQ(element, documentOf(R"("open_guard_desk_qa":"Ctrl+Win+72",)"
                                   R"("path_dontpromptlist_filename":"a\r\u00e9",)"
                                   R"("show_training_prompt":false,"useGrabbingCreds":false)"));
-    EXPECT_EQ(traced(), L"|U Pre train [default] = Hide|U Pre train [current] = Hide"
-                        L"|U Hotkey    [current] = Ctrl+Win+72|U Dont prmpt[size=4] = " +
-                            listFile.wstring() + L"|U Use Grabbing Creds  = No");
+    EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Hide|U Pre train [current] = Hide"
+                                 L"|U Hotkey    [current] = Ctrl+Win+72|U Dont prmpt[size=4] = " +
+                                     listFile.wstring() + L"|U Use Grabbing Creds  = No");
     EXPECT_EQ(restored(element),
               L"true|open_guard_desk_qa=Ctrl+Win+72|path_dontpromptlist_filename=" +
                   listFile.wstring() + L"|show_training_prompt=-1|useGrabbingCreds=-1");
@@ -133,7 +127,7 @@ TEST_F(SettingsDocument, MembersOfEachTypeAreAppliedOrNone)
 TEST_F(SettingsDocument, OtherShapesAreRefusedOrSetNothing)
 {
     EXPECT_FALSE(RestoreSettings(nullptr));
-    EXPECT_EQ(traced(), L"|U Invalid BLOB pointer.");
+    EXPECT_EQ(recorder.joined(), L"|U Invalid BLOB pointer.");
     for (const bytes& encoded : {bytes{}, bytes{0x30, 0}, bytes{0x30, 1, 4}, bytes{4, 1, 0}})
         EXPECT_EQ(restored(encoded), L"false|E 0 Unsupported settings format.");
     for (const bytes& encoded : {elementOf(""), bytes{0x30, 5, 4, 3, 0, '{', '}'}})

@@ -11,6 +11,7 @@
 #include "common/text.h"
 #include "storage/paths.h"
 #include "support/fakesettings.h"
+#include "support/patchimport.h"
 #include "support/tracerecorder.h"
 
 namespace {
@@ -42,14 +43,7 @@ struct QuickLinks : testing::Test {
                 << r.wocred << ';';
         return out.str();
     }
-    // traced gives the messages since the last look.
-    std::string traced()
-    {
-        std::string all;
-        for (const std::wstring& text : recorder.messages())
-            all += utf8FromWide(text) + '|';
-        return all;
-    }
+    std::string traced() { return utf8FromWide(recorder.joined()); }
 
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / "Quick Links";
     const std::filesystem::path own = folder / "Roaming\\Veltrano\\KRS\\Templates";
@@ -67,9 +61,8 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
          "0 k1 ua=b d mt nn p7 ii w1;", "n"},
         {"Manifest=t\n[ShortCutRecord] \nUrl=u\n[x=y\n=y\ny=\nplain\n Url=v",
          "0 k1 uu d mt n p0 i w0;", "",
-         "E 0 inv.line '[ShortCutRecord] '|E 0 inv.line '=y'|E 0 inv.line 'plain'|"},
-        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c", ""},
-        {"Url=u\n[ShortCutRecord]\nManifest=Roaming", ""}, // a folder is no manifest
+         "|E 0 inv.line '[ShortCutRecord] '|E 0 inv.line '=y'|E 0 inv.line 'plain'"},
+        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c\nManifest=Roaming", ""},
         // a record whose manifest is missing leaves its fields to the next one
         {"Url=v\nName=n\nProfile=3\nQLwoCred=1\nManifest=gone\n[ShortCutRecord]\n"
          "Manifest=t\nDlgpath=gone\n[ShortCutRecord]\nManifest=%O%\nName=m",
@@ -98,29 +91,37 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
         std::string filtered;
         for (const QLRecord& record : ql.filtered)
             filtered += record.name;
-        EXPECT_EQ(filtered + '!' + traced(), c.filtered + "!"s + c.traced);
+        EXPECT_EQ(filtered + traced(), c.filtered + std::string(c.traced));
         EXPECT_TRUE(!ql.records.empty() || ql.krsurls.empty()); // lists without records go too
     }
 }
 
 TEST_F(QuickLinks, SaveWritesWhatReadsBack)
 {
-    const std::string text =
-        "[ShortCutRecord]\r\nManifest=t\r\nUrl=u=\xC3\xA9\r\nName=n [x] = "
-        "\r\nProfile=4294967295\r\n"
-        "ManifestID=\r\nQLwoCred=0\r\n[ShortCutRecord]\r\nManifest=%O%\r\nDlgpath=t\r\nName=d\r\n"
-        "Profile=5\r\nManifestID=i\r\nQLwoCred=1\r\nKRSURLs=u\r\nKRSDlgPaths=a,b";
-    std::ofstream(file, std::ios::binary) << text;
+    static std::wstring letIn; // the folder that application packages may open
+    const auto note = [](LPWSTR path) -> DWORD { return letIn = path, ERROR_ACCESS_DENIED; };
+    const importPatch_t patch(GetModuleHandleW(nullptr), "GetNamedSecurityInfoW",
+                              reinterpret_cast<void*>(+note));
+    for (const std::string lists : {"KRSURLs=u\r\nKRSDlgPaths=a,b", "KRSDlgPaths=a"}) {
+        const std::string text = "[ShortCutRecord]\r\nManifest=t\r\nUrl=u=\xC3\xA9\r\n"
+                                 "Name=n [x] = \r\nProfile=4294967295\r\nManifestID=\r\n"
+                                 "QLwoCred=0\r\n[ShortCutRecord]\r\nManifest=%O%\r\nDlgpath=t\r\n"
+                                 "Name=d\r\nProfile=5\r\nManifestID=i\r\nQLwoCred=1\r\n";
+        std::ofstream(file, std::ios::binary) << text + lists;
+        QL ql;
+        ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
+        ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
+        EXPECT_TRUE(ql.save(file, true));
+        std::ifstream saved(file, std::ios::binary);
+        EXPECT_EQ((std::ostringstream() << saved.rdbuf()).str(), text + lists);
+        EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
+        EXPECT_EQ(letIn, folder);
+    }
     QL ql;
-    ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
-    ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
-    EXPECT_TRUE(ql.save(file, true));
-    EXPECT_EQ((std::ostringstream() << std::ifstream(file, std::ios::binary).rdbuf()).str(), text);
-    EXPECT_EQ(traced(), "U save " + utf8FromWide(shortpath(file)) + '|');
     const std::wstring longName = folder.wstring() + L"\\" + std::wstring(260, L'x');
     for (const std::wstring& name : {L""s, longName.substr(0, 261), folder.wstring() + L"\\n\\n"}) {
         EXPECT_FALSE(ql.save(name, false));
-        EXPECT_EQ(traced(), name.empty() ? "E 0 empty fname|" : "E 0 savefile exception|");
+        EXPECT_EQ(traced(), name.empty() ? "|E 0 empty fname" : "|E 0 savefile exception");
     }
 }
 
@@ -141,18 +142,18 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
     const struct {
         std::string name, target, manifest, shortManifest, traced;
     } cases[] = {
-        {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created|"},
-        {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created|"},
-        {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path|"},
+        {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created"},
+        {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created"},
+        {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path"},
         {longName, "a.exe.", (own / "A").string(), "kri::a",
-         "name: '" + longName.substr(1) + " ...'|U   url : 'a.exe.'|U   QL created|"},
-        {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated|"},
-        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created|"},
+         "name: '" + longName.substr(1) + " ...'|U   url : 'a.exe.'|U   QL created"},
+        {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated"},
+        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"},
     };
     QL ql;
     for (const auto& c : cases) {
         ql.add(c.name, c.target, c.manifest, 7, "i", true);
-        EXPECT_EQ(traced(), "U QL for: " + c.shortManifest + "|U   prof:  7|U   " + c.traced);
+        EXPECT_EQ(traced(), "|U QL for: " + c.shortManifest + "|U   prof:  7|U   " + c.traced);
         EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.
