@@ -40,7 +40,7 @@ TEST_F(FolderList, EachModeHasItsFoldersAndTheFirstOfEqualPathsStays)
                          {L"path_wrgKrs_inusedir", LR"(%APPDATA%)"},
                          {L"path_wkgKrsAdmin_dir", m_root + L"none"},
                          {L"path_wkgKrsAdmin_notinusetestdir", LR"(C:\Admin)"},
-                         {L"path_wkgKrsAdmin_inusedir", LR"(C:\Admin)"}};
+                         {L"path_wkgKrsAdmin_inusedir", LR"(C:\Used)"}};
     EXPECT_EQ(prepared(),
               LR"(C:\A\R\b\|C:\App\templates\|C:\F\|C:\W\|)" + cache + L"|own " + own + L"|");
     EXPECT_EQ(traced(),
@@ -52,12 +52,13 @@ TEST_F(FolderList, EachModeHasItsFoldersAndTheFirstOfEqualPathsStays)
     EXPECT_EQ(noted, cache + L"|" + own + L"|"); // opened for application packages
     m_provider.values[L"is_personalMode"] = L"1";
     m_provider.values[L"path_localstorage_dir"] = cache; // comes second
+    m_provider.values[L"path_wrgKrs_inusedir"] = LR"(C:\W\)";
     EXPECT_EQ(prepared(), LR"(C:\App\templates\|C:\W\|)" + cache + L"|");
     m_provider.values[L"path_wkgKrsAdmin_dir"] = m_root;
+    EXPECT_TRUE(traced().ends_with(L"folder|E 0 duplicated path 'C:\\W\\'|U done\n|"));
     m_provider.queried.clear();
-    traced();
-    EXPECT_EQ(prepared(), LR"(C:\Admin\|own )" + cache + L"|");
-    EXPECT_EQ(traced(), L"U local '" + cache + L"'|E 0 duplicated path 'C:\\Admin\\'|U done\n|");
+    EXPECT_EQ(prepared(), LR"(C:\Admin\|C:\Used\|own )" + cache + L"|");
+    EXPECT_EQ(traced(), L"U local '" + cache + L"'|U done\n|");
     EXPECT_EQ(std::ranges::count(m_provider.queried, L"is_personalMode"), 0);
 }
 
