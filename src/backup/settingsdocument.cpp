@@ -55,25 +55,11 @@ void TraceCaught(const std::string& operation)
     }
 }
 
-// CFileView is a mapped file that ends with the block.
-class CFileView
-{
-public:
-    explicit CFileView(const std::wstring& path) : m_mapped(mapfile_open(path)) {}
-    ~CFileView() { mapfile_close(m_mapped); }
-    CFileView(const CFileView&) = delete;
-    CFileView& operator=(const CFileView&) = delete;
-    const MappedFile& get() const noexcept { return m_mapped; }
-
-private:
-    MappedFile m_mapped;
-};
-
 std::string ReadListText(const std::wstring& path)
 {
     std::string text;
     if (!path.empty())
-        decodetext(CFileView(path).get(), text);
+        decodetext(mappedfile_scope(path).get(), text);
     return text;
 }
 
