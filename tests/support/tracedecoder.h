@@ -3,18 +3,19 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-// A reader of trace files of its own, written from the format. It throws when a file doesn't parse
-// to its end.
+// A reader of trace files of its own, written from the format: it shares no code with what it
+// tests. It throws when a file doesn't parse to its end.
 struct decodedRecord_t {
     uint32_t thread;
     char level;
     std::string text;
-
-    std::string line() const { return level + (" " + text); }
 };
 
 struct decodedTrace_t {
@@ -26,31 +27,42 @@ struct decodedTrace_t {
     {
         std::vector<std::string> result;
         for (const decodedRecord_t& record : records)
-            result.push_back(record.line());
+            result.push_back(record.level + (" " + record.text));
         return result;
     }
 };
 
-inline std::string unscrambled(std::string text)
+// The block cipher behind the texts, and the block that each text starts with.
+using traceBlock_t = std::array<uint32_t, 2>;
+inline constexpr traceBlock_t firstTraceBlock = {0x3C5A9D17, 0xE86B40F2};
+
+inline traceBlock_t encipherTraceBlock(traceBlock_t block)
 {
-    const std::array<uint32_t, 4> k = {0x6B7D1A35, 0xC2E94F08, 0x1F53B8D6, 0x94A0E72C};
-    std::array<uint32_t, 2> block = {0x3C5A9D17, 0xE86B40F2};
-    const auto signedShift = [](uint32_t v) { return (v >> 5) | (v >> 31 ? 0xF8000000U : 0U); };
+    constexpr uint32_t k[] = {0x6B7D1A35, 0xC2E94F08, 0x1F53B8D6, 0x94A0E72C};
+    // A shift that keeps the sign, told without signed numbers.
+    const auto shifted = [](uint32_t v) { return (v >> 5) | (v >> 31 ? 0xF8000000U : 0U); };
+    auto& [y, z] = block;
+    for (uint32_t round = 1; round <= 32; ++round) {
+        const uint32_t sum = round * 0x9E3779B9U;
+        y += (z * 16 + k[0]) ^ (z + sum) ^ (shifted(z) + k[1]);
+        z += (y * 16 + k[2]) ^ (y + sum) ^ (shifted(y) + k[3]);
+    }
+    return block;
+}
+
+// Scrambles a text, or unscrambles it: the scrambled bytes feed the next block in both directions.
+inline std::string mixedTraceText(std::string text, bool scramble)
+{
+    traceBlock_t block = firstTraceBlock;
     for (size_t i = 0; i < text.size(); ++i) {
-        auto& [y, z] = block;
-        if (i % 8 == 0) {
-            for (uint32_t round = 1; round <= 32; ++round) {
-                const uint32_t sum = round * 0x9E3779B9U;
-                y += ((z << 4) + k[0]) ^ (z + sum) ^ (signedShift(z) + k[1]);
-                z += ((y << 4) + k[2]) ^ (y + sum) ^ (signedShift(y) + k[3]);
-            }
-        }
-        std::array<char, 8> bytes;
-        std::memcpy(bytes.data(), block.data(), 8);
-        const char scrambled = text[i];
-        text[i] = static_cast<char>(scrambled ^ bytes[i % 8]);
-        bytes[i % 8] = scrambled;
-        std::memcpy(block.data(), bytes.data(), 8);
+        if (i % 8 == 0)
+            block = encipherTraceBlock(block);
+        uint32_t& word = block[i / 4 % 2];
+        const unsigned shift = 8 * (i % 4);
+        const auto in = static_cast<uint8_t>(text[i]);
+        const auto out = static_cast<uint8_t>(in ^ (word >> shift));
+        word = (word & ~(0xFFU << shift)) | uint32_t{scramble ? out : in} << shift;
+        text[i] = static_cast<char>(out);
     }
     return text;
 }
@@ -76,9 +88,16 @@ inline decodedTrace_t decodeTrace(const std::string& bytes)
         std::memcpy(&n, &bytes[at + 5], 2);
         if (bytes.size() - at - 7 < n || !std::strchr("<>UETtN", record.level))
             throw std::runtime_error("torn record");
-        record.text = unscrambled(bytes.substr(at + 7, n));
+        record.text = mixedTraceText(bytes.substr(at + 7, n), false);
         trace.records.push_back(record);
         at += 7U + n;
     }
     return trace;
+}
+
+inline std::string fileBytes(const std::filesystem::path& path)
+{
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
 }
