@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 
+#include "common/initorder.h"
 #include "common/text.h"
 
 namespace {
@@ -48,7 +49,7 @@ private:
     using owned = std::unique_ptr<const std::wstring>;
     std::array<std::atomic<const std::wstring*>, prefixcount> m_folders{};
 };
-constinit prefixcache_t prefixcache;
+[[gnu::init_priority(initCaches)]] constinit prefixcache_t prefixcache;
 
 } // namespace
 
