@@ -75,7 +75,7 @@ public:
         if (!root)
             return bytes_t();
         if (root <
-            dwordAt(*optional, 60)) // inside the headers: the platform would take the bytes there
+            dwordAt(*optional, 60)) // in the headers: the platform would take the bytes there
             return std::nullopt;
         return fromAddress(root);
     }
