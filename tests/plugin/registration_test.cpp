@@ -125,14 +125,15 @@ TEST_F(Registration, TakesTheClassOutWithEmptyParentsAndLeavesOthers)
     EXPECT_EQ(DllUnregisterServer(), S_OK); // nothing there at all
     ASSERT_EQ(DllRegisterServer(), S_OK);
     const std::wstring other = L"UIElements\\AppControl\\{other}";
-    const std::wstring keys[] = {L"UIElements\\BackupRestore", L"TrayIcon", other, L"UIElements",
-                                 L""};
+    const std::wstring keys[] = {
+        appControl, L"UIElements\\BackupRestore", L"TrayIcon", other, L"UIElements", L""};
     for (const auto& key : keys)
         set(rootPath + L'\\' + key, L"mark", REG_SZ, L"x", 4); // values don't keep a key
     EXPECT_EQ(DllUnregisterServer(), S_OK);
     for (const auto& key : keys)
-        EXPECT_EQ(value(key, L"mark").first, &key - keys < 2 ? 0u : 1u) << key;
+        EXPECT_EQ(value(key, L"mark").first, &key - keys < 3 ? 0u : 1u) << key;
     VLKT_SDK::CUnregisterComponents registrar;
+    EXPECT_EQ(registrar.RemoveKeyChain(L"UIElements", L"AppControl"), S_OK); // stops at once
     EXPECT_EQ(registrar.RemoveKeyChain(L"UIElements\\AppControl", L"{other}"), S_OK);
     for (const auto& key : keys)
         EXPECT_EQ(value(key, L"mark").first, key.empty() ? 1u : 0u) << key; // the root stays
