@@ -59,7 +59,7 @@ CSid accountSid(account who)
     return CSid(ntAuthority, {SECURITY_LOCAL_SYSTEM_RID});
 }
 
-// The way of an exception clears the last error; callers expect it to tell what went wrong.
+// Callers go by the last error, and nobody promises what the unwinding leaves there.
 void restoreLastError(const ATL::CAtlException& exception)
 {
     SetLastError(HRESULT_FACILITY(exception.m_hr) == FACILITY_WIN32
