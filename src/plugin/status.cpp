@@ -5,7 +5,6 @@
 #include "plugin/errorframe.h"
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"
-#include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "tracecore/tracer.h"
 
@@ -15,6 +14,8 @@ using ATL::CComVariant;
 using tracecore::traceScope_t;
 
 namespace {
+
+constexpr UINT textDisabledByPolicy = 1029;
 
 // readStatusInput reads IDCard_SS, which other components maintain. A value of any type with four
 // bytes is taken as the number; whatever can't be read is 0.
@@ -41,11 +42,11 @@ status_t statusFromInput(DWORD input) noexcept
 {
     switch (input) {
     case 0:
-        return {0, IDS_STATUS_NOT_SET_UP};
+        return {0, 1054};
     case 1:
-        return {2, IDS_STATUS_AT_RISK};
+        return {2, 1053};
     default:
-        return {1, IDS_STATUS_READY};
+        return {1, 1031};
     }
 }
 
@@ -65,7 +66,7 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
         ULONG disabled = 0;
         GetGPOSettings(&disabled); // a policy that can't be asked is no policy
         if (disabled) {
-            *text = brandedBstr(IDS_STATUS_DISABLED);
+            *text = brandedBstr(textDisabledByPolicy);
             raiseStatus(E_NOTIMPL);
         }
         const status_t found = statusFromInput(readStatusInput());

@@ -1,7 +1,6 @@
 #include "storage/paths.h"
 
 #include <algorithm>
-#include <cwchar>
 #include <cwctype>
 #include <new>
 #include <string_view>
@@ -84,8 +83,7 @@ std::wstring expandenv(const std::wstring& text)
         // The environment may have grown in between.
         if (ExpandEnvironmentStringsW(text.c_str(), expanded.data(), size) > size)
             return {};
-        expanded.resize(std::wcslen(expanded.c_str()));
-        return expanded;
+        return expanded.c_str();
     } catch (const std::bad_alloc&) {
         return {};
     }

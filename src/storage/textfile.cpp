@@ -76,11 +76,6 @@ void mapfile_close(MappedFile& mapped)
         UnmapViewOfFile(std::exchange(mapped.view, nullptr));
 }
 
-mappedfile_scope::~mappedfile_scope()
-{
-    const CScoped<mappedview> owner(&m_mapped);
-}
-
 void decodetext(const MappedFile& mapped, std::string& text)
 {
     text.clear();
@@ -95,9 +90,10 @@ void decodetext(const MappedFile& mapped, std::string& text)
 void load_textlines(const std::wstring& fileName, TextLines& lines)
 {
     lines.clear();
-    const mappedfile_scope mapped(fileName);
+    MappedFile mapped = mapfile_open(fileName);
+    const CScoped<mappedview> owner(&mapped);
     std::string text;
-    decodetext(mapped.get(), text);
+    decodetext(mapped, text);
     if (!text.empty())
         splitlines(text, lines);
 }

@@ -35,15 +35,16 @@ bool closed() noexcept
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
 
-// writerTurn_t is the right to write. The mutex may be missing: then the lock of the stacks, which is
-// taken behind it anyway, keeps the writers apart.
+// writerTurn_t is the right to write. Without the mutex, the lock of the stacks at least keeps the
+// writers of this process apart.
 class writerTurn_t
 {
 public:
     writerTurn_t() noexcept
     {
         if (tracer.mutex)
-            WaitForSingleObject(tracer.mutex.get(), INFINITE); // if it fails, the write goes on
+            WaitForSingleObject(tracer.mutex.get(),
+                                INFINITE); // a wait that fails is written through
         else
             tracer.stacks.lock.lock();
     }

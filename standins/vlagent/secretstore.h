@@ -20,8 +20,7 @@ template <class Text> struct wipedText_t {
     ~wipedText_t() { wipeText(text); }
 };
 
-// storeSecret keeps a secret of the user of this process in VLFPApi.dll's store, which is looked
-// for in this program's folder, then on the search path.
+// storeSecret keeps a secret of the user of this process in VLFPApi.dll's store.
 //
 // name:    UTF-16
 // value:   UTF-8; it is stored as UTF-16 with its terminating zero

@@ -1,76 +1,51 @@
 #include "commandline.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
-#include <vector>
 
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#include <windows.h>
-#include <shellapi.h>
-
-#include "common/scoped.h"
-#include "common/text.h"
-#endif
+#include "toolmain.h"
 
 namespace {
 
-// The arguments without the program's name.
-std::vector<std::string> argumentsOf([[maybe_unused]] int argc, [[maybe_unused]] char** argv)
+// Texts of the system and of the parser may have several lines.
+std::string oneLine(std::string text)
 {
-#ifdef _WIN32
-    int count = 0;
-    LPWSTR* const wide = CommandLineToArgvW(GetCommandLineW(), &count);
-    const CLocalMemory owner(wide);
-    std::vector<std::string> arguments;
-    for (int i = 1; i < count; ++i)
-        arguments.push_back(utf8FromWide(wide[i]));
-    return arguments;
-#else
-    return {argv + 1, argv + argc};
-#endif
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ')
+            c = ' ';
+    return text;
 }
 
-void useBytesAndUtf8()
+int failed(const CLI::App& app, const std::string& what, int status)
 {
-#ifdef _WIN32
-    _setmode(_fileno(stdout), _O_BINARY);
-    _setmode(_fileno(stderr), _O_BINARY);
-    SetConsoleOutputCP(CP_UTF8);
-#endif
+    std::cout.flush();
+    std::cerr << app.get_name() << ": " << oneLine(what) << '\n';
+    return status;
 }
 
 } // namespace
 
 int runTool(CLI::App& app, int argc, char** argv)
 {
-    useBytesAndUtf8();
+    const CToolStreams streams;
     try {
-        std::vector<std::string> arguments = argumentsOf(argc, argv);
+        std::vector<std::string> arguments = toolArguments(argc, argv);
         std::reverse(arguments.begin(), arguments.end()); // the order that the parser takes them in
         app.parse(std::move(arguments));
         std::cout.flush();
         if (!std::cout)
-            throw CToolError("standard output can't be written");
+            throw CToolError("standard output can't be written",
+                             "is the disk full, or the reader gone?");
         return 0;
-    } catch (const CLI::CallForHelp& call) {
-        return app.exit(call);
-    } catch (const CLI::CallForVersion& call) {
-        return app.exit(call);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
     } catch (const CLI::ParseError& error) {
-        std::cerr << app.get_name() << ": " << error.what() << " (see --help)\n";
-        return 2;
+        return failed(app, std::string(error.what()) + " (see --help)", 2);
     } catch (const CToolError& error) {
-        std::cout.flush();
-        std::cerr << app.get_name() << ": " << error.what() << '\n';
-        return error.ExitStatus();
+        return failed(app, error.what(), error.ExitStatus());
     } catch (const std::bad_alloc&) {
-        std::cerr << app.get_name() << ": out of memory\n";
-        return 1;
+        return failed(app, "out of memory (close other programs and try again)", 1);
     } catch (const std::exception& error) {
-        std::cerr << app.get_name() << ": " << error.what() << '\n';
-        return 1;
+        return failed(app, error.what(), 1);
     }
 }

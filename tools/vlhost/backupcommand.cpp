@@ -17,6 +17,7 @@ void addBackupCommand(CLI::App& app, const options_t& options)
     command->add_option("file", arguments->file, "Where the bytes go")->required();
     command->add_flag("--force", arguments->force, "Replace the file");
     command->callback([arguments, &options] {
+        refuseExisting(arguments->file, arguments->force);
         const CPluginHost host(options.plugin);
         const backup_t backup = takeBackup(host);
         writeFile(arguments->file, backup.bytes, arguments->force);

@@ -1,7 +1,9 @@
 #include "commands.h"
 
+#include "common/commandline.h"
 #include "pluginhost.h"
 #include "print.h"
+#include "secretstore.h"
 #include "variants.h"
 
 using namespace VLONLINEIDSLib;
@@ -12,9 +14,11 @@ namespace {
 struct arguments_t {
     unsigned long number = 0;
     long command = 0;
+    unsigned notification = 0; // 1 is the first; 0 the plug-in itself
+    std::string type = "bool";
+    std::string value;
     std::string file;
     std::string secretsFile;
-    bool state = false;
 };
 
 Json::Value outcome(HRESULT status)
@@ -29,6 +33,57 @@ Json::Value withValue(HRESULT status, const CVariant& value)
     Json::Value json = outcome(status);
     json["value"] = jsonOfVariant(value.Value());
     return json;
+}
+
+// elementOf gives the object whose properties are meant.
+CInterface<IVLKTElementUI> elementOf(const CPluginHost& host, unsigned notification)
+{
+    auto element = host.Get<IVLKTElementUI>();
+    if (notification == 0)
+        return element;
+    CVariant list;
+    const HRESULT status = element.get()->GetProperty(propertyNotifications, list.Get());
+    if (FAILED(status))
+        throw CToolError("the plug-in gave no notifications: " + statusText(status));
+    const auto found = notificationsIn(list.Value());
+    if (notification > found.size())
+        throw CToolError("there are " + std::to_string(found.size()) + " notifications",
+                         "the first is number 1");
+    CInterface<IVLKTElementUI> wanted;
+    const HRESULT asked = found[notification - 1]->QueryInterface(
+        __uuidof(IVLKTElementUI), reinterpret_cast<void**>(wanted.put()));
+    if (FAILED(asked))
+        throw CToolError("the notification has no properties: " + statusText(asked));
+    return wanted;
+}
+
+Json::Value getProperty(const CPluginHost& host, const arguments_t& arguments)
+{
+    CVariant value;
+    const auto element = elementOf(host, arguments.notification);
+    const HRESULT status = element.get()->GetProperty(arguments.number, value.Get());
+    return withValue(status, value);
+}
+
+Json::Value setProperty(const CPluginHost& host, const arguments_t& arguments)
+{
+    CVariant value;
+    if (arguments.type == "text") {
+        setText(value, arguments.value);
+    } else if (arguments.type == "number") {
+        value.Get()->vt = VT_I4;
+        if (!CLI::detail::lexical_cast(arguments.value, value.Get()->lVal))
+            throw CToolError("'" + arguments.value + "' is no number", "", 2);
+    } else if (arguments.type == "bool") {
+        if (arguments.value != "true" && arguments.value != "false")
+            throw CToolError("the value is neither true nor false",
+                             "--value true; --type tells what else it may be", 2);
+        value.Get()->vt = VT_BOOL;
+        value.Get()->boolVal = arguments.value == "true" ? VARIANT_TRUE : VARIANT_FALSE;
+    }
+    const auto element = elementOf(host, arguments.notification);
+    return outcome(element.get()->SetProperty(arguments.command,
+                                              arguments.type == "null" ? nullptr : value.Get()));
 }
 
 Json::Value getStatus(const CPluginHost& host)
@@ -76,25 +131,24 @@ void addCallCommands(CLI::App& app, const options_t& options)
     operation("add-pages", "IVLKTPages::AddPages", [](const CPluginHost& host) {
         return outcome(host.Get<IVLKTPages>().get()->AddPages());
     });
-    operation("get-property", "IVLKTElementUI::GetProperty",
-              [arguments](const CPluginHost& host) {
-                  CVariant value;
-                  const HRESULT status =
-                      host.Get<IVLKTElementUI>().get()->GetProperty(arguments->number, value.Get());
-                  return withValue(status, value);
-              })
-        ->add_option("id", arguments->number)
-        ->required();
-    operation("set-property", "IVLKTElementUI::SetProperty",
-              [arguments](const CPluginHost& host) {
-                  CVariant value;
-                  value.Get()->vt = VT_BOOL;
-                  value.Get()->boolVal = arguments->state ? VARIANT_TRUE : VARIANT_FALSE;
-                  return outcome(host.Get<IVLKTElementUI>().get()->SetProperty(arguments->command,
-                                                                               value.Get()));
-              })
-        ->add_option("id", arguments->command)
-        ->required();
+    const auto onNotification = [arguments](CLI::App* command) {
+        command->add_option("--notification", arguments->notification,
+                            "Of that notification, the first is 1, instead of the plug-in");
+    };
+    CLI::App* const get =
+        operation("get-property", "IVLKTElementUI::GetProperty",
+                  [arguments](const CPluginHost& host) { return getProperty(host, *arguments); });
+    get->add_option("id", arguments->number)->required();
+    onNotification(get);
+    CLI::App* const set =
+        operation("set-property", "IVLKTElementUI::SetProperty",
+                  [arguments](const CPluginHost& host) { return setProperty(host, *arguments); });
+    set->add_option("id", arguments->command)->required();
+    set->add_option("--type", arguments->type, "Type of the value; null is no VARIANT at all")
+        ->check(CLI::IsMember({"bool", "number", "text", "empty", "null"}))
+        ->capture_default_str();
+    set->add_option("--value", arguments->value, "true, false, a number or a text");
+    onNotification(set);
     operation("get-status", "IVLKSecurityStatus::GetStatus", getStatus);
     operation("get-info", "IVLKTPluginInfo::GetInfo",
               [arguments](const CPluginHost& host) {
@@ -144,11 +198,11 @@ void addCallCommands(CLI::App& app, const options_t& options)
         operation("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
                   [arguments](const CPluginHost& host) {
                       const bytes_t storage = readFile(arguments->file);
-                      const bytes_t secrets = arguments->secretsFile.empty()
-                                                  ? bytes_t()
-                                                  : readFile(arguments->secretsFile);
+                      const CSecretBytes secrets = arguments->secretsFile.empty()
+                                                       ? CSecretBytes()
+                                                       : readSecretFile(arguments->secretsFile);
                       return outcome(host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
-                          static_cast<ULONG>(secrets.size()), secrets.data(),
+                          static_cast<ULONG>(secrets.bytes.size()), secrets.bytes.data(),
                           static_cast<ULONG>(storage.size()), storage.data()));
                   });
     third->add_option("file", arguments->file, "The backup")->required();

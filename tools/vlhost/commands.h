@@ -16,3 +16,4 @@ void addDashboardCommands(CLI::App& app, const options_t& options);
 void addStoreCommands(CLI::App& app, const options_t& options);
 void addRestoreCommand(CLI::App& app, const options_t& options);
 void addCallCommands(CLI::App& app, const options_t& options);
+void addTraceCommands(CLI::App& app, const options_t& options);

@@ -14,21 +14,25 @@ using namespace VLONLINEIDSLib;
 
 namespace {
 
-const char* levelMeaning(LONG level)
+template <size_t count>
+const char* meaningOf(const std::array<const char*, count>& meanings, int64_t number)
 {
-    static constexpr std::array meanings = {"unknown", "attention needed", "advice, not dismissed",
-                                            "action recommended", "nothing to do"};
-    return level >= 0 && level < static_cast<LONG>(meanings.size())
-               ? meanings.at(static_cast<size_t>(level))
+    return number >= 0 && number < static_cast<int64_t>(count)
+               ? meanings.at(static_cast<size_t>(number))
                : "unknown";
 }
 
-const char* switchMeaning(ULONG status)
+constexpr std::array statusMeanings = {"not set up", "ready", "at risk"};
+constexpr std::array levelMeanings = {"unknown", "at risk: the user has to act",
+                                      "not set up: the user is advised", "all is well",
+                                      "not set up, and the user has dismissed the advice"};
+constexpr std::array switchMeanings = {"on: no policy, or none that can be read", "on, by policy",
+                                       "off, by the user's own setting", "off, by policy"};
+
+void tell(Json::Value& json, const char* name, int64_t number, const char* meaning)
 {
-    static constexpr std::array meanings = {"on: no policy, or none that can be read",
-                                            "on, by policy", "off, by the user's own setting",
-                                            "off, by policy"};
-    return status < meanings.size() ? meanings.at(status) : "unknown";
+    json[name] = Json::Value::Int64{number};
+    json[std::string(name) + "Meaning"] = meaning;
 }
 
 // property reads one property; what the plug-in refuses is told by its status in place of a value.
@@ -60,21 +64,20 @@ Json::Value statusOf(const CPluginHost& host)
     text.Get()->bstrVal = nullptr;
     const HRESULT result =
         host.Get<IVLKSecurityStatus>().get()->GetStatus(&status, &text.Get()->bstrVal);
-    Json::Value json(Json::objectValue);
-    json["status"] = static_cast<Json::UInt>(status);
-    json["text"] = jsonOfVariant(text.Value())["value"];
-    json["disabledByPolicy"] = result == E_NOTIMPL;
-    if (FAILED(result) && result != E_NOTIMPL)
+    const bool off = result == E_NOTIMPL; // how the plug-in tells that policy switched it off
+    if (FAILED(result) && !off)
         throw CToolError("the plug-in told no status: " + statusText(result));
+    Json::Value json(Json::objectValue);
+    tell(json, "status", status, off ? "switched off" : meaningOf(statusMeanings, status));
+    json["text"] = jsonOfVariant(text.Value())["value"];
+    json["disabledByPolicy"] = off;
     const LONG level = securityLevel(host);
-    json["level"] = static_cast<Json::Int>(level);
-    json["levelMeaning"] = levelMeaning(level);
+    tell(json, "level", level, meaningOf(levelMeanings, level));
     ULONG switched = 0;
     const HRESULT asked = host.Get<IVLKTDisableApp>().get()->GetStatus(&switched);
     if (FAILED(asked))
         throw CToolError("the plug-in didn't tell whether it is on: " + statusText(asked));
-    json["switch"] = static_cast<Json::UInt>(switched);
-    json["switchMeaning"] = switchMeaning(switched);
+    tell(json, "switch", switched, meaningOf(switchMeanings, switched));
     return json;
 }
 
@@ -87,19 +90,13 @@ void eachNotification(const CPluginHost& host,
         host.Get<IVLKTElementUI>().get()->GetProperty(propertyNotifications, value.Get());
     if (FAILED(status))
         throw CToolError("the plug-in gave no notifications: " + statusText(status));
-    LONG lower = 0;
-    LONG upper = -1;
-    SafeArrayGetLBound(value.Value().parray, 1, &lower);
-    SafeArrayGetUBound(value.Value().parray, 1, &upper);
-    for (LONG i = lower; i <= upper; ++i) {
-        CVariant element;
-        if (FAILED(SafeArrayGetElement(value.Value().parray, &i, element.Get())) ||
-            element.Value().vt != VT_UNKNOWN || !element.Value().punkVal)
-            continue;
+    unsigned number = 0;
+    for (IUnknown* object : notificationsIn(value.Value())) {
+        ++number;
         CInterface<IVLKTElementUI> notice;
-        if (SUCCEEDED(element.Value().punkVal->QueryInterface(
-                __uuidof(IVLKTElementUI), reinterpret_cast<void**>(notice.put()))))
-            use(static_cast<unsigned>(i - lower) + 1, notice.get());
+        if (SUCCEEDED(object->QueryInterface(__uuidof(IVLKTElementUI),
+                                             reinterpret_cast<void**>(notice.put()))))
+            use(number, notice.get());
     }
 }
 
@@ -160,7 +157,7 @@ Json::Value infoOf(const CPluginHost& host)
     json["kind"] = property(element.get(), propertyKind);
     json["explanation"] = property(element.get(), propertyExplanation);
     json["interfaces"] = interfacesOf(host);
-    json["status"] = statusOf(host);
+    json["state"] = statusOf(host);
     json["notifications"] = notificationsOf(host);
     return json;
 }
@@ -178,8 +175,7 @@ Json::Value setShown(const CPluginHost& host, bool shown)
     });
     Json::Value json(Json::objectValue);
     const LONG level = securityLevel(host);
-    json["level"] = static_cast<Json::Int>(level);
-    json["levelMeaning"] = levelMeaning(level);
+    tell(json, "level", level, meaningOf(levelMeanings, level));
     json["notifications"] = notificationsOf(host);
     return json;
 }
@@ -224,11 +220,7 @@ void registerWith(const options_t& options, const char* function, bool registere
     } else if (registered) {
         path = registeredPluginPath();
     } else {
-        wchar_t own[MAX_PATH] = {};
-        GetModuleFileNameW(nullptr, own, MAX_PATH);
-        path = own;
-        path.resize(path.find_last_of(L'\\') + 1);
-        path += L"VLOnlineIDs.dll"; // it lies beside this program
+        path = besideThisProgram(L"VLOnlineIDs.dll");
     }
     const CLoadedModule library = loadPlugin(path);
     using registration = HRESULT(WINAPI*)();

@@ -16,6 +16,7 @@ int main(int argc, char** argv)
     addStoreCommands(app, options);
     addRestoreCommand(app, options);
     addCallCommands(app, options);
+    addTraceCommands(app, options);
 
     const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     const int status = runTool(app, argc, argv);

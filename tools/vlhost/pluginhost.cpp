@@ -21,8 +21,7 @@ std::wstring registeredPluginPath()
     DWORD size = sizeof stored;
     // RegGetValueW terminates the text, and expands one that is stored with environment references.
     const LSTATUS result =
-        RegGetValueW(HKEY_LOCAL_MACHINE, pluginKey, L"", RRF_RT_REG_SZ,
-                     nullptr, stored, &size);
+        RegGetValueW(HKEY_LOCAL_MACHINE, pluginKey, L"", RRF_RT_REG_SZ, nullptr, stored, &size);
     if (result != ERROR_SUCCESS || !*stored)
         throw CToolError(
             "the plug-in is not registered with the dashboard",

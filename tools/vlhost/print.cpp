@@ -1,5 +1,6 @@
 #include "print.h"
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -8,6 +9,7 @@
 #include "common/scoped.h"
 #include "common/text.h"
 #include "common/statusnames.h"
+#include "variants.h"
 #include "vlonlineids.h"
 
 using namespace VLONLINEIDSLib;
@@ -34,19 +36,27 @@ std::string typeName(VARTYPE type)
     } names[] = {
         {VT_EMPTY, "VT_EMPTY"},
         {VT_NULL, "VT_NULL"},
+        {VT_I1, "VT_I1"},
         {VT_I2, "VT_I2"},
         {VT_I4, "VT_I4"},
+        {VT_I8, "VT_I8"},
+        {VT_INT, "VT_INT"},
+        {VT_UI1, "VT_UI1"},
+        {VT_UI2, "VT_UI2"},
+        {VT_UI4, "VT_UI4"},
+        {VT_UI8, "VT_UI8"},
+        {VT_UINT, "VT_UINT"},
+        {VT_R4, "VT_R4"},
         {VT_R8, "VT_R8"},
+        {VT_CY, "VT_CY"},
+        {VT_DATE, "VT_DATE"},
+        {VT_DECIMAL, "VT_DECIMAL"},
         {VT_BSTR, "VT_BSTR"},
-        {VT_DISPATCH, "VT_DISPATCH"},
-        {VT_ERROR, "VT_ERROR"},
         {VT_BOOL, "VT_BOOL"},
+        {VT_ERROR, "VT_ERROR"},
         {VT_VARIANT, "VT_VARIANT"},
         {VT_UNKNOWN, "VT_UNKNOWN"},
-        {VT_UI1, "VT_UI1"},
-        {VT_UI4, "VT_UI4"},
-        {VT_I8, "VT_I8"},
-        {VT_UI8, "VT_UI8"},
+        {VT_DISPATCH, "VT_DISPATCH"},
     };
     const auto element = static_cast<VARTYPE>(type & VT_TYPEMASK);
     std::string text = hexadecimal(element);
@@ -60,39 +70,48 @@ std::string typeName(VARTYPE type)
     return text;
 }
 
-Json::Value jsonOfArray(SAFEARRAY* array, VARTYPE element)
+Json::Value jsonOfElement(SAFEARRAY* array, VARTYPE type, LONG index)
 {
-    Json::Value json(Json::objectValue);
+    CVariant element;
+    HRESULT status = S_OK;
+    if (type == VT_VARIANT) {
+        status = SafeArrayGetElement(array, &index, element.Get());
+    } else {
+        element.Get()->vt = type;
+        status = SafeArrayGetElement(array, &index, &element.Get()->llVal);
+    }
+    if (FAILED(status)) {
+        element.Get()->vt = VT_EMPTY;
+        return statusText(status);
+    }
+    return type == VT_VARIANT ? jsonOfVariant(element.Value())
+                              : jsonOfVariant(element.Value())["value"];
+}
+
+Json::Value jsonOfArray(SAFEARRAY* array, VARTYPE type)
+{
     if (!array)
         return {};
+    Json::Value json(Json::objectValue);
     LONG lower = 0;
     LONG upper = -1;
-    SafeArrayGetLBound(array, 1, &lower);
-    SafeArrayGetUBound(array, 1, &upper);
+    if (SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
+        FAILED(SafeArrayGetUBound(array, 1, &upper))) {
+        json["dimensions"] = SafeArrayGetDim(array); // the plug-in has no use for more than one
+        return json;
+    }
     json["lower"] = static_cast<Json::Int64>(lower);
     json["upper"] = static_cast<Json::Int64>(upper);
-    void* data = nullptr;
-    if (FAILED(SafeArrayAccessData(array, &data)))
+    if (type == VT_UI1) {
+        VARIANT loan;
+        loan.vt = VT_ARRAY | VT_UI1;
+        loan.parray = array;
+        json["bytes"] = hexText(bytesOf(loan));
         return json;
-    const auto count = static_cast<size_t>(upper - lower + 1);
-    if (element == VT_UI1) {
-        std::ostringstream hex;
-        hex << std::hex;
-        for (size_t i = 0; i < count; ++i) {
-            const unsigned byte = static_cast<const BYTE*>(data)[i];
-            hex << (byte >> 4) << (byte & 15);
-        }
-        json["bytes"] = hex.str();
-    } else {
-        Json::Value& elements = json["elements"] = Json::Value(Json::arrayValue);
-        for (size_t i = 0; i < count; ++i) {
-            if (element == VT_BSTR)
-                elements.append(utf8FromBstr(static_cast<BSTR*>(data)[i]));
-            else if (element == VT_VARIANT)
-                elements.append(jsonOfVariant(static_cast<VARIANT*>(data)[i]));
-        }
     }
-    SafeArrayUnaccessData(array);
+    Json::Value& elements = json["elements"] = Json::Value(Json::arrayValue);
+    for (int64_t i = lower; i <= upper; ++i)
+        elements.append(jsonOfElement(array, type, static_cast<LONG>(i)));
     return json;
 }
 
@@ -108,19 +127,86 @@ std::string objectText(IUnknown* object)
     return "an object with IVLKTElementUI";
 }
 
+// The order for people: what matters first. The parser's own is that of the alphabet.
+constexpr const char* memberOrder[] = {
+    // of a plug-in and its notifications
+    "file", "name", "number", "fixedName", "description", "caption", "explanation", "shown",
+    "canOpenConsole", "classIdentifier", "icon", "kind", "interfaces", "state", "notifications",
+    // of a state
+    "status", "level", "switch", "disabledByPolicy",
+    // of a backup and a restore
+    "backup", "bytes", "secrets", "plan", "deletes", "writes", "quickLinkFile",
+    "replacesCategories", "appliesSettings", "differences", "putBack", "removed", "categories",
+    "settings", "safetyCopy",
+    // of tracing
+    "tracing", "to", "until", "excluded", "folder", "values", "followed", "files", "size",
+    "modified", "process", "open", "result",
+    // of a single call
+    "type", "text", "value", "lower", "upper"};
+
+size_t rankOf(const std::string& name)
+{
+    const auto* const found = std::find(std::begin(memberOrder), std::end(memberOrder), name);
+    return static_cast<size_t>(found - std::begin(memberOrder));
+}
+
+Json::Value::Members orderedMembers(const Json::Value& value)
+{
+    Json::Value::Members names = value.getMemberNames();
+    std::stable_sort(
+        names.begin(), names.end(),
+        [](const std::string& one, const std::string& two) { return rankOf(one) < rankOf(two); });
+    return names;
+}
+
+// Names of members as words: "canOpenConsole" is "can open console". Names that aren't ours, such as
+// those of settings, stay as they are.
+std::string labelOf(const std::string& name)
+{
+    if (rankOf(name) == std::size(memberOrder))
+        return name;
+    std::string label;
+    for (const char c : name) {
+        const bool upper = c >= 'A' && c <= 'Z';
+        if (upper)
+            label += ' ';
+        label += upper ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return label;
+}
+
+constexpr char meaningSuffix[] = "Meaning";
+
+void append(std::string& text, const Json::Value& value, const std::string& indent);
+
+void appendMember(std::string& text, const Json::Value& member, const std::string& meaning,
+                  const std::string& indent)
+{
+    if ((member.isObject() || member.isArray()) && !member.empty()) {
+        text += '\n';
+        append(text, member, indent + "  ");
+        return;
+    }
+    std::string line = plainText(member);
+    for (size_t at = 0; (at = line.find('\n', at)) != std::string::npos;)
+        line.replace(at, 1, "\n  " + indent); // a text of several lines
+    text += ' ' + line + (meaning.empty() ? "" : " (" + meaning + ")") + '\n';
+}
+
 void append(std::string& text, const Json::Value& value, const std::string& indent)
 {
-    const auto names = value.isObject() ? value.getMemberNames() : Json::Value::Members();
-    for (Json::ArrayIndex i = 0; i < value.size(); ++i) {
-        const std::string label = value.isObject() ? names[i] + ":" : "-";
-        const Json::Value& member = value.isObject() ? value[names[i]] : value[i];
-        text += indent + label;
-        if ((member.isObject() || member.isArray()) && !member.empty()) {
-            text += '\n';
-            append(text, member, indent + "  ");
-        } else {
-            text += ' ' + plainText(member) + '\n';
+    if (value.isArray()) {
+        for (const auto& element : value) {
+            text += indent + '-';
+            appendMember(text, element, "", indent);
         }
+        return;
+    }
+    for (const auto& name : orderedMembers(value)) {
+        if (name.ends_with(meaningSuffix))
+            continue; // stands behind what it explains
+        text += indent + labelOf(name) + ':';
+        appendMember(text, value[name], value[name + meaningSuffix].asString(), indent);
     }
 }
 
@@ -146,6 +232,18 @@ std::string statusText(HRESULT status)
     if (!known.name.empty())
         text += ' ' + known.name;
     return text + ": " + errorText(static_cast<DWORD>(status));
+}
+
+std::string hexText(const bytes_t& bytes)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string hex;
+    hex.reserve(2 * bytes.size());
+    for (const BYTE one : bytes) {
+        hex += digits[one >> 4];
+        hex += digits[one & 15];
+    }
+    return hex;
 }
 
 Json::Value jsonOfStatus(HRESULT status)
@@ -176,18 +274,29 @@ Json::Value jsonOfVariant(const VARIANT& value)
         json["value"] = value.boolVal != VARIANT_FALSE;
         break;
     case VT_I4:
-    case VT_ERROR:
+    case VT_INT:
         json["value"] = static_cast<Json::Int>(value.lVal);
         break;
+    case VT_ERROR:
+        json["value"] = jsonOfStatus(value.scode);
+        break;
     case VT_UI4:
+    case VT_UINT:
         json["value"] = static_cast<Json::UInt>(value.ulVal);
         break;
     case VT_UNKNOWN:
     case VT_DISPATCH:
         json["value"] = objectText(value.punkVal);
         break;
-    default:
+    case VT_EMPTY:
+    case VT_NULL:
         break;
+    default: {
+        CVariant text;                                     // of all other simple types
+        auto* const source = const_cast<VARIANT*>(&value); // an input only, in spite of its type
+        if (SUCCEEDED(VariantChangeTypeEx(text.Get(), source, LOCALE_INVARIANT, 0, VT_BSTR)))
+            json["value"] = utf8FromBstr(text.Value().bstrVal);
+    }
     }
     return json;
 }

@@ -6,6 +6,8 @@
 #include <oaidl.h>
 #include <json/value.h>
 
+#include "files.h"
+
 // errorText is the system's own text for an error of a platform call, without its line end; a
 // number if there is none. UTF-8.
 std::string errorText(DWORD error);
@@ -19,7 +21,11 @@ std::string statusText(HRESULT status);
 Json::Value jsonOfStatus(HRESULT status);
 Json::Value jsonOfVariant(const VARIANT& value);
 
-// plainText shows a value for people: one line a member, nested ones indented.
+// hexText is bytes in lower-case hexadecimal.
+std::string hexText(const bytes_t& bytes);
+
+// plainText shows a value for people: one line a member, what matters first, nested ones indented.
+// A member named as another with "Meaning" behind stands in brackets behind that one.
 std::string plainText(const Json::Value& value);
 
 // printResult writes value to standard output, as JSON or for people.

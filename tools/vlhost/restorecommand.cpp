@@ -4,7 +4,9 @@
 #include <iostream>
 #include <optional>
 
+#include "agent/discovery.h"
 #include "common/commandline.h"
+#include "common/text.h"
 #include "print.h"
 #include "safetycopy.h"
 #include "secretstore.h"
@@ -42,15 +44,14 @@ void verify(const CBackupView& backup, bool decoded, bool force)
                          "nothing was touched; --force restores it all the same");
 }
 
-HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const bytes_t& bytes)
+HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const bytes_t& bytes,
+                const CSecretBytes& secret)
 {
     if (arguments.entry == "plugin-data") {
-        CSecretBytes secrets;
-        if (arguments.secretFrom)
-            secrets.bytes = std::move(
-                encodeSecretList(protectedStorage, readSecretFrom(*arguments.secretFrom)).bytes);
+        const CSecretBytes list =
+            secret.bytes.empty() ? CSecretBytes() : encodeSecretList(protectedStorage, secret);
         return host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
-            static_cast<ULONG>(secrets.bytes.size()), secrets.bytes.data(),
+            static_cast<ULONG>(list.bytes.size()), list.bytes.data(),
             static_cast<ULONG>(bytes.size()), bytes.data());
     }
     CVariant data;
@@ -58,6 +59,27 @@ HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const byt
     const auto target = host.Get<IVLKTBackupRestore2>();
     return arguments.entry == "2" ? target.get()->SetStorageData2(arguments.flags, data.Get())
                                   : target.get()->SetStorageData(data.Get());
+}
+
+// readSecret takes the secret before anything is touched. The plug-in hands it to the agent, and
+// doesn't tell when there is none.
+CSecretBytes readSecret(const arguments_t& arguments)
+{
+    if (!arguments.secretFrom)
+        return {};
+    if (!findAgentWindow())
+        throw CToolError("no agent is running, so the secret would be lost",
+                         "nothing was touched; start vlagent.exe first");
+    return readSecretFrom(*arguments.secretFrom);
+}
+
+void compareSecret(const CSecretBytes& secret, std::vector<std::string>& differences)
+{
+    if (secret.bytes.empty())
+        return;
+    const CSecretStore store;
+    if (!store.Exists(protectedStorage) || store.Read(protectedStorage).bytes != secret.bytes)
+        differences.push_back("the secret did not arrive in the store: see the agent's journal");
 }
 
 bool sameLink(const BackupLink& one, const BackupLink& other)
@@ -71,10 +93,10 @@ bool sameLink(const BackupLink& one, const BackupLink& other)
 void compareLinks(const CPluginHost& host, const CBackupView& wanted,
                   std::vector<std::string>& differences)
 {
-    const backup_t now = takeBackupIfAny(host);
+    const bytes_t now = takeBackupIfAny(host);
     CBackupView found;
-    if (now.bytes.empty() || !found.Decode(now.bytes))
-        return; // the plug-in takes no backup of templates alone
+    if (now.empty() || !found.Decode(now))
+        return; // the plug-in takes no backup of a user without its data file and a secret
     for (const auto& link : wanted.links)
         if (std::none_of(found.links.begin(), found.links.end(),
                          [&](const BackupLink& other) { return sameLink(link, other); }))
@@ -95,16 +117,19 @@ Json::Value restoreFile(const CPluginHost& host, const arguments_t& arguments)
     json["plan"] = jsonOfPlan(plan);
     if (arguments.dryRun)
         return json;
+    const CSecretBytes secret = readSecret(arguments);
     makeSafetyCopy(host, plan);
-    const HRESULT status = restore(host, arguments, bytes);
+    const HRESULT status = restore(host, arguments, bytes, secret);
     if (FAILED(status))
         throw CToolError("the plug-in's restore failed: " + statusText(status),
                          "'vlhost restore --undo' puts the old state back");
     std::vector<std::string> differences = compareRestored(backup, plan);
     compareLinks(host, backup, differences);
+    compareSecret(secret, differences);
     json["differences"] = Json::Value(Json::arrayValue);
     for (const auto& difference : differences)
         json["differences"].append(difference);
+    json["safetyCopy"] = utf8FromWide(safetyCopyFolder());
     return json;
 }
 
@@ -135,9 +160,11 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
             throw CToolError("a backup is wanted", "vlhost restore FILE", 2);
         if (arguments->secretFrom && arguments->entry != "plugin-data")
             throw CToolError("only --entry plugin-data takes a secret", "", 2);
+        if (arguments->flags && arguments->entry != "2")
+            throw CToolError("only --entry 2 takes flags", "", 2);
         const CPluginHost host(options.plugin);
         const Json::Value json =
-            arguments->undo ? undoRestore(host) : restoreFile(host, *arguments);
+            arguments->undo ? undoRestore(host, arguments->dryRun) : restoreFile(host, *arguments);
         printResult(json, options.json);
         if (!json["differences"].empty())
             throw CToolError("not everything came back as the backup has it",

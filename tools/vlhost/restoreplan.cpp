@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr wchar_t categoriesKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories";
-
 // The plug-in's own mask also finds names that only begin with the extension; it deletes those too.
 void addMatches(const std::wstring& folder, const wchar_t* mask, std::vector<std::wstring>& found)
 {
@@ -26,11 +24,6 @@ void addMatches(const std::wstring& folder, const wchar_t* mask, std::vector<std
     } while (FindNextFileW(search.get(), &entry));
 }
 
-bool isThere(const std::wstring& path)
-{
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
 bytes_t bytesOfText(const std::string& utf8)
 {
     const std::wstring text = wideFromUtf8(utf8);
@@ -41,6 +34,10 @@ bytes_t bytesOfText(const std::string& utf8)
 void compareFiles(const CBackupView& backup, const restorePlan_t& plan,
                   std::vector<std::string>& differences)
 {
+    for (const auto& path : plan.deleted)
+        if (path != plan.quickLinkFile && isThere(path) &&
+            std::find(plan.written.begin(), plan.written.end(), path) == plan.written.end())
+            differences.push_back(utf8FromWide(path) + " was not deleted (is it read-only?)");
     // A later file of the same target stands in the folder.
     for (size_t i = 0; i < backup.files.size(); ++i) {
         const auto& path = plan.written[i];
@@ -61,12 +58,12 @@ void compareFiles(const CBackupView& backup, const restorePlan_t& plan,
 
 void compareCategories(const CBackupView& backup, std::vector<std::string>& differences)
 {
-    const std::vector<category_t> found = readCategories();
+    const auto found = readDashboard().categories.value_or(std::vector<registryValue_t>());
     for (const auto& wanted : backup.categories) {
         const std::wstring name = wideFromUtf8(wanted.name);
         const auto match =
             std::find_if(found.begin(), found.end(),
-                         [&](const category_t& category) { return category.name == name; });
+                         [&](const registryValue_t& category) { return category.name == name; });
         if (match == found.end())
             differences.push_back("the category '" + wanted.name + "' is missing");
         else if (match->data != bytesOfText(wanted.text))
@@ -82,6 +79,23 @@ void compareSetting(const wchar_t* key, const std::wstring& wanted,
         differences.push_back("the setting '" + utf8FromWide(key) + "' is not as in the backup");
 }
 
+// documentSettings gives the part of the document that a restore reads; an empty object for a
+// document that it can't.
+Json::Value documentSettings(const std::string& text)
+{
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr))
+        return Json::objectValue;
+    for (const char* member : {"settings", "current"}) {
+        if (!value.isObject())
+            return Json::objectValue;
+        Json::Value inner = value[member];
+        value.swap(inner);
+    }
+    return value.isObject() ? value : Json::objectValue;
+}
+
 void compareSettings(const CBackupView& backup, std::vector<std::string>& differences)
 {
     const auto truth = [](bool value) { return value ? L"1" : L"-1"; };
@@ -91,45 +105,54 @@ void compareSettings(const CBackupView& backup, std::vector<std::string>& differ
             compareSetting(restoredSettings[1], wideFromUtf8(backup.settings.hotKey), differences);
         return;
     }
-    Json::Value document;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    const std::string& text = backup.settings.document;
-    if (!reader->parse(text.data(), text.data() + text.size(), &document, nullptr) ||
-        !document.isObject())
-        return;
-    const Json::Value& current = document["settings"]["current"];
-    if (current["show_training_prompt"].isBool())
-        compareSetting(restoredSettings[0], truth(current["show_training_prompt"].asBool()),
-                       differences);
-    if (current["open_guard_desk_qa"].isString() &&
-        !current["open_guard_desk_qa"].asString().empty())
-        compareSetting(restoredSettings[1], wideFromUtf8(current["open_guard_desk_qa"].asString()),
-                       differences);
-    if (current["useGrabbingCreds"].isBool())
-        compareSetting(restoredSettings[2], truth(current["useGrabbingCreds"].asBool()),
-                       differences);
+    const Json::Value current = documentSettings(backup.settings.document);
+    const Json::Value& prompt = current["show_training_prompt"];
+    if (prompt.isBool() || prompt.isNumeric())
+        compareSetting(restoredSettings[0], truth(prompt.asBool()), differences);
+    const Json::Value& hotKey = current["open_guard_desk_qa"];
+    if (hotKey.isString() && !hotKey.asString().empty())
+        compareSetting(restoredSettings[1], wideFromUtf8(hotKey.asString()), differences);
+    const Json::Value& grabbing = current["useGrabbingCreds"];
+    if (grabbing.isBool() || grabbing.isNumeric())
+        compareSetting(restoredSettings[2], truth(grabbing.asBool()), differences);
 }
 
 } // namespace
 
+std::wstring personalFolder()
+{
+    std::wstring folder = settings_getpath(L"path_localstorage_dir");
+    if (folder.empty())
+        throw CToolError("the settings name no personal folder",
+                         "is VloSet.dll in the installation's bin folder?");
+    return folder;
+}
+
+std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
+                                           const std::wstring& quickLinkFile)
+{
+    std::vector<std::wstring> found;
+    addMatches(folder, L"*.vlm", found);
+    addMatches(folder, L"*.vls", found);
+    if (!quickLinkFile.empty() && isThere(quickLinkFile))
+        found.push_back(quickLinkFile);
+    return found;
+}
+
 restorePlan_t planRestore(const CBackupView& backup)
 {
     restorePlan_t plan;
-    plan.folder = settings_getpath(L"path_localstorage_dir");
-    if (plan.folder.empty())
-        throw CToolError("the settings name no personal folder",
-                         "is VloSet.dll in the installation's bin folder?");
+    plan.folder = personalFolder();
     plan.quickLinkFile = settings_getpath(L"path_quicklink_filename");
-    addMatches(plan.folder, L"*.vlm", plan.deleted);
-    addMatches(plan.folder, L"*.vls", plan.deleted);
-    if (!plan.quickLinkFile.empty() && isThere(plan.quickLinkFile))
-        plan.deleted.push_back(plan.quickLinkFile);
+    plan.deleted = deletedByRestore(plan.folder, plan.quickLinkFile);
     for (const auto& file : backup.files) {
         const std::wstring target = wideFromUtf8(file.target);
         plan.written.push_back(file.alien || target.empty() ? target : plan.folder + target);
     }
     plan.categories = backup.elementCount >= 3;
     plan.settings = backup.elementCount == 4;
+    if (plan.settings && !backup.settings.dontPromptList.empty())
+        plan.listFile = settings_getpath(L"path_dontpromptlist_filename");
     return plan;
 }
 
@@ -143,45 +166,12 @@ Json::Value jsonOfPlan(const restorePlan_t& plan)
     for (const auto& path : plan.written)
         if (!path.empty())
             json["writes"].append(utf8FromWide(path) + (isThere(path) ? " (is there now)" : ""));
+    if (!plan.listFile.empty())
+        json["writes"].append(utf8FromWide(plan.listFile));
     json["quickLinkFile"] = utf8FromWide(plan.quickLinkFile);
     json["replacesCategories"] = plan.categories;
     json["appliesSettings"] = plan.settings;
     return json;
-}
-
-std::vector<category_t> readCategories()
-{
-    std::vector<category_t> categories;
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, categoriesKey, 0, KEY_READ, key.put()) != ERROR_SUCCESS)
-        return categories;
-    for (DWORD index = 0;; ++index) {
-        std::wstring name(16384, L'\0');
-        auto length = static_cast<DWORD>(name.size());
-        category_t category;
-        DWORD size = 0;
-        const LSTATUS found = RegEnumValueW(key.get(), index, name.data(), &length, nullptr,
-                                            &category.type, nullptr, &size);
-        if (found != ERROR_SUCCESS)
-            return categories;
-        category.name = name.substr(0, length);
-        category.data.resize(size);
-        if (RegQueryValueExW(key.get(), category.name.c_str(), nullptr, nullptr,
-                             category.data.data(), &size) == ERROR_SUCCESS)
-            categories.push_back(std::move(category));
-    }
-}
-
-void writeCategories(const std::vector<category_t>& categories)
-{
-    RegDeleteKeyW(HKEY_CURRENT_USER, categoriesKey);
-    CRegistryKey key;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, categoriesKey, 0, nullptr, 0, KEY_WRITE, nullptr,
-                        key.put(), nullptr) != ERROR_SUCCESS)
-        throw CToolError("can't write the categories");
-    for (const auto& category : categories)
-        RegSetValueExW(key.get(), category.name.c_str(), 0, category.type, category.data.data(),
-                       static_cast<DWORD>(category.data.size()));
 }
 
 std::vector<std::string> compareRestored(const CBackupView& backup, const restorePlan_t& plan)

@@ -6,14 +6,7 @@
 #include <json/value.h>
 
 #include "backup/blob/backupview.h"
-#include "files.h"
-
-// category_t is one value of the categories key as it stands in the registry.
-struct category_t {
-    std::wstring name;
-    DWORD type = REG_SZ;
-    bytes_t data;
-};
+#include "dashboardstate.h"
 
 // The settings that a restore applies, in its order.
 inline constexpr const wchar_t* restoredSettings[] = {L"show_training_prompt",
@@ -25,14 +18,22 @@ struct restorePlan_t {
     std::wstring quickLinkFile;        // empty if the settings name none
     std::vector<std::wstring> deleted; // full paths that are there and go
     std::vector<std::wstring> written; // full paths that are written, in the order of the backup
+    std::wstring listFile;             // the list of addresses never asked about, if it is written
     bool categories = false;           // whether the categories are replaced
     bool settings = false;             // whether the settings are applied
 };
+
+// planRestore looks at the settings and the folder. Errors: CToolError without a personal folder.
 restorePlan_t planRestore(const CBackupView& backup);
 Json::Value jsonOfPlan(const restorePlan_t& plan);
 
-std::vector<category_t> readCategories();
-void writeCategories(const std::vector<category_t>& categories);
+// deletedByRestore lists the files that any restore deletes now, by full path.
+std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
+                                           const std::wstring& quickLinkFile);
+
+// personalFolder is the folder of the user's templates, as the settings name it. Errors: CToolError
+// if they don't.
+std::wstring personalFolder();
 
 // compareRestored looks at what a restore left and lists what isn't as the backup has it.
 std::vector<std::string> compareRestored(const CBackupView& backup, const restorePlan_t& plan);

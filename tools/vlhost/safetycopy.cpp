@@ -1,7 +1,7 @@
 #include "safetycopy.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include <json/reader.h>
 #include <json/writer.h>
@@ -27,12 +27,6 @@ std::string utf8(const fs::path& path)
     return utf8FromWide(path.wstring());
 }
 
-void writeText(const fs::path& path, const Json::Value& value)
-{
-    const std::string text = Json::writeString(Json::StreamWriterBuilder(), value);
-    writeFile(utf8(path), {text.begin(), text.end()}, true);
-}
-
 Json::Value readIndex(const fs::path& folder)
 {
     const fs::path path = folder / indexName;
@@ -42,20 +36,11 @@ Json::Value readIndex(const fs::path& folder)
     const std::string text(bytes.begin(), bytes.end());
     Json::Value index;
     const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    if (!reader->parse(text.data(), text.data() + text.size(), &index, nullptr))
-        throw CToolError("the safety copy in " + utf8(folder) + " is damaged");
+    if (!reader->parse(text.data(), text.data() + text.size(), &index, nullptr) ||
+        !index.isObject() || !index["files"].isArray())
+        throw CToolError("the safety copy in " + utf8(folder) + " is damaged",
+                         "its files are whole: copy them back by hand");
     return index;
-}
-
-std::string hexOf(const bytes_t& bytes)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    std::string hex;
-    for (const BYTE byte : bytes) {
-        hex += digits[byte / 16];
-        hex += digits[byte % 16];
-    }
-    return hex;
 }
 
 bytes_t bytesOfHex(const std::string& hex)
@@ -66,50 +51,178 @@ bytes_t bytesOfHex(const std::string& hex)
     return bytes;
 }
 
-Json::Value copyFiles(const restorePlan_t& plan, const fs::path& folder)
+Json::Value jsonOfValue(const registryValue_t& value)
+{
+    Json::Value json(Json::objectValue);
+    json["name"] = utf8FromWide(value.name);
+    json["type"] = static_cast<Json::UInt>(value.type);
+    json["data"] = hexText(value.data);
+    return json;
+}
+
+registryValue_t valueOfJson(const Json::Value& json)
+{
+    return {wideFromUtf8(json["name"].asString()), json["type"].asUInt(),
+            bytesOfHex(json["data"].asString())};
+}
+
+// Members are missing for what isn't there, and so is the copy of a file that isn't: when the
+// restore is undone, it goes.
+Json::Value copyFiles(const std::vector<std::wstring>& paths, const fs::path& folder)
 {
     Json::Value files(Json::arrayValue);
-    const auto add = [&](const std::wstring& path) {
+    for (const auto& path : paths) {
         Json::Value file(Json::objectValue);
         file["path"] = utf8FromWide(path);
-        if (fs::is_regular_file(path)) {
+        const DWORD attributes = GetFileAttributesW(longform(path).c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY)) {
             const std::string copy = std::to_string(files.size());
-            writeFile(utf8(folder / copy), readFile(utf8FromWide(path)), true);
-            file["copy"] = copy; // none: it wasn't there, and goes when the restore is undone
+            copyFile(path, folder / copy);
+            file["copy"] = copy;
+            file["attributes"] = static_cast<Json::UInt>(attributes);
         }
         files.append(file);
-    };
-    for (const auto& path : plan.deleted)
-        add(path);
-    for (const auto& path : plan.written)
-        if (!path.empty() &&
-            std::find(plan.deleted.begin(), plan.deleted.end(), path) == plan.deleted.end())
-            add(path);
-    if (!plan.quickLinkFile.empty() && !fs::exists(plan.quickLinkFile))
-        add(plan.quickLinkFile);
+    }
     return files;
 }
 
-Json::Value copyCategories()
+Json::Value jsonOfDashboard()
 {
-    Json::Value list(Json::arrayValue);
-    for (const auto& category : readCategories()) {
-        Json::Value json(Json::objectValue);
-        json["name"] = utf8FromWide(category.name);
-        json["type"] = static_cast<Json::UInt>(category.type);
-        json["data"] = hexOf(category.data);
-        list.append(json);
+    const dashboardState_t state = readDashboard();
+    Json::Value json(Json::objectValue);
+    if (state.lastCategory)
+        json["last"] = jsonOfValue(*state.lastCategory);
+    if (state.categories) {
+        json["categories"] = Json::Value(Json::arrayValue);
+        for (const auto& category : *state.categories)
+            json["categories"].append(jsonOfValue(category));
     }
-    return list;
+    return json;
 }
 
-void putCategoriesBack(const Json::Value& list)
+dashboardState_t dashboardOfJson(const Json::Value& json)
 {
-    std::vector<category_t> categories;
-    for (const auto& json : list)
-        categories.push_back({wideFromUtf8(json["name"].asString()), json["type"].asUInt(),
-                              bytesOfHex(json["data"].asString())});
-    writeCategories(categories);
+    dashboardState_t state;
+    if (json.isMember("last"))
+        state.lastCategory = valueOfJson(json["last"]);
+    if (json.isMember("categories"))
+        for (auto& categories = state.categories.emplace(); const auto& one : json["categories"])
+            categories.push_back(valueOfJson(one));
+    return state;
+}
+
+Json::Value jsonOfSettings()
+{
+    Json::Value json(Json::objectValue);
+    for (const auto* key : restoredSettings) {
+        std::wstring value;
+        if (SUCCEEDED(settings_query(key, value)))
+            json[utf8FromWide(key)] = utf8FromWide(value);
+    }
+    return json;
+}
+
+// copyState makes a whole copy beside its final place.
+fs::path copyState(const CPluginHost& host, std::vector<std::wstring> paths)
+{
+    std::sort(paths.begin(), paths.end());
+    paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
+    paths.erase(std::remove(paths.begin(), paths.end(), std::wstring()), paths.end());
+    const fs::path folder = safetyCopyFolder() + L".new";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    const bytes_t backup = takeBackupIfAny(host);
+    if (!backup.empty())
+        writeFile(utf8(folder / backupName), backup, true);
+    Json::Value index(Json::objectValue);
+    index["folder"] = utf8FromWide(personalFolder());
+    index["files"] = copyFiles(paths, folder);
+    index["dashboard"] = jsonOfDashboard();
+    index["settings"] = jsonOfSettings();
+    const std::string text = Json::writeString(Json::StreamWriterBuilder(), index);
+    writeFile(utf8(folder / indexName), {text.begin(), text.end()}, true);
+    return folder;
+}
+
+void replaceCopy(const fs::path& made)
+{
+    const fs::path target = safetyCopyFolder();
+    const fs::path old = target.wstring() + L".old";
+    fs::remove_all(old);
+    if (fs::exists(target))
+        fs::rename(target, old);
+    fs::rename(made, target);
+    fs::remove_all(old);
+}
+
+// filesNow lists what a restore of the copy deletes or writes, by full path.
+std::vector<std::wstring> filesNow(const Json::Value& index)
+{
+    std::vector<std::wstring> paths =
+        deletedByRestore(personalFolder(), settings_getpath(L"path_quicklink_filename"));
+    for (const auto& file : index["files"])
+        paths.push_back(wideFromUtf8(file["path"].asString()));
+    return paths;
+}
+
+void putThroughPlugin(const CPluginHost& host, const fs::path& backup)
+{
+    CVariant data;
+    setBytes(data, readFile(utf8(backup)));
+    const HRESULT status = host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get());
+    if (FAILED(status))
+        throw CToolError("the plug-in refused its own backup: " + statusText(status));
+}
+
+void putFilesBack(const Json::Value& index, const fs::path& folder,
+                  const std::vector<std::wstring>& now)
+{
+    for (const auto& path : now)
+        if (isThere(path) && !DeleteFileW(longform(path).c_str())) {
+            SetFileAttributesW(longform(path).c_str(), FILE_ATTRIBUTE_NORMAL); // read-only, perhaps
+            DeleteFileW(longform(path).c_str());
+        }
+    for (const auto& file : index["files"]) {
+        if (!file.isMember("copy"))
+            continue;
+        const std::wstring path = wideFromUtf8(file["path"].asString());
+        copyFile(folder / file["copy"].asString(), path);
+        SetFileAttributesW(longform(path).c_str(), file["attributes"].asUInt());
+    }
+}
+
+void putSettingsBack(const Json::Value& settings)
+{
+    for (const auto& key : settings.getMemberNames()) {
+        const HRESULT status =
+            settings_set(wideFromUtf8(key), wideFromUtf8(settings[key].asString()));
+        if (FAILED(status))
+            throw CToolError("the setting '" + key + "' can't be put back: " + statusText(status));
+    }
+}
+
+// planUndo tells what comes back and what goes.
+Json::Value planUndo(const Json::Value& index, const std::vector<std::wstring>& now)
+{
+    Json::Value result(Json::objectValue);
+    Json::Value& back = result["putBack"] = Json::Value(Json::arrayValue);
+    Json::Value& removed = result["removed"] = Json::Value(Json::arrayValue);
+    std::vector<std::string> kept;
+    for (const auto& file : index["files"])
+        if (file.isMember("copy")) {
+            back.append(file["path"]);
+            kept.push_back(file["path"].asString());
+        }
+    for (const auto& path : now) {
+        const std::string name = utf8FromWide(path);
+        if (isThere(path) && std::find(kept.begin(), kept.end(), name) == kept.end()) {
+            removed.append(name);
+            kept.push_back(name); // once
+        }
+    }
+    result["categories"] = index["dashboard"]["categories"].size();
+    result["settings"] = index["settings"];
+    return result;
 }
 
 } // namespace
@@ -118,63 +231,47 @@ std::wstring safetyCopyFolder()
 {
     const std::wstring root = localappdata_rootdir();
     if (root.empty())
-        throw CToolError("the user has no local data folder");
+        throw CToolError("the user has no local data folder", "is LOCALAPPDATA set?");
     return root + L"RestoreUndo";
 }
 
 void makeSafetyCopy(const CPluginHost& host, const restorePlan_t& plan)
-{
-    const fs::path target = safetyCopyFolder();
-    const fs::path folder = target.wstring() + L".new";
-    try {
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-        const backup_t backup = takeBackupIfAny(host);
-        if (!backup.bytes.empty())
-            writeFile(utf8(folder / backupName), backup.bytes, true);
-        Json::Value index(Json::objectValue);
-        index["files"] = copyFiles(plan, folder);
-        if (plan.categories)
-            index["categories"] = copyCategories();
-        if (plan.settings)
-            for (const auto* key : restoredSettings)
-                index["settings"][utf8FromWide(key)] = utf8FromWide(settings_getpath(key));
-        writeText(folder / indexName, index);
-        fs::remove_all(target);
-        fs::rename(folder, target);
-    } catch (const fs::filesystem_error& error) {
-        throw CToolError(std::string("no safety copy can be made: ") + error.what());
-    }
+try {
+    std::vector<std::wstring> paths = plan.deleted;
+    paths.insert(paths.end(), plan.written.begin(), plan.written.end());
+    paths.push_back(plan.quickLinkFile);
+    paths.push_back(plan.listFile);
+    replaceCopy(copyState(host, std::move(paths)));
+} catch (const fs::filesystem_error& error) {
+    throw CToolError(std::string("no safety copy can be made: ") + error.what(),
+                     "nothing was touched");
 }
 
-Json::Value undoRestore(const CPluginHost& host)
-{
+Json::Value undoRestore(const CPluginHost& host, bool dryRun)
+try {
     const fs::path folder = safetyCopyFolder();
     const Json::Value index = readIndex(folder);
-    if (fs::exists(folder / backupName)) {
-        CVariant data;
-        setBytes(data, readFile(utf8(folder / backupName)));
-        const HRESULT status = host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get());
-        if (FAILED(status))
-            throw CToolError("the plug-in refused its own backup: " + statusText(status));
-    }
-    Json::Value result(Json::objectValue);
-    result["putBack"] = Json::Value(Json::arrayValue);
-    result["removed"] = Json::Value(Json::arrayValue);
-    for (const auto& file : index["files"]) {
-        const std::string path = file["path"].asString();
-        if (file.isMember("copy")) {
-            writeFile(path, readFile(utf8(folder / file["copy"].asString())), true);
-            result["putBack"].append(path);
-        } else if (DeleteFileW(wideFromUtf8(path).c_str())) {
-            result["removed"].append(path);
-        }
-    }
-    if (index.isMember("categories"))
-        putCategoriesBack(index["categories"]);
-    for (const auto& key : index["settings"].getMemberNames())
-        settings_set(wideFromUtf8(key), wideFromUtf8(index["settings"][key].asString()));
-    result["categories"] = index["categories"].size();
-    result["settings"] = index["settings"].size();
+    const std::string now = utf8FromWide(personalFolder());
+    if (index["folder"] != now)
+        throw CToolError("the safety copy is of the personal folder " + index["folder"].asString() +
+                             ", which is " + now + " now",
+                         "nothing was touched; set path_localstorage_dir back first");
+    const std::vector<std::wstring> paths = filesNow(index);
+    Json::Value result = planUndo(index, paths);
+    if (dryRun)
+        return result;
+    const fs::path made = copyState(host, paths);
+    if (fs::exists(folder / backupName))
+        putThroughPlugin(host, folder / backupName);
+    putFilesBack(index, folder, paths);
+    writeDashboard(dashboardOfJson(index["dashboard"]));
+    putSettingsBack(index["settings"]);
+    replaceCopy(made);
     return result;
+} catch (const fs::filesystem_error& error) {
+    throw CToolError(std::string("the safety copy can't be put back: ") + error.what(),
+                     "it stays where it is: try again");
+} catch (const Json::Exception& error) {
+    throw CToolError(std::string("the safety copy is damaged: ") + error.what(),
+                     "its files are whole: copy them back by hand");
 }

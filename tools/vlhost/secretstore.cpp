@@ -1,133 +1,147 @@
 #include "secretstore.h"
 
+#include <fcntl.h>
 #include <io.h>
 
-#include <array>
-
-#include <comdef.h>
+#include <algorithm>
 
 #include "backup/blob/dernode.h"
-#include "backup/currentuser.h"
 #include "common/commandline.h"
 #include "common/text.h"
 #include "print.h"
-#include "vlfpapi/vlfpapi.h"
 
 namespace {
 
-constexpr uint32_t secretKind = 3;
 constexpr size_t largestSecret = 1u << 20;
 
 void check(LONG status, const std::wstring& name, const char* what)
 {
     if (FAILED(status))
-        throw CToolError(std::string(what) + " the secret '" + utf8FromWide(name) +
-                         "': " + statusText(status));
+        throw CToolError(
+            std::string(what) + " the secret '" + utf8FromWide(name) + "': " + statusText(status),
+            status == static_cast<LONG>(0x80070002) ? "there is none of that name" : "");
+}
+
+// CDescriptor closes what it opened.
+class CDescriptor
+{
+public:
+    explicit CDescriptor(const std::string& path)
+        : m_number(_wopen(wideFromUtf8(path).c_str(), _O_RDONLY | _O_BINARY))
+    {
+        if (m_number < 0)
+            throw CToolError("can't open " + path + ": " + errorText(_doserrno),
+                             "is the name spelt right?");
+    }
+    ~CDescriptor() { _close(m_number); }
+    CDescriptor(const CDescriptor&) = delete;
+    CDescriptor& operator=(const CDescriptor&) = delete;
+    int Number() const noexcept { return m_number; }
+
+private:
+    const int m_number;
+};
+
+std::string_view textOf(const CSecretBytes& value)
+{
+    return {reinterpret_cast<const char*>(value.bytes.data()), value.bytes.size()};
+}
+
+void writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const int written = _write(descriptor, text.data(), static_cast<unsigned>(text.size()));
+        if (written <= 0)
+            throw CToolError("can't write the secret to file descriptor " +
+                                 std::to_string(descriptor),
+                             "1 is standard output");
+        text.remove_prefix(static_cast<size_t>(written));
+    }
 }
 
 } // namespace
 
-void wipe(bytes_t& bytes) noexcept
+CSecretStore::CSecretStore()
 {
-    if (!bytes.empty())
-        SecureZeroMemory(bytes.data(), bytes.size());
+    if (FAILED(m_client.Status()))
+        throw CToolError("can't use the secret store of VLFPApi.dll: " +
+                             statusText(m_client.Status()),
+                         "the library has to be in the system folder or beside this program");
 }
 
-CSecretStore::CSecretStore() : m_library(LoadLibraryW(L"VLFPApi.dll"))
+CSecretBytes CSecretStore::Read(const std::wstring& name) const
 {
-    if (!m_library)
-        throw CToolError("can't load VLFPApi.dll: " + errorText(GetLastError()),
-                         "is it in the system folder or beside this program?");
-    try {
-        m_user = CCurrentUser().Qualified();
-    } catch (const _com_error& error) {
-        throw CToolError("can't tell who the current user is: " + statusText(error.Error()));
-    }
-}
-
-void* CSecretStore::Function(const char* name) const
-{
-    auto* const function = reinterpret_cast<void*>(GetProcAddress(m_library.get(), name));
-    if (!function)
-        throw CToolError(std::string("VLFPApi.dll has no ") + name,
-                         "another library of that name is installed");
-    return function;
-}
-
-bool CSecretStore::Exists(const std::wstring& name) const
-{
-    return reinterpret_cast<decltype(&VLFPDoesSecretExist)>(Function("VLFPDoesSecretExist"))(
-               m_user.c_str(), secretKind, name.c_str()) == 1;
-}
-
-bytes_t CSecretStore::Read(const std::wstring& name) const
-{
-    const auto read = reinterpret_cast<decltype(&VLFPReadSecret)>(Function("VLFPReadSecret"));
     uint32_t size = 0;
-    check(read(m_user.c_str(), secretKind, name.c_str(), nullptr, &size), name, "can't read");
-    bytes_t value(size);
-    check(read(m_user.c_str(), secretKind, name.c_str(), value.data(), &size), name, "can't read");
-    value.resize(size);
+    check(m_client.Size(name, size), name, "can't read");
+    CSecretBytes value(size);
+    check(m_client.Read(name, value), name, "can't read");
     return value;
 }
 
-void CSecretStore::Store(const std::wstring& name, const bytes_t& value) const
+void CSecretStore::Store(const std::wstring& name, const CSecretBytes& value) const
 {
-    check(reinterpret_cast<decltype(&VLFPStoreSecret)>(Function("VLFPStoreSecret"))(
-              m_user.c_str(), secretKind, name.c_str(), value.data(),
-              static_cast<uint32_t>(value.size())),
-          name, "can't store");
+    check(m_client.Store(name, value.bytes), name, "can't store");
 }
 
 void CSecretStore::Delete(const std::wstring& name) const
 {
-    check(reinterpret_cast<decltype(&VLFPDeleteSecret)>(Function("VLFPDeleteSecret"))(
-              m_user.c_str(), secretKind, name.c_str()),
-          name, "can't delete");
+    check(m_client.Delete(name), name, "can't delete");
 }
 
-CSecretBytes readSecretFrom(int descriptor)
+CSecretBytes readSecretBytes(int descriptor)
 {
-    CSecretBytes text;
-    text.bytes.reserve(largestSecret +
-                       4096); // never moved while it grows, so that no copy stays behind
-    std::array<BYTE, 4096> chunk{};
+    _setmode(descriptor, _O_BINARY); // of one that isn't open, the read tells
+    CSecretBytes value(largestSecret + 1);
+    size_t size = 0;
     for (;;) {
-        const int count = _read(descriptor, chunk.data(), chunk.size());
+        const int count = _read(descriptor, value.bytes.data() + size,
+                                static_cast<unsigned>(value.bytes.size() - size));
         if (count < 0)
             throw CToolError("can't read the secret from file descriptor " +
                                  std::to_string(descriptor),
                              "0 is standard input");
         if (count == 0)
             break;
-        if (text.bytes.size() + static_cast<size_t>(count) > largestSecret)
-            throw CToolError("the secret is longer than 1 MiB");
-        text.bytes.insert(text.bytes.end(), chunk.begin(), chunk.begin() + count);
+        size += static_cast<size_t>(count);
+        if (size > largestSecret)
+            throw CToolError("the secret is longer than 1 MiB", "is it the right file?");
     }
-    SecureZeroMemory(chunk.data(), chunk.size());
-    while (!text.bytes.empty() && (text.bytes.back() == '\n' || text.bytes.back() == '\r'))
-        text.bytes.pop_back();
+    value.Shorten(size);
+    return value;
+}
+
+CSecretBytes readSecretFile(const std::string& path)
+{
+    return readSecretBytes(path == "-" ? 0 : CDescriptor(path).Number());
+}
+
+CSecretBytes readSecretFrom(int descriptor)
+{
+    CSecretBytes text = readSecretBytes(descriptor);
+    if (textOf(text).ends_with('\n'))
+        text.Shorten(text.bytes.size() - (textOf(text).ends_with("\r\n") ? 2 : 1));
     if (text.bytes.empty())
-        throw CToolError("the secret is empty");
-    std::wstring wide =
-        wideFromUtf8({reinterpret_cast<const char*>(text.bytes.data()), text.bytes.size()});
-    const auto* const first = reinterpret_cast<const BYTE*>(wide.c_str());
-    CSecretBytes value(bytes_t(first, first + (wide.size() + 1) * sizeof(wchar_t)));
-    SecureZeroMemory(wide.data(), wide.size() * sizeof(wchar_t));
+        throw CToolError("the secret is empty", "give it as a line of text");
+    CSecretBytes value;
+    if (FAILED(secretFromUtf8(textOf(text), value.bytes)) ||
+        std::find(text.bytes.begin(), text.bytes.end(), BYTE{0}) != text.bytes.end())
+        throw CToolError("the secret is no UTF-8 text", "convert it first");
     return value;
 }
 
 void writeSecretTo(int descriptor, const CSecretBytes& value)
 {
-    const std::wstring_view wide(reinterpret_cast<const wchar_t*>(value.bytes.data()),
-                                 value.bytes.size() / sizeof(wchar_t));
-    std::string text = utf8FromWide(wide.substr(0, wide.find(L'\0')));
-    text += '\n';
-    const auto written = _write(descriptor, text.data(), static_cast<unsigned>(text.size()));
-    const bool whole = written >= 0 && static_cast<size_t>(written) == text.size();
-    SecureZeroMemory(text.data(), text.size());
-    if (!whole)
-        throw CToolError("can't write the secret to file descriptor " + std::to_string(descriptor));
+    std::wstring_view wide(reinterpret_cast<const wchar_t*>(value.bytes.data()),
+                           value.bytes.size() / sizeof(wchar_t));
+    wide = wide.substr(0, wide.find(L'\0'));
+    const auto units = static_cast<int>(wide.size());
+    CSecretBytes text(static_cast<size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, nullptr, 0, nullptr, nullptr)));
+    WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, reinterpret_cast<char*>(text.bytes.data()),
+                        static_cast<int>(text.bytes.size()), nullptr, nullptr);
+    _setmode(descriptor, _O_BINARY);
+    writeAll(descriptor, textOf(text));
+    writeAll(descriptor, "\n");
 }
 
 CSecretBytes encodeSecretList(const std::wstring& name, const CSecretBytes& value)
@@ -136,6 +150,6 @@ CSecretBytes encodeSecretList(const std::wstring& name, const CSecretBytes& valu
     list.SetSequence(1);
     list.Child(0).SetSequence(2);
     list.Child(0).Child(0).SetWide({reinterpret_cast<const char16_t*>(name.data()), name.size()});
-    list.Child(0).Child(1).SetOctets(value.bytes);
+    list.Child(0).Child(1).SetOctets(value.bytes); // borrowed, so that no copy is made
     return CSecretBytes(list.Encode());
 }

@@ -2,48 +2,36 @@
 
 #include <string>
 
-#include "common/scoped.h"
-#include "files.h"
+#include "vlfpapi/secretclient.h"
 
 // CSecretStore is the secret store of the policy library for the calling user. Errors: CToolError.
 class CSecretStore
 {
 public:
-    CSecretStore(); // loads VLFPApi.dll
+    CSecretStore();
 
-    bool Exists(const std::wstring& name) const;
-    bytes_t Read(const std::wstring& name) const;
-    void Store(const std::wstring& name, const bytes_t& value) const;
+    bool Exists(const std::wstring& name) const { return m_client.Exists(name); }
+    CSecretBytes Read(const std::wstring& name) const;
+    void Store(const std::wstring& name, const CSecretBytes& value) const;
     void Delete(const std::wstring& name) const;
 
 private:
-    void* Function(const char* name) const;
-
-    CLoadedModule m_library;
-    std::wstring m_user; // domain\account
+    CSecretClient m_client;
 };
 
 // The one secret that a backup names.
 inline constexpr wchar_t protectedStorage[] = L"KRS Protected Storage";
 
-// wipe overwrites bytes that held a secret, in a way that the compiler keeps.
-void wipe(bytes_t& bytes) noexcept;
+// readSecretBytes reads all that a file descriptor, such as 0 for standard input, or a file has to
+// give, up to 1 MiB. Nothing of it stays behind elsewhere. Errors: CToolError.
+CSecretBytes readSecretBytes(int descriptor);
+CSecretBytes readSecretFile(const std::string& path); // "-" is standard input
 
-// CSecretBytes wipes its bytes at the end.
-struct CSecretBytes {
-    bytes_t bytes;
-    CSecretBytes() = default;
-    explicit CSecretBytes(bytes_t&& taken) noexcept : bytes(std::move(taken)) {}
-    CSecretBytes(CSecretBytes&&) noexcept = default;
-    CSecretBytes& operator=(CSecretBytes&&) = delete;
-    ~CSecretBytes() { wipe(bytes); }
-};
-
-// readSecretFrom reads a secret from a file descriptor, such as 0 for standard input: UTF-8 text, one line end behind
-// it left out. The value comes back as UTF-16 with its terminating zero, the form of a secret list.
+// readSecretFrom reads a secret from a file descriptor: UTF-8 text, one line end behind it left
+// out. The value comes back as UTF-16 with its terminating zero, the form of a secret list.
 CSecretBytes readSecretFrom(int descriptor);
 
-// writeSecretTo writes such a value as UTF-8 text.
+// writeSecretTo writes such a value as UTF-8 text and a line end.
 void writeSecretTo(int descriptor, const CSecretBytes& value);
 
 // encodeSecretList makes the secret list of one secret, for SetPluginData.

@@ -35,7 +35,7 @@ void addSecretCommands(CLI::App& app, const options_t& options)
         ->capture_default_str();
     store->callback([arguments, &options] {
         const CSecretBytes value = readSecretFrom(arguments->descriptor);
-        CSecretStore().Store(wideFromUtf8(arguments->name), value.bytes);
+        CSecretStore().Store(wideFromUtf8(arguments->name), value);
         printResult(done("stored", arguments->name), options.json);
     });
 
@@ -43,7 +43,7 @@ void addSecretCommands(CLI::App& app, const options_t& options)
     CLI::App* const show = secret->add_subcommand("read", "Write its value to a file descriptor");
     show->add_option("--to", *target, "File descriptor to write it to")->capture_default_str();
     show->callback([arguments, target] {
-        writeSecretTo(*target, CSecretBytes(CSecretStore().Read(wideFromUtf8(arguments->name))));
+        writeSecretTo(*target, CSecretStore().Read(wideFromUtf8(arguments->name)));
     });
 
     secret->add_subcommand("exists", "Tell whether it is there")->callback([arguments, &options] {

@@ -14,7 +14,7 @@ constexpr char seeTrace[] =
 
 } // namespace
 
-backup_t takeBackupIfAny(const CPluginHost& host)
+backup_t takeBackup(const CPluginHost& host)
 {
     CVariant names;
     CVariant data;
@@ -22,12 +22,12 @@ backup_t takeBackupIfAny(const CPluginHost& host)
         host.Get<IVLKTBackupRestore2>().get()->GetStorageData(names.Get(), data.Get());
     if (FAILED(status))
         throw CToolError("the plug-in gave no backup: " + statusText(status), seeTrace);
-    backup_t backup{{}, textsOf(names.Value())};
     if (data.Value().vt == VT_EMPTY)
-        return backup;
+        throw CToolError("the plug-in gave no backup: there is nothing to back up, or it failed",
+                         seeTrace);
     if (data.Value().vt != (VT_ARRAY | VT_UI1))
         throw CToolError("the plug-in gave something else than bytes", seeTrace);
-    backup.bytes = bytesOf(data.Value());
+    backup_t backup{bytesOf(data.Value()), textsOf(names.Value())};
     if (backup.bytes.empty())
         throw CToolError("the plug-in gave an empty backup", seeTrace);
     CBackupView view;
@@ -36,11 +36,11 @@ backup_t takeBackupIfAny(const CPluginHost& host)
     return backup;
 }
 
-backup_t takeBackup(const CPluginHost& host)
+bytes_t takeBackupIfAny(const CPluginHost& host)
 {
-    backup_t backup = takeBackupIfAny(host);
-    if (backup.bytes.empty())
-        throw CToolError("the plug-in gave no backup: there is nothing to back up, or it failed",
-                         seeTrace);
-    return backup;
+    try {
+        return takeBackup(host).bytes;
+    } catch (const CToolError&) {
+        return {};
+    }
 }

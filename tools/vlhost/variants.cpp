@@ -55,3 +55,25 @@ std::vector<std::string> textsOf(const VARIANT& value)
     });
     return texts;
 }
+
+void setText(CVariant& value, const std::string& utf8)
+{
+    const std::wstring text = wideFromUtf8(utf8);
+    BSTR const copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (!copy)
+        throw std::bad_alloc();
+    VariantClear(value.Get());
+    value.Get()->vt = VT_BSTR;
+    value.Get()->bstrVal = copy;
+}
+
+std::vector<IUnknown*> notificationsIn(const VARIANT& value)
+{
+    std::vector<IUnknown*> objects;
+    eachElement<VARIANT>(value, VT_VARIANT, [&](const VARIANT* first, const VARIANT* last) {
+        for (; first != last; ++first)
+            if (first->vt == VT_UNKNOWN && first->punkVal)
+                objects.push_back(first->punkVal);
+    });
+    return objects;
+}

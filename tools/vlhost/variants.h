@@ -28,3 +28,9 @@ bytes_t bytesOf(const VARIANT& value);
 
 // textsOf gives the strings of an array of strings, UTF-8; empty for any other VARIANT.
 std::vector<std::string> textsOf(const VARIANT& value);
+
+// setText makes value a string. Errors: std::bad_alloc.
+void setText(CVariant& value, const std::string& utf8);
+
+// notificationsIn gives the objects of an array of VARIANTs, on loan from it.
+std::vector<IUnknown*> notificationsIn(const VARIANT& value);

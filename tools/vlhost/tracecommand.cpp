@@ -1,0 +1,249 @@
+#include "commands.h"
+
+#include <optional>
+
+#include "common/commandline.h"
+#include "common/text.h"
+#include "files.h"
+#include "pluginhost.h"
+#include "print.h"
+#include "tracewatch.h"
+#include "traceswitch.h"
+
+namespace {
+
+constexpr unsigned everyProcess = 0;
+constexpr unsigned usualPatience = 90; // seconds: a process looks at the switch each 30
+
+struct arguments_t {
+    std::string until;
+    std::string to = "file";
+    std::string folder;
+    std::optional<unsigned> process; // to be waited for
+    unsigned timeout = usualPatience;
+};
+
+// The plug-in as tracing knows it: its file name and folder.
+struct module_t {
+    std::wstring folder = besideThisProgram(L"");
+    std::wstring name = L"VLOnlineIDs.dll";
+
+    explicit module_t(const std::string& plugin)
+    {
+        std::wstring path = wideFromUtf8(plugin);
+        if (path.empty()) {
+            try {
+                path = registeredPluginPath();
+            } catch (const CToolError&) {
+                return; // tracing can be switched before the plug-in is registered
+            }
+        }
+        const size_t end = path.find_last_of(L"\\/") + 1;
+        folder = path.substr(0, end);
+        name = path.substr(end);
+    }
+    std::wstring Component() const { return name.substr(0, name.rfind(L'.')); }
+};
+
+std::string stateText(const traceSwitch_t& set, bool excluded)
+{
+    const DWORD value = set.doTrace.value_or(0);
+    if (value == 0)
+        return "off";
+    if (value != 1 && !dayIsToCome(value))
+        return "off: the last day was before " + dayOf(value);
+    if (excluded)
+        return "off for the plug-in: it is listed in ComponentsNOT";
+    return value == 1 ? "on, with no end" : "on until the beginning of " + dayOf(value);
+}
+
+const char* targetText(const traceSwitch_t& set)
+{
+    switch (set.traceToFile.value_or(1)) {
+    case static_cast<DWORD>(traceTarget_t::file):
+        return "file";
+    case static_cast<DWORD>(traceTarget_t::console):
+        return "console";
+    case static_cast<DWORD>(traceTarget_t::debugger):
+        return "debugger, or a console without one";
+    default:
+        return "nowhere: TraceToFile is none of 1, 3 and 4";
+    }
+}
+
+std::string timeText(const FILETIME& time)
+{
+    FILETIME local{};
+    SYSTEMTIME fields{};
+    FileTimeToLocalFileTime(&time, &local);
+    FileTimeToSystemTime(&local, &fields);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", fields.wYear, fields.wMonth,
+                  fields.wDay, fields.wHour, fields.wMinute, fields.wSecond);
+    return text;
+}
+
+// Values that are set beyond the switch itself, by their names.
+Json::Value valuesOf(const traceSwitch_t& set)
+{
+    Json::Value json(Json::objectValue);
+    const auto number = [&](const char* name, const std::optional<DWORD>& value) {
+        if (value)
+            json[name] = static_cast<Json::UInt>(*value);
+    };
+    const auto text = [&](const char* name, const std::wstring& value) {
+        if (!value.empty())
+            json[name] = utf8FromWide(value);
+    };
+    number("DoTrace", set.doTrace);
+    number("TraceToFile", set.traceToFile);
+    number("NewFileAlways", set.newFileAlways);
+    number("noTimestamp", set.noTimestamp);
+    text("FileName", set.fileName);
+    text("TracePathLow", set.tracePathLow);
+    text("TracePath", set.tracePath);
+    return json;
+}
+
+Json::Value statusOf(const module_t& module)
+{
+    const traceSwitch_t set = readTraceSwitch();
+    const std::wstring folder = set.Folder(module.folder);
+    Json::Value json(Json::objectValue);
+    json["tracing"] = stateText(set, excludedFromTracing(module.Component()));
+    json["to"] = targetText(set);
+    json["folder"] = utf8FromWide(folder);
+    json["values"] = valuesOf(set);
+    json["files"] = Json::Value(Json::arrayValue);
+    for (const auto& file : traceFilesIn(folder)) {
+        Json::Value one(Json::objectValue);
+        one["name"] = utf8FromWide(file.name);
+        one["size"] = static_cast<Json::Value::UInt64>(file.size);
+        one["modified"] = timeText(file.modified);
+        if (file.process != 0)
+            one["process"] = static_cast<Json::UInt>(file.process);
+        one["open"] = file.open;
+        json["files"].append(one);
+    }
+    return json;
+}
+
+// checkWait refuses to wait for what can't be seen from outside.
+void checkWait(const arguments_t& arguments, bool on)
+{
+    if (on && arguments.to != "file")
+        throw CToolError("--wait can prove it by a trace file alone", "leave --wait out", 2);
+    if (!readTraceSwitch().Stamped())
+        throw CToolError("--wait needs a trace file for each process, and a value under "
+                         "HKLM\\SOFTWARE\\Veltrano\\Tracing gives all one name",
+                         "remove FileName, or NewFileAlways or noTimestamp");
+    if (on && excludedFromTracing(L"VLOnlineIDs"))
+        throw CToolError("the plug-in writes no trace: it is listed in ComponentsNOT",
+                         "remove it there, below HKLM\\SOFTWARE\\Veltrano\\Tracing");
+}
+
+Json::Value waitForAll(const arguments_t& arguments, const module_t& module, bool toFile)
+{
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(arguments.timeout);
+    const std::wstring folder = readTraceSwitch().Folder(module.folder);
+    std::vector<DWORD> processes = {*arguments.process};
+    if (*arguments.process == everyProcess)
+        processes = processesWith(module.name);
+    Json::Value list(Json::arrayValue);
+    std::string late;
+    for (const DWORD process : processes) {
+        const followed_t result = waitUntilFollowed(process, module.name, folder, toFile, deadline);
+        Json::Value one(Json::objectValue);
+        one["process"] = static_cast<Json::UInt>(process);
+        one["result"] = result == followed_t::yes     ? "followed"
+                        : result == followed_t::ended ? "ended meanwhile"
+                                                      : "not yet";
+        list.append(one);
+        if (result == followed_t::no)
+            late += (late.empty() ? "" : ", ") + std::to_string(process);
+    }
+    if (!late.empty())
+        throw CToolError("not followed within " + std::to_string(arguments.timeout) +
+                             " seconds: process " + late,
+                         "the switch is set; a process looks when the plug-in is next called, and "
+                         "one that traced before keeps its folder until it was switched off");
+    return list;
+}
+
+void finish(const arguments_t& arguments, const options_t& options, bool toFile)
+{
+    const module_t module(options.plugin);
+    Json::Value followed;
+    if (arguments.process)
+        followed = waitForAll(arguments, module, toFile);
+    Json::Value json = statusOf(module);
+    if (arguments.process)
+        json["followed"] = followed;
+    printResult(json, options.json);
+}
+
+void switchOn(const arguments_t& arguments, const options_t& options)
+{
+    const DWORD until = arguments.until.empty() ? 1 : noonOf(arguments.until);
+    const std::wstring folder = wideFromUtf8(arguments.folder);
+    const bool full = folder.size() > 2 &&
+                      (folder.starts_with(L"\\\\") || folder[1] == L':' || folder[0] == L'%');
+    if (!folder.empty() && !full)
+        throw CToolError("'" + arguments.folder + "' is no full path",
+                         "every process would take it from its own current folder", 2);
+    if (arguments.process)
+        checkWait(arguments, true);
+    const traceTarget_t target = arguments.to == "console"    ? traceTarget_t::console
+                                 : arguments.to == "debugger" ? traceTarget_t::debugger
+                                                              : traceTarget_t::file;
+    switchTraceOn(until, target, folder);
+    finish(arguments, options, true);
+}
+
+void addWait(CLI::App* command, const std::shared_ptr<arguments_t>& arguments)
+{
+    command
+        ->add_option_function<std::vector<unsigned>>(
+            "--wait",
+            [arguments](const std::vector<unsigned>& given) {
+                arguments->process = given.empty() ? everyProcess : given.front();
+            },
+            "Wait until that process, or without a number every one that has the plug-in loaded, "
+            "has followed: its trace file is open, or closed")
+        ->expected(0, 1)
+        ->type_name("PROCESS");
+    command->add_option("--timeout", arguments->timeout, "Seconds that --wait waits at the most")
+        ->capture_default_str();
+}
+
+} // namespace
+
+void addTraceCommands(CLI::App& app, const options_t& options)
+{
+    CLI::App* const trace = app.add_subcommand("trace", "The plug-in's tracing");
+    trace->require_subcommand(1);
+    const auto arguments = std::make_shared<arguments_t>();
+
+    CLI::App* const on = trace->add_subcommand("on", "Switch it on");
+    on->add_option("--until", arguments->until, "The first day without it, such as 2026-12-31");
+    on->add_option("--to", arguments->to, "Where it goes")
+        ->check(CLI::IsMember({"file", "console", "debugger"}))
+        ->capture_default_str();
+    on->add_option("--dir", arguments->folder,
+                   "Folder of the trace files, which the plug-in makes; it stays set");
+    addWait(on, arguments);
+    on->callback([arguments, &options] { switchOn(*arguments, options); });
+
+    CLI::App* const off = trace->add_subcommand("off", "Switch it off");
+    addWait(off, arguments);
+    off->callback([arguments, &options] {
+        if (arguments->process)
+            checkWait(*arguments, false);
+        switchTraceOff();
+        finish(*arguments, options, false);
+    });
+
+    trace->add_subcommand("status", "What is set, and which trace files lie there")
+        ->callback([&options] { printResult(statusOf(module_t(options.plugin)), options.json); });
+}
