@@ -11,7 +11,7 @@ namespace tracecore {
 namespace {
 
 constexpr size_t headerLineLimit = 1024; // the tracer's own lines have at most 262 bytes
-constexpr size_t headerLimit = 64 * 1024;
+constexpr size_t headerLimit = 1 << 16;
 constexpr size_t mendedLimit = 4096;  // longest text that is mended rather than searched through
 constexpr size_t glance = 256;        // bytes of text that decide whether a search ends at a record
 constexpr size_t keptBytes = 1 << 16; // taken bytes are let go of in pieces of at least this size
@@ -60,7 +60,9 @@ bool isSaneUtf8(std::span<const uint8_t> bytes) noexcept
 bool matches(std::span<const uint8_t> text, std::string_view pattern) noexcept
 {
     return std::equal(text.begin(), text.end(), pattern.begin(), pattern.end(),
-                      [](uint8_t c, char p) { return p == '0' ? c >= '0' && c <= '9' : c == p; });
+                      [](uint8_t c, char p) {
+                          return p == '0' ? c >= '0' && c <= '9' : static_cast<char>(c) == p;
+                      });
 }
 
 bool startsWithStatus(std::span<const uint8_t> text) noexcept

@@ -12,7 +12,7 @@ namespace vltrace {
 
 namespace {
 
-constexpr size_t pieceSize = 256 * 1024;
+constexpr size_t pieceSize = 1 << 18;
 constexpr size_t beginningSize = 1024; // holds the header's time stamp
 
 std::ifstream openTrace(const std::string& name)
