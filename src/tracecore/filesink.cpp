@@ -38,8 +38,8 @@ void writeRecord(HANDLE file, char level, const std::wstring& text)
 {
     if (file == INVALID_HANDLE_VALUE)
         return;
-    SetFilePointer(file, 0, nullptr,
-                   FILE_END); // for each record: other processes may write the file too
+    LONG high = 0; // without it a file that has passed 4 GiB has no reachable end
+    SetFilePointer(file, 0, &high, FILE_END); // for each record: other processes write here too
     const std::string utf8 = utf8FromWide(text);
     const size_t size = recordHeaderSize + utf8.size();
     DWORD written = 0;

@@ -14,7 +14,7 @@ constexpr WORD errorColour = 12;
 constexpr size_t directiveLength = 7; // as in '`I04`'
 
 // Reads the colour directive at the front of a text; false for a text without one or with a colour
-// above 15.
+// above 15. What isn't two hexadecimal digits is no colour: read as a number it would be black.
 bool readColour(const std::wstring& text, WORD& colour)
 {
     if (text.size() < directiveLength || text.compare(0, 3, L"'`I") != 0)

@@ -64,8 +64,7 @@ realTracer_t& theTracer() noexcept;
 
 // The state beside the tracer. sink is replaced with configLock held; a writer shares its ownership
 // for one record, so that a sink that is replaced meanwhile lives until the record is out.
-extern std::atomic<uint8_t>
-    traceDisabled; // nonzero makes all operations empty calls; nothing here sets it
+extern std::atomic<uint8_t> traceDisabled; // nonzero empties all operations; nothing here sets it
 extern criticalSection_t configLock;
 extern std::atomic<std::shared_ptr<outputStorageInterface_i>> sink;
 extern std::atomic<uint32_t> sinkKind;

@@ -20,8 +20,7 @@ public:
 // file that can't be opened sets the tracer's fileFailed: no sink of this process tries again.
 //
 // fullName: where the file is
-// anew:     creates the file anew; otherwise it is appended to, and a note of the new writer comes
-// first
+// anew:     creates the file anew; otherwise it is appended to, behind a note of the new writer
 class outputStorageFile_t final : public outputStorageInterface_i
 {
 public:

@@ -11,12 +11,21 @@ constexpr size_t keptFrames = 64; // a stack that was deeper gives its memory ba
 
 constexpr uint64_t longestTick = 200000; // of the system's coarse clock, in 100 ns
 
-// timeOf reads one of the system's clocks.
-uint64_t timeOf(void(WINAPI* clock)(FILETIME*)) noexcept
+uint64_t timeOf(systemClock_t clock) noexcept
 {
     FILETIME time;
     clock(&time);
     return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
+// The precise clock is a mere read of memory on every system that has it, the other one isn't. It
+// came with version 6.2: an earlier system doesn't load a module that imports it.
+systemClock_t entryClock() noexcept
+{
+    const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+    const auto precise = reinterpret_cast<systemClock_t>(
+        reinterpret_cast<void*>(GetProcAddress(kernel, "GetSystemTimePreciseAsFileTime")));
+    return precise ? precise : GetSystemTimeAsFileTime;
 }
 
 } // namespace
@@ -45,21 +54,21 @@ SYSTEMTIME traceStackEntry_t::localTime() const noexcept
     return time;
 }
 
-void threadFrames_t::push(const char* name)
+void threadFrames_t::push(const char* name, uint64_t now)
 {
     if (depth == frames.size())
         frames.emplace_back();
     traceStackEntry_t& frame = frames[depth];
     frame.name = name ? name : "";
-    frame.entered = timeOf(GetSystemTimePreciseAsFileTime);
+    frame.entered = now;
     frame.written = false;
     ++depth;
 }
 
-threadStacks_t::threadStacks_t() : ownerThread(GetCurrentThreadId())
+threadStacks_t::threadStacks_t() : ownerThread(GetCurrentThreadId()), clock(entryClock())
 {
     mainFrame.name = "main";
-    mainFrame.entered = timeOf(GetSystemTimePreciseAsFileTime);
+    mainFrame.entered = timeOf(clock);
     claim(ownerThread).frames.reserve(ownerRoom);
 }
 
@@ -67,7 +76,7 @@ void threadStacks_t::push(const char* name)
 {
     const uint32_t thread = GetCurrentThreadId();
     threadFrames_t* const mine = find(thread);
-    (mine ? *mine : claim(thread)).push(name);
+    (mine ? *mine : claim(thread)).push(name, timeOf(clock));
 }
 
 void threadStacks_t::pop() noexcept

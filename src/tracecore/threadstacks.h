@@ -11,11 +11,14 @@
 
 namespace tracecore {
 
-// traceStackEntry_t is one open function.
+// A system clock: UTC, in 100 ns since 1601.
+using systemClock_t = void(WINAPI*)(FILETIME*);
+
+// traceStackEntry_t is one open function. Asking the system for the local time is dear, so the entry
+// time becomes local only when it is written.
 struct traceStackEntry_t {
-    std::string name; // UTF-8, a copy of the caller's
-    uint64_t entered =
-        0; // the push, in 100 ns since 1601, UTC: local time is made of it when it is written
+    std::string name;     // UTF-8, a copy of the caller's
+    uint64_t entered = 0; // the push, as the system clocks tell it
     bool written = false; // the entry record was emitted; the main frame's is read by other threads
 
     bool isWritten() const noexcept;
@@ -30,7 +33,7 @@ struct threadFrames_t {
     size_t depth = 0;
     bool crowded = false; // lies in the map, not in a slot
 
-    void push(const char* name);
+    void push(const char* name, uint64_t now);
     traceStackEntry_t& last() noexcept { return frames[depth - 1]; }
 };
 
@@ -64,6 +67,7 @@ public:
     size_t threads();
 
     const uint32_t ownerThread;
+    systemClock_t clock;         // of the entries, a cheap one
     traceStackEntry_t mainFrame; // stands in for threads that have no open function
     criticalSection_t lock;
 
@@ -71,8 +75,8 @@ private:
     static constexpr size_t slotCount = 64;
     static constexpr size_t reach = 4;
 
-    struct alignas(128) slot_t
-        : threadFrames_t {               // two cache lines: threads don't disturb each other
+    // Two cache lines each, so that threads don't disturb each other.
+    struct alignas(128) slot_t : threadFrames_t {
         std::atomic<uint32_t> thread{0}; // 0: free
     };
 

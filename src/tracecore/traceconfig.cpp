@@ -8,7 +8,6 @@
 #include "tracecore/sinks.h"
 #include "tracecore/tracefilename.h"
 
-#include <atomic>
 #include <ctime>
 #include <list>
 #include <mutex>
@@ -234,8 +233,8 @@ int32_t daysUntil(int64_t time) noexcept
     int64_t today = 0;
     if (!dayOf(time, day) || !dayOf(_time64(nullptr), today) || day <= today)
         return 0;
-    return static_cast<int32_t>(day - today) /
-           86400; // 32 bits: far days come out negative. Intended.
+    // 32 bits: a day that is further away comes out negative. Intended.
+    return static_cast<int32_t>(day - today) / 86400;
 }
 
 bool switchExpired()
@@ -252,13 +251,13 @@ void sweepOldTraces(const std::wstring& path, uint8_t flag)
         CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
     if (!turn)
         return;
-    const DWORD waited = WaitForSingleObject(turn.get(), 0);
-    if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
-        return; // another process is at it: a later look tries again
-    const struct release_t {
+    const struct release_t { // when it isn't free, too: what isn't owned stays as it is
         HANDLE mutex;
         ~release_t() { ReleaseMutex(mutex); }
     } release{turn.get()};
+    const DWORD waited = WaitForSingleObject(turn.get(), 0);
+    if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
+        return; // another process is at it: a later look tries again
     sweepDone = 1;
     const size_t dot = path.rfind(L'.');
     if (!flag || dot == std::wstring::npos)

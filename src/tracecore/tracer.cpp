@@ -35,16 +35,15 @@ bool closed() noexcept
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
 
-// writerTurn_t is the right to write. Without the mutex, the lock of the stacks at least keeps the
-// writers of this process apart.
+// writerTurn_t is the right to write. The mutex may be missing: then the lock of the stacks, which is
+// taken behind it anyway, keeps the writers apart.
 class writerTurn_t
 {
 public:
     writerTurn_t() noexcept
     {
         if (tracer.mutex)
-            WaitForSingleObject(tracer.mutex.get(),
-                                INFINITE); // a wait that fails is written through
+            WaitForSingleObject(tracer.mutex.get(), INFINITE); // if it fails, the write goes on
         else
             tracer.stacks.lock.lock();
     }

@@ -68,9 +68,9 @@ private:
     traceItem_t endHeader(std::string missing);
 
     std::vector<uint8_t> m_bytes;
-    size_t m_at = 0;     // the next byte to be understood, in m_bytes
-    size_t m_scan = 0;   // while searching: the next place to look at
-    uint64_t m_base = 0; // offset in the file of m_bytes[0]
+    size_t m_at = 0;       // the next byte to be understood, in m_bytes
+    size_t m_scan = 0;     // while searching: the next place to look at
+    uint64_t m_base = 0;   // offset in the file of m_bytes[0]
     uint64_t m_wasted = 0; // bytes of text that were read and came to nothing
     bool m_ended = false;
     phase_t m_phase = phase_t::mark;

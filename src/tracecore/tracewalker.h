@@ -14,8 +14,8 @@ namespace tracecore {
 struct traceMoment_t {
     std::optional<int32_t> day;     // days since 1970-01-01
     std::optional<int32_t> msOfDay; // milliseconds since midnight
-    int64_t milliseconds()
-        const noexcept; // since 1970-01-01 00:00 of the local clock; unknown parts count as 0
+    // Since 1970-01-01 00:00 of the local clock; unknown parts count as 0.
+    int64_t milliseconds() const noexcept;
 };
 
 // dayOf gives the days since 1970-01-01 of a date in the Gregorian calendar; none if there is no
@@ -44,9 +44,9 @@ struct lostFunction_t {
 // traceStep_t is what the records up to and with one item mean together.
 struct traceStep_t {
     traceMoment_t moment; // of the item
-    const std::vector<openFunction_t>* open =
-        nullptr; // of a record's thread, outermost first; with a > it is in
-                 // there, with a < it no longer is. Valid until the next take
+    // The open functions of a record's thread, outermost first: with a > it is in there, with a < it
+    // no longer is. Valid until the next take.
+    const std::vector<openFunction_t>* open = nullptr;
     std::optional<openFunction_t> left; // of a <: the function, if its entry is known
     std::vector<lostFunction_t> lost;   // innermost first for each thread
 };

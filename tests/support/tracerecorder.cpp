@@ -60,6 +60,14 @@ std::vector<std::wstring> traceRecorder_t::messages()
     return texts;
 }
 
+std::wstring traceRecorder_t::joined()
+{
+    std::wstring text;
+    for (const std::wstring& message : messages())
+        text += L'|' + message;
+    return text;
+}
+
 std::vector<traceRecord_t> traceRecorder_t::all()
 {
     return m_sink->take();

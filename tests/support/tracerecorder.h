@@ -31,6 +31,9 @@ public:
     // records.
     std::vector<std::wstring> messages();
 
+    // joined gives the messages in one text, each with a bar in front of it.
+    std::wstring joined();
+
     // all gives every record but the time stamps (T and t), oldest first, and forgets them.
     std::vector<traceRecord_t> all();
 

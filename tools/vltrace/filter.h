@@ -20,11 +20,10 @@ struct instant_t {
 // texts take no notice of the case of ASCII letters.
 struct filter_t {
     std::vector<uint32_t> threads;
-    std::string levels; // level bytes; empty: all but the stamps T and t
-    std::vector<std::string>
-        functions;                  // part of the name of a function that is open, or is being left
-    std::vector<std::string> texts; // part of the record's text; of a <: of the function's name
-    std::optional<instant_t> from;  // inclusive, both
+    std::string levels;                 // level bytes; empty: all but the stamps T and t
+    std::vector<std::string> functions; // part of the name of one that is open, or is being left
+    std::vector<std::string> texts;     // part of the record's text; of a <: of the function's name
+    std::optional<instant_t> from;      // inclusive, both
     std::optional<instant_t> to;
 
     bool wants(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step) const;

@@ -27,8 +27,7 @@ struct functionStats_t {
 class statsTable_t : public traceConsumer_i
 {
 public:
-    // order: "name", "calls", "errors", "total" or "longest"; all but the name from the highest
-    // down
+    // order: "name", "calls", "errors", "total" or "longest"; numbers from the highest down
     statsTable_t(filter_t filter, std::string order, std::ostream& out);
 
     void begin(const std::string&) override { m_walking.clear(); }
