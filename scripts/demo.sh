@@ -129,9 +129,11 @@ say "What the restore would do"
 cp "$out/first.vlb" "$second/drive_c/backup.vlb"
 host "$second" restore 'C:\backup.vlb' --dry-run || fail "the dry run failed"
 
-say "The restore, with the secret handed from the first profile's store to the second's agent"
+say "The restore, traced, with the secret handed from the first profile's store to the second's agent"
+host "$second" trace on --dir 'C:\Traces' || fail "tracing could not be switched on"
 host "$first" secret read | host "$second" restore 'C:\backup.vlb' --entry plugin-data --secret-from 0 ||
     fail "the restore failed"
+host "$second" trace off >/dev/null || fail "tracing could not be switched off"
 host "$second" secret exists || fail "secret"
 in_profile "$second" "$bin\\vlagent.exe" --quit
 wait "$agent_pid" || fail "the agent ended badly"
@@ -146,5 +148,14 @@ cp "$second/drive_c/again.vlb" "$out/second.vlb"
 [ "$(host "$first" secret read | sha256sum)" = "$(host "$second" secret read | sha256sum)" ] ||
     fail "the secret did not come back"
 echo "the secret is the same too"
+
+say "The trace of the restore"
+trace=$(ls -t "$second"/drive_c/Traces/*vlonlineids.dll*.trc3 | tail -n 1)
+cp "$trace" "$out/restore.trc3"
+"$dist/vltrace" cat "$out/restore.trc3" || fail "the trace could not be read"
+"$dist/vltrace" export --format chrome --output "$out/restore.trace.json" "$out/restore.trc3" ||
+    fail "the trace could not be exported"
+echo
+echo "the same for Perfetto, chrome://tracing or speedscope: build/demo/restore.trace.json"
 
 say "Everything came back"
