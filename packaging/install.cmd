@@ -28,7 +28,7 @@ if errorlevel 1 goto denied
 reg add "HKLM\SOFTWARE\Veltrano\Applications" /v BinDir /t REG_SZ /d "%bin%" /f >nul
 reg add "HKLM\SOFTWARE\Veltrano\Applications\KRS" /v BinDir /t REG_SZ /d "%bin%" /f >nul
 reg add "HKLM\SOFTWARE\Veltrano\Branding\Common" /v DLLPath /t REG_SZ /d "%bin%\Branding.dll" /f >nul
-reg add "HKLM\SOFTWARE\Veltrano\Products\VLOnlineIDs" /v Version /t REG_SZ /d "@VERSION@" /f >nul
+reg add "HKLM\SOFTWARE\Veltrano\Products\VLOnlineIDs" /v Version /t REG_SZ /d "@PROJECT_VERSION@" /f >nul
 "%bin%\vlhost.exe" register
 if errorlevel 1 exit /b 1
 echo installed in %bin%
