@@ -15,16 +15,15 @@ inline constexpr GUID CLSID_CVLKTPages = {
     0x42F9948B, 0xB690, 0x4325, {0xA0, 0x73, 0x63, 0xA8, 0xBF, 0x31, 0xFF, 0x32}};
 
 // Property ids of the plug-in, for IVLKTElementUI::GetProperty.
-inline constexpr ULONG propertyName = 1; // VT_BSTR
-inline constexpr ULONG propertyIconLocation =
-    2; // VT_BSTR: path of the branding DLL, a comma, the icon's number
-inline constexpr ULONG propertyFixedName = 3;       // VT_BSTR: "Password Manager" in every language
-inline constexpr ULONG propertyDescription = 4;     // VT_BSTR
-inline constexpr ULONG propertyKind = 8;            // VT_UI4: 2
+inline constexpr ULONG propertyName = 1;         // VT_BSTR
+inline constexpr ULONG propertyIconLocation = 2; // VT_BSTR: branding DLL's path, comma, icon number
+inline constexpr ULONG propertyFixedName = 3;    // VT_BSTR: "Password Manager" in every language
+inline constexpr ULONG propertyDescription = 4;  // VT_BSTR
+inline constexpr ULONG propertyKind = 8;         // VT_UI4: 2
 inline constexpr ULONG propertySecurityLevel = 100; // VT_I4: 0 to 4
 inline constexpr ULONG propertyExplanation = 101;   // VT_BSTR
 inline constexpr ULONG propertyNotifications =
-    103; // VT_ARRAY of VT_VARIANT, each an IVLKTElementUI
+    103; // VT_ARRAY of VT_VARIANT: IVLKTElementUI objects
 
 // Property and command ids of a notification; 100 and 101 as above.
 inline constexpr ULONG notificationCaption = 3; // get, VT_BSTR

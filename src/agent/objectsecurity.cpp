@@ -59,6 +59,14 @@ CSid accountSid(account who)
     return CSid(ntAuthority, {SECURITY_LOCAL_SYSTEM_RID});
 }
 
+// Callers go by the last error, and nobody promises what the unwinding leaves there.
+void restoreLastError(const ATL::CAtlException& exception)
+{
+    SetLastError(HRESULT_FACILITY(exception.m_hr) == FACILITY_WIN32
+                     ? static_cast<DWORD>(HRESULT_CODE(exception.m_hr))
+                     : static_cast<DWORD>(exception.m_hr));
+}
+
 template <size_t rowCount>
 CSecurityDesc buildDescriptor(const aceRow_t (&rows)[rowCount], DWORD packagesMask)
 {
@@ -92,10 +100,7 @@ sharedObjectSecurity_t& initSecurity(sharedObjectSecurity_t& security,
         security.valid = true;
     } catch (const ATL::CAtlException& exception) {
         traceStatus("SA", exception.m_hr);
-        // The way of the exception cleared it, and the caller traces it.
-        SetLastError(HRESULT_FACILITY(exception.m_hr) == FACILITY_WIN32
-                         ? static_cast<DWORD>(HRESULT_CODE(exception.m_hr))
-                         : static_cast<DWORD>(exception.m_hr));
+        restoreLastError(exception);
     } catch (...) {
         traceStatus("SA", 0);
     }
@@ -148,7 +153,7 @@ void applyLowLabel(HANDLE object)
     BOOL present = FALSE;
     BOOL defaulted = FALSE;
     ACL* label = nullptr;
-    if (!GetSecurityDescriptorSacl(descriptor.get(), &present, &label, &defaulted)) {
+    if (!GetSecurityDescriptorSacl(descriptor.get(), &present, &label, &defaulted) || !present) {
         traceStatus("SACL 2", statusFromError(GetLastError()));
         return;
     }
@@ -177,7 +182,7 @@ bool addAppContainerAce(CDacl& list, uint32_t mask, BYTE flags)
 }
 
 DWORD allowapppackages(const std::wstring& path)
-{
+try {
     if (!readOsVersion().atLeast(6, 2))
         return 0;
     const auto name = const_cast<wchar_t*>(path.c_str());
@@ -196,6 +201,9 @@ DWORD allowapppackages(const std::wstring& path)
                                    nullptr, const_cast<ACL*>(list.GetPACL()), nullptr);
     SetLastError(result);
     return result == ERROR_SUCCESS ? 1 : 0;
+} catch (const ATL::CAtlException& exception) { // a list that can't be read, or can't take one more
+    restoreLastError(exception);
+    return 0;
 }
 
 std::wstring securityToString(const SECURITY_DESCRIPTOR* descriptor)

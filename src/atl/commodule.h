@@ -135,7 +135,6 @@ public:
 extern CAtlBaseModule _AtlBaseModule;
 extern CAtlComModule _AtlComModule;
 
-// The object map of this module, given by whoever defines the classes: its first entry and the end
-// behind the last.
+// The object map of this module, given by whoever defines the classes.
 extern _ATL_OBJMAP_ENTRY* const _AtlObjectMapFirst[];
 extern const size_t _AtlObjectMapCount;

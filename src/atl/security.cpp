@@ -168,34 +168,6 @@ const ACL* CDacl::GetPACL() const
 
 CSecurityDesc::CSecurityDesc(const SECURITY_DESCRIPTOR& descriptor)
 {
-    adopt(descriptor);
-}
-
-CSecurityDesc::CSecurityDesc(const CSecurityDesc& other)
-{
-    if (const auto descriptor = other.GetPSECURITY_DESCRIPTOR())
-        adopt(*descriptor);
-}
-
-CSecurityDesc& CSecurityDesc::operator=(const CSecurityDesc& other)
-{
-    if (this != &other)
-        *this = CSecurityDesc(other);
-    return *this;
-}
-
-SECURITY_DESCRIPTOR* CSecurityDesc::absolute()
-{
-    if (m_descriptor.empty()) {
-        std::vector<BYTE> bytes(sizeof(SECURITY_DESCRIPTOR));
-        check(InitializeSecurityDescriptor(bytes.data(), SECURITY_DESCRIPTOR_REVISION));
-        m_descriptor = std::move(bytes);
-    }
-    return reinterpret_cast<SECURITY_DESCRIPTOR*>(m_descriptor.data());
-}
-
-void CSecurityDesc::adopt(const SECURITY_DESCRIPTOR& descriptor)
-{
     const auto raw = const_cast<SECURITY_DESCRIPTOR*>(&descriptor);
     BOOL defaulted = FALSE;
     PSID sid = nullptr;
@@ -219,6 +191,16 @@ void CSecurityDesc::adopt(const SECURITY_DESCRIPTOR& descriptor)
     check(SetSecurityDescriptorControl(
         absolute(), settableControl,
         static_cast<SECURITY_DESCRIPTOR_CONTROL>(control & settableControl)));
+}
+
+SECURITY_DESCRIPTOR* CSecurityDesc::absolute()
+{
+    if (m_descriptor.empty()) {
+        std::vector<BYTE> bytes(sizeof(SECURITY_DESCRIPTOR));
+        check(InitializeSecurityDescriptor(bytes.data(), SECURITY_DESCRIPTOR_REVISION));
+        m_descriptor = std::move(bytes);
+    }
+    return reinterpret_cast<SECURITY_DESCRIPTOR*>(m_descriptor.data());
 }
 
 void CSecurityDesc::storeList(const ACL* list, std::vector<BYTE>& copy,

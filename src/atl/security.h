@@ -52,8 +52,7 @@ public:
 
     UINT GetAceCount() const noexcept { return static_cast<UINT>(m_entries.size()); }
 
-    // GetAceSid reads the identifier of entry number index; none for a type of entry that carries
-    // none.
+    // GetAceSid reads the identifier of entry number index; none for a type of entry without one.
     CSid GetAceSid(UINT index) const;
 
     // GetPACL hands out the raw list, a loan that the next addition ends. Null for a null list.
@@ -71,10 +70,9 @@ class CSecurityDesc
 {
 public:
     CSecurityDesc() = default;
-    explicit CSecurityDesc(
-        const SECURITY_DESCRIPTOR& descriptor); // absolute or self-relative, copied
-    CSecurityDesc(const CSecurityDesc& other);
-    CSecurityDesc& operator=(const CSecurityDesc& other);
+    explicit CSecurityDesc(const SECURITY_DESCRIPTOR& raw); // absolute or self-relative, copied
+    CSecurityDesc(const CSecurityDesc&) = delete;
+    CSecurityDesc& operator=(const CSecurityDesc&) = delete;
     CSecurityDesc(CSecurityDesc&&) noexcept = default; // the parts keep their addresses
     CSecurityDesc& operator=(CSecurityDesc&&) noexcept = default;
     ~CSecurityDesc() = default;
@@ -91,7 +89,6 @@ public:
 
 private:
     SECURITY_DESCRIPTOR* absolute();
-    void adopt(const SECURITY_DESCRIPTOR& descriptor);
     void storeList(const ACL* list, std::vector<BYTE>& copy,
                    BOOL(WINAPI* set)(PSECURITY_DESCRIPTOR, BOOL, PACL, BOOL));
 

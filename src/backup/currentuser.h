@@ -11,12 +11,14 @@ class CCurrentUser
 {
 public:
     // Reads the thread's token; the thread ends with the identity it had, whatever comes of it.
+    //
     // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier,
-    // E_OUTOFMEMORY Source: OpenThreadToken, GetTokenInformation
+    //         E_OUTOFMEMORY
+    // Source: OpenThreadToken, GetTokenInformation
     CCurrentUser();
 
-    // Qualified looks the account up and gives domain\account; empty if it can't be found. Source:
-    // LookupAccountSidW
+    // Qualified looks the account up and gives domain\account; empty if it can't be found.
+    // Source: LookupAccountSidW
     const std::wstring& Qualified();
 
     const std::wstring& Account() const noexcept { return m_account; }

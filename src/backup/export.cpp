@@ -32,26 +32,11 @@ std::wstring PersonalFolder()
     return addslash(unifyslashes(settings_getpath(L"path_localstorage_dir")));
 }
 
-class CMappedFile
-{
-public:
-    explicit CMappedFile(const std::wstring& fileName) : m_file(mapfile_open(fileName)) {}
-    CMappedFile(const CMappedFile&) = delete;
-    CMappedFile& operator=(const CMappedFile&) = delete;
-    ~CMappedFile() { mapfile_close(m_file); }
-
-    bool IsMapped() const noexcept { return m_file.view != nullptr; }
-    std::span<const uint8_t> Bytes() const noexcept { return {m_file.view, m_file.size}; }
-
-private:
-    MappedFile m_file;
-};
-
 // SetFile fills a node with a file's bytes. What can't be read has none.
 void SetFile(CDerNode& node, const std::wstring& fileName)
 {
-    const auto file = std::make_shared<CMappedFile>(fileName);
-    const std::span<const uint8_t> bytes = file->Bytes();
+    const auto file = std::make_shared<mappedfile_scope>(fileName);
+    const std::span<const uint8_t> bytes(file->get().view, file->get().size);
     if (bytes.size() > largestCopiedFile) {
         node.SetOctets(bytes, file);
         return;
@@ -88,7 +73,7 @@ bool CStorageData::IsStorageDataPresent()
     bool hasData = fileexists(folder + dataFile);
     const bool hasTemporaryData = fileexists(folder + temporaryDataFile);
     if (hasData)
-        hasData = CMappedFile(folder + dataFile).IsMapped(); // a file of no bytes can't be mapped
+        hasData = mappedfile_scope(folder + dataFile).get().view; // none for a file of no bytes
     return hasData || hasTemporaryData;
 }
 

@@ -17,11 +17,11 @@ using namespace tracecore;
 
 namespace {
 
+// The loan's readers don't write, in spite of its type.
 _CRYPTOAPI_BLOB LoanOf(const CDerElement& element)
 {
     const std::span<const uint8_t> bytes = element.Encoded();
-    return {static_cast<DWORD>(bytes.size()),
-            const_cast<BYTE*>(bytes.data())}; // its readers don't write
+    return {static_cast<DWORD>(bytes.size()), const_cast<BYTE*>(bytes.data())};
 }
 
 void RestoreElements(const CDerSequenceView& backup)
@@ -33,7 +33,7 @@ void RestoreElements(const CDerSequenceView& backup)
         const _CRYPTOAPI_BLOB categories = LoanOf(backup[2]);
         qlcategories_restore(&categories);
     }
-    if (count == 4) { // not of five or more: what a fourth element holds there is not known
+    if (count == 4) { // not of five or more
         const _CRYPTOAPI_BLOB settings = LoanOf(backup[3]);
         RestoreSettings(&settings);
     }
@@ -62,10 +62,10 @@ void RestoreFromSafeArray(const CVLByteArray& array)
     void* data = nullptr;
     SafeArrayAccessData(array.Get(), &data);
     std::span<const uint8_t> bytes;
-    if (last != 0xFFFFFFFF &&
-        data) // an array of several dimensions may hold less than its first one tells
+    // An array of several dimensions may hold less than its first one tells.
+    if (last != 0xFFFFFFFF && data)
         bytes = array.Bytes().first(std::min(array.Bytes().size(), size_t{last} + 1));
     RestoreBackup(bytes);
-    SafeArrayUnaccessData(
-        array.Get()); // not when the restore raises: the array stays accessed then
+    // Not when the restore raises: the array stays accessed then. Intended.
+    SafeArrayUnaccessData(array.Get());
 }

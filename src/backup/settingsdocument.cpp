@@ -55,25 +55,11 @@ void TraceCaught(const std::string& operation)
     }
 }
 
-// CFileView is a mapped file that ends with the block.
-class CFileView
-{
-public:
-    explicit CFileView(const std::wstring& path) : m_mapped(mapfile_open(path)) {}
-    ~CFileView() { mapfile_close(m_mapped); }
-    CFileView(const CFileView&) = delete;
-    CFileView& operator=(const CFileView&) = delete;
-    const MappedFile& get() const noexcept { return m_mapped; }
-
-private:
-    MappedFile m_mapped;
-};
-
 std::string ReadListText(const std::wstring& path)
 {
     std::string text;
     if (!path.empty())
-        decodetext(CFileView(path).get(), text);
+        decodetext(mappedfile_scope(path).get(), text);
     return text;
 }
 
@@ -95,10 +81,21 @@ std::wstring TextOf(const Json::Value& value)
     return wideFromUtf8(value.asString());
 }
 
-// MemberOf gives null for a member of a value that has nothing in it.
+// MemberOf gives null for a member of a value that has nothing in it, an array as well.
 const Json::Value& MemberOf(const Json::Value& value, const char* member)
 {
-    return value.empty() && !value.isObject() ? Json::Value::nullSingleton() : value[member];
+    return value.empty() ? Json::Value::nullSingleton() : value[member];
+}
+
+// Parse gives false for any text that the library can't take, however it says so: most errors are a
+// result, but nesting past its limit is an exception.
+bool Parse(const std::string& text, Json::Value& root)
+{
+    try {
+        return Json::Reader().parse(text, root, true);
+    } catch (const Json::Exception&) {
+        return false;
+    }
 }
 
 void ReadMembers(const Json::Value& root, NewSettings& found)
@@ -132,7 +129,7 @@ bool ReadDocument(const CDerElement& element, NewSettings& found)
         return false;
     }
     Json::Value root;
-    if (!Json::Reader().parse(text, root, true)) {
+    if (!Parse(text, root)) {
         traceFormat(0, "Bad json format.");
         return false;
     }

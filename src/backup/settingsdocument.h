@@ -31,7 +31,7 @@ bool ExportSettings(CDerNode* slot);
 //
 // element: may be null, which is refused
 // Returns: true when the settings were applied; a refusal is traced
-// Errors:  std::exception from the parser, for a text member that is no text and for members of a
+// Errors:  std::exception from the library, for a text member that is no text and for members of a
 //          value that is no object; nothing is applied then
 bool RestoreSettings(const _CRYPTOAPI_BLOB* element);
 

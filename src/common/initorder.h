@@ -6,4 +6,5 @@ inline constexpr int initBaseModule = 200;
 inline constexpr int initComModule = 210;
 inline constexpr int initOsVersion = 220;
 inline constexpr int initTracer = 230;
+inline constexpr int initCaches = 235; // what is made on first use and freed at the end
 inline constexpr int initModule = 240;

@@ -5,16 +5,18 @@
 
 #include <comdef.h>
 
+#include "tracecore/realtracer.h"
 #include "tracecore/tracer.h"
 
 namespace {
 
-// tag_t is the operation's name with the clause's suffix.
+// tag_t is the operation's name with the clause's suffix; a closed tracer spares the formatting.
 struct tag_t {
     char text[64] = {};
     tag_t(const char* operation, const char* clause) noexcept
     {
-        std::snprintf(text, sizeof text, "%s%s", operation, clause);
+        if (!tracecore::traceDisabled)
+            std::snprintf(text, sizeof text, "%s%s", operation, clause);
     }
 };
 

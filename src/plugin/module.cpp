@@ -4,11 +4,10 @@
 
 namespace {
 
-std::atomic<void*> factoryCell{nullptr};
+constinit std::atomic<void*> factoryCell{nullptr};
 
-// The class has no registry script, no description, no categories and nothing to do at start or
-// end.
-_ATL_OBJMAP_ENTRY pagesEntry = {
+// The class has no registry script, no description, no categories and nothing to do at start or end.
+constinit _ATL_OBJMAP_ENTRY pagesEntry = {
     &VLONLINEIDSLib::CLSID_CVLKTPages,
     [](BOOL) -> HRESULT { return S_OK; },
     CVLKTPages::_GetClassObject,

@@ -5,6 +5,7 @@
 #include "backup/blob/safearray.h"
 #include "common/scoped.h"
 #include "common/status.h"
+#include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
@@ -15,7 +16,6 @@ using ATL::CComVariant;
 
 namespace {
 
-constexpr UINT textCaption = 1026;
 constexpr LONG levelGood = 4; // nothing to show at this level
 
 // What a console is started with: the plug-in whose page it opens, and two zeros.
@@ -103,7 +103,7 @@ void CNotification::propertyInto(ULONG id, VARIANT& value)
 {
     switch (id) {
     case notificationCaption:
-        value.bstrVal = CComBSTR(GetBrandedString(textCaption).c_str()).Detach();
+        value.bstrVal = CComBSTR(GetBrandedString(IDS_NOTIFICATION_CAPTION).c_str()).Detach();
         value.vt = VT_BSTR;
         return;
     case notificationShown:
@@ -158,8 +158,9 @@ STDMETHODIMP CNotification::SetProperty(LONG id, VARIANT* value)
         switch (id) {
         case commandSetShown:
             if (value && value->vt == VT_BOOL) {
-                m_shown = value->boolVal != VARIANT_FALSE;
-                SetMessageShown(m_classId, m_level, m_shown);
+                const bool shown = value->boolVal != VARIANT_FALSE;
+                m_shown = shown;
+                SetMessageShown(m_classId, m_level, shown);
             }
             return S_OK;
         case commandOpenConsole:

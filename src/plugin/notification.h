@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
 #include <windows.h>
@@ -10,13 +11,13 @@
 // classIdentifierText is the plug-in's class identifier in braces, in upper case.
 std::wstring classIdentifierText();
 
-// Dismissals of messages, one value a level.
+// Dismissals of messages, one value a level. Anything but a REG_DWORD other than 0 counts as shown.
 //
 // classId: the plug-in's class identifier in braces
+// Errors:  a failed read counts as shown, a failed write is not told
 // Source:  HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\DismissMessages
-bool IsMessageShown(const wchar_t* classId,
-                    LONG level); // anything but a REG_DWORD other than 0 counts as shown
-void SetMessageShown(const wchar_t* classId, LONG level, bool shown); // a failed write is not told
+bool IsMessageShown(const wchar_t* classId, LONG level);
+void SetMessageShown(const wchar_t* classId, LONG level, bool shown);
 bool IsLevelTwoDismissed();
 
 // CNotification is what the dashboard shows of one level: a snapshot of level and explanation,
@@ -43,5 +44,5 @@ private:
     LONG m_level;
     ATL::CComBSTR m_explanation;
     ATL::CComBSTR m_classId;
-    bool m_shown;
+    std::atomic<bool> m_shown;
 };

@@ -6,6 +6,7 @@
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"
 #include "resources/branding.h"
+#include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "tracecore/tracer.h"
 
@@ -16,10 +17,6 @@ using tracecore::traceScope_t;
 
 namespace {
 
-constexpr UINT textName = 1041;
-constexpr UINT textDescription = 1052;
-constexpr int brandIcon = 193; // in the branding DLL
-
 constexpr auto unknownProperty = static_cast<HRESULT>(0x80070000u | ERROR_UNKNOWN_PROPERTY);
 
 // iconLocation is the branding DLL's path, a comma and the icon's number; the path is empty without
@@ -29,7 +26,7 @@ BSTR iconLocation()
     CBranding::LoadResourceDLL();
     CComBSTR location(CBranding::DllPath().c_str());
     wchar_t number[100] = {};
-    _snwprintf(number, 99, L"%d", brandIcon);
+    _snwprintf(number, 99, L"%d", IDI_PRODUCT);
     location.Append(L",");
     location.Append(number);
     return location.Detach();
@@ -74,7 +71,7 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
         value->byref = nullptr;
         switch (id) {
         case propertyName:
-            value->bstrVal = CComBSTR(GetBrandedString(textName).c_str()).Detach();
+            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_NAME).c_str()).Detach();
             break;
         case propertyIconLocation:
             value->bstrVal = iconLocation();
@@ -83,7 +80,7 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
             value->bstrVal = CComBSTR(L"Password Manager").Detach();
             break;
         case propertyDescription:
-            value->bstrVal = CComBSTR(GetBrandedString(textDescription).c_str()).Detach();
+            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_DESCRIPTION).c_str()).Detach();
             break;
         case propertyKind:
             value->ulVal = 2;
@@ -125,12 +122,12 @@ STDMETHODIMP CVLKTPages::GetInfo(ULONG id, VARIANT* value)
             CComVariant text(classIdentifierText().c_str());
             status = value ? text.Detach(value) : E_POINTER;
         }
-        // Reads through value on every path: a caller must always pass one.
-        tracecore::traceFormat(0, "%d = %ls[%d]", id, value->vt == VT_BSTR ? value->bstrVal : L"",
-                               value->vt);
     } catch (...) {
         status = E_UNEXPECTED;
     }
+    // Reads through value on every path, also after a failure: a caller must always pass one.
+    tracecore::traceFormat(0, "%d = %ls[%d]", id, value->vt == VT_BSTR ? value->bstrVal : L"",
+                           value->vt);
     tracecore::traceIfFailed("", status);
     return status;
 }

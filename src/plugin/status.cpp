@@ -5,6 +5,7 @@
 #include "plugin/errorframe.h"
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"
+#include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "tracecore/tracer.h"
 
@@ -14,8 +15,6 @@ using ATL::CComVariant;
 using tracecore::traceScope_t;
 
 namespace {
-
-constexpr UINT textDisabledByPolicy = 1029;
 
 // readStatusInput reads IDCard_SS, which other components maintain. A value of any type with four
 // bytes is taken as the number; whatever can't be read is 0.
@@ -42,11 +41,11 @@ status_t statusFromInput(DWORD input) noexcept
 {
     switch (input) {
     case 0:
-        return {0, 1054};
+        return {0, IDS_STATUS_NOT_SET_UP};
     case 1:
-        return {2, 1053};
+        return {2, IDS_STATUS_AT_RISK};
     default:
-        return {1, 1031};
+        return {1, IDS_STATUS_READY};
     }
 }
 
@@ -66,7 +65,7 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
         ULONG disabled = 0;
         GetGPOSettings(&disabled); // a policy that can't be asked is no policy
         if (disabled) {
-            *text = brandedBstr(textDisabledByPolicy);
+            *text = brandedBstr(IDS_STATUS_DISABLED);
             raiseStatus(E_NOTIMPL);
         }
         const status_t found = statusFromInput(readStatusInput());

@@ -4,9 +4,8 @@
 #include "vlonlineids.h"
 
 // CVLKTPages is the one component class. It has no state: each operation reads what it needs at the
-// moment of the call and forgets it. The operations stand in files of their own by subject:
-// pages.cpp (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp,
-// backupoperations.cpp.
+// moment of the call and forgets it. The operations stand in files of their own by subject: pages.cpp
+// (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp, backupoperations.cpp.
 class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public CComCoClass<CVLKTPages, &VLONLINEIDSLib::CLSID_CVLKTPages>,
                    public VLONLINEIDSLib::IVLKTPages,
@@ -23,8 +22,7 @@ public:
 
     HRESULT FinalConstruct();
     void FinalRelease();
-    static const _ATL_INTMAP_ENTRY*
-    GetEntries() noexcept; // the interface table, in the order of look-up
+    static const _ATL_INTMAP_ENTRY* GetEntries() noexcept; // in the order of look-up
 
     STDMETHOD(AddPages)() override;
 

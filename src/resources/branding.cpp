@@ -5,6 +5,7 @@
 #include <iterator>
 #include <memory>
 
+#include "common/initorder.h"
 #include "common/scoped.h"
 #include "resources/resourceids.h"
 #include "tracecore/tracer.h"
@@ -23,8 +24,7 @@ struct loadedBranding_t {
     std::wstring path;
 };
 
-// published_t frees the record at the end of the module; the branding DLL itself stays to the
-// process's end.
+// published_t frees the record at the end of the module; the branding DLL itself stays to the process's end.
 struct published_t {
     std::atomic<const loadedBranding_t*> record = nullptr;
 
@@ -33,7 +33,7 @@ struct published_t {
     published_t& operator=(const published_t&) = delete;
     ~published_t() { std::unique_ptr<const loadedBranding_t>(record.exchange(nullptr)); }
 };
-published_t published;
+[[gnu::init_priority(initCaches)]] published_t published;
 
 CRegistryKey openKey(const wchar_t* path)
 {

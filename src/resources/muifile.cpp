@@ -67,15 +67,15 @@ public:
         if (!sections)
             return std::nullopt;
         m_sections = *sections;
-        constexpr uint32_t resourceDirectory = 2;
+        constexpr size_t resourceDirectory = 2;
         if (dwordAt(*optional, directories - 4) <= resourceDirectory ||
             optionalSize < directories + 8 * (resourceDirectory + 1))
             return bytes_t();
         const uint32_t root = dwordAt(*optional, directories + 8 * resourceDirectory);
         if (!root)
             return bytes_t();
-        if (root <
-            dwordAt(*optional, 60)) // inside the headers: the platform would take the bytes there
+        const uint32_t headersEnd = dwordAt(*optional, 60);
+        if (root < headersEnd) // the platform would take the bytes there
             return std::nullopt;
         return fromAddress(root);
     }

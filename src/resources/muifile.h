@@ -9,10 +9,9 @@ using muiChecksum_t = std::array<uint8_t, 16>;
 
 // muiFile_t is what the bytes of a PE file tell about its part in a DLL with language files.
 struct muiFile_t {
-    bool sound = false;   // every resource lies in the file, and every string block is whole
-    bool divided = false; // there is a resource of type "MUI", id 1
-    bool described =
-        false; // and it is resource configuration data: sound magic, both checksums there
+    bool sound = false;     // every resource lies in the file, and every string block is whole
+    bool divided = false;   // there is a resource of type "MUI", id 1
+    bool described = false; // it is resource configuration data: right magic, both checksums there
     muiChecksum_t service = {}; // at offset 28
     muiChecksum_t content = {}; // at offset 44
 };

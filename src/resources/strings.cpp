@@ -59,7 +59,7 @@ std::wstring GetBrandedString(UINT id)
 int LoadStringFromModule(HMODULE module, UINT id, std::wstring& out)
 {
     if (const uint32_t block = stringBlockNumber(id)) {
-        if (const HRSRC resource = findStringBlock(module, static_cast<WORD>(block & 0xFFFF))) {
+        if (HRSRC resource = findStringBlock(module, static_cast<WORD>(block & 0xFFFF))) {
             if (const int length = readString(module, resource, stringBlockIndex(id), out))
                 return length;
         }

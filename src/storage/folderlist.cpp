@@ -7,7 +7,6 @@
 #include "agent/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/status.h"
-#include "common/text.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "tracecore/tracer.h"
@@ -25,8 +24,7 @@ std::wstring templatemask(const std::wstring& path)
 
 void traceline(const wchar_t* format, const std::wstring& path)
 {
-    if (traceActive())
-        traceText(utf8FromWide(formatWide(format, path.c_str())).c_str());
+    traceWrite('U', formatWide(format, path.c_str()));
 }
 
 void traceerror(const wchar_t* format, const std::wstring& path, DWORD error = ERROR_SUCCESS)
@@ -84,10 +82,11 @@ void addowned(FolderSet& folders, const FolderRec& folder, const wchar_t* made,
     if (makedirs(folder.path)) {
         traceline(made, folder.path);
         allowapppackages(folder.path);
-    } else if (const DWORD error = GetLastError(); error == ERROR_ALREADY_EXISTS)
+    } else if (const DWORD error = GetLastError(); error == ERROR_ALREADY_EXISTS) {
         allowapppackages(folder.path);
-    else
+    } else {
         traceerror(failed, folder.path, error);
+    }
     addfolder(folders, folder, duplicate);
 }
 
@@ -160,8 +159,7 @@ bool isusable(FolderRec& folder)
 void listfolder(const FolderRec& folder, std::vector<FileRec>& files)
 {
     const std::wstring mask = templatemask(folder.path);
-    if (traceActive())
-        traceline(L"  '%s'", shortpath(mask));
+    traceline(L"  '%s'", shortpath(mask));
     WIN32_FIND_DATAW entry;
     const CSearchHandle search(FindFirstFileW(mask.c_str(), &entry));
     if (!search) {

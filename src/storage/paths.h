@@ -64,7 +64,9 @@ std::wstring appdata_rootdir();      // Veltrano\KRS\ below the roaming folder
 std::wstring localappdata_dir();     // the local folder itself
 std::wstring localappdata_rootdir(); // Veltrano\KRS\ below the local folder
 
-// sysdir is the system's folder with a trailing backslash. Source: GetSystemDirectoryW
+// sysdir is the system's folder with a trailing backslash.
+//
+// Source: GetSystemDirectoryW
 std::wstring sysdir();
 
 // addslash appends a backslash unless path is empty or ends in a separator of either kind.
@@ -77,15 +79,19 @@ std::wstring unifyslashes(const std::wstring& path);
 std::wstring lowerpath(const std::wstring& path);
 
 // shortpath is path in lower case and with one separator, a known folder in it replaced by kri::,
-// krs::, usr::, dbg:: or bin::, the first of them that is found anywhere in path. For traces and
-// comparing: no operation leads back. Each folder is looked up when it is first needed and
-// remembered until the module ends. A folder that is not known is found in front of every path.
+// krs::, usr::, dbg:: or bin::, the first of them that is found anywhere in path; forward slashes in
+// path count as backslashes there. For traces and comparing: no operation leads back. Each folder is
+// looked up when it is first needed and remembered until the module ends. A folder that is not known
+// is found in front of every path.
 std::wstring shortpath(const std::wstring& path);
 
 // shortpath_utf8 is shortpath of a path in UTF-8.
 std::wstring shortpath_utf8(const std::string& path);
 
-// expandenv expands references such as %TEMP%; empty on failure. Source: ExpandEnvironmentStringsW
+// expandenv expands references such as %TEMP%.
+//
+// Returns: empty on failure
+// Source:  ExpandEnvironmentStringsW
 std::wstring expandenv(const std::wstring& text);
 
 // collapseenv is the form in which a path is stored: the first occurrence of the value of appdata,

@@ -1,6 +1,7 @@
 #include "storage/paths.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <cwctype>
 #include <new>
 #include <string_view>
@@ -83,7 +84,8 @@ std::wstring expandenv(const std::wstring& text)
         // The environment may have grown in between.
         if (ExpandEnvironmentStringsW(text.c_str(), expanded.data(), size) > size)
             return {};
-        return expanded.c_str();
+        expanded.resize(std::wcslen(expanded.c_str()));
+        return expanded;
     } catch (const std::bad_alloc&) {
         return {};
     }

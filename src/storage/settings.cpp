@@ -125,14 +125,12 @@ HRESULT settings_query(const std::wstring& key, std::wstring& value)
 {
     return statusof([&] {
         const CBstrText name = bstrof(key);
-        CBstrText answer;
-        const HRESULT status = callprovider(&SettingsProvider::query, name.get(), answer.put());
-        if (FAILED(status)) {
-            // What a failed query may have left there is not ours.
-            static_cast<void>(answer.release());
-            return status;
+        BSTR answer = nullptr;
+        const HRESULT status = callprovider(&SettingsProvider::query, name.get(), &answer);
+        if (SUCCEEDED(status)) { // what a failed query may have left there is not ours
+            const CBstrText owner(answer);
+            value.assign(answer ? answer : L"", SysStringLen(answer));
         }
-        value.assign(answer ? answer.get() : L"", SysStringLen(answer.get()));
         return status;
     });
 }

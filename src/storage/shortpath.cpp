@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 
+#include "common/initorder.h"
 #include "common/text.h"
 
 namespace {
@@ -48,7 +49,7 @@ private:
     using owned = std::unique_ptr<const std::wstring>;
     std::array<std::atomic<const std::wstring*>, prefixcount> m_folders{};
 };
-constinit prefixcache_t prefixcache;
+[[gnu::init_priority(initCaches)]] constinit prefixcache_t prefixcache;
 
 } // namespace
 
@@ -64,7 +65,7 @@ std::wstring shortpath(const std::wstring& path)
         // A folder that could not be found out is an empty text, and that is found in front.
         // Intended: the classes of quick links build on it.
         size_t at = work.find(folder);
-        if (at == std::wstring::npos) // a path written with forward slashes lies there too
+        if (at == std::wstring::npos) // a path written with forward slashes lies there all the same
             at = backslashed.find(folder);
         if (at != std::wstring::npos)
             return work.replace(at, folder.size(), prefixrows[row].prefix);

@@ -76,6 +76,11 @@ void mapfile_close(MappedFile& mapped)
         UnmapViewOfFile(std::exchange(mapped.view, nullptr));
 }
 
+mappedfile_scope::~mappedfile_scope()
+{
+    const CScoped<mappedview> owner(&m_mapped);
+}
+
 void decodetext(const MappedFile& mapped, std::string& text)
 {
     text.clear();
@@ -90,10 +95,9 @@ void decodetext(const MappedFile& mapped, std::string& text)
 void load_textlines(const std::wstring& fileName, TextLines& lines)
 {
     lines.clear();
-    MappedFile mapped = mapfile_open(fileName);
-    const CScoped<mappedview> owner(&mapped);
+    const mappedfile_scope mapped(fileName);
     std::string text;
-    decodetext(mapped, text);
+    decodetext(mapped.get(), text);
     if (!text.empty())
         splitlines(text, lines);
 }

@@ -26,6 +26,21 @@ MappedFile mapfile_open(const std::wstring& fileName);
 // mapfile_close unmaps the view, if there is one, and sets it to null.
 void mapfile_close(MappedFile& mapped);
 
+// mappedfile_scope is a mapped file for the life of the object.
+class mappedfile_scope
+{
+public:
+    explicit mappedfile_scope(const std::wstring& fileName) : m_mapped(mapfile_open(fileName)) {}
+    ~mappedfile_scope(); // keeps the thread's last error
+    mappedfile_scope(const mappedfile_scope&) = delete;
+    mappedfile_scope& operator=(const mappedfile_scope&) = delete;
+
+    const MappedFile& get() const noexcept { return m_mapped; }
+
+private:
+    MappedFile m_mapped;
+};
+
 // decodetext gives the text of a mapped file as UTF-8. UTF-16 is known by the bytes FF FE, which
 // are dropped; it ends at its first zero unit, and an odd last byte is dropped. Any other file is
 // taken to be UTF-8 and copied as it is, with whatever mark it starts with.

@@ -36,10 +36,9 @@ auto shellfolderpath() noexcept
 std::wstring envvalue(const std::wstring& name)
 {
     wchar_t value[260] = {};
-    // A value that does not fit leaves the buffer zeroed, and so reads as empty.
-    if (GetEnvironmentVariableW(name.c_str(), value, 260) == 0)
-        return {};
-    return value;
+    const DWORD length = GetEnvironmentVariableW(name.c_str(), value, 260);
+    // A value that does not fit reads as empty.
+    return length < 260 ? std::wstring(value) : std::wstring();
 }
 
 std::wstring appdata_templatesdir()

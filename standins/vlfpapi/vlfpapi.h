@@ -27,16 +27,15 @@ extern "C" {
 //
 // Returns: 0 also when settings have no value; 0x80070057 for null records or a null name
 // Source:  REG_DWORD values under HKEY_LOCAL_MACHINE, SOFTWARE\Veltrano\VLFPApi\Policy, named as
-// the settings are;
-//          the same key under HKEY_CURRENT_USER for a setting that the machine doesn't have
+//          the settings are; the same key under HKEY_CURRENT_USER for a setting that the machine
+//          doesn't have
 LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
 
 // VLFPSetPolicySettingsEx keeps the low 32 bits of each record's value for the machine and sets its
 // status.
 //
 // Returns: 0, or the first record's failure; the records behind it are not written. A caller who
-// may not write
-//          there gets 0x80070005: a policy of the machine never becomes one user's.
+//          may not write there gets 0x80070005: a policy of the machine never becomes one user's.
 LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
 
 // VLFPDoesSecretExist tells whether the calling user's store has the secret: 1 or 0. The store is
@@ -48,8 +47,9 @@ LONG VLFPDoesSecretExist(const wchar_t* user, uint32_t kind, const wchar_t* name
 // user:    qualified name of the account, domain\account
 // value:   size bytes, 1 to 1 MiB
 // Returns: 0; 0x80070057 for a null, empty or oversized argument; else the platform's failure as a
-// status Source:  CryptProtectData for the user; HKEY_CURRENT_USER,
-// SOFTWARE\Veltrano\VLFPApi\Secrets\<kind>\<user>
+//          status
+// Source:  CryptProtectData for the user; HKEY_CURRENT_USER,
+//          SOFTWARE\Veltrano\VLFPApi\Secrets\<kind>\<user>
 LONG VLFPStoreSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, const BYTE* value,
                      uint32_t size);
 
@@ -58,9 +58,8 @@ LONG VLFPStoreSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, co
 // value:   room for *size bytes, or null to ask for the size alone
 // size:    in: the room; out: the secret's size, also when the room is too small
 // Returns: 0; 0x80070002 for no such secret; 0x800700EA for too little room, with value untouched;
-// 0x80070057;
-//          0x8007000D for an entry that isn't a secret of this store; else the platform's failure
-//          as a status
+//          0x80070057 for a null or empty argument; 0x8007000D for an entry that isn't a secret of
+//          this store; else the platform's failure as a status
 LONG VLFPReadSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, BYTE* value,
                     uint32_t* size);
 

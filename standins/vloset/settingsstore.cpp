@@ -9,8 +9,10 @@ std::optional<std::wstring> readtext(HKEY root, const wchar_t* key, const wchar_
     for (;;) {
         auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
         const LSTATUS error = RegGetValueW(root, key, name, flags, nullptr, text.data(), &size);
-        if (error == ERROR_SUCCESS)
-            return std::wstring(text.c_str());
+        if (error == ERROR_SUCCESS) {
+            text.resize(wcslen(text.c_str()));
+            return text;
+        }
         if (error != ERROR_MORE_DATA)
             return std::nullopt;
         text.resize(text.size() * 2); // the size told then is not the expanded text's everywhere

@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-// SettingDef is one key that the provider knows, with its text while none is stored.
+// SettingDef is one key that the provider knows, with its text while none is stored. The text may
+// hold references such as %APPDATA%; null means the installation's bin folder.
 struct SettingDef {
     const wchar_t* key;
-    const wchar_t*
-        text; // may hold references such as %APPDATA%; null: the installation's bin folder
+    const wchar_t* text;
 };
 
 std::span<const SettingDef> allsettings() noexcept;

@@ -7,9 +7,12 @@
 #include <windows.h>
 
 #include "common/scoped.h"
+#include "common/status.h"
 #include "support/patchimport.h"
 
 using texts_t = std::vector<std::wstring>;
+
+constexpr DWORD limit = 20000; // ms
 
 // patched replaces one imported function of the test program, for the life of the result.
 template <class Function> importPatch_t patched(const char* name, Function* replacement)
@@ -17,24 +20,35 @@ template <class Function> importPatch_t patched(const char* name, Function* repl
     return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement)};
 }
 
-// failing is what a patched call does that gives null or FALSE: it sets this error and counts.
+// failing is what a patched call does that gives null or FALSE: it sets this error.
 inline DWORD failingError = 0;
-inline int failingCalls = 0;
-uintptr_t WINAPI failing(...);
+inline uintptr_t WINAPI failing(...)
+{
+    SetLastError(failingError);
+    return 0;
+}
 
-// openHandles counts the handles of this process.
-size_t openHandles();
+// win32 gives the front of an error record: "E ", the status of a platform error, a blank.
+inline std::wstring win32(DWORD error)
+{
+    return L"E " + std::to_wstring(statusFromError(error)) + L' ';
+}
 
-// win32 gives the front of an error record: "E ", the status of a platform error in decimal, a
-// blank.
-std::wstring win32(DWORD error);
+// blockView_t views a named block that exists, from its start; bytes is null when there is none.
+struct blockView_t {
+    explicit blockView_t(const wchar_t* name) : handle(OpenFileMappingW(FILE_MAP_WRITE, 0, name)) {}
+    ~blockView_t() { UnmapViewOfFile(bytes); }
+    std::string text(size_t size) const { return bytes ? std::string(bytes, size) : "no block"; }
 
-// agentObjects_t makes the agent's four objects, by their literal names; drop leaves one out.
+    CKernelHandle handle;
+    char* bytes = static_cast<char*>(MapViewOfFile(handle.get(), FILE_MAP_WRITE, 0, 0, 0));
+};
+
+// agentObjects_t holds the agent's four objects, by their literal names.
 struct agentObjects_t {
-    agentObjects_t();
-    ~agentObjects_t() { drop(L"VLMAX_NIPC_BUFFER"); }
-    void drop(const std::wstring& name);
-
-    CKernelHandle semaphore, acknowledge, dataReady, buffer;
-    uint8_t* view = nullptr; // of the request buffer, 0x1000 bytes, filled with 0xEE
+    CKernelHandle semaphore{CreateSemaphoreW(nullptr, 1, 1, L"VLMAX_NIPC_MUTEX")};
+    CKernelHandle acknowledge{CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_BUFFER_READY")};
+    CKernelHandle dataReady{CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_DATA_READY")};
+    CKernelHandle buffer{CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                            0x1000, L"VLMAX_NIPC_BUFFER")};
 };

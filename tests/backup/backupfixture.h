@@ -13,25 +13,12 @@
 #include "backup/restore.h"
 #include "backup/storagedata.h"
 #include "common/scoped.h"
+#include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/tracerecorder.h"
 #include "vlonlineids.h"
 
-using bytes = std::vector<uint8_t>;
 using fileMap = std::map<std::wstring, std::string>; // name and content
-
-// DER elements. integer takes a number below 0x80, or the one octet left of a negative one.
-bytes tlv(uint8_t tag, const bytes& content);
-bytes seq(const std::vector<bytes>& elements);
-bytes wide(const std::wstring& text);
-bytes octets(const std::string& content);
-bytes narrow(const std::string& text);
-bytes integer(uint8_t value);
-bytes filePair(const std::wstring& name, const std::string& content);
-
-// byteArray makes an array of type 0x2011 in an empty variant; bytesOf takes one apart.
-void byteArray(VARIANT& variant, const bytes& content, LONG lower = 0);
-bytes bytesOf(const VARIANT& variant);
 
 // agentServer_t is an agent that takes one request and acknowledges it.
 class agentServer_t

@@ -294,11 +294,22 @@ TEST_F(Restore, TheFlagsGoToTheAgentAsTwoWords)
     EXPECT_TRUE(traced(L"U VlAgent window NOT found!"));
 }
 
+HRESULT destroyed = E_PENDING;
+
+HRESULT WINAPI SeenDestroy(SAFEARRAY* array)
+{
+    return destroyed = importOriginal<decltype(&SafeArrayDestroy)>(*failing)(array);
+}
+
 TEST_F(Restore, WhatRaisesLeavesTheEarlierElementsRestoredAndTheArrayAccessed)
 {
     const bytes document = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":7}}})")});
     const bytes backup = seq({integer(1), octets("refused"), newCategory, document});
+    const importPatch_t patch(GetModuleHandleW(nullptr), "SafeArrayDestroy",
+                              reinterpret_cast<void*>(&SeenDestroy));
+    failing = &patch;
     EXPECT_EQ(restore(backup), E_UNEXPECTED);
+    EXPECT_EQ(destroyed, S_OK); // the plug-in's copy is not left behind
     EXPECT_TRUE(traced(L"E 0 SetStorageData[std]Type is not convertible to string"));
     EXPECT_EQ(files(m_personal), (fileMap{{L"kept.txt", "kept"}}));
     EXPECT_EQ(category(L"New"), L"n");

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "common/scoped.h"
 #include "support/patchimport.h"
 #include "vlfpapi/vlfpapi.h"
 
@@ -26,48 +25,24 @@ LSTATUS WINAPI DeniedKey(HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, const SECU
 class PolicyLibrary : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ForgetPolicies();
-        ASSERT_TRUE(m_library) << GetLastError();
-    }
-    void TearDown() override { ForgetPolicies(); }
-
-    static void ForgetPolicies()
+    ~PolicyLibrary() override
     {
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\VLFPApi");
         RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\VLFPApi");
     }
 
-    template <class Function> Function Export(const char* name) const
-    {
-        return reinterpret_cast<Function>(
-            reinterpret_cast<void*>(GetProcAddress(m_library.get(), name)));
-    }
-
     VLFPPolicyRecord_t Get() const
     {
         VLFPPolicyRecord_t record = {setting, 0, 0, 0, 0, 0};
-        EXPECT_EQ(m_get(1, &record), S_OK);
+        EXPECT_EQ(VLFPGetPolicySettingsEx(1, &record), S_OK);
         return record;
     }
 
     LONG Set(uint64_t value) const
     {
         VLFPPolicyRecord_t record = {setting, 0, 0, 4, value, 0};
-        return m_set(1, &record);
+        return VLFPSetPolicySettingsEx(1, &record);
     }
-
-    const CLoadedModule m_library{LoadLibraryW(L"VLFPApi.dll")};
-    decltype(&VLFPGetPolicySettingsEx) m_get =
-        Export<decltype(&VLFPGetPolicySettingsEx)>("VLFPGetPolicySettingsEx");
-    decltype(&VLFPSetPolicySettingsEx) m_set =
-        Export<decltype(&VLFPSetPolicySettingsEx)>("VLFPSetPolicySettingsEx");
-    decltype(&VLFPDoesSecretExist) m_exists =
-        Export<decltype(&VLFPDoesSecretExist)>("VLFPDoesSecretExist");
-    decltype(&VLFPStoreSecret) m_store = Export<decltype(&VLFPStoreSecret)>("VLFPStoreSecret");
-    decltype(&VLFPReadSecret) m_read = Export<decltype(&VLFPReadSecret)>("VLFPReadSecret");
-    decltype(&VLFPDeleteSecret) m_delete = Export<decltype(&VLFPDeleteSecret)>("VLFPDeleteSecret");
 };
 
 TEST_F(PolicyLibrary, TheMachinesValueComesBeforeTheUsers)
@@ -87,12 +62,10 @@ TEST_F(PolicyLibrary, TheMachinesValueComesBeforeTheUsers)
 
 TEST_F(PolicyLibrary, ADeniedWriteIsAFailureAndLeavesTheUserAlone)
 {
-    {
-        const importPatch_t patch(m_library.get(), "RegCreateKeyExW",
-                                  reinterpret_cast<void*>(&DeniedKey));
-        ASSERT_TRUE(patch.found());
-        EXPECT_EQ(Set(1), static_cast<LONG>(0x80070005));
-    }
+    const importPatch_t patch(GetModuleHandleW(nullptr), "RegCreateKeyExW",
+                              reinterpret_cast<void*>(&DeniedKey));
+    ASSERT_TRUE(patch.found());
+    EXPECT_EQ(Set(1), static_cast<LONG>(0x80070005));
     EXPECT_EQ(Get().status, notFound);
 }
 
@@ -100,30 +73,24 @@ TEST_F(PolicyLibrary, AValueThatIsNoNumberIsReportedForItsRecordAlone)
 {
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, policyKey, setting, REG_SZ, L"yes", 8);
     VLFPPolicyRecord_t records[] = {{setting, 0, 0, 0, 5, 0}, {L"Other", 0, 0, 0, 6, 0}};
-    EXPECT_EQ(m_get(2, records), S_OK);
+    EXPECT_EQ(VLFPGetPolicySettingsEx(2, records), S_OK);
     EXPECT_EQ(records[0].status, static_cast<LONG>(0x8007000D));
     EXPECT_EQ(records[0].value, 5u);
     EXPECT_EQ(records[1].status, notFound);
-    EXPECT_EQ(m_get(1, nullptr), E_INVALIDARG);
+    EXPECT_EQ(VLFPGetPolicySettingsEx(1, nullptr), E_INVALIDARG);
     records[1].name = nullptr;
-    EXPECT_EQ(m_set(2, records), E_INVALIDARG);
+    EXPECT_EQ(VLFPSetPolicySettingsEx(2, records), E_INVALIDARG);
 }
 
 TEST_F(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
 {
     const bytes value = {'p', 'l', 'a', 'i', 'n', 't', 'e', 'x', 't', 0, 0};
-    ASSERT_EQ(m_store(L"HOME\\ann", 3, L"s", value.data(), 11), S_OK);
-    const struct {
-        const wchar_t* user;
-        uint32_t kind;
-        const wchar_t* name;
-        LONG exists;
-    } cases[] = {
-        {L"HOME\\ann", 3, L"s", 1}, {L"HOME\\bob", 3, L"s", 0}, {L"HOME\\ann", 2, L"s", 0},
-        {L"HOME\\ann", 3, L"t", 0}, {L"", 3, L"s", 0},          {nullptr, 3, L"s", 0},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(m_exists(c.user, c.kind, c.name), c.exists) << &c - cases;
+    ASSERT_EQ(VLFPStoreSecret(L"HOME\\ann", 3, L"s", value.data(), 11), S_OK);
+    EXPECT_EQ(VLFPDoesSecretExist(L"HOME\\ann", 3, L"s"), 1);
+    EXPECT_EQ(VLFPDoesSecretExist(L"HOME\\bob", 3, L"s"), 0);
+    EXPECT_EQ(VLFPDoesSecretExist(L"HOME\\ann", 2, L"s"), 0);
+    EXPECT_EQ(VLFPDoesSecretExist(L"HOME\\ann", 3, L"t"), 0);
+    EXPECT_EQ(VLFPDoesSecretExist(nullptr, 3, L"s"), 0);
 
     bytes sealed(4096);
     DWORD size = 4096;
@@ -134,14 +101,15 @@ TEST_F(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
               sealed.end());
 
     uint32_t asked = 0;
-    EXPECT_EQ(m_read(L"HOME\\ann", 3, L"s", nullptr, &asked), S_OK);
+    EXPECT_EQ(VLFPReadSecret(L"HOME\\ann", 3, L"s", nullptr, &asked), S_OK);
     EXPECT_EQ(asked, 11u);
     bytes out(11, 0xEE);
     asked = 10;
-    EXPECT_EQ(m_read(L"HOME\\ann", 3, L"s", out.data(), &asked), static_cast<LONG>(0x800700EA));
+    EXPECT_EQ(VLFPReadSecret(L"HOME\\ann", 3, L"s", out.data(), &asked),
+              static_cast<LONG>(0x800700EA));
     EXPECT_EQ(asked, 11u);
     EXPECT_EQ(out, bytes(11, 0xEE));
-    EXPECT_EQ(m_read(L"HOME\\ann", 3, L"s", out.data(), &asked), S_OK);
+    EXPECT_EQ(VLFPReadSecret(L"HOME\\ann", 3, L"s", out.data(), &asked), S_OK);
     EXPECT_EQ(out, value);
 }
 
@@ -151,25 +119,25 @@ TEST_F(PolicyLibrary, ASecretIsReplacedDeletedAndRefusedClearly)
     const BYTE shorter[] = {9};
     uint32_t size = 3;
     BYTE out[3] = {};
-    EXPECT_EQ(m_read(L"u", 3, L"s", out, &size), notFound);
-    EXPECT_EQ(m_delete(L"u", 3, L"s"), notFound);
-    EXPECT_EQ(m_store(L"u", 3, L"s", longer, 3), S_OK);
-    EXPECT_EQ(m_store(L"u", 3, L"s", shorter, 1), S_OK);
-    EXPECT_EQ(m_read(L"u", 3, L"s", out, &size), S_OK);
+    EXPECT_EQ(VLFPReadSecret(L"u", 3, L"s", out, &size), notFound);
+    EXPECT_EQ(VLFPDeleteSecret(L"u", 3, L"s"), notFound);
+    EXPECT_EQ(VLFPStoreSecret(L"u", 3, L"s", longer, 3), S_OK);
+    EXPECT_EQ(VLFPStoreSecret(L"u", 3, L"s", shorter, 1), S_OK);
+    EXPECT_EQ(VLFPReadSecret(L"u", 3, L"s", out, &size), S_OK);
     EXPECT_EQ(size, 1u);
     EXPECT_EQ(out[0], 9);
-    EXPECT_EQ(m_delete(L"u", 3, L"s"), S_OK);
-    EXPECT_EQ(m_exists(L"u", 3, L"s"), 0);
+    EXPECT_EQ(VLFPDeleteSecret(L"u", 3, L"s"), S_OK);
+    EXPECT_EQ(VLFPDoesSecretExist(L"u", 3, L"s"), 0);
 
-    EXPECT_EQ(m_store(L"u", 3, L"s", nullptr, 3), E_INVALIDARG);
-    EXPECT_EQ(m_store(L"u", 3, L"s", longer, 0), E_INVALIDARG);
-    EXPECT_EQ(m_store(L"", 3, L"s", longer, 3), E_INVALIDARG);
-    EXPECT_EQ(m_store(L"u", 3, nullptr, longer, 3), E_INVALIDARG);
-    EXPECT_EQ(m_read(L"u", 3, L"s", out, nullptr), E_INVALIDARG);
+    EXPECT_EQ(VLFPStoreSecret(L"u", 3, L"s", nullptr, 3), E_INVALIDARG);
+    EXPECT_EQ(VLFPStoreSecret(L"u", 3, L"s", longer, 0), E_INVALIDARG);
+    EXPECT_EQ(VLFPStoreSecret(L"", 3, L"s", longer, 3), E_INVALIDARG);
+    EXPECT_EQ(VLFPStoreSecret(L"u", 3, nullptr, longer, 3), E_INVALIDARG);
+    EXPECT_EQ(VLFPReadSecret(L"u", 3, L"s", out, nullptr), E_INVALIDARG);
 
     RegSetKeyValueW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\VLFPApi\\Secrets\\3\\u", L"s",
                     REG_BINARY, longer, 3);
-    EXPECT_EQ(m_read(L"u", 3, L"s", out, &size), static_cast<LONG>(0x8007000D));
+    EXPECT_EQ(VLFPReadSecret(L"u", 3, L"s", out, &size), static_cast<LONG>(0x8007000D));
 }
 
 } // namespace

@@ -1,32 +1,29 @@
-#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-#include <shellapi.h>
-
-#include "atl/comobject.h"
-#include "atl/comutil.h"
-#include "common/scoped.h"
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"
 #include "support/patchimport.h"
 #include "support/tracerecorder.h"
+#include "tracecore/tracer.h"
+
+#include <shellapi.h>
 
 using namespace VLONLINEIDSLib;
 using ATL::CComBSTR;
 using ATL::CComVariant;
+using lines_t = std::vector<std::wstring>;
 
 namespace {
 
-constexpr wchar_t cardKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard";
-constexpr wchar_t dismissKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\DismissMessages\\"
-                                 L"{42F9948B-B690-4325-A073-63A8BF31FF32}";
-constexpr uint32_t notFound = 0x80070002;
-constexpr auto moduleNotFound = static_cast<HRESULT>(0x8007007E);
-constexpr auto procedureNotFound = static_cast<HRESULT>(0x8007007F);
+const std::wstring classText = L"{42F9948B-B690-4325-A073-63A8BF31FF32}";
+const std::wstring dashboard = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\";
+const std::wstring cardKey = dashboard + L"IDCard";
+const std::wstring dismissKey = dashboard + L"DismissMessages\\" + classText;
 constexpr auto notSupported = static_cast<HRESULT>(0x80070032);
 constexpr auto unknownProperty = static_cast<HRESULT>(0x80070648);
 
@@ -37,221 +34,200 @@ struct policyRecord_t {
     uint64_t valueSize, value, reserved;
 };
 struct policy_t {
-    bool library = true;
-    bool exports = true;
+    bool library = true, exports = true;
     HRESULT result = 0;
-    uint32_t status = notFound;
+    uint32_t status = 0x80070002;
     uint64_t value = 0;
-    std::vector<policyRecord_t> written;
+    policyRecord_t seen = {};
     int loads = 0;
 } policy;
 
-HRESULT WINAPI readPolicy(ULONG count, policyRecord_t* record)
+HRESULT WINAPI policyCall(ULONG count, policyRecord_t* record)
 {
     EXPECT_EQ(count, 1u);
-    EXPECT_STREQ(record->name,
-                 L"CommonSettings\\{42F9948B-B690-4325-A073-63A8BF31FF32}\\DisableApps");
-    EXPECT_EQ(record->valueSize + record->value + record->reserved + record->status, 0u);
-    record->status = policy.status;
-    record->value = policy.value;
-    return policy.result;
-}
-
-HRESULT WINAPI writePolicy(ULONG count, policyRecord_t* record)
-{
-    EXPECT_EQ(count, 1u);
-    policy.written.push_back(*record);
+    EXPECT_EQ(record->name, L"CommonSettings\\" + classText + L"\\DisableApps");
+    policy.seen = std::exchange(*record, {record->name, policy.status, 0, 0, policy.value, 0});
     return policy.result;
 }
 
 HMODULE WINAPI loadPolicy(LPCWSTR path)
 {
     EXPECT_STREQ(path, L"C:\\windows\\system32\\VLFPApi.dll");
-    ++policy.loads;
     SetLastError(ERROR_MOD_NOT_FOUND);
-    return policy.library ? GetModuleHandleW(nullptr) : nullptr;
+    return ++policy.loads && policy.library ? GetModuleHandleW(nullptr) : nullptr;
 }
 
+std::string function; // of the policy library, last asked for
 FARPROC WINAPI policyFunction(HMODULE, LPCSTR name)
 {
+    function = name;
     SetLastError(ERROR_PROC_NOT_FOUND);
-    if (!policy.exports)
-        return nullptr;
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(
-        std::string(name) == "VLFPGetPolicySettingsEx" ? readPolicy : writePolicy));
+    return reinterpret_cast<FARPROC>(
+        reinterpret_cast<void*>(policy.exports ? policyCall : nullptr));
 }
 
-std::vector<std::wstring> started;
+std::wstring started;
 HINSTANCE WINAPI shellExecute(HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR arguments, LPCWSTR folder,
                               INT show)
 {
-    EXPECT_EQ(verb, nullptr);
-    EXPECT_EQ(folder, nullptr);
-    EXPECT_EQ(show, SW_SHOWNORMAL);
-    started = {file, arguments};
+    EXPECT_TRUE(!verb && !folder && show == SW_SHOWNORMAL);
+    started = std::wstring(file) + L' ' + arguments;
     return nullptr;
 }
 
-void setValue(const wchar_t* key, const wchar_t* name, DWORD type, const std::vector<BYTE>& data)
+BSTR WINAPI noString(const OLECHAR*)
 {
-    RegSetKeyValueW(HKEY_CURRENT_USER, key, name, type, data.data(),
+    return nullptr;
+}
+
+void setValue(const std::wstring& key, const wchar_t* name, DWORD type,
+              const std::vector<BYTE>& data)
+{
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, type, data.data(),
                     static_cast<DWORD>(data.size()));
 }
 
-class Status : public testing::Test
+struct releaser {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+using notice_t = std::unique_ptr<IVLKTElementUI, releaser>;
+
+notice_t counted(IUnknown* notice)
 {
-protected:
-    void SetUp() override
+    notice->AddRef();
+    return notice_t(static_cast<IVLKTElementUI*>(notice));
+}
+
+// get gives a property as a text: its type, a colon, and a text or number.
+std::wstring get(IVLKTElementUI* element, ULONG id, HRESULT status = S_OK)
+{
+    CComVariant value(L"old");
+    EXPECT_EQ(element->GetProperty(id, &value), status) << id;
+    std::wstring text = value.vt == VT_BSTR   ? value.bstrVal ? value.bstrVal : L"(null)"
+                        : value.vt == VT_BOOL ? std::to_wstring(value.boolVal)
+                                              : std::to_wstring(value.lVal);
+    return std::to_wstring(value.vt) + L':' + (value.vt == VT_EMPTY ? L"" : text);
+}
+
+struct Status : testing::Test {
+    Status()
     {
         policy = {};
         RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano");
-        ASSERT_EQ(CVLKTPages::_CreateInstance(nullptr, __uuidof(IVLKTElementUI),
-                                              reinterpret_cast<void**>(m_element.put())),
-                  S_OK);
-        Query(m_security);
-        Query(m_disable);
+        void* out = nullptr;
+        EXPECT_EQ(CVLKTPages::_CreateInstance(nullptr, __uuidof(IVLKTPages), &out), S_OK);
+        pages = static_cast<CVLKTPages*>(static_cast<IVLKTPages*>(out));
     }
+    ~Status() override { static_cast<IVLKTPages*>(pages)->Release(); }
 
-    template <class Holder> void Query(Holder& holder)
-    {
-        ASSERT_EQ(m_element.get()->QueryInterface(__uuidof(**holder.put()),
-                                                  reinterpret_cast<void**>(holder.put())),
-                  S_OK);
-    }
-
-    std::wstring Text()
+    std::wstring statusAndText(HRESULT result = S_OK)
     {
         ULONG status = 99;
         CComBSTR text;
-        m_result = m_security.get()->GetStatus(&status, &text);
-        m_status = status;
-        return text.m_str ? text.m_str : L"(null)";
+        EXPECT_EQ(pages->GetStatus(&status, &text), result);
+        return std::to_wstring(status) + L' ' + (text.m_str ? text.m_str : L"(null)");
     }
 
-    LONG Level()
+    // notice gives the one element of property 103, as a host takes it out.
+    notice_t notice()
     {
         CComVariant value;
-        EXPECT_EQ(m_element.get()->GetProperty(100, &value), S_OK);
-        EXPECT_EQ(value.vt, VT_I4);
-        return value.lVal;
-    }
-
-    template <class Interface> struct reference {
-        using value_type = Interface*;
-        static Interface* empty() noexcept { return nullptr; }
-        static void close(Interface* object) noexcept { object->Release(); }
-    };
-
-    // Notice gives the one element of property 103, as a host takes it out.
-    CScoped<reference<IVLKTElementUI>> Notice()
-    {
-        CScoped<reference<IVLKTElementUI>> notice;
-        CComVariant value;
-        EXPECT_EQ(m_element.get()->GetProperty(103, &value), S_OK);
+        EXPECT_EQ(pages->GetProperty(103, &value), S_OK);
         EXPECT_EQ(value.vt, VT_ARRAY | VT_VARIANT);
         EXPECT_EQ(value.parray->cLocks, 0u);
         EXPECT_EQ(value.parray->rgsabound[0].cElements, 1u);
-        LONG index = 0;
-        CComVariant element;
-        EXPECT_EQ(SafeArrayGetElement(value.parray, &index, &element), S_OK);
-        EXPECT_EQ(element.vt, VT_UNKNOWN);
-        EXPECT_EQ(element.punkVal->QueryInterface(__uuidof(IVLKTElementUI),
-                                                  reinterpret_cast<void**>(notice.put())),
-                  S_OK);
-        return notice;
+        const auto* const element = static_cast<const VARIANT*>(value.parray->pvData);
+        EXPECT_EQ(element->vt, VT_UNKNOWN);
+        return counted(element->punkVal);
     }
 
-    CScoped<reference<IVLKTElementUI>> m_element;
-    CScoped<reference<IVLKSecurityStatus>> m_security;
-    CScoped<reference<IVLKTDisableApp>> m_disable;
-    HRESULT m_result = 0;
-    ULONG m_status = 0;
-    importPatch_t m_load{GetModuleHandleW(nullptr), "LoadLibraryW",
-                         reinterpret_cast<void*>(loadPolicy)};
-    importPatch_t m_proc{GetModuleHandleW(nullptr), "GetProcAddress",
-                         reinterpret_cast<void*>(policyFunction)};
-    importPatch_t m_shell{GetModuleHandleW(nullptr), "ShellExecuteW",
-                          reinterpret_cast<void*>(shellExecute)};
+    CVLKTPages* pages;
+    const HMODULE self = GetModuleHandleW(nullptr);
+    importPatch_t load{self, "LoadLibraryW", reinterpret_cast<void*>(loadPolicy)};
+    importPatch_t proc{self, "GetProcAddress", reinterpret_cast<void*>(policyFunction)};
+    importPatch_t shell{self, "ShellExecuteW", reinterpret_cast<void*>(shellExecute)};
 };
 
 } // namespace
 
 TEST_F(Status, PolicyDecidesBothStatuses)
 {
+    const lines_t none;
     const struct {
-        bool library, exports;
-        HRESULT result;
-        uint32_t status;
-        uint64_t value;
-        ULONG disableStatus;
+        policy_t policy;
+        ULONG status; // of IVLKTDisableApp
         bool disabled;
-        std::vector<std::wstring> lines; // of the disable status
+        lines_t lines;
     } cases[] = {
-        {false, true, 0, 0, 1, 0, false, {L"E -2147024770 GetGPOSettings[com]"}},
-        {true, false, 0, 0, 1, 0, false, {L"E -2147024769 GetGPOSettings[com]"}},
-        {true, true, E_ACCESSDENIED, 0, 1, 0, false, {L"E -2147024891 GetGPOSettings[com]"}},
-        {true, true, 0, notFound, 1, 0, false, {}},
-        {true, true, 0, 0, 0, 1, false, {}},
-        {true, true, 0, 0, 1, 3, true, {}},
-        {true, true, 0, 0, 0xFFFFFFFF00000000, 1, false, {}}, // the low half counts
-        {true, true, 0, 1, 0, 0, false, {}},
-        {true, true, 0, 1, 7, 2, true, {}},
-        {true, true, 0, 5, 1, 0, false, {}},
-        {true, true, 1, 0, 1, 3, true, {}}, // a result above 0 is no failure
+        {{false, true, 0, 0, 1}, 0, false, {L"E -2147024770 GetGPOSettings[com]"}},
+        {{true, false, 0, 0, 1}, 0, false, {L"E -2147024769 GetGPOSettings[com]"}},
+        {{true, true, E_ACCESSDENIED, 0, 1}, 0, false, {L"E -2147024891 GetGPOSettings[com]"}},
+        {{true, true, 0, 0x80070002, 1}, 0, false, none},
+        {{true, true, 0, 0, 0}, 1, false, none},
+        {{true, true, 0, 0, 1}, 3, true, none},
+        {{true, true, 0, 0, 0xFFFFFFFF00000000}, 1, false, none}, // the low half counts
+        {{true, true, 0, 1, 0}, 0, false, none},
+        {{true, true, 0, 1, 7}, 2, true, none},
+        {{true, true, 0, 5, 1}, 0, false, none},
+        {{true, true, 1, 0, 1}, 3, true, none}, // a result above 0 is no failure
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
-        policy = {c.library, c.exports, c.result, c.status, c.value, {}, 0};
+        policy = c.policy;
         traceRecorder_t trace;
         ULONG status = 99;
-        EXPECT_EQ(m_disable.get()->GetStatus(&status), S_OK);
-        EXPECT_EQ(status, c.disableStatus);
+        EXPECT_EQ(pages->GetStatus(&status), S_OK);
+        EXPECT_EQ(status, c.status);
         EXPECT_EQ(trace.messages(), c.lines);
-
-        EXPECT_EQ(Text(), c.disabled ? L"text 1029" : L"text 1054");
-        EXPECT_EQ(m_result, c.disabled ? E_NOTIMPL : S_OK);
-        EXPECT_EQ(m_status, 0u);
-        auto lines = trace.messages();
+        EXPECT_TRUE(!c.policy.library || function == "VLFPGetPolicySettingsEx");
+        EXPECT_EQ(policy.seen.status + policy.seen.valueSize + policy.seen.value, 0u);
         if (c.disabled) {
-            EXPECT_EQ(lines, std::vector<std::wstring>{L"E -2147467263 GetStatus[com]"});
+            EXPECT_EQ(statusAndText(E_NOTIMPL), L"0 text 1029");
+            EXPECT_EQ(trace.messages(), lines_t{L"E -2147467263 GetStatus[com]"});
+        } else {
+            EXPECT_EQ(statusAndText(), L"0 text 1054");
         }
-        EXPECT_EQ(Level(), 2); // disabled goes on as status 0
+        EXPECT_EQ(get(pages, 100), L"3:2"); // disabled goes on as status 0
     }
     policy = {};
-    EXPECT_EQ(m_disable.get()->GetStatus(nullptr), E_POINTER);
+    EXPECT_EQ(pages->GetStatus(nullptr), E_POINTER);
     EXPECT_EQ(policy.loads, 0);
-    Notice();
+    notice();
     EXPECT_EQ(policy.loads, 2); // explanation and level each ask anew
 }
 
-TEST_F(Status, CardValueGivesStatusTextAndLevel)
+TEST_F(Status, CardAndDismissalGiveStatusTextAndLevel)
 {
+    using data_t = std::vector<BYTE>;
+    const data_t one{1, 0, 0, 0}, longOne{1, 0, 0, 0, 0, 0, 0, 0};
     const struct {
-        DWORD type;
-        std::vector<BYTE> data;
-        ULONG status;
-        std::wstring text;
-        LONG level;
+        DWORD cardType;
+        data_t card;
+        DWORD dismissType;
+        data_t dismissed;
+        std::wstring statusAndText, level;
     } cases[] = {
-        {REG_NONE, {}, 0, L"text 1054", 2}, // missing
-        {REG_DWORD, {0, 0, 0, 0}, 0, L"text 1054", 2},
-        {REG_DWORD, {1, 0, 0, 0}, 2, L"text 1053", 1},
-        {REG_DWORD, {2, 0, 0, 0}, 1, L"text 1031", 3},
-        {REG_DWORD, {255, 255, 255, 255}, 1, L"text 1031", 3},
-        {REG_BINARY, {1, 0, 0, 0}, 2, L"text 1053", 1}, // any type of four bytes
-        {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}, 0, L"text 1054", 2},
+        {0, {}, 0, {}, L"0 text 1054", L"3:2"}, // missing
+        {4, one, 4, one, L"2 text 1053", L"3:1"},
+        {4, {2, 0, 0, 0}, 4, one, L"1 text 1031", L"3:3"},
+        {4, {255, 255, 255, 255}, 0, {}, L"1 text 1031", L"3:3"},
+        {3, one, 0, {}, L"2 text 1053", L"3:1"}, // any type of four bytes
+        {11, longOne, 0, {}, L"0 text 1054", L"3:2"},
+        {4, {0, 0, 0, 0}, 4, {9, 0, 0, 0}, L"0 text 1054", L"3:4"},
+        {0, {}, 4, {0, 0, 0, 0}, L"0 text 1054", L"3:2"},
+        {0, {}, 3, one, L"0 text 1054", L"3:2"}, // any other type counts as shown
+        {0, {}, 11, longOne, L"0 text 1054", L"3:2"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano");
-        if (c.type != REG_NONE)
-            setValue(cardKey, L"IDCard_SS", c.type, c.data);
-        EXPECT_EQ(Text(), c.text);
-        EXPECT_EQ(m_status, c.status);
-        EXPECT_EQ(Level(), c.level);
-        CComVariant explanation;
-        EXPECT_EQ(m_element.get()->GetProperty(101, &explanation), S_OK);
-        EXPECT_EQ(explanation.bstrVal, c.text);
+        if (c.cardType)
+            setValue(cardKey, L"IDCard_SS", c.cardType, c.card);
+        if (c.dismissType)
+            setValue(dismissKey, L"2", c.dismissType, c.dismissed);
+        EXPECT_EQ(statusAndText(), c.statusAndText);
+        EXPECT_EQ(get(pages, 100), c.level);
+        EXPECT_EQ(get(pages, 101), L"8:" + c.statusAndText.substr(2));
     }
 }
 
@@ -259,210 +235,151 @@ TEST_F(Status, DisablingWritesThePolicyAndForgetsTheCardEvenIfThatFails)
 {
     const struct {
         ULONG flag;
-        bool library, exports;
-        HRESULT result;
-        HRESULT status;
-        bool cardStays;
-        std::vector<std::wstring> lines;
+        policy_t policy;
+        uint32_t status;
+        std::wstring line; // comes twice; empty for none
     } cases[] = {
-        {0, true, true, 0, 0, true, {}},
-        {2, true, true, 0, 0, false, {}},
-        {0,
-         true,
-         true,
-         E_ACCESSDENIED,
-         E_ACCESSDENIED,
-         true,
-         {L"E -2147024891 ", L"E -2147024891 "}},
-        {1,
-         true,
-         true,
-         E_ACCESSDENIED,
-         E_ACCESSDENIED,
-         false,
-         {L"E -2147024891 ", L"E -2147024891 "}},
-        {1, false, true, 0, moduleNotFound, false, {L"E -2147024770 ", L"E -2147024770 "}},
-        {1, true, false, 0, procedureNotFound, false, {L"E -2147024769 ", L"E -2147024769 "}},
+        {0, {true, true}, 0, L""},
+        {2, {true, true}, 0, L""},
+        {0, {true, true, E_ACCESSDENIED}, 0x80070005, L"E -2147024891 "},
+        {1, {true, true, E_ACCESSDENIED}, 0x80070005, L"E -2147024891 "},
+        {1, {true, false}, 0x8007007F, L"E -2147024769 "},
+        {1, {false, true}, 0x8007007E, L"E -2147024770 "},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
-        policy = {c.library, c.exports, c.result, 0, 0, {}, 0};
+        policy = c.policy;
         setValue(cardKey, L"IDCard_SS", REG_DWORD, {1, 0, 0, 0});
         traceRecorder_t trace;
-        EXPECT_EQ(m_disable.get()->DisableLocal(c.flag), c.status);
-        EXPECT_EQ(trace.messages(), c.lines);
-        EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, cardKey, L"IDCard_SS", RRF_RT_ANY, nullptr,
-                               nullptr, nullptr) == ERROR_SUCCESS,
-                  c.cardStays);
-        if (c.library && c.exports) {
-            ASSERT_EQ(policy.written.size(), 1u);
-            EXPECT_EQ(policy.written[0].status, 0u);
-            EXPECT_EQ(policy.written[0].valueSize, 4u);
-            EXPECT_EQ(policy.written[0].value, c.flag);
-            EXPECT_EQ(policy.written[0].reserved, 0u);
-        }
+        EXPECT_EQ(pages->DisableLocal(c.flag), static_cast<HRESULT>(c.status));
+        EXPECT_EQ(trace.messages(), lines_t(c.line.empty() ? 0 : 2, c.line));
+        EXPECT_TRUE(!c.policy.library || function == "VLFPSetPolicySettingsEx");
+        EXPECT_EQ(policy.seen.status + policy.seen.reserved, 0u);
+        EXPECT_EQ(policy.seen.valueSize, policy.seen.name ? 4u : 0u);
+        EXPECT_EQ(policy.seen.value, policy.seen.name ? c.flag : 0u);
+        policy = {};
+        EXPECT_EQ(statusAndText().substr(0, 1), c.flag ? L"0" : L"2");
     }
     traceRecorder_t trace;
-    CScoped<reference<IVLKTTraySubscribe>> tray;
-    Query(tray);
-    EXPECT_EQ(tray.get()->Subscribe(), S_OK);
-    EXPECT_EQ(trace.messages(), std::vector<std::wstring>{L"U '`I04`'N/A"});
+    EXPECT_EQ(pages->Subscribe(), S_OK);
+    EXPECT_EQ(trace.messages(), lines_t{L"U '`I04`'N/A"});
 }
 
 TEST_F(Status, PropertiesOfThePlugin)
 {
-    const struct {
-        ULONG id;
-        VARTYPE type;
-        std::wstring text;
-    } cases[] = {
-        {1, VT_BSTR, L"name"},
-        {2, VT_BSTR, L",193"}, // no branding DLL here
-        {3, VT_BSTR, L"Password Manager"},
-        {4, VT_BSTR, L"description"},
-        {8, VT_UI4, L""},
+    const std::pair<ULONG, std::wstring> cases[] = {
+        {1, L"8:name"},
+        {2, L"8:,193"}, // no branding DLL here
+        {3, L"8:Password Manager"},
+        {4, L"8:description"},
+        {8, L"19:2"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.id);
-        CComVariant value(L"old");
-        EXPECT_EQ(m_element.get()->GetProperty(c.id, &value), S_OK);
-        ASSERT_EQ(value.vt, c.type);
-        if (c.type == VT_BSTR)
-            EXPECT_EQ(value.bstrVal, c.text);
-        else
-            EXPECT_EQ(value.ulVal, 2u);
-    }
-    for (const ULONG id : {0u, 5u, 6u, 7u, 9u, 99u, 102u, 104u, 0xFFFFFFFFu}) {
-        SCOPED_TRACE(id);
-        traceRecorder_t trace;
-        CComVariant value(L"old");
-        EXPECT_EQ(m_element.get()->GetProperty(id, &value), unknownProperty);
-        EXPECT_EQ(value.vt, VT_EMPTY); // cleared before the id is looked at
-        EXPECT_TRUE(trace.messages().empty());
-    }
+    for (const auto& [id, value] : cases)
+        EXPECT_EQ(get(pages, id), value);
     traceRecorder_t trace;
-    EXPECT_EQ(m_element.get()->GetProperty(1, nullptr), E_POINTER);
-    EXPECT_EQ(trace.messages(), std::vector<std::wstring>{L"E -2147467261 GetProperty[com]"});
+    for (const ULONG id : {0u, 5u, 6u, 7u, 9u, 99u, 102u, 104u, 0xFFFFFFFFu})
+        EXPECT_EQ(get(pages, id, unknownProperty), L"0:"); // cleared before the id is seen
+    EXPECT_EQ(trace.messages(), lines_t());
+    EXPECT_EQ(pages->GetProperty(1, nullptr), E_POINTER);
+    EXPECT_EQ(trace.messages(), lines_t{L"E -2147467261 GetProperty[com]"});
+
+    CComVariant value;
+    EXPECT_EQ(pages->GetInfo(0, &value), S_OK);
+    EXPECT_EQ(value.bstrVal, classText);
+    EXPECT_EQ(trace.messages(), lines_t{L"U 0 = " + classText + L"[8]"});
+    EXPECT_EQ(pages->GetInfo(1, &value), unknownProperty); // leaves value as it is
+    EXPECT_EQ(trace.messages(), (lines_t{L"U 1 = " + classText + L"[8]", L"E -2147023288 "}));
+    value.Clear();
+    EXPECT_EQ(pages->GetInfo(1, &value), unknownProperty);
+    EXPECT_EQ(trace.messages(), (lines_t{L"U 1 = [0]", L"E -2147023288 "}));
 }
 
-TEST_F(Status, InfoIsTheClassIdentifierAndSaysWhatItGave)
+TEST_F(Status, WithoutMemoryForATextEachOperationEndsInItsCatchAll)
 {
-    CScoped<reference<IVLKTPluginInfo>> info;
-    Query(info);
-    traceRecorder_t trace;
-    CComVariant value;
-    EXPECT_EQ(info.get()->GetInfo(0, &value), S_OK);
-    EXPECT_STREQ(value.bstrVal, L"{42F9948B-B690-4325-A073-63A8BF31FF32}");
-    EXPECT_EQ(trace.messages(),
-              std::vector<std::wstring>{L"U 0 = {42F9948B-B690-4325-A073-63A8BF31FF32}[8]"});
-    value.Clear();
-    value.vt = VT_I4;
-    value.lVal = 7;
-    EXPECT_EQ(info.get()->GetInfo(1, &value), unknownProperty);
-    EXPECT_EQ(value.lVal, 7); // untouched
-    EXPECT_EQ(trace.messages(), (std::vector<std::wstring>{L"U 1 = [3]", L"E -2147023288 "}));
+    const notice_t notice = counted(new CNotification(2, nullptr));
+    const importPatch_t patch(self, "SysAllocString", reinterpret_cast<void*>(noString));
+    const auto outcome = [](const auto& call) {
+        traceRecorder_t trace;
+        VARIANT value = {};
+        std::wstring text = tracecore::formatWide(L"%08x ", call(&value));
+        text += std::to_wstring(value.vt) + (value.byref ? L" payload" : L"");
+        for (const std::wstring& line : trace.messages())
+            text += L"|" + line;
+        return text;
+    };
+    // The type tag stays, without a payload.
+    EXPECT_EQ(outcome([&](VARIANT* value) { return pages->GetProperty(1, value); }),
+              L"80004005 8|E 0 GetPropertyoo");
+    EXPECT_EQ(outcome([&](VARIANT* value) { return pages->GetProperty(103, value); }),
+              L"80004005 8204|E 0 GetStatusoo|E 0 GetStatusoo|E 0 GetPropertyoo");
+    EXPECT_EQ(outcome([&](VARIANT* value) { return pages->GetInfo(0, value); }),
+              L"8000ffff 0|U 0 = [0]|E -2147418113 ");
+    EXPECT_EQ(outcome([&](VARIANT* value) { return notice->GetProperty(3, value); }),
+              L"8000ffff 0");
 }
 
 TEST_F(Status, ANotificationOffersWhatItsLevelAllows)
 {
     const struct {
         LONG level;
-        HRESULT shown, actions;
-        VARIANT_BOOL isShown;
+        HRESULT hasShown;
+        std::wstring shown;
+        HRESULT hasActions;
     } cases[] = {
-        {0, S_OK, notSupported, VARIANT_TRUE},  {1, notSupported, S_OK, 0},
-        {2, S_OK, S_OK, VARIANT_TRUE},          {3, S_OK, notSupported, VARIANT_TRUE},
-        {4, S_OK, notSupported, VARIANT_FALSE}, // asks no registry
+        {0, S_OK, L"11:-1", notSupported},
+        {1, notSupported, L"8:old", S_OK}, // a refused property leaves the old value
+        {2, S_OK, L"11:-1", S_OK},
+        {3, S_OK, L"11:-1", notSupported},
+        {4, S_OK, L"11:0", notSupported}, // asks no registry
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.level);
-        CScoped<reference<IVLKTElementUI>> notice(new CNotification(c.level, nullptr));
-        notice.get()->AddRef();
-        CComVariant value;
-        EXPECT_EQ(notice.get()->GetProperty(3, &value), S_OK);
-        EXPECT_STREQ(value.bstrVal, L"caption");
-        EXPECT_EQ(notice.get()->GetProperty(6, &value), c.shown);
-        if (c.shown == S_OK) {
-            EXPECT_EQ(value.vt, VT_BOOL);
-            EXPECT_EQ(value.boolVal, c.isShown);
-        } else {
-            EXPECT_EQ(value.vt, VT_BSTR); // a refused property leaves the old value
+        const notice_t notice = counted(new CNotification(c.level, nullptr));
+        EXPECT_EQ(get(notice.get(), 3), L"8:caption");
+        EXPECT_EQ(get(notice.get(), 6, c.hasShown), c.shown);
+        EXPECT_EQ(get(notice.get(), 100), L"3:" + std::to_wstring(c.level));
+        EXPECT_EQ(get(notice.get(), 101), L"8:(null)");
+        EXPECT_EQ(get(notice.get(), 7, unknownProperty), L"8:old");
+        EXPECT_EQ(notice->GetProperty(3, nullptr), E_POINTER);
+        EXPECT_EQ(notice->SetProperty(7, nullptr), unknownProperty);
+        CComVariant actions;
+        EXPECT_EQ(notice->GetProperty(9, &actions), c.hasActions);
+        if (c.hasActions == S_OK) {
+            EXPECT_EQ(static_cast<const VARIANT*>(actions.parray->pvData)->punkVal, notice.get());
         }
-        EXPECT_EQ(notice.get()->GetProperty(9, &value), c.actions);
-        if (c.actions == S_OK) {
-            LONG index = 0;
-            CComVariant self;
-            EXPECT_EQ(SafeArrayGetElement(value.parray, &index, &self), S_OK);
-            EXPECT_EQ(self.punkVal, notice.get());
-        }
-        EXPECT_EQ(notice.get()->GetProperty(100, &value), S_OK);
-        EXPECT_EQ(value.lVal, c.level);
-        EXPECT_EQ(notice.get()->GetProperty(101, &value), S_OK);
-        EXPECT_EQ(value.vt, VT_BSTR);
-        EXPECT_EQ(value.bstrVal, nullptr);
-        EXPECT_EQ(notice.get()->GetProperty(7, &value), unknownProperty);
-        EXPECT_EQ(notice.get()->GetProperty(3, nullptr), E_POINTER);
-        EXPECT_EQ(notice.get()->SetProperty(7, nullptr), unknownProperty);
+        actions.Clear();
         void* out = &out;
-        EXPECT_EQ(notice.get()->QueryInterface(IID_IDispatch, &out), E_NOINTERFACE);
+        EXPECT_EQ(notice->QueryInterface(IID_IDispatch, &out), E_NOINTERFACE);
         EXPECT_EQ(out, &out);
-        value.Clear();
-        EXPECT_EQ(notice.get()->AddRef(), 2u); // nothing was kept
-        notice.get()->Release();
+        EXPECT_EQ(notice->AddRef(), 2u); // nothing was kept
+        notice->Release();
     }
 }
 
-TEST_F(Status, DismissalTakesEffectAtTheNextLook)
+TEST_F(Status, ANotificationIsDismissedAndOpensTheConsole)
 {
-    auto notice = Notice();
     CComVariant flag;
     flag.vt = VT_BOOL;
-    flag.boolVal = VARIANT_FALSE;
-    EXPECT_EQ(notice.get()->SetProperty(2, &flag), S_OK);
-    CComVariant value;
-    EXPECT_EQ(notice.get()->GetProperty(6, &value), S_OK);
-    EXPECT_EQ(value.boolVal, VARIANT_FALSE);
-    EXPECT_EQ(Level(), 4);
+    const notice_t first = notice();
+    EXPECT_EQ(first->SetProperty(2, &flag), S_OK);
+    EXPECT_EQ(get(first.get(), 6), L"11:0");
+    EXPECT_EQ(get(pages, 100), L"3:4");
 
     // The level-4 notice can't undo it: it writes under its own level.
-    notice = Notice();
-    flag.boolVal = VARIANT_TRUE;
-    EXPECT_EQ(notice.get()->SetProperty(2, &flag), S_OK);
-    EXPECT_EQ(Level(), 4);
-    EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, dismissKey, L"4", RRF_RT_REG_DWORD, nullptr, nullptr,
-                           nullptr),
+    const notice_t second = notice();
+    flag.boolVal = 1; // anything but 0 is true
+    EXPECT_EQ(second->SetProperty(2, &flag), S_OK);
+    flag.vt = VT_I2; // not a boolean: changes nothing
+    flag.boolVal = 0;
+    EXPECT_EQ(second->SetProperty(2, &flag), S_OK);
+    EXPECT_EQ(second->SetProperty(2, nullptr), S_OK);
+    EXPECT_EQ(get(second.get(), 6), L"11:-1");
+    EXPECT_EQ(get(pages, 100), L"3:4");
+    EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, dismissKey.c_str(), L"4", RRF_RT_REG_DWORD, nullptr,
+                           nullptr, nullptr),
               ERROR_SUCCESS);
-
-    flag.vt = VT_I4; // not a boolean: changes nothing
-    EXPECT_EQ(notice.get()->SetProperty(2, &flag), S_OK);
-    EXPECT_EQ(notice.get()->SetProperty(2, nullptr), S_OK);
-    EXPECT_EQ(notice.get()->GetProperty(6, &value), S_OK);
-    EXPECT_EQ(value.boolVal, VARIANT_TRUE);
-
-    const struct {
-        DWORD type;
-        std::vector<BYTE> data;
-        LONG level;
-    } cases[] = {
-        {REG_DWORD, {1, 0, 0, 0}, 4},
-        {REG_DWORD, {9, 0, 0, 0}, 4},
-        {REG_DWORD, {0, 0, 0, 0}, 2},
-        {REG_BINARY, {1, 0, 0, 0}, 2}, // any other type counts as shown
-        {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}, 2},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        setValue(dismissKey, L"2", c.type, c.data);
-        EXPECT_EQ(Level(), c.level);
-    }
-}
-
-TEST_F(Status, TheConsoleIsStartedForThisPlugin)
-{
-    const std::wstring folder = L"C:\\bin";
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Applications", L"BinDir", REG_SZ,
-                    folder.c_str(), static_cast<DWORD>((folder.size() + 1) * 2));
-    EXPECT_EQ(Notice().get()->SetProperty(100, nullptr), S_OK);
-    EXPECT_EQ(started, (std::vector<std::wstring>{L"C:\\bin\\VLUserConsole.exe",
-                                                  L"{42F9948B-B690-4325-A073-63A8BF31FF32}:0:0"}));
+                    L"C:\\bin", 14);
+    EXPECT_EQ(second->SetProperty(100, nullptr), S_OK);
+    EXPECT_EQ(started, L"C:\\bin\\VLUserConsole.exe " + classText + L":0:0");
 }

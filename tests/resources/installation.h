@@ -23,62 +23,48 @@ inline fs::path builtFile(const std::wstring& name)
 
 inline std::string fileContents(const fs::path& path)
 {
-    std::ifstream file(path, std::ios::binary);
     std::string contents(fs::file_size(path), '\0');
-    file.read(contents.data(), static_cast<std::streamsize>(contents.size()));
+    std::ifstream(path, std::ios::binary)
+        .read(contents.data(), static_cast<std::streamsize>(contents.size()));
     return contents;
 }
 
-// testFolder_t is a folder of its own for the life of the object.
-class testFolder_t
+inline CLoadedModule loadAsData(const fs::path& path)
 {
-public:
-    testFolder_t()
-    {
-        static int count = 0;
-        const auto name =
-            L"vl" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count);
-        path = fs::temp_directory_path() / name;
-        fs::create_directories(path);
-    }
-    ~testFolder_t()
-    {
-        // Not remove_all: it tries for ever when a file is still mapped.
-        std::error_code ignored;
-        std::vector<fs::path> contents(1, path);
-        for (const auto& entry : fs::recursive_directory_iterator(path, ignored))
-            contents.push_back(entry.path());
-        for (; !contents.empty(); contents.pop_back())
-            fs::remove(contents.back(), ignored);
-    }
-    testFolder_t(const testFolder_t&) = delete;
-    testFolder_t& operator=(const testFolder_t&) = delete;
+    return CLoadedModule(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+}
 
-    fs::path path;
-};
+// newFolder makes a folder of its own; it goes with the test program's prefix.
+inline fs::path newFolder()
+{
+    static int count = 0;
+    const fs::path path = fs::temp_directory_path() / (std::to_wstring(GetCurrentProcessId()) +
+                                                       L"-" + std::to_wstring(++count));
+    fs::create_directories(path);
+    return path;
+}
 
 // installation_t is the DLL's resources under the DLL's name, loaded, and the language files that a test puts beside
 // it, all of them as they were built.
 struct installation_t {
     installation_t()
     {
-        fs::copy_file(builtFile(L"resources_test/VLOnlineIDs.dll"), dllPath());
-        dll.reset(LoadLibraryW(dllPath().c_str()));
+        fs::copy_file(builtFile(L"resources_test/VLOnlineIDs.dll"), dllPath);
+        dll.reset(LoadLibraryW(dllPath.c_str()));
         EXPECT_TRUE(dll);
     }
-
-    fs::path dllPath() const { return folder.path / L"VLOnlineIDs.dll"; }
 
     // install puts the built file of a language into a folder, and gives its path there.
     fs::path install(const std::wstring& into, const std::wstring& language) const
     {
-        const fs::path path = folder.path / into / L"VLOnlineIDs.dll.mui";
+        const fs::path path = folder / into / L"VLOnlineIDs.dll.mui";
         fs::create_directories(path.parent_path());
         fs::copy_file(builtFile(language + L"/VLOnlineIDs.dll.mui"), path);
         return path;
     }
 
-    testFolder_t folder;
+    const fs::path folder = newFolder();
+    const fs::path dllPath = folder / L"VLOnlineIDs.dll";
     CLoadedModule dll;
 };
 
@@ -90,14 +76,13 @@ public:
     {
         languages[0] = user;
         languages[1] = system;
-        EXPECT_TRUE(m_user.found() && m_system.found());
     }
 
 private:
+    template <size_t which> static LANGID WINAPI language() { return languages[which]; }
     inline static LANGID languages[2];
-    static LANGID WINAPI user() { return languages[0]; }
-    static LANGID WINAPI system() { return languages[1]; }
     const HMODULE m_self = GetModuleHandleW(nullptr);
-    importPatch_t m_user{m_self, "GetUserDefaultUILanguage", reinterpret_cast<void*>(&user)};
-    importPatch_t m_system{m_self, "GetSystemDefaultUILanguage", reinterpret_cast<void*>(&system)};
+    importPatch_t m_user{m_self, "GetUserDefaultUILanguage", reinterpret_cast<void*>(&language<0>)};
+    importPatch_t m_system{m_self, "GetSystemDefaultUILanguage",
+                           reinterpret_cast<void*>(&language<1>)};
 };

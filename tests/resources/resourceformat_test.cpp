@@ -2,7 +2,6 @@
 #include "resources/stringblock.h"
 #include "sampleimage.h"
 
-#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -12,70 +11,52 @@ namespace {
 using bytes = std::vector<uint8_t>;
 
 // A block with these texts from index 0 on, and entries of length 0 behind them.
-bytes stringBlock(const std::vector<std::u16string>& texts)
+bytes stringBlock(std::vector<std::u16string> texts)
 {
     bytes block;
-    const auto append = [&block](char16_t unit) {
-        block.push_back(static_cast<uint8_t>(unit));
-        block.push_back(static_cast<uint8_t>(unit >> 8));
-    };
-    for (size_t i = 0; i < stringsPerBlock; ++i) {
-        const std::u16string text = i < texts.size() ? texts[i] : std::u16string();
-        append(static_cast<char16_t>(text.size()));
+    texts.resize(stringsPerBlock);
+    for (const std::u16string& text : texts) {
+        block.resize(block.size() + 2);
+        put(block, block.size() - 2, static_cast<uint32_t>(text.size()), 2);
         for (const char16_t unit : text)
-            append(unit);
+            block.insert(block.end(),
+                         {static_cast<uint8_t>(unit), static_cast<uint8_t>(unit >> 8)});
     }
     return block;
 }
 
-bytes muiData(uint8_t service, uint8_t content, size_t size = 132)
+bytes muiData(size_t size = 132)
 {
-    bytes data(132);
-    put(data, 0, 0xFECDFECD, 4);
-    std::fill_n(data.begin() + 28, 16, service);
-    std::fill_n(data.begin() + 44, 16, content);
-    data.resize(size);
+    bytes data(size);
+    put(data, 0, size ? 0xFECDFECD : 0, size ? 4 : 0);
     return data;
 }
 
-muiFile_t read(const std::vector<sampleResource_t>& resources)
+bytes cut(const bytes& whole, size_t size)
 {
-    return readMuiFile(sampleImage(resources));
+    return bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
 }
 
 } // namespace
 
-TEST(StringBlock, FindsTheWantedEntryAndPassesOverEmptyOnes)
+// Each cut is a block of its own size on the heap, so that a read behind it is noticed.
+TEST(StringBlock, FindsTheWantedEntryIfTheBlockReachesThere)
 {
     const std::u16string withZero(u"a\0b", 3);
-    const bytes block = stringBlock({u"first", u"", withZero, u"\u5bc6\u78bc"});
-    const bytes last = stringBlock(
-        {u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"", u"last"});
-    const struct {
-        const bytes& block;
-        unsigned index;
-        std::optional<std::u16string> text;
-    } cases[] = {
-        {block, 0, u"first"},        {block, 1, std::nullopt}, {block, 2, withZero},
-        {block, 3, u"\u5bc6\u78bc"}, {block, 4, std::nullopt}, {block, 15, std::nullopt},
-        {block, 16, std::nullopt},   {last, 15, u"last"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.index);
-        EXPECT_EQ(findInStringBlock(c.block, c.index), c.text);
+    std::vector<std::u16string> texts{u"first", u"", withZero, u"\u5bc6\u78bc"};
+    texts.resize(stringsPerBlock);
+    texts.back() = u"last";
+    const bytes whole = stringBlock(texts);
+    for (unsigned index = 0; index <= stringsPerBlock; ++index) {
+        const bool there = index < stringsPerBlock && !texts[index].empty();
+        EXPECT_EQ(findInStringBlock(whole, index),
+                  there ? std::optional(texts[index]) : std::nullopt)
+            << index;
     }
-}
-
-// Each cut is a block of its own size on the heap, so that a read behind it is noticed.
-TEST(StringBlock, EndsWithATruncatedBlock)
-{
-    const bytes whole = stringBlock({u"one", u"two", u"three"});
     for (size_t size = 0; size <= whole.size(); ++size) {
-        SCOPED_TRACE(size);
-        const bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
-        EXPECT_EQ(findInStringBlock(cut, 0).has_value(), size >= 8);
-        EXPECT_EQ(findInStringBlock(cut, 2).has_value(), size >= 28);
-        EXPECT_EQ(stringBlockIsWhole(cut), size == whole.size());
+        EXPECT_EQ(findInStringBlock(cut(whole, size), 0).has_value(), size >= 12) << size;
+        EXPECT_EQ(findInStringBlock(cut(whole, size), 2).has_value(), size >= 22) << size;
+        EXPECT_EQ(stringBlockIsWhole(cut(whole, size)), size == whole.size());
     }
     EXPECT_FALSE(findInStringBlock(bytes(32, 0xFF), 0)); // claims 65535 units
 }
@@ -86,71 +67,58 @@ TEST(MuiFile, TellsWhatAFileIs)
     const struct {
         const char* what;
         std::vector<sampleResource_t> resources;
-        bool sound, divided, described;
+        const char* file;
     } cases[] = {
-        {"no resource", {}, true, false, false},
-        {"strings of its own", {{6, 65, block}}, true, false, false},
-        {"language file", {{0, 1, muiData(1, 2)}, {6, 65, block}}, true, true, true},
-        {"up to the last checksum", {{0, 1, muiData(1, 2, 60)}}, true, true, true},
-        {"last checksum cut", {{0, 1, muiData(1, 2, 59)}}, true, true, false},
-        {"empty data", {{0, 1, {}}, {6, 65, block}}, true, true, false},
-        {"other magic", {{0, 1, bytes(132)}}, true, true, false},
-        {"MUI by another number", {{0, 2, muiData(1, 2)}}, true, false, false},
-        {"string block cut", {{0, 1, muiData(1, 2)}, {6, 65, {4, 0, 'a', 0}}}, false, false, false},
+        {"no resource", {}, "sound"},
+        {"strings of its own", {{6, 65, block}}, "sound"},
+        {"language file", {{0, 1, muiData()}, {6, 65, block}}, "sound divided described"},
+        {"up to the last checksum", {{0, 1, muiData(60)}}, "sound divided described"},
+        {"last checksum cut", {{0, 1, muiData(59)}}, "sound divided"},
+        {"empty data", {{0, 1, {}}, {6, 65, block}}, "sound divided"},
+        {"other magic", {{0, 1, bytes(132)}}, "sound divided"},
+        {"MUI by another number", {{0, 2, muiData()}}, "sound"},
+        {"string block cut", {{0, 1, muiData()}, {6, 65, {4, 0, 'a', 0}}}, ""},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const muiFile_t file = read(c.resources);
-        EXPECT_EQ(file.sound, c.sound);
-        EXPECT_EQ(file.divided, c.divided);
-        EXPECT_EQ(file.described, c.described);
+        const muiFile_t file = readMuiFile(sampleImage(c.resources));
+        EXPECT_EQ(std::string(file.sound ? "sound" : "") + (file.divided ? " divided" : "") +
+                      (file.described ? " described" : ""),
+                  c.file)
+            << c.what;
     }
 }
 
-TEST(MuiFile, IsUnsoundAtEveryLengthButItsOwn)
+TEST(MuiFile, IsUnsoundWhenCutOrForged)
 {
-    const bytes whole = sampleImage({{0, 1, muiData(1, 2)}, {6, 65, stringBlock({u"text"})}});
+    const bytes whole = sampleImage({{0, 1, muiData()}, {6, 65, stringBlock({u"text"})}});
     ASSERT_TRUE(readMuiFile(whole).described);
-    for (size_t size = 0; size < whole.size(); ++size) {
-        const bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
-        ASSERT_FALSE(readMuiFile(cut).sound) << size;
-    }
-}
-
-TEST(MuiFile, ForgedPlacesMakeItUnsound)
-{
+    for (size_t size = 0; size < whole.size(); ++size)
+        ASSERT_FALSE(readMuiFile(cut(whole, size)).sound) << size;
     constexpr size_t firstType = sampleRoot + 16;
-    constexpr size_t firstName = sampleRoot + 16 + 8 + 8; // behind one entry and the name MUI
+    constexpr size_t firstName = firstType + 16 + 8; // behind two entries and the name MUI
     const struct {
-        const char* what;
         size_t offset;
         uint32_t value;
-        unsigned width;
     } cases[] = {
-        {"new header far away", 0x3C, 0xFFFFFFF0, 4},
-        {"kind of image", sampleOptionalHeader, 0x107, 2},
-        {"optional header too short", 0x40 + 20, 100, 2},
-        {"more sections than there are", 0x40 + 6, 0xFFFF, 2},
-        {"resources in the headers", sampleResourceEntry, 0x80, 4},
-        {"resources outside every section", sampleResourceEntry, 0x9000, 4},
-        {"section data behind the file", sampleSectionHeader + 20, 0xFFFFFF00, 4},
-        {"section larger than the file", sampleSectionHeader + 16, 0x7FFFFFFF, 4},
-        {"entries behind the section", sampleRoot + 14, 0xFFFF, 2},
-        {"type name behind the section", firstType, 0xFFFFFFF0, 4},
-        {"type without names", firstType + 4, 0x10, 4},
-        {"type that is its own name", firstType + 4, 0x80000000, 4},
-        {"names behind the section", firstType + 4, 0xFFFFFFF0, 4},
-        {"language that is a folder", firstName + 24 + 20, 0x80000000, 4},
-        {"data entry behind the section", firstName + 24 + 20, 0x7FFFFFF0, 4},
-        {"data outside every section", firstName + 48, 0x9000, 4},
-        {"data longer than the section", firstName + 52, 0xFFFFFFFF, 4},
+        {0x3C, 0xFFFFFFF0},                     // new header far away
+        {sampleOptionalHeader, 0x107},          // kind of image
+        {sampleResourceEntry, 0x80},            // resources in the headers
+        {sampleResourceEntry, 0x9000},          // resources outside every section
+        {sampleSectionHeader + 20, 0xFFFFFF00}, // section data behind the file
+        {sampleSectionHeader + 16, 0x7FFFFFFF}, // section larger than the file
+        {sampleRoot + 12, 0xFFFF0000},          // entries behind the section
+        {firstType, 0xFFFFFFF0},                // type name behind the section
+        {firstType + 4, 0x10},                  // type without names
+        {firstType + 4, 0x80000000},            // type that is its own name
+        {firstName + 24 + 20, 0x80000000},      // language that is a folder
+        {firstName + 24 + 20, 0x7FFFFFF0},      // data entry behind the section
+        {firstName + 48, 0x9000},               // data outside every section
+        {firstName + 52, 0xFFFFFFFF},           // data longer than the section
     };
-    const bytes whole = sampleImage({{0, 1, muiData(1, 2)}});
-    ASSERT_TRUE(readMuiFile(whole).described);
     for (const auto& c : cases) {
         bytes forged = whole;
-        put(forged, c.offset, c.value, c.width);
-        EXPECT_FALSE(readMuiFile(forged).sound) << c.what;
+        put(forged, c.offset, c.value, 4);
+        EXPECT_FALSE(readMuiFile(forged).sound) << &c - cases;
     }
 }
 

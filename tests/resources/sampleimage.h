@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 struct sampleResource_t {
@@ -60,20 +61,24 @@ inline std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& res
     const std::vector<uint8_t> section = sampleResourceSection(resources);
     const auto size = static_cast<uint32_t>(section.size());
     std::vector<uint8_t> file(sampleRoot);
-    put(file, 0, 0x5A4D, 2);
-    put(file, 0x3C, 0x40, 4);
-    put(file, 0x40, 0x4550, 4);
-    put(file, 0x40 + 6, 1, 2);    // sections
-    put(file, 0x40 + 20, 240, 2); // size of the optional header
-    put(file, sampleOptionalHeader, 0x20B, 2);
-    put(file, sampleOptionalHeader + 60, sampleRoot, 4); // size of the headers
-    put(file, sampleOptionalHeader + 108, 16, 4);
-    put(file, sampleResourceEntry, sampleRootAddress, 4);
-    put(file, sampleResourceEntry + 4, size, 4);
-    put(file, sampleSectionHeader + 8, size, 4);
-    put(file, sampleSectionHeader + 12, sampleRootAddress, 4);
-    put(file, sampleSectionHeader + 16, size, 4);
-    put(file, sampleSectionHeader + 20, sampleRoot, 4);
+    const std::pair<size_t, uint32_t> fields[] = {
+        {0, 0x5A4D},
+        {0x3C, 0x40},
+        {0x40, 0x4550},
+        {0x40 + 6, 1},
+        {0x40 + 20, 240}, // sections, size of the optional header
+        {sampleOptionalHeader, 0x20B},
+        {sampleOptionalHeader + 60, sampleRoot},
+        {sampleOptionalHeader + 108, 16}, // headers, directories
+        {sampleResourceEntry, sampleRootAddress},
+        {sampleResourceEntry + 4, size},
+        {sampleSectionHeader + 8, size},
+        {sampleSectionHeader + 12, sampleRootAddress},
+        {sampleSectionHeader + 16, size},
+        {sampleSectionHeader + 20, sampleRoot},
+    };
+    for (const auto& [offset, value] : fields)
+        put(file, offset, value, 4);
     file.insert(file.end(), section.begin(), section.end());
     return file;
 }

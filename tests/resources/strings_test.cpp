@@ -4,48 +4,38 @@
 
 namespace {
 
-// stringFile_t is a copy of the branding DLL with a string block 65 of a test's own, loaded as a data file.
-struct stringFile_t {
-    explicit stringFile_t(std::wstring entries)
-    {
-        const fs::path path = folder.path / L"strings.dll";
-        fs::copy_file(builtFile(L"Branding.dll"), path);
-        const HANDLE update = BeginUpdateResourceW(path.c_str(), FALSE);
-        UpdateResourceW(update, MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(65), 0, entries.data(),
-                        static_cast<DWORD>(entries.size() * 2));
-        EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
-        module.reset(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-    }
-
-    testFolder_t folder;
-    CLoadedModule module;
-};
-
-// entries builds a block from texts; those that follow are empty.
-std::wstring entries(std::vector<std::wstring> texts)
+// stringFile makes a copy of the branding DLL with a string block 65 of a test's own, loaded as a data file.
+CLoadedModule stringFile(std::vector<std::wstring> texts)
 {
     std::wstring block;
     texts.resize(16);
     for (const std::wstring& text : texts)
         block += static_cast<wchar_t>(text.size()) + text;
-    return block;
+    const fs::path path = newFolder() / L"strings.dll";
+    fs::copy_file(builtFile(L"Branding.dll"), path);
+    const HANDLE update = BeginUpdateResourceW(path.c_str(), FALSE);
+    UpdateResourceW(update, MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(65), 0, block.data(),
+                    static_cast<DWORD>(block.size() * 2));
+    EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
+    return loadAsData(path);
 }
 
-using lookUp_t = std::vector<uintptr_t>; // type, name and, for FindResourceExW, language
-std::vector<lookUp_t> lookUps;
+std::vector<uintptr_t> lookUps; // type, name and, for FindResourceExW, language
 std::wstring productName;
 decltype(&LoadStringW) loadString;
 
 HRSRC WINAPI noResourceEx(HMODULE, LPCWSTR type, LPCWSTR name, WORD language)
 {
-    lookUps.push_back(
-        {reinterpret_cast<uintptr_t>(type), reinterpret_cast<uintptr_t>(name), language});
+    for (const auto part : {reinterpret_cast<uintptr_t>(type), reinterpret_cast<uintptr_t>(name)})
+        lookUps.push_back(part);
+    lookUps.push_back(language);
     return nullptr;
 }
 
 HRSRC WINAPI noResource(HMODULE, LPCWSTR name, LPCWSTR type)
 {
-    lookUps.push_back({reinterpret_cast<uintptr_t>(type), reinterpret_cast<uintptr_t>(name)});
+    for (const auto part : {reinterpret_cast<uintptr_t>(type), reinterpret_cast<uintptr_t>(name)})
+        lookUps.push_back(part);
     return nullptr;
 }
 
@@ -53,8 +43,7 @@ int WINAPI namingLoadString(HINSTANCE module, UINT id, LPWSTR buffer, int size)
 {
     if (id != IDS_PRODUCT_NAME)
         return loadString(module, id, buffer, size);
-    productName.copy(buffer, productName.size());
-    return static_cast<int>(productName.size());
+    return static_cast<int>(productName.copy(buffer, productName.size()));
 }
 
 } // namespace
@@ -62,7 +51,7 @@ int WINAPI namingLoadString(HINSTANCE module, UINT id, LPWSTR buffer, int size)
 TEST(ResourceString, IsReadFromItsBlock)
 {
     const std::wstring longText(300, L'x');
-    const stringFile_t file(entries({L"first", L"", std::wstring(L"a\0b", 3), longText}));
+    const CLoadedModule file = stringFile({L"first", L"", std::wstring(L"a\0b", 3), longText});
     const struct {
         UINT id;
         int length;
@@ -74,7 +63,7 @@ TEST(ResourceString, IsReadFromItsBlock)
     for (const auto& c : cases) {
         SCOPED_TRACE(c.id);
         std::wstring text = L"before";
-        EXPECT_EQ(LoadStringFromModule(file.module.get(), c.id, text), c.length);
+        EXPECT_EQ(LoadStringFromModule(file.get(), c.id, text), c.length);
         EXPECT_EQ(text, c.text);
     }
 }
@@ -82,17 +71,16 @@ TEST(ResourceString, IsReadFromItsBlock)
 TEST(ResourceString, LookUpsGoInOrderAndThenThePlatformIsAsked)
 {
     const uiLanguages_t languages(0x0C07);
-    const stringFile_t file(entries({std::wstring(300, L'x'), L"second"}));
+    const CLoadedModule file = stringFile({std::wstring(300, L'x'), L"second"});
     const HMODULE self = GetModuleHandleW(nullptr);
     const importPatch_t findEx(self, "FindResourceExW", reinterpret_cast<void*>(&noResourceEx));
     const importPatch_t find(self, "FindResourceW", reinterpret_cast<void*>(&noResource));
-    lookUps.clear();
     std::wstring text;
-    EXPECT_EQ(LoadStringFromModule(file.module.get(), 1025, text), 6);
+    EXPECT_EQ(LoadStringFromModule(file.get(), 1025, text), 6);
     EXPECT_EQ(text, L"second");
     // Name and type have changed places in the last one.
-    EXPECT_EQ(lookUps, (std::vector<lookUp_t>{{6, 65, 0}, {6, 65, 7}, {65, 6}}));
-    EXPECT_EQ(LoadStringFromModule(file.module.get(), 1024, text), 259);
+    EXPECT_EQ(lookUps, (std::vector<uintptr_t>{6, 65, 0, 6, 65, 7, 65, 6}));
+    EXPECT_EQ(LoadStringFromModule(file.get(), 1024, text), 259);
     EXPECT_EQ(text, std::wstring(259, L'x'));
 }
 

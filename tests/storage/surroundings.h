@@ -2,7 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <vector>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -12,74 +12,68 @@
 #include "support/patchimport.h"
 #include "support/tracerecorder.h"
 
-using texts = std::vector<std::wstring>;
+constexpr wchar_t applications[] = LR"(SOFTWARE\Veltrano\Applications)";
 
-// IN_FRESH_PROCESS runs a block in a new process of this program, where nothing has been remembered
-// yet: the test runs there again up to this place.
-template <class Body> [[noreturn]] void checkAndExit(const Body& body)
+// setValue writes a value into the registry, of the text with its end or of its first bytes.
+inline void setValue(HKEY root, const std::wstring& key, const wchar_t* name,
+                     const std::wstring& text, DWORD type = REG_SZ, DWORD bytes = 0)
 {
-    body();
-    std::exit(testing::Test::HasFailure() ? 1 : 0);
+    const auto whole = static_cast<DWORD>(text.size() * 2 + 2);
+    RegSetKeyValueW(root, key.c_str(), name, type, text.c_str(), bytes ? bytes : whole);
 }
-#define IN_FRESH_PROCESS(...)                                                                      \
-    EXPECT_EXIT(checkAndExit([&] __VA_ARGS__), testing::ExitedWithCode(0), "")
-
-// environment_t sets or (null) removes a variable for the life of the object.
-struct environment_t {
-    environment_t(const wchar_t* variable, const wchar_t* value)
-        : name(variable), old(envvalue(variable))
-    {
-        SetEnvironmentVariableW(name, value);
-    }
-    ~environment_t() { SetEnvironmentVariableW(name, old.empty() ? nullptr : old.c_str()); }
-    const wchar_t* name;
-    const std::wstring old;
-};
-
-// catchCalls puts a function in the place of one that this program imports.
-template <class Function> importPatch_t catchCalls(const char* name, Function* function)
-{
-    return importPatch_t(GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(function));
-}
-
-// scratchFolder makes an empty folder of its own, with a trailing separator.
-inline std::wstring scratchFolder()
-{
-    static int count = 0;
-    const std::wstring folder = envvalue(L"TEMP") + L"\\storage" + std::to_wstring(++count) + L"\\";
-    std::filesystem::remove_all(folder);
-    EXPECT_TRUE(makedirs(folder));
-    return folder;
-}
-
-constexpr REGSAM narrow = KEY_WOW64_32KEY; // the 32-bit view
 
 inline void writeFile(const std::wstring& name, std::string_view bytes)
 {
     std::ofstream(std::filesystem::path(name), std::ios::binary) << bytes;
 }
 
-// setValue writes any bytes of any type into a view of the registry. A byte that is not zero stands
-// behind them, so that no terminator is added.
-inline void setValue(HKEY root, const wchar_t* key, const wchar_t* name, DWORD type,
-                     const std::string& bytes, REGSAM view = KEY_WOW64_64KEY)
+template <class Error, auto... code> HANDLE raise()
 {
-    CRegistryKey opened;
-    RegCreateKeyExW(root, key, 0, nullptr, 0, KEY_WRITE | view, nullptr, opened.put(), nullptr);
-    RegSetValueExW(opened.get(), name, 0, type, reinterpret_cast<const BYTE*>((bytes + "X").data()),
-                   static_cast<DWORD>(bytes.size()));
+    throw Error(code...);
 }
 
-// bytesOf gives a text's bytes with its terminator.
-inline std::string bytesOf(const std::wstring& text)
+inline std::wstring noted; // the paths of the calls that notePath caught, a bar behind each
+
+template <INT_PTR result, DWORD error> INT_PTR notePath(const wchar_t* path)
 {
-    return std::string(reinterpret_cast<const char*>(text.c_str()), text.size() * 2 + 2);
+    noted += path + std::wstring(L"|");
+    SetLastError(error);
+    return result;
 }
 
-// clearRegistry removes what the installation and its user have, in both views.
-inline void clearRegistry()
+// Surroundings is a machine on which nothing is installed, with an empty folder for the test.
+class Surroundings : public testing::Test
 {
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano)");
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Wow6432Node\Veltrano)");
-    RegDeleteTreeW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano)");
-}
+protected:
+    Surroundings()
+    {
+        if (testing::internal::InDeathTestChild()) // finds what its test has done before
+            return;
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano)");
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Wow6432Node\Veltrano)"); // 32-bit view
+        RegDeleteTreeW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano)");
+        SetEnvironmentVariableW(L"APPDATA", LR"(C:\A\R)");
+        SetEnvironmentVariableW(L"LOCALAPPDATA", LR"(C:\A\L)");
+        EXPECT_TRUE(makedirs(m_root));
+        noted.clear();
+    }
+
+    // traced gives the messages since it was last asked, with a bar behind each.
+    std::wstring traced()
+    {
+        std::wstring all;
+        for (const std::wstring& message : m_traces.messages())
+            all += message + L"|";
+        return all;
+    }
+
+    inline static int s_roots = 0;
+    const std::wstring m_root =
+        lowerpath(envvalue(L"TEMP")) + L"\\storage" + std::to_wstring(++s_roots) + L"\\";
+    traceRecorder_t m_traces;
+};
+
+// IN_FRESH_PROCESS runs a block in a new process of this program, where nothing has been remembered
+// yet: the test runs there again up to this place.
+#define IN_FRESH_PROCESS(...)                                                                      \
+    EXPECT_EXIT(([&] __VA_ARGS__(), std::exit(HasFailure())), testing::ExitedWithCode(0), "")

@@ -12,6 +12,12 @@ class importPatch_t
 {
 public:
     importPatch_t(HMODULE module, const char* function, void* replacement);
+    // Of the test program itself. The replacement may have fewer parameters than the function: the
+    // calling convention allows that.
+    template <class Function>
+    importPatch_t(const char* function, Function* replacement)
+        : importPatch_t(GetModuleHandleW(nullptr), function, reinterpret_cast<void*>(replacement))
+    {}
     ~importPatch_t();
     importPatch_t(const importPatch_t&) = delete;
     importPatch_t& operator=(const importPatch_t&) = delete;
