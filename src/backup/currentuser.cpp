@@ -14,8 +14,7 @@ class CThreadIdentity
 public:
     CThreadIdentity() noexcept
     {
-        if (!OpenThreadToken(GetCurrentThread(), MAXIMUM_ALLOWED, TRUE, m_saved.put()))
-            m_saved.reset();
+        OpenThreadToken(GetCurrentThread(), MAXIMUM_ALLOWED, TRUE, m_saved.put());
     }
     CThreadIdentity(const CThreadIdentity&) = delete;
     CThreadIdentity& operator=(const CThreadIdentity&) = delete;
@@ -72,7 +71,8 @@ CCurrentUser::CCurrentUser()
 {
     const CKernelHandle token = OpenUserToken();
     DWORD size = 0;
-    if (!GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size) && size == 0)
+    GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+    if (size == 0)
         raiseIfError(GetLastError());
     // Zeroed, so that a call which fails without an error leaves no identifier.
     const auto information = NewBytes(std::max<size_t>(size, sizeof(TOKEN_USER)));
@@ -92,14 +92,16 @@ const std::wstring& CCurrentUser::Qualified()
 {
     DWORD accountSize = 0;
     DWORD domainSize = 0;
-    LookupAccountSidW(nullptr, m_sid.get(), nullptr, &accountSize, nullptr, &domainSize, &m_use);
+    SID_NAME_USE use = SidTypeUnknown;
+    LookupAccountSidW(nullptr, m_sid.get(), nullptr, &accountSize, nullptr, &domainSize, &use);
     std::wstring account(accountSize, L'\0');
     std::wstring domain(domainSize, L'\0');
     if (LookupAccountSidW(nullptr, m_sid.get(), account.data(), &accountSize, domain.data(),
-                          &domainSize, &m_use)) {
+                          &domainSize, &use)) {
         m_account = account.c_str();
         m_domain = domain.c_str();
         m_qualified = m_domain + L'\\' + m_account;
+        m_use = use;
     }
     return m_qualified;
 }

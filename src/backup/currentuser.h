@@ -5,19 +5,17 @@
 
 #include <windows.h>
 
-// CCurrentUser is the user in whose name the calling thread runs: the impersonated one, or else the
-// process's.
+// CCurrentUser is the user in whose name the calling thread runs: the impersonated one, or else the process's.
 class CCurrentUser
 {
 public:
     // Reads the thread's token; the thread ends with the identity it had, whatever comes of it.
     //
-    // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier,
-    //         E_OUTOFMEMORY
+    // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier, E_OUTOFMEMORY
     // Source: OpenThreadToken, GetTokenInformation
     CCurrentUser();
 
-    // Qualified looks the account up and gives domain\account; empty if it can't be found.
+    // Qualified looks the account up on this machine and gives domain\account; empty if it can't be found.
     // Source: LookupAccountSidW
     const std::wstring& Qualified();
 
@@ -26,7 +24,7 @@ public:
 
 private:
     std::unique_ptr<BYTE[]> m_sid;
-    std::wstring m_account; // the three are empty until looked up
+    std::wstring m_account; // this and the rest: nothing until looked up
     std::wstring m_domain;
     std::wstring m_qualified;
     SID_NAME_USE m_use = SidTypeUnknown;
