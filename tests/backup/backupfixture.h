@@ -1,68 +1,108 @@
 #pragma once
 
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <map>
-#include <optional>
+#include <sstream>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "agent/linknames.h"
 #include "atl/comutil.h"
 #include "backup/restore.h"
 #include "backup/storagedata.h"
 #include "common/scoped.h"
+#include "common/text.h"
+#include "plugin/vlktpages.h"
+#include "quicklinks/quicklinks.h"
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
+#include "support/patchimport.h"
 #include "support/tracerecorder.h"
-#include "vlonlineids.h"
 
 using fileMap = std::map<std::wstring, std::string>; // name and content
-
-// agentServer_t is an agent that takes one request and acknowledges it.
-class agentServer_t
-{
-public:
-    agentServer_t();
-    ~agentServer_t() { taken(); }
-
-    struct request_t {
-        uint32_t message;
-        std::string name;
-        std::string body;
-    };
-    std::optional<request_t> taken(); // ends the serving
-
-private:
-    void serve();
-
-    CKernelHandle m_buffer, m_acknowledge, m_dataReady, m_stop;
-    std::optional<request_t> m_request;
-    std::thread m_thread;
-};
+using postings = std::vector<std::pair<WPARAM, LPARAM>>;
 
 // backupTest has the plug-in's object, folders and settings of one user, and an agent's window.
 class backupTest : public testing::Test
 {
 protected:
-    backupTest();
-    ~backupTest() override;
+    backupTest()
+    {
+        clear();
+        WNDCLASSW windowClass = {};
+        windowClass.lpfnWndProc = DefWindowProcW;
+        windowClass.lpszClassName = agentWindowName;
+        RegisterClassW(&windowClass);
+        m_agent = CreateWindowExW(0, agentWindowName, agentWindowName, 0, 0, 0, 1, 1, nullptr,
+                                  nullptr, nullptr, nullptr);
+    }
+    ~backupTest() override
+    {
+        DestroyWindow(m_agent);
+        std::filesystem::remove_all(m_root);
+    }
 
-    void write(const std::wstring& path, const std::string& content) const;
-    fileMap files(const std::wstring& folder) const;
-    void clear() const; // all files, and the categories
-    void setCategory(const std::wstring& name, const std::wstring& text) const;
-    std::wstring category(const std::wstring& name) const;
+    void clear() // to empty folders, no categories and the first settings
+    {
+        std::filesystem::remove_all(m_root);
+        std::filesystem::create_directories(m_personal);
+        std::filesystem::create_directories(m_cache);
+        RegDeleteTreeW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano)");
+        m_settings.values = {{L"path_localstorage_dir", m_personal},
+                             {L"path_cachestorage_dir", m_cache},
+                             {L"path_quicklink_filename", m_root + L"quicklinks.txt"},
+                             {L"show_training_prompt", L"1"},
+                             {L"is_personalMode", L"1"}};
+    }
 
-    HRESULT restore(const bytes& backup) const;
-    bool traced(const std::wstring& message); // "U text" or "E status text"; forgets all messages
-    std::vector<std::pair<WPARAM, LPARAM>> posted() const; // to the agent, taken once
+    void write(const std::wstring& path, const std::string& content) const // below the root
+    {
+        std::ofstream(std::filesystem::path(m_root + path), std::ios::binary) << content;
+    }
+    fileMap files() const // all below the root
+    {
+        fileMap found;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_root)) {
+            std::ostringstream content;
+            if (entry.is_regular_file()) {
+                content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+                found[entry.path().wstring().substr(m_root.size())] = content.str();
+            }
+        }
+        return found;
+    }
 
-    std::wstring m_root, m_personal, m_cache, m_quickLinks; // the last is a file
+    HRESULT restore(const bytes& backup)
+    {
+        ATL::CComVariant data;
+        byteArray(data, backup);
+        return m_plugin.SetStorageData(&data);
+    }
+    bool traced(const std::wstring& message) // "U text" or "E status text"; forgets all messages
+    {
+        const auto messages = m_trace.messages();
+        return std::find(messages.begin(), messages.end(), message) != messages.end();
+    }
+    postings posted() const // to the agent, taken once
+    {
+        postings found;
+        const UINT number = RegisterWindowMessageW(restoreDoneName);
+        for (MSG message = {}; PeekMessageW(&message, m_agent, number, number, PM_REMOVE);)
+            found.emplace_back(message.wParam, message.lParam);
+        return found;
+    }
+
+    const std::wstring m_root = std::filesystem::temp_directory_path().wstring() + L"vlbackup" +
+                                std::to_wstring(GetCurrentProcessId()) + L"\\";
+    const std::wstring m_personal = m_root + L"personal\\";
+    const std::wstring m_cache = m_root + L"cache\\";
     fakeSettings_t m_settings;
     traceRecorder_t m_trace;
     HWND m_agent = nullptr;
-    VLONLINEIDSLib::IVLKTBackupRestore2* m_plugin = nullptr;
-    VLONLINEIDSLib::IVLKTBackupRestore3* m_plugin3 = nullptr;
+    CComObject<CVLKTPages> m_plugin;
 };

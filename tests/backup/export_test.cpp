@@ -2,11 +2,11 @@
 
 #include "backup/currentuser.h"
 #include "common/status.h"
-#include "common/text.h"
-#include "quicklinks/quicklinks.h"
-#include "support/patchimport.h"
 
 namespace {
+
+class Export : public backupTest
+{};
 
 bytes backupOf()
 {
@@ -17,12 +17,9 @@ bytes backupOf()
     return encoded;
 }
 
-class Export : public backupTest
-{};
-
 TEST_F(Export, AWholeBackupByteForByte)
 {
-    write(m_personal + L"a.vlm", "AB");
+    write(L"personal\\a.vlm", "AB");
     const bytes pair = {0x30, 0x12, 0x1E, 0x0C, 0, 'a', 0,    '.',  0,   'v',
                         0,    'l',  0,    'm',  0, 0,   0x04, 0x02, 'A', 'B'};
     const bytes backup = backupOf();
@@ -40,15 +37,18 @@ TEST_F(Export, DataIsPresentByTheTwoDataFiles)
         const char* data; // null: no file
         const char* temporary;
         bool present;
-    } cases[] = {{nullptr, nullptr, false}, {"", nullptr, false}, {"x", nullptr, true},
-                 {nullptr, "", true},       {"", "", true},       {"x", "x", true}};
+    } cases[] = {{nullptr, nullptr, false},
+                 {"", nullptr, false},
+                 {"x", nullptr, true},
+                 {nullptr, "", true},
+                 {"", "", true}};
     for (const auto& c : cases) {
         clear();
-        write(m_personal + L"a.vlm", "templates alone don't count");
+        write(L"personal\\a.vlm", "templates alone don't count");
         if (c.data)
-            write(m_personal + L"updata.vls", c.data);
+            write(L"personal\\updata.vls", c.data);
         if (c.temporary)
-            write(m_personal + L"updata_temp.vls", c.temporary);
+            write(L"personal\\updata_temp.vls", c.temporary);
         EXPECT_EQ(CStorageData::IsStorageDataPresent(), c.present) << &c - cases;
     }
     m_settings.values[L"path_localstorage_dir"].pop_back(); // the separator is added here
@@ -60,37 +60,34 @@ TEST_F(Export, DataIsPresentByTheTwoDataFiles)
 TEST_F(Export, FilesTravelInListOrderWithTheirNamesByOwner)
 {
     const std::string large(200000, 'L');
-    write(m_cache + L"c.vlm", "c");
-    write(m_personal + L"a.vlm", large);
-    write(m_personal + L"b.vlm", "");
-    write(m_personal + L"d.vlm", "held by a writer");
+    write(L"cache\\c.vlm", "c");
+    write(L"personal\\a.vlm", large);
+    write(L"personal\\d.vlm", "held by a writer");
     const CFileHandle writer(CreateFileW((m_personal + L"d.vlm").c_str(), GENERIC_WRITE, 0, nullptr,
                                          OPEN_EXISTING, 0, nullptr));
     CDerNode slot;
     EXPECT_EQ(CStorageData::ExportTemplates(&slot), S_OK);
-    EXPECT_EQ(slot.Encode(),
-              seq({filePair(L"alien|" + m_cache + L"c.vlm", "c"), filePair(L"a.vlm", large),
-                   filePair(L"b.vlm", ""), filePair(L"d.vlm", ""), filePair(L"updata.vls", ""),
-                   filePair(L"updata_temp.vls", "")}));
+    EXPECT_EQ(slot.Encode(), seq({filePair(L"alien|" + m_cache + L"c.vlm", "c"),
+                                  filePair(L"a.vlm", large), filePair(L"d.vlm", ""),
+                                  filePair(L"updata.vls", ""), filePair(L"updata_temp.vls", "")}));
+    EXPECT_EQ(CStorageData::ExportTemplates(nullptr), E_POINTER);
 }
 
 TEST_F(Export, WithoutAnyFileTheLaterElementsMoveForward)
 {
     m_settings.values[L"path_localstorage_dir"] = m_settings.values[L"path_cachestorage_dir"] = L"";
-    setCategory(L"Name", L"text");
     CDerNode slot;
-    EXPECT_EQ(CStorageData::ExportTemplates(nullptr), E_POINTER);
     EXPECT_EQ(CStorageData::ExportTemplates(&slot), E_FAIL);
     EXPECT_TRUE(slot.IsEmpty());
     const bytes backup = backupOf();
-    const bytes front = {0x30, 0x00, 0x30, 0x1A, 0x30, 0x18, 0x1E, 0x0A, 0, 'N'};
-    EXPECT_EQ(bytes(backup.begin() + 3, backup.begin() + 13), front);
+    const bytes front = {0x30, 0x7B, 0x30, 0x00, 0x30, 0x00, 0x30, 0x75, 0x04, 0x73};
+    EXPECT_EQ(bytes(backup.begin(), backup.begin() + 10), front);
 }
 
 TEST_F(Export, AQuickLinkTravelsWithTheFileNameOfItsManifest)
 {
-    write(m_personal + L"a.vlm", "");
-    write(m_personal + L"d.exe", ""); // a dialog link counts while its program is there
+    write(L"personal\\a.vlm", "");
+    write(L"personal\\d.exe", ""); // a dialog link counts while its program is there
     const std::string folder = utf8FromWide(m_personal);
     QL quickLinks;
     quickLinks.add("Caf\xC3\xA9", "http://a.b/c", folder + "a.vlm", 0xFFFFFF80, "{id}", true);
@@ -104,101 +101,89 @@ TEST_F(Export, AQuickLinkTravelsWithTheFileNameOfItsManifest)
                                        integer(3), wide(L""), integer(0)})}));
 }
 
-// What the platform's calls answer while their imports are replaced.
-int32_t secretAnswer = 0;
-bool libraryLoads = true;
-bool libraryExports = true;
-DWORD failure = 0;
+DWORD libraryError = 0; // a missing library or a missing export
+int32_t libraryAnswer = 0;
+decltype(&GetProcAddress) originalExport = nullptr;
 
-HMODULE WINAPI AnsweredLoad(LPCWSTR)
+HMODULE WINAPI AnsweredLoad(LPCWSTR name)
 {
-    SetLastError(ERROR_MOD_NOT_FOUND);
-    return libraryLoads ? GetModuleHandleW(L"ole32.dll") : nullptr;
+    EXPECT_STREQ(name, L"VLFPApi.dll");
+    SetLastError(libraryError);
+    return libraryError == ERROR_MOD_NOT_FOUND ? nullptr : GetModuleHandleW(L"ole32.dll");
 }
 
-const importPatch_t* patchedExport = nullptr;
+int32_t WINAPI AnsweredQuestion(const wchar_t* user, uint32_t kind, const wchar_t* secret)
+{
+    EXPECT_EQ(user, CCurrentUser().Qualified());
+    EXPECT_STREQ(secret, L"KRS Protected Storage");
+    return kind == 3 ? libraryAnswer : -1;
+}
 
 FARPROC WINAPI AnsweredExport(HMODULE module, LPCSTR name)
 {
-    const auto doesSecretExist =
-        +[](const wchar_t*, uint32_t kind, const wchar_t* secret) -> int32_t {
-        return kind == 3 && std::wstring(secret) == L"KRS Protected Storage" ? secretAnswer : -1;
-    };
-    if (std::string(name) != "VLFPDoesSecretExist")
-        return importOriginal<decltype(&GetProcAddress)>(*patchedExport)(module, name);
-    SetLastError(ERROR_PROC_NOT_FOUND);
-    return libraryExports ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(doesSecretExist))
-                          : nullptr;
+    if (name != std::string("VLFPDoesSecretExist"))
+        return originalExport(module, name);
+    SetLastError(libraryError);
+    void* const question = reinterpret_cast<void*>(&AnsweredQuestion);
+    return libraryError ? nullptr : reinterpret_cast<FARPROC>(question);
 }
 
+template <DWORD error>
 BOOL WINAPI FailingInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, PDWORD size)
 {
     *size = 0;
-    SetLastError(failure);
+    SetLastError(error);
     return FALSE;
 }
-
-const HMODULE self = GetModuleHandleW(nullptr);
 
 TEST_F(Export, TheOutputsAreFilledBySecretAndData)
 {
     const struct {
-        bool loads;
-        bool exports;
+        DWORD error;
         int32_t answer;
         const wchar_t* outside; // the setting intelauthenticate
         bool data;
         VARTYPE names; // VT_I4: untouched
         VARTYPE bytes;
-        const wchar_t* message;
     } cases[] = {
-        {true, true, 0, L"0", false, VT_I4, VT_I4, nullptr},
-        {true, true, 2, L"0", false, VT_I4, VT_I4, nullptr},
-        {true, true, 1, L"0", false, 0x2008, 0x2011, nullptr},
-        {true, true, 0, L"-1", true, VT_I4, 0x2011, nullptr},
-        {true, false, 0, L"1", false, 0x2008, 0x2011, nullptr}, // not asked
-        {true, false, 1, L"0", true, VT_I4, VT_I4, L"E -2147024769 GetStorageData[com]"},
-        {false, true, 1, L"1", true, VT_I4, VT_I4, L"E -2147024770 GetStorageData[com]"},
+        {0, 0, L"0", false, VT_I4, VT_I4},
+        {0, 2, L"0", false, VT_I4, VT_I4},
+        {0, 1, L"0", false, 0x2008, 0x2011},
+        {0, 0, L"-1", true, VT_I4, 0x2011},
+        {ERROR_PROC_NOT_FOUND, 0, L"1", false, 0x2008, 0x2011}, // not asked
+        {ERROR_PROC_NOT_FOUND, 1, L"0", true, VT_I4, VT_I4},
+        {ERROR_MOD_NOT_FOUND, 1, L"1", true, VT_I4, VT_I4},
     };
-    const importPatch_t load(self, "LoadLibraryW", reinterpret_cast<void*>(&AnsweredLoad));
-    const importPatch_t exported(self, "GetProcAddress", reinterpret_cast<void*>(&AnsweredExport));
-    ASSERT_TRUE(load.found() && exported.found());
-    patchedExport = &exported;
+    const importPatch_t load("LoadLibraryW", &AnsweredLoad);
+    const importPatch_t exported("GetProcAddress", &AnsweredExport);
+    originalExport = importOriginal<decltype(&GetProcAddress)>(exported);
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         clear();
-        write(m_personal + (c.data ? L"updata.vls" : L"a.vlm"), "data");
+        write(c.data ? L"personal\\updata.vls" : L"personal\\a.vlm", "data");
         m_settings.values[L"intelauthenticate"] = c.outside;
-        libraryLoads = c.loads;
-        libraryExports = c.exports;
-        secretAnswer = c.answer;
+        libraryError = c.error;
+        libraryAnswer = c.answer;
         ATL::CComVariant names;
         ATL::CComVariant data;
         names.vt = data.vt = VT_I4;
-        m_trace.messages();
-        EXPECT_EQ(m_plugin->GetStorageData(&names, &data), S_OK);
-        EXPECT_TRUE(!c.message || traced(c.message));
+        EXPECT_EQ(m_plugin.GetStorageData(&names, &data), S_OK);
+        EXPECT_EQ(
+            traced(L"E " + std::to_wstring(HRESULT_FROM_WIN32(c.error)) + L" GetStorageData[com]"),
+            c.error && c.bytes == VT_I4);
         ASSERT_EQ(names.vt, c.names);
         ASSERT_EQ(data.vt, c.bytes);
         EXPECT_TRUE(data.vt == VT_I4 || (bytesOf(data) == backupOf() && data.parray->cLocks == 0));
         EXPECT_TRUE(names.vt == VT_I4 || *static_cast<BSTR*>(names.parray->pvData) ==
                                              std::wstring(L"KRS Protected Storage"));
     }
-    EXPECT_EQ(m_plugin->GetStorageData(nullptr, nullptr), S_OK);
-
-    m_settings.values[L"intelauthenticate"] = L"1"; // the user counts all the same
-    libraryLoads = true;
-    const importPatch_t token(self, "GetTokenInformation",
-                              reinterpret_cast<void*>(&FailingInformation));
-    for (const auto& [error, message] :
-         {std::pair(DWORD{ERROR_INVALID_HANDLE}, L"E -2147024890 GetStorageData[com]"),
-          std::pair(DWORD{ERROR_SUCCESS}, L"E -2147024809 GetStorageData[com]")}) {
-        failure = error;
-        ATL::CComVariant names;
-        EXPECT_EQ(m_plugin3->GetStorageData(&names, nullptr), S_OK);
-        EXPECT_EQ(names.vt, VT_EMPTY);
-        EXPECT_TRUE(traced(message));
-    }
+    libraryError = 0;
+    m_settings.values[L"intelauthenticate"] = L"1"; // the secret counts, but only of a known user
+    EXPECT_EQ(m_plugin.GetStorageData(nullptr, nullptr), S_OK);
+    EXPECT_FALSE(traced(L"E -2147024809 GetStorageData[com]"));
+    const importPatch_t token("GetTokenInformation", &FailingInformation<ERROR_SUCCESS>);
+    EXPECT_EQ(m_plugin.GetStorageData(nullptr, nullptr), S_OK);
+    EXPECT_TRUE(traced(L"E -2147024809 GetStorageData[com]"));
 }
 
 TEST(CurrentUser, TheThreadKeepsTheIdentityItHad)
@@ -206,27 +191,28 @@ TEST(CurrentUser, TheThreadKeepsTheIdentityItHad)
     const auto tokenOf = [] {
         CKernelHandle token;
         TOKEN_STATISTICS statistics = {};
-        DWORD size = 0;
+        DWORD size = sizeof statistics;
         if (OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()))
-            GetTokenInformation(token.get(), TokenStatistics, &statistics, sizeof statistics,
-                                &size);
+            GetTokenInformation(token.get(), TokenStatistics, &statistics, size, &size);
         return statistics.TokenId.LowPart;
     };
     wchar_t account[257] = {};
     DWORD size = 257;
     ASSERT_TRUE(GetUserNameW(account, &size));
-    EXPECT_TRUE(CCurrentUser().Qualified().ends_with(std::wstring(L"\\") + account));
-    EXPECT_EQ(tokenOf(), 0u); // not impersonating
-    ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
-    const DWORD before = tokenOf();
-    EXPECT_TRUE(CCurrentUser().Qualified().ends_with(std::wstring(L"\\") + account));
-    {
-        failure = ERROR_INVALID_HANDLE;
-        const importPatch_t patch(self, "GetTokenInformation",
-                                  reinterpret_cast<void*>(&FailingInformation));
-        EXPECT_THROW(CCurrentUser(), _com_error);
+    for (const bool impersonates : {false, true}) {
+        ASSERT_TRUE(!impersonates || ImpersonateSelf(SecurityImpersonation));
+        const DWORD before = tokenOf();
+        CCurrentUser user;
+        EXPECT_TRUE(user.Qualified().ends_with(L'\\' + user.Account()));
+        EXPECT_EQ(user.Account(), account);
+        {
+            const importPatch_t patch("GetTokenInformation",
+                                      &FailingInformation<ERROR_INVALID_HANDLE>);
+            EXPECT_THROW(CCurrentUser(), _com_error);
+        }
+        EXPECT_EQ(tokenOf(), before);
+        EXPECT_EQ(before != 0, impersonates);
     }
-    EXPECT_EQ(tokenOf(), before);
     RevertToSelf();
 }
 

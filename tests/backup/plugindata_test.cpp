@@ -1,14 +1,19 @@
 #include "backupfixture.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "agent/discovery.h"
 
 namespace {
 
 const bytes storage = seq({seq({filePair(L"new.vlm", "new")}), seq({})});
 const std::wstring name = L"KRS Protected Storage";
+
+// sharedText is a block of the agent's, which stays with the program.
+char* sharedText(const wchar_t* block, DWORD size)
+{
+    const HANDLE handle =
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, block);
+    return static_cast<char*>(MapViewOfFile(handle, FILE_MAP_WRITE, 0, 0, 0));
+}
 
 bytes secret(const std::wstring& itsName, const std::string& value)
 {
@@ -21,11 +26,17 @@ bytes secret(const std::wstring& itsName, const std::string& value)
 class PluginData : public backupTest
 {
 protected:
-    HRESULT set(const bytes& secrets) const
+    HRESULT set(const bytes& secrets)
     {
-        return m_plugin3->SetPluginData(static_cast<ULONG>(secrets.size()), secrets.data(),
-                                        static_cast<ULONG>(storage.size()), storage.data());
+        return m_plugin.SetPluginData(static_cast<ULONG>(secrets.size()), secrets.data(),
+                                      static_cast<ULONG>(storage.size()), storage.data());
     }
+
+    // An agent that has acknowledged every request beforehand.
+    const CKernelHandle m_acknowledge{CreateEventW(nullptr, TRUE, TRUE, linkSets[0].acknowledge)};
+    const CKernelHandle m_ready{CreateEventW(nullptr, TRUE, FALSE, linkSets[0].dataReady)};
+    char* const m_request = sharedText(linkSets[0].buffer, linkSets[0].bufferSize);
+    char* const m_payload = sharedText(linkSets[0].payload, 0x10000);
 };
 
 TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
@@ -38,8 +49,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         int unknown; // items of a wrong shape
     } cases[] = {
         {seq({triple, secret(L"Other", "o"), wanted}), "v", 1},
-        {seq({secret(name, "1"), secret(name, "2"), triple}), "1", 0}, // the later ones unread
-        {seq({secret(name, std::string("a\0b", 3))}), "a", 0},
+        {seq({secret(name, "1"), secret(name, "2"), triple}), "1", 0},      // the later ones unread
         {seq({seq({wide(name), octets(std::string("a\0b", 3))})}), "a", 0}, // half a unit behind
         {seq({seq({wide(name), integer(1)})}), "", 0},
         {seq({secret(L"krs protected storage", "v")}), "", 0},
@@ -52,30 +62,35 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         SCOPED_TRACE(&c - cases);
         clear();
         m_trace.messages();
-        agentServer_t server;
+        std::fill_n(m_payload, 100, 'x');
+        std::fill_n(m_request, 100, 'x');
         EXPECT_EQ(set(c.list), S_OK);
-        const auto request = server.taken();
-        ASSERT_TRUE(request);
-        EXPECT_EQ(request->name, "KRS Protected Storage");
-        EXPECT_EQ(request->body, c.body);
-        EXPECT_EQ(request->message, restore2DoneMessage());
-        EXPECT_EQ(files(m_personal), (fileMap{{L"new.vlm", "new"}}));
+        requestHeader_t header = {};
+        std::copy_n(m_request, sizeof header, reinterpret_cast<char*>(&header));
+        EXPECT_EQ(header.message, restore2DoneMessage());
+        EXPECT_STREQ(m_request + sizeof header, "KRS Protected Storage");
+        EXPECT_EQ(m_payload, c.body);
+        EXPECT_EQ(files(), (fileMap{{L"personal\\new.vlm", "new"}}));
         const auto messages = m_trace.messages();
         EXPECT_EQ(std::count(messages.begin(), messages.end(), L"U Unknown secret blob"),
                   c.unknown);
+        EXPECT_EQ(std::count(messages.begin(), messages.end(), L"U Secret Name = " + name),
+                  &c - cases < 4);
     }
-    EXPECT_TRUE(posted().empty());
+    EXPECT_EQ(posted(), postings{});
+    DestroyWindow(m_agent);
+    EXPECT_EQ(set({}), S_OK);
+    EXPECT_TRUE(traced(L"U VlAgent window NOT found!"));
 }
 
 TEST_F(PluginData, BadArgumentsAndRefusedBackupsReachNobody)
 {
     const bytes refused = seq({seq({})});
-    agentServer_t server;
-    EXPECT_EQ(m_plugin3->SetPluginData(0, nullptr, 4, nullptr), E_POINTER);
-    EXPECT_EQ(m_plugin3->SetPluginData(0, nullptr, 0, refused.data()), E_INVALIDARG);
-    EXPECT_EQ(m_plugin3->SetPluginData(0, nullptr, 4, refused.data()), E_UNEXPECTED);
+    EXPECT_EQ(m_plugin.SetPluginData(0, nullptr, 4, nullptr), E_POINTER);
+    EXPECT_EQ(m_plugin.SetPluginData(0, nullptr, 0, refused.data()), E_INVALIDARG);
+    EXPECT_EQ(m_plugin.SetPluginData(4, nullptr, 4, refused.data()), E_UNEXPECTED);
     EXPECT_TRUE(traced(L"E -2147418113 SetPluginData[com]"));
-    EXPECT_FALSE(server.taken());
+    EXPECT_EQ(WaitForSingleObject(m_ready.get(), 0), WAIT_TIMEOUT);
 }
 
 // countInMemory counts a text in all memory of the process that can be written. The text is masked,
@@ -87,16 +102,13 @@ size_t countInMemory(const bytes& masked)
     const auto matches = [](uint8_t plain, uint8_t hidden) { return plain == (hidden ^ mask); };
     size_t count = 0;
     MEMORY_BASIC_INFORMATION region = {};
-    const uint8_t* at = nullptr;
-    for (; VirtualQuery(at, &region, sizeof region) != 0; at += region.RegionSize) {
-        at = static_cast<const uint8_t*>(region.BaseAddress);
+    for (const uint8_t* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;) {
+        const auto* p = static_cast<const uint8_t*>(region.BaseAddress);
+        at = p + region.RegionSize;
         if (region.State != MEM_COMMIT || region.Protect != PAGE_READWRITE)
             continue;
-        const uint8_t* const end = at + region.RegionSize;
-        for (const uint8_t* p = at; p != end; ++p) {
-            p = std::search(p, end, masked.begin(), masked.end(), matches);
-            if (p == end)
-                break;
+        while ((p = std::search(p, at, masked.begin(), masked.end(), matches)) != at) {
+            ++p;
             ++count;
         }
     }
@@ -118,9 +130,8 @@ TEST_F(PluginData, TheSecretIsLeftOnlyInTheTextThatIsHandedOver)
     const auto initial = std::find(list.begin(), list.end(), 'K');
     for (const char first : {'k', 'K'}) {
         *initial = static_cast<uint8_t>(first);
-        agentServer_t server;
         EXPECT_EQ(set(list), S_OK);
-        EXPECT_EQ(server.taken()->body.size(), first == 'K' ? 32 * times : 0);
+        EXPECT_EQ(std::string(m_payload).size(), first == 'K' ? 32 * times : 0);
         EXPECT_LE(countInMemory(masked), first == 'K' ? 2 * times : times); // the wide text
     }
 }
