@@ -1,8 +1,8 @@
 // The walk of a string block: a whole block has every entry readable, and an entry that is found
 // lies in the block.
-#include <cstdlib>
 #include <span>
 
+#include "require.h"
 #include "resources/stringblock.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -12,10 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (unsigned index = 0; index <= stringsPerBlock; ++index) {
         const auto text = findInStringBlock(block, index);
         used += 2 + (text ? text->size() * 2 : 0);
-        if (text && (text->empty() || used > size || index == stringsPerBlock))
-            std::abort();
+        require(!text || (!text->empty() && used <= size && index < stringsPerBlock));
     }
-    if (stringBlockIsWhole(block) && used - 2 > size)
-        std::abort();
+    require(!stringBlockIsWhole(block) || used - 2 <= size);
     return 0;
 }

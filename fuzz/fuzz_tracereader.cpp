@@ -1,38 +1,31 @@
 #include "exports.h"
 #include "lines.h"
+#include "require.h"
 #include "tracefile.h"
 
-#include <cstdlib>
 #include <map>
+#include <optional>
 #include <sstream>
 
 using namespace tracecore;
 
 namespace {
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 // Every byte from the first record or damage on is told exactly once, in order, and every entry
 // that the walker shows is left or lost at most once.
-class checks_t : public vltrace::traceConsumer_i
-{
-public:
-    explicit checks_t(std::span<const uint8_t> bytes) : m_bytes(bytes) {}
+struct checks_t final : vltrace::traceConsumer_i {
+    explicit checks_t(std::span<const uint8_t> input) : bytes(input) {}
 
     void begin(const std::string&) override {}
     void take(const traceItem_t& item, const traceStep_t& step) override
     {
         for (const lostFunction_t& lost : step.lost)
-            require(m_depth[lost.thread]-- > 0);
+            require(depths[lost.thread]-- > 0);
         if (const auto* record = std::get_if<traceRecord_t>(&item)) {
             require(vltrace::printable(record->text).size() >= record->text.size() / 2);
             pass(record->offset,
-                 size_t{7} + m_bytes[record->offset + 5] + 256U * m_bytes[record->offset + 6]);
-            size_t& depth = m_depth[record->thread];
+                 size_t{7} + bytes[record->offset + 5] + 256U * bytes[record->offset + 6]);
+            size_t& depth = depths[record->thread];
             depth += record->level == '>';
             require(!step.left || depth-- > 0);
             require(step.open->size() == depth);
@@ -41,21 +34,17 @@ public:
             pass(damage->offset, damage->bytes);
         }
     }
-    void end() override { require(!m_started || m_at == m_bytes.size()); }
+    void end() override { require(at.value_or(bytes.size()) == bytes.size()); }
 
-private:
     void pass(uint64_t offset, uint64_t size)
     {
-        require(!m_started || offset == m_at);
-        require(size > 0 && size <= m_bytes.size() - offset);
-        m_at = offset + size;
-        m_started = true;
+        require(offset == at.value_or(offset) && size > 0 && size <= bytes.size() - offset);
+        at = offset + size;
     }
 
-    std::span<const uint8_t> m_bytes;
-    std::map<uint32_t, size_t> m_depth;
-    uint64_t m_at = 0;
-    bool m_started = false;
+    std::span<const uint8_t> bytes;
+    std::map<uint32_t, size_t> depths;
+    std::optional<uint64_t> at;
 };
 
 void feed(std::span<const uint8_t> bytes, size_t pieceSize, vltrace::traceConsumer_i& consumer)

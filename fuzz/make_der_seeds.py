@@ -5,11 +5,9 @@ import sys
 
 
 def element(tag, content):
-    length = len(content)
-    if length < 0x80:
-        return bytes([tag, length]) + content
-    octets = length.to_bytes((length.bit_length() + 7) // 8, "big")
-    return bytes([tag, 0x80 | len(octets)]) + octets + content
+    short = len(content) < 0x80
+    length = bytes([len(content)]) if short else b"\x82" + len(content).to_bytes(2, "big")
+    return bytes([tag]) + length + content
 
 
 def sequence(*items):

@@ -24,8 +24,8 @@ bytes wide(const std::wstring& text)
 {
     bytes content;
     for (const wchar_t unit : text + L'\0')
-        content.insert(content.end(),
-                       {static_cast<uint8_t>(unit >> 8), static_cast<uint8_t>(unit)});
+        for (const int octet : {unit >> 8, unit & 0xFF})
+            content.push_back(static_cast<uint8_t>(octet));
     return tlv(0x1E, content);
 }
 

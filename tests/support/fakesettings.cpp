@@ -6,33 +6,19 @@ namespace {
 
 fakeSettings_t* current = nullptr;
 
-HRESULT failureOf(const std::wstring& key)
-{
-    const auto failure = current->failures.find(key);
-    return failure == current->failures.end() ? S_OK : failure->second;
-}
-
 HRESULT query(SettingsRequest* request)
 {
-    const std::wstring key(request->key, SysStringLen(request->key));
-    current->queried.push_back(key);
-    if (const HRESULT failure = failureOf(key); FAILED(failure))
-        return failure;
+    const auto& key = current->queried.emplace_back(request->key);
     const auto value = current->values.find(key);
     if (value == current->values.end())
         return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
-    *static_cast<BSTR*>(request->value) =
-        SysAllocStringLen(value->second.data(), static_cast<UINT>(value->second.size()));
+    *static_cast<BSTR*>(request->value) = SysAllocString(value->second.c_str());
     return S_OK;
 }
 
 HRESULT set(SettingsRequest* request)
 {
-    const std::wstring key(request->key, SysStringLen(request->key));
-    if (const HRESULT failure = failureOf(key); FAILED(failure))
-        return failure;
-    const auto value = static_cast<BSTR>(request->value);
-    current->values[key].assign(value, SysStringLen(value));
+    current->values[request->key] = static_cast<BSTR>(request->value);
     return S_OK;
 }
 
@@ -49,5 +35,4 @@ fakeSettings_t::fakeSettings_t()
 fakeSettings_t::~fakeSettings_t()
 {
     settings_replace(nullptr);
-    current = nullptr;
 }

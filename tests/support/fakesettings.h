@@ -8,15 +8,11 @@
 
 // fakeSettings_t stands in for the settings provider's library, in this process, for the life of
 // the object. One at a time.
-class fakeSettings_t
-{
-public:
+struct fakeSettings_t {
     fakeSettings_t();
     ~fakeSettings_t();
-    fakeSettings_t(const fakeSettings_t&) = delete;
-    fakeSettings_t& operator=(const fakeSettings_t&) = delete;
+    fakeSettings_t(fakeSettings_t&&) = delete;
 
     std::map<std::wstring, std::wstring> values; // an absent key answers 0x80070002; a set adds it
-    std::map<std::wstring, HRESULT> failures;    // a status for queries and sets of this key
     std::vector<std::wstring> queried;           // the keys asked for, in order
 };

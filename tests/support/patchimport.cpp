@@ -1,52 +1,51 @@
 #include "patchimport.h"
 
 #include <cstring>
+#include <utility>
 
 namespace {
 
+// at gives what lies so far behind the start of a module.
+template <class T> T* at(HMODULE module, ULONGLONG offset)
+{
+    return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(module) + offset);
+}
+
 void** findImport(HMODULE module, const char* function)
 {
-    const auto base = reinterpret_cast<BYTE*>(module);
-    const auto dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
-    const auto headers = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    auto library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+    const auto dos = at<IMAGE_DOS_HEADER>(module, 0);
+    const auto& headers =
+        at<IMAGE_NT_HEADERS>(module, static_cast<ULONGLONG>(dos->e_lfanew))->OptionalHeader;
+    const auto& directory = headers.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    auto library = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress);
     for (; library->Name; ++library) {
-        auto name = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-        auto slot = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->FirstThunk);
-        for (; name->u1.AddressOfData; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal))
-                continue;
-            const auto entry =
-                reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-            if (!std::strcmp(reinterpret_cast<char*>(entry->Name), function))
-                return reinterpret_cast<void**>(&slot->u1.Function);
-        }
+        auto slot = at<void*>(module, library->FirstThunk);
+        for (auto name = at<ULONGLONG>(module, library->OriginalFirstThunk); *name; ++name, ++slot)
+            if (!IMAGE_SNAP_BY_ORDINAL64(*name) &&
+                !std::strcmp(at<IMAGE_IMPORT_BY_NAME>(module, *name)->Name, function))
+                return slot;
     }
     return nullptr;
 }
 
-void store(void** slot, void* value)
+// store gives what the slot held before.
+void* store(void** slot, void* value)
 {
     DWORD protection = 0;
-    VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
-    *slot = value;
+    if (!slot || !VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection))
+        return nullptr;
+    std::swap(*slot, value);
     VirtualProtect(slot, sizeof *slot, protection, &protection);
+    return value;
 }
 
 } // namespace
 
 importPatch_t::importPatch_t(HMODULE module, const char* function, void* replacement)
-    : m_slot(findImport(module, function))
-{
-    if (m_slot) {
-        m_original = *m_slot;
-        store(m_slot, replacement);
-    }
-}
+    : m_slot(findImport(module, function)), m_original(store(m_slot, replacement))
+{}
 
 importPatch_t::~importPatch_t()
 {
-    if (m_slot)
-        store(m_slot, m_original);
+    store(m_slot, m_original);
 }

@@ -8,9 +8,7 @@
 //
 // module:   the test program itself is GetModuleHandleW(nullptr)
 // function: the imported name, such as "CreateFileW"
-class importPatch_t
-{
-public:
+struct importPatch_t {
     importPatch_t(HMODULE module, const char* function, void* replacement);
     // Of the test program itself. The replacement may have fewer parameters than the function: the
     // calling convention allows that.
@@ -19,16 +17,14 @@ public:
         : importPatch_t(GetModuleHandleW(nullptr), function, reinterpret_cast<void*>(replacement))
     {}
     ~importPatch_t();
-    importPatch_t(const importPatch_t&) = delete;
-    importPatch_t& operator=(const importPatch_t&) = delete;
+    importPatch_t(importPatch_t&&) = delete;
 
     // found is false when the module does not import the function; the test then asserts nothing.
     bool found() const noexcept { return m_slot != nullptr; }
     void* original() const noexcept { return m_original; }
 
 private:
-    void** m_slot = nullptr;
-    void* m_original = nullptr;
+    void **m_slot, *m_original;
 };
 
 // importPatch calls through the original: importOriginal<decltype(&CreateFileW)>(patch)(...).

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 // A reader of trace files of its own, written from the format: it shares no code with what it
@@ -26,15 +27,14 @@ struct decodedTrace_t {
     std::vector<std::string> lines() const
     {
         std::vector<std::string> result;
-        for (const decodedRecord_t& record : records)
-            result.push_back(record.level + (" " + record.text));
+        for (const auto& [thread, level, text] : records)
+            result.push_back(level + (" " + text));
         return result;
     }
 };
 
-// The block cipher behind the texts, and the block that each text starts with.
+// The block cipher behind the texts.
 using traceBlock_t = std::array<uint32_t, 2>;
-inline constexpr traceBlock_t firstTraceBlock = {0x3C5A9D17, 0xE86B40F2};
 
 inline traceBlock_t encipherTraceBlock(traceBlock_t block)
 {
@@ -53,15 +53,14 @@ inline traceBlock_t encipherTraceBlock(traceBlock_t block)
 // Scrambles a text, or unscrambles it: the scrambled bytes feed the next block in both directions.
 inline std::string mixedTraceText(std::string text, bool scramble)
 {
-    traceBlock_t block = firstTraceBlock;
+    traceBlock_t block = {0x3C5A9D17, 0xE86B40F2};
     for (size_t i = 0; i < text.size(); ++i) {
         if (i % 8 == 0)
             block = encipherTraceBlock(block);
         uint32_t& word = block[i / 4 % 2];
         const unsigned shift = 8 * (i % 4);
-        const auto in = static_cast<uint8_t>(text[i]);
-        const auto out = static_cast<uint8_t>(in ^ (word >> shift));
-        word = (word & ~(0xFFU << shift)) | uint32_t{scramble ? out : in} << shift;
+        const uint32_t in = static_cast<uint8_t>(text[i]), out = in ^ (word >> shift & 0xFF);
+        word = (word & ~(0xFFU << shift)) | (scramble ? out : in) << shift;
         text[i] = static_cast<char>(out);
     }
     return text;
@@ -71,26 +70,23 @@ inline decodedTrace_t decodeTrace(const std::string& bytes)
 {
     decodedTrace_t trace;
     size_t at = 0;
+    const auto upTo = [&](size_t end) {
+        if (end > bytes.size())
+            throw std::runtime_error("torn trace");
+        const size_t from = std::exchange(at, end);
+        return bytes.substr(from, end - from);
+    };
     while (trace.header.empty() || trace.header.back() != ".") {
-        const size_t end = bytes.find("\r\n", at);
-        if (end == std::string::npos)
-            throw std::runtime_error("header without an end");
-        trace.header.push_back(bytes.substr(at, end - at));
-        at = end + 2;
+        trace.header.push_back(upTo(bytes.find("\r\n", at)));
+        at += 2;
     }
     while (at < bytes.size()) {
-        if (bytes.size() - at < 7)
-            throw std::runtime_error("torn record");
-        decodedRecord_t record{};
+        auto& record = trace.records.emplace_back();
         uint16_t n = 0;
-        std::memcpy(&record.thread, &bytes[at], 4);
-        record.level = bytes[at + 4];
-        std::memcpy(&n, &bytes[at + 5], 2);
-        if (bytes.size() - at - 7 < n || !std::strchr("<>UETtN", record.level))
-            throw std::runtime_error("torn record");
-        record.text = mixedTraceText(bytes.substr(at + 7, n), false);
-        trace.records.push_back(record);
-        at += 7U + n;
+        std::memcpy(&record.thread, upTo(at + 4).data(), 4);
+        record.level = upTo(at + 1)[0];
+        std::memcpy(&n, upTo(at + 2).data(), 2);
+        record.text = mixedTraceText(upTo(at + n), false);
     }
     return trace;
 }

@@ -7,25 +7,16 @@
 using namespace tracecore;
 
 // The records lie in the sink, which a writer may hold a little longer than the recorder lives.
-class recordingSink_t final : public outputStorageInterface_i
-{
-public:
+struct recordingSink_t final : outputStorageInterface_i {
     void write(char level, const std::wstring& text, const std::string& function) override
     {
-        std::lock_guard guard(m_mutex);
+        std::lock_guard guard(mutex);
         if (level != 'T' && level != 't')
-            m_records.push_back({level, text, function});
+            records.push_back({level, text, function});
     }
 
-    std::vector<traceRecord_t> take()
-    {
-        std::lock_guard guard(m_mutex);
-        return std::exchange(m_records, {});
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<traceRecord_t> m_records;
+    std::mutex mutex;
+    std::vector<traceRecord_t> records;
 };
 
 traceRecorder_t::traceRecorder_t() : m_sink(std::make_shared<recordingSink_t>())
@@ -52,11 +43,9 @@ traceRecorder_t::~traceRecorder_t()
 std::vector<std::wstring> traceRecorder_t::messages()
 {
     std::vector<std::wstring> texts;
-    for (const traceRecord_t& record : all()) {
+    for (const traceRecord_t& record : all())
         if (record.level == 'E' || record.level == 'U')
-            texts.push_back(std::wstring(1, static_cast<wchar_t>(record.level)) + L' ' +
-                            record.text);
-    }
+            texts.push_back((record.level == 'E' ? L"E " : L"U ") + record.text);
     return texts;
 }
 
@@ -70,5 +59,6 @@ std::wstring traceRecorder_t::joined()
 
 std::vector<traceRecord_t> traceRecorder_t::all()
 {
-    return m_sink->take();
+    std::lock_guard guard(m_sink->mutex);
+    return std::exchange(m_sink->records, {});
 }

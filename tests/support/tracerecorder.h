@@ -5,10 +5,9 @@
 #include <string>
 #include <vector>
 
-class recordingSink_t;
-namespace tracecore {
-class outputStorageInterface_i;
-}
+#include "tracecore/sink.h"
+
+struct recordingSink_t;
 
 struct traceRecord_t {
     char level;
@@ -19,13 +18,10 @@ struct traceRecord_t {
 // traceRecorder_t makes the tracer active with a sink that remembers, for the life of the object.
 // The configuration is not looked at meanwhile. The first message outside all functions writes an
 // entry named "main" first.
-class traceRecorder_t
-{
-public:
+struct traceRecorder_t {
     traceRecorder_t();
     ~traceRecorder_t();
-    traceRecorder_t(const traceRecorder_t&) = delete;
-    traceRecorder_t& operator=(const traceRecorder_t&) = delete;
+    traceRecorder_t(traceRecorder_t&&) = delete;
 
     // messages gives the E and U records as "E text" and "U text", oldest first, and forgets all
     // records.
@@ -40,7 +36,5 @@ public:
 private:
     std::shared_ptr<recordingSink_t> m_sink;
     std::shared_ptr<tracecore::outputStorageInterface_i> m_replaced;
-    uint32_t m_nextPoll = 0;
-    uint32_t m_mode = 0;
-    uint32_t m_kind = 0;
+    uint32_t m_nextPoll, m_mode, m_kind; // as before
 };
