@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include <windows.h>
 
@@ -10,15 +9,7 @@
 #include "common/status.h"
 #include "support/patchimport.h"
 
-using texts_t = std::vector<std::wstring>;
-
 constexpr DWORD limit = 20000; // ms
-
-// patched replaces one imported function of the test program, for the life of the result.
-template <class Function> importPatch_t patched(const char* name, Function* replacement)
-{
-    return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(replacement)};
-}
 
 // failing is what a patched call does that gives null or FALSE: it sets this error.
 inline DWORD failingError = 0;
@@ -28,10 +19,10 @@ inline uintptr_t WINAPI failing(...)
     return 0;
 }
 
-// win32 gives the front of an error record: "E ", the status of a platform error, a blank.
+// win32 gives the front of an error record: "|E ", the status of a platform error, a blank.
 inline std::wstring win32(DWORD error)
 {
-    return L"E " + std::to_wstring(statusFromError(error)) + L' ';
+    return L"|E " + std::to_wstring(statusFromError(error)) + L' ';
 }
 
 // blockView_t views a named block that exists, from its start; bytes is null when there is none.
