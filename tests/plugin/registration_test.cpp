@@ -1,11 +1,9 @@
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "common/module.h"
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
 #include "support/patchimport.h"
@@ -22,60 +20,17 @@ const std::wstring appControl = L"UIElements\\AppControl\\" + classText;
 const std::wstring backupRestore = L"UIElements\\BackupRestore\\" + classText;
 const std::wstring trayIcon = L"TrayIcon\\" + classText;
 
-// value gives the type and the data of a value below the root; a key without it gives type 0.
-std::pair<DWORD, std::wstring> value(const std::wstring& key, const wchar_t* name)
+// has tells whether a key below the root has its default value.
+bool has(const std::wstring& key)
 {
-    DWORD type = 0;
-    std::wstring data(512, L'\0');
-    auto size = static_cast<DWORD>(data.size() * 2);
-    const auto found = RegGetValueW(HKEY_LOCAL_MACHINE, (rootPath + L'\\' + key).c_str(), name,
-                                    RRF_RT_ANY | RRF_NOEXPAND, &type, data.data(), &size);
-    data.resize(found == ERROR_SUCCESS ? size / 2 : 0);
-    return {type, data};
+    return RegGetValueW(HKEY_LOCAL_MACHINE, (rootPath + L'\\' + key).c_str(), L"", RRF_RT_ANY,
+                        nullptr, nullptr, nullptr) == ERROR_SUCCESS;
 }
 
-// set makes the key too.
-void set(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size)
+void set(const std::wstring& key, const wchar_t* name, DWORD type, const wchar_t* data, DWORD size)
 {
-    EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, type, data,
-                              static_cast<DWORD>(size)),
-              ERROR_SUCCESS);
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, type, data, size); // makes the key too
 }
-
-const wchar_t folder[] = L"C:\\veltrano-test";
-const std::filesystem::path cleanupPath = L"C:\\veltrano-test\\Cleanup.txt";
-
-std::wstring readCleanup()
-{
-    std::ifstream file(cleanupPath, std::ios::binary);
-    std::wstring text(8192, L'\0');
-    file.read(reinterpret_cast<char*>(text.data()), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<size_t>(file.gcount()) / 2);
-    return text;
-}
-
-const std::wstring elevenLines =
-    L"HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard\t8\r\n"
-    L"HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\t4097\tLastQLCategory\r\n"
-    L"HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories\t4108\r\n"
-    L"HKU\tSOFTWARE\\Veltrano\\Applications\\KRAppSettings\t4101\tOpenGuardDesk\r\n"
-    L"HKU\tSOFTWARE\\Veltrano\\Applications\\KRAppSettings\t4101\tShowTrainingPrompt\r\n"
-    L"HK\tSOFTWARE\\Veltrano\\Applications\\DashBoard\t4104\r\n"
-    L"FILE\tVeltrano\\KRS\\Templates\\*\t4097\r\n"
-    L"FILE\tVeltrano\\KRS\\VLIconCache\\*\t4097\r\n"
-    L"FILE\tVeltrano\\KRS\\*\t4097\r\n"
-    L"FILE\tVeltrano\\*\t4097\r\n"
-    L"DIR\tVeltrano\t4096\r\n";
-
-struct Registration : testing::Test {
-    Registration()
-    {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano");
-        std::filesystem::create_directory(folder);
-        std::filesystem::remove(cleanupPath);
-        set(L"SOFTWARE\\Veltrano", L"VeltranoPath", REG_SZ, folder, sizeof folder);
-    }
-};
 
 std::wstring failingKey; // as it is given to the call
 LSTATUS WINAPI failingCreateKey(HKEY root, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM,
@@ -86,107 +41,63 @@ LSTATUS WINAPI failingCreateKey(HKEY root, LPCWSTR path, DWORD, LPWSTR, DWORD, R
 
 } // namespace
 
-TEST_F(Registration, PutsTheClassUnderItsRolesAndStopsAtAFailedOneButNotAtTheTray)
+TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
 {
-    const importPatch_t patch(GetModuleHandleW(nullptr), "RegCreateKeyExW",
-                              reinterpret_cast<void*>(failingCreateKey));
+    const importPatch_t patch("RegCreateKeyExW", failingCreateKey);
     const struct {
         std::wstring failing;
         HRESULT status;
-        size_t registered; // the first so many roles
-    } cases[] = {
-        {rootPath, E_ACCESSDENIED, 0},
-        {appControl, E_ACCESSDENIED, 0},
-        {backupRestore, E_ACCESSDENIED, 1},
-        {trayIcon, S_OK, 2},
-        {L"", S_OK, 3},
-        {L"", S_OK, 3}, // again and again
-    };
-    const std::wstring path = moduleFileName(nullptr) + L'\0';
-    const std::wstring versions(L"6.0\0007.0\0008.0\0", 13);
+        int registered; // the first so many roles
+    } cases[] = {{rootPath, E_ACCESSDENIED, 0},
+                 {appControl, E_ACCESSDENIED, 0},
+                 {backupRestore, E_ACCESSDENIED, 1},
+                 {trayIcon, S_OK, 2}};
     for (const auto& c : cases) {
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, rootPath.c_str());
         failingKey = c.failing;
         EXPECT_EQ(DllRegisterServer(), c.status);
-        size_t registered = 0;
-        for (const auto& role : {appControl, backupRestore, trayIcon}) {
-            SCOPED_TRACE(testing::Message() << &c - cases << role);
-            const bool there = ++registered <= c.registered;
-            EXPECT_EQ(value(role, L""), std::pair(there ? 2ul : 0ul, there ? path : L""));
-            EXPECT_EQ(value(role, L"TargetShellVersions"),
-                      std::pair(there ? 7ul : 0ul, there ? versions : L""));
-        }
-        if (c.registered < 3)
-            RegDeleteTreeW(HKEY_LOCAL_MACHINE, rootPath.c_str());
+        EXPECT_EQ(has(appControl) + has(backupRestore) + has(trayIcon), c.registered) << c.failing;
     }
-}
-
-TEST_F(Registration, TakesTheClassOutWithEmptyParentsAndLeavesOthers)
-{
-    EXPECT_EQ(DllUnregisterServer(), S_OK); // nothing there at all
-    ASSERT_EQ(DllRegisterServer(), S_OK);
-    const std::wstring other = L"UIElements\\AppControl\\{other}";
-    const std::wstring keys[] = {
-        appControl, L"UIElements\\BackupRestore", L"TrayIcon", other, L"UIElements", L""};
-    for (const auto& key : keys)
-        set(rootPath + L'\\' + key, L"mark", REG_SZ, L"x", 4); // values don't keep a key
+    set(rootPath + L"\\UIElements", L"", REG_SZ, L"", 2);
     EXPECT_EQ(DllUnregisterServer(), S_OK);
-    for (const auto& key : keys)
-        EXPECT_EQ(value(key, L"mark").first, &key - keys < 3 ? 0u : 1u) << key;
-    VLKT_SDK::CUnregisterComponents registrar;
-    EXPECT_EQ(registrar.RemoveKeyChain(L"UIElements", L"AppControl"), S_OK); // stops at once
-    EXPECT_EQ(registrar.RemoveKeyChain(L"UIElements\\AppControl", L"{other}"), S_OK);
-    for (const auto& key : keys)
-        EXPECT_EQ(value(key, L"mark").first, key.empty() ? 1u : 0u) << key; // the root stays
-    EXPECT_EQ(registrar.RemoveKeyChain(L"UIElements", L"gone"), static_cast<HRESULT>(0x80070002));
-    EXPECT_EQ(readCleanup(), L"\xFEFF" + elevenLines + elevenLines); // appended each time
+    EXPECT_FALSE(has(L"UIElements")); // values alone don't keep a key
 }
 
-TEST_F(Registration, AFileWithoutTheMarkLosesItsContents)
+TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
 {
-    const struct {
-        std::string before;
-        const wchar_t* name;
-        std::wstring after;
-    } cases[] = {
-        {"", nullptr, L"\xFEFFK\tp\t4294967295\r\n"},
-        {"\xFF", L"n", L"\xFEFFK\tp\t4294967295\tn\r\n"},
-        {"abcd", L"", L"\xFEFFK\tp\t4294967295\t \r\n"}, // an empty name is a blank
-        {std::string("\xFE\xFF\0a", 4), nullptr, L"\xFEFFK\tp\t4294967295\r\n"},
-        {std::string("\xFF\xFE\x61\0", 4), nullptr, L"\xFEFF\x61K\tp\t4294967295\r\n"},
+    set(L"SOFTWARE\\Veltrano", L"VeltranoPath", REG_SZ, L"C:\\", 8);
+    const std::pair<std::string, std::wstring> files[] = {
+        {"\xFF", L"\xFEFFK\tp\t4294967295\t \r\n"},
+        {std::string("\xFE\xFF\0a", 4), L"\xFEFFK\tp\t4294967295\t \r\n"},
+        {std::string("\xFF\xFE\x61\0", 4), L"\xFEFF\x61K\tp\t4294967295\t \r\n"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        std::ofstream(cleanupPath, std::ios::binary) << c.before;
-        EXPECT_EQ(AddCleanupLine(L"K", L"p", 0xFFFFFFFF, c.name), S_OK);
-        EXPECT_EQ(readCleanup(), c.after);
+    for (const auto& [before, after] : files) {
+        std::ofstream(L"C:\\Cleanup.txt", std::ios::binary) << before;
+        EXPECT_EQ(AddCleanupLine(L"K", L"p", 0xFFFFFFFF, L""), S_OK); // an empty name is a blank
+        std::wstring text(99, L'\0');
+        std::ifstream file(L"C:\\Cleanup.txt", std::ios::binary);
+        file.read(reinterpret_cast<char*>(text.data()), 198);
+        EXPECT_EQ(text.substr(0, static_cast<size_t>(file.gcount()) / 2), after);
     }
-}
-
-TEST_F(Registration, AFailedCleanupLineIsTracedAndReturned)
-{
+    EXPECT_EQ(AddCleanupLine(nullptr, L"p", 1, nullptr), E_INVALIDARG);
+    EXPECT_EQ(AddCleanupLine(L"K", L"", 1, nullptr), E_INVALIDARG);
     const struct {
-        const wchar_t* kind;
-        const wchar_t* path;
-        size_t size; // of the folder's value; 0 keeps the good one
         DWORD type;
+        const wchar_t* folder;
+        DWORD size;
         uint32_t status;
-        std::wstring line;
-    } cases[] = {
-        {nullptr, L"p", 0, 0, 0x80070057, L"E -2147024809 "},
-        {L"K", L"", 0, 0, 0x80070057, L"E -2147024809 "},
-        {L"K", L"p", 9, REG_SZ, 0x8007000D, L"E -2147024883 "}, // odd length
-        {L"K", L"p", 10, REG_BINARY, 0x8007000D, L"E -2147024883 "},
-        {L"K", L"p", 8, REG_SZ, 0x8007000D, L"E -2147024883 "}, // not terminated
-        {L"K", L"p", 10, REG_EXPAND_SZ, 0x80070003, L"E -2147024893 "},
+    } folders[] = {
+        // Odd length, no text, not terminated, not there.
+        {REG_SZ, L"C:\\x", 9, 0x8007000D},
+        {REG_BINARY, L"C:\\", 8, 0x8007000D},
+        {REG_SZ, L"C:\\xX", 8, 0x8007000D},
+        {REG_EXPAND_SZ, L"C:\\no", 12, 0x80070003},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        if (c.size)
-            set(L"SOFTWARE\\Veltrano", L"VeltranoPath", c.type, c.size == 8 ? L"C:\\xX" : L"C:\\x",
-                c.size);
+    for (const auto& c : folders) {
+        set(L"SOFTWARE\\Veltrano", L"VeltranoPath", c.type, c.folder, c.size);
         traceRecorder_t trace;
-        EXPECT_EQ(AddCleanupLine(c.kind, c.path, 1, nullptr), static_cast<HRESULT>(c.status));
-        EXPECT_EQ(trace.messages(), std::vector<std::wstring>{c.line});
+        const auto status = static_cast<HRESULT>(c.status);
+        EXPECT_EQ(AddCleanupLine(L"K", L"p", 1, nullptr), status) << c.folder;
+        EXPECT_EQ(trace.messages(), std::vector{L"E " + std::to_wstring(status) + L" "});
     }
-    EXPECT_EQ(DllUnregisterServer(), S_OK); // without an installation folder too
 }
