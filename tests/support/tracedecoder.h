@@ -66,21 +66,21 @@ inline std::string mixedTraceText(std::string text, bool scramble)
     return text;
 }
 
-inline decodedTrace_t decodeTrace(const std::string& bytes)
+inline decodedTrace_t decodeTrace(const std::string& file)
 {
     decodedTrace_t trace;
     size_t at = 0;
     const auto upTo = [&](size_t end) {
-        if (end > bytes.size())
+        if (end > file.size())
             throw std::runtime_error("torn trace");
         const size_t from = std::exchange(at, end);
-        return bytes.substr(from, end - from);
+        return file.substr(from, end - from);
     };
     while (trace.header.empty() || trace.header.back() != ".") {
-        trace.header.push_back(upTo(bytes.find("\r\n", at)));
+        trace.header.push_back(upTo(file.find("\r\n", at)));
         at += 2;
     }
-    while (at < bytes.size()) {
+    while (at < file.size()) {
         auto& record = trace.records.emplace_back();
         uint16_t n = 0;
         std::memcpy(&record.thread, upTo(at + 4).data(), 4);
@@ -93,7 +93,7 @@ inline decodedTrace_t decodeTrace(const std::string& bytes)
 
 inline std::string fileBytes(const std::filesystem::path& path)
 {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
+    std::ostringstream file;
+    file << std::ifstream(path, std::ios::binary).rdbuf();
+    return file.str();
 }

@@ -1,0 +1,103 @@
+#include <functional>
+
+#include "installation.h"
+
+namespace {
+
+const std::string noBranding = "> CVLKTPages::GetProperty | > CBranding::LoadResourceDLL | U ";
+const std::string backup = R"(> CVLKTPages::GetStorageData | > prepfolderlist
+  U cache '{krs}Cache\' | U local '{krs}Templates\'
+  > checkpath | E 0 strange path ''
+  E 0 path is invalid ''
+  > checkpath | E 0 strange path ''
+  E 0 path is invalid '' | U done{lf}
+ > collectall | U local folders
+  > enumfnames | U   'c:\vl\templates\*.vlm'
+  > enumfnames | U   'krs::cache\*.vlm'
+  > enumfnames | U   'kri::*.vlm'
+ E 0 inv.line 'junk'
+ U Pre train [default] = Hide | U Pre train [current] = Hide | U Hotkey    [current] = Ctrl+Win+72
+ U Use Grabbing Creds  = No
+)";
+const std::string restoreHead = "> CVLKTPages::SetStorageData2 | U lBound = 0, uBound = {size}\n";
+const std::string restore = restoreHead + "{new}\n";
+const std::string noSettings = restoreHead + " > RestoreQuickLinks | U SAQL OK, Num BLOBs=1\n";
+const std::string noPolicy = R"(> CVLKTPages::GetStatus | > GetGPOSettings
+  E -2147024770 GetGPOSettings[com]
+> CVLKTPages::GetStorageData | E -2147024770 GetStorageData[com]
+)";
+
+using Missing = installedTest;
+
+TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
+{
+    const std::string before = "QuickLinks.txt Templates\\bank.vlm Templates\\updata.vls ";
+    const std::string restored = "QuickLinks.txt Templates\\new.vlm ";
+    const HKEY machine = HKEY_LOCAL_MACHINE;
+    const auto breakBranding = [&] {
+        setText(machine, brandingKey, L"DLLPath", L"C:\\VL\\no.dll");
+    };
+    const auto dropBranding = [&] { RegDeleteKeyValueW(machine, brandingKey, L"DLLPath"); };
+    const auto dropKeys = [&] {
+        RegDeleteTreeW(machine, LR"(SOFTWARE\Veltrano\Applications)");
+        RegDeleteTreeW(machine, LR"(SOFTWARE\Veltrano\Branding)");
+    };
+    const auto moveBin = [&] {
+        setText(machine, LR"(SOFTWARE\Veltrano\Applications)", L"BinDir", L"C:\\VL\\no");
+    };
+    const auto dropPolicy = [] { fs::remove(LR"(C:\windows\system32\VLFPApi.dll)"); };
+    const struct {
+        const char* what;
+        std::function<void()> remove; // called before the backup and before the restore
+        std::wstring icon;
+        std::string trace;
+        std::string left;
+    } cases[] = {
+        {"nothing", [] {}, m_icon, backup + restore, restored},
+        {"settings library", moveBin, m_icon, noSettings, before},
+        {"policy library", dropPolicy, m_icon, noPolicy + restore, restored},
+        {"branding DLL", breakBranding, L",193",
+         noBranding + "failed to load resource dll , GetLastError returned 0x00000002\n" + backup +
+             restore,
+         restored},
+        {"branding value", dropBranding, L",193",
+         noBranding + "Failed to find DllPath under Branding key in registry\n" + backup + restore,
+         restored},
+        {"registry keys", dropKeys, L",193",
+         noBranding +
+             "Open Branding key SOFTWARE\\Veltrano\\Branding\\Common in registry Failed\n" +
+             noSettings,
+         before},
+        {"folders", [&] { fs::remove_all(m_krs); }, m_icon, restore + "   E 0 savefile exception\n",
+         ""},
+        {"agent", [&] { stopAgent(); }, m_icon,
+         backup + restore + " U '`I04`'VLAgent not running | U VlAgent window NOT found!\n",
+         restored},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TearDown();
+        SetUp();
+        startAgent();
+        c.remove();
+        {
+            const plugin_t plugin;
+            EXPECT_EQ(c.icon, plugin.property(propertyIconLocation));
+            plugin.statusText();
+            value_t names, data, logon(newLogon());
+            EXPECT_EQ(S_OK, plugin.as<IVLKTBackupRestore2>()->GetStorageData(&names, &data));
+            EXPECT_EQ(c.trace.find(backup) != std::string::npos ? VT_ARRAY | VT_UI1 : VT_EMPTY,
+                      data.vt);
+            c.remove();
+            EXPECT_EQ(S_OK, plugin.as<IVLKTBackupRestore2>()->SetStorageData2(0, &logon));
+        }
+        EXPECT_EQ(tree(c.trace), traced());
+        std::string left;
+        for (const auto& [name, content] : userFiles())
+            left += name + ' ';
+        EXPECT_EQ(c.left, left);
+        EXPECT_EQ(c.left == before, fs::exists(L"new.vlm")); // its folder is unknown
+    }
+}
+
+} // namespace

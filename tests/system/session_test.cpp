@@ -1,0 +1,176 @@
+#include "installation.h"
+
+namespace {
+
+constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 GetProperty[com]
+> CVLKTPages::GetInfo | U 0 = {42F9948B-B690-4325-A073-63A8BF31FF32}[8]
+> CVLKTPages::GetInfo | U 1 = [3] | E -2147023288{sp}
+> CVLKTPages::Subscribe | U '`I04`'N/A
+> CVLKTPages::SetPluginData | U Unknown secret blob | U Secret Name = KRS Protected Storage
+ > RestoreQuickLinks | U SAQL OK, Num BLOBs=0
+ U file name='{krs}DontPrompt.txt', dataLen = 5.
+> CVLKTPages::GetStorageData
+ > prepfolderlist | E 0 duplicated path in alien folders
+  > checkpath | E 0 strange path 'rel\'
+  E 0 path is invalid 'rel\' | U cache '{krs}Cache\' | U local '{krs}Templates\'
+  > checkpath | E 0 strange path ''
+  E 0 path is invalid ''
+  > checkpath | E 0 strange path ''
+  E 0 path is invalid '' | U done{lf}
+ > collectall | U local folders
+  > enumfnames | U   'c:\vl\shared\*.vlm'
+  > enumfnames | U   'c:\vl\templates\*.vlm'
+  > enumfnames | U   'krs::cache\*.vlm'
+  > enumfnames | U   'kri::*.vlm'
+ E 0 inv.line 'junk'
+ U Pre train [default] = Hide | U Pre train [current] = Show | U Hotkey    [current] = Ctrl+1
+ U Dont prmpt[size=5] = {krs}DontPrompt.txt | U Use Grabbing Creds  = Yes
+> CVLKTPages::SetStorageData2 | U lBound = 0, uBound = {own}
+ > RestoreQuickLinks | U SAQL OK, Num BLOBs=1
+  U bs3: {lower}templates\bank.vlm
+  > QL::add | U QL for: kri::bank.vlm | U   prof:  1 | U   name: 'Bank'
+   U   url : 'https://bank.example/login?x=1' | U   QL created
+  > QL::save | U save krs::quicklinks.txt
+> CVLKTPages::SetStorageData | U lBound = 0, uBound = {size}
+{new}
+> CVLKTPages::SetStorageData | U lBound = 0, uBound = {two}
+ > RestoreQuickLinks | U SAQL OK, Num BLOBs=3
+  U bs3: {lower}templates\old.vlm
+  > QL::add | U QL for: kri::old.vlm | U   prof:  3 | U   name: 'Old'
+   U   dlgpath : 'c:\windows\notepad.exe' | U   QL created
+  U bs3: {lower}templates\old.vlm
+  > QL::add | U QL for: kri::old.vlm | U   prof:  3 | U   name: '' | U   url : 'u' | U   QL updated
+  > QL::save | U save krs::quicklinks.txt
+> CVLKTPages::SetStorageData | U lBound = 0, uBound = {size}
+{new}
+ U '`I04`'VLAgent not running | U VlAgent window NOT found!
+> CVLKTPages::SetStorageData | U lBound = 0, uBound = {size}
+{new}
+ U '`I04`'NoVLAgent | U VlAgent window NOT found!
+> CVLKTPages::SetStorageData | E -2147467261 SetStorageData[com]
+> CVLKTPages::SetStorageData2 | E -2147024809 SetStorageData2[com]
+> CVLKTPages::SetStorageData | U lBound = 0, uBound = 1 | E -2147418113 SetStorageData[com]
+> CVLKTPages::SetPluginData | E -2147467261 SetPluginData[com]
+> CVLKTPages::SetPluginData | E -2147024809 SetPluginData[com]
+> CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
+> CVLKTPages::GetProperty | > CVLKTPages::GetNotifications
+  > CVLKTPages::GetExplanation | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
+  > CVLKTPages::GetSecurityLevel | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
+)";
+
+class Session : public installedTest
+{
+protected:
+    void information() const;
+    void pluginData() const;
+    void disabled() const;
+
+    const plugin_t* m_plugin = nullptr;
+};
+
+void Session::information() const
+{
+    const auto element = m_plugin->as<IVLKTElementUI>();
+    const auto info = m_plugin->as<IVLKTPluginInfo>();
+    value_t value, number;
+    for (const ULONG id : {1u, 2u, 3u, 4u, 8u, 100u, 101u, 103u})
+        EXPECT_EQ(S_OK, element->GetProperty(id, &value)) << id;
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_UNKNOWN_PROPERTY), element->GetProperty(102, &value));
+    EXPECT_EQ(E_NOTIMPL, element->SetProperty(2, &value));
+    EXPECT_EQ(E_POINTER, element->GetProperty(1, nullptr));
+    m_plugin->statusText();
+    EXPECT_EQ(E_POINTER, m_plugin->as<IVLKTDisableApp>()->GetStatus(nullptr));
+    EXPECT_EQ(S_OK, info->GetInfo(0, &value));
+    number.vt = VT_I4;
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_UNKNOWN_PROPERTY), info->GetInfo(1, &number));
+    EXPECT_EQ(S_OK, m_plugin->as<IVLKTPages>()->AddPages());
+    EXPECT_EQ(S_OK, m_plugin->as<IVLKTTraySubscribe>()->Subscribe());
+}
+
+void Session::pluginData() const
+{
+    const bytes secrets =
+        seq({seq({wide(L"of"), octets("three"), octets("elements")}),
+             seq({wide(L"KRS Protected Storage"), octets(std::string("S\0\0\0", 4))})});
+    const bytes legacy =
+        seq({seq({filePair(L"bank.vlm", "bank"), filePair(L"updata.vls", "state")}), seq({}),
+             seq({}), seq({integer(1), wide(L"Ctrl+1"), octets("abc")})});
+    const std::string links = fileContents(m_krs / L"QuickLinks.txt");
+    EXPECT_EQ(S_OK, m_plugin->as<IVLKTBackupRestore3>()->SetPluginData(
+                        static_cast<ULONG>(secrets.size()), secrets.data(),
+                        static_cast<ULONG>(legacy.size()), legacy.data()));
+    EXPECT_EQ(std::string("\x04\0\x03\0a", 5), fileContents(m_krs / L"DontPrompt.txt"));
+    writeFile(m_krs / L"QuickLinks.txt", links);
+}
+
+void Session::disabled() const
+{
+    const auto application = m_plugin->as<IVLKTDisableApp>();
+    ULONG status = 9;
+    value_t value;
+    EXPECT_EQ(S_OK, application->DisableLocal(1));
+    EXPECT_EQ(S_OK, application->GetStatus(&status));
+    EXPECT_EQ(3u, status);
+    m_plugin->statusText(E_NOTIMPL);
+    EXPECT_EQ(S_OK, m_plugin->as<IVLKTElementUI>()->GetProperty(propertyNotifications, &value));
+    EXPECT_EQ(S_OK, application->DisableLocal(0));
+}
+
+TEST_F(Session, IsTracedRecordByRecord)
+{
+    setText(HKEY_CURRENT_USER, settingsKey, L"path_alienstorage_dirs",
+            LR"(C:\VL\shared|C:\VL\shared\|rel)");
+    setText(HKEY_CURRENT_USER, settingsKey, L"useGrabbingCreds", L"1");
+    writeFile(m_root / L"shared" / L"s.vlm", "shared");
+    const bytes two =
+        seq({seq({filePair(L"old.vlm", "old")}),
+             seq({seq({narrow("Old"), narrow("c:\\windows\\notepad.exe"), narrow("old.vlm"),
+                       integer(3), narrow("m-3")}),
+                  seq({narrow("of"), narrow("four"), narrow("elements"), integer(1)}),
+                  seq({narrow(""), narrow("u"), narrow("old.vlm"), integer(3), narrow("")})})});
+    value_t names, own, threeData(newLogon()), twoData(two), oneData(seq({})), none;
+    startAgent();
+    {
+        const plugin_t plugin;
+        m_plugin = &plugin;
+        const auto restore = plugin.as<IVLKTBackupRestore2>();
+        EXPECT_EQ(S_OK, plugin.call("DllRegisterServer"));
+        information();
+        pluginData();
+        EXPECT_EQ(S_OK, restore->GetStorageData(&names, &own));
+        EXPECT_EQ(VT_ARRAY | VT_BSTR, names.vt) << "the agent has the secret now";
+        fs::remove(m_root / L"shared" / L"s.vlm");
+        EXPECT_EQ(S_OK, restore->SetStorageData2(0x00010002, &own));
+        EXPECT_EQ("shared", fileContents(m_root / L"shared" / L"s.vlm"));
+        EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
+        EXPECT_EQ(S_OK, restore->SetStorageData(&twoData));
+        stopAgent();
+        const std::string journal = fileContents(m_root / L"journal.txt");
+        EXPECT_NE(std::string::npos, journal.find(R"("wParam":1,"lParam":2)"));
+        EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
+        EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
+        const auto before = userFiles();
+        EXPECT_EQ(E_POINTER, restore->SetStorageData(nullptr));
+        EXPECT_EQ(E_INVALIDARG, restore->SetStorageData2(0, &none));
+        EXPECT_EQ(E_UNEXPECTED, restore->SetStorageData(&oneData));
+        const auto restore3 = plugin.as<IVLKTBackupRestore3>();
+        EXPECT_EQ(E_POINTER, restore3->SetPluginData(0, nullptr, 1, nullptr));
+        EXPECT_EQ(E_INVALIDARG, restore3->SetPluginData(0, nullptr, 0, two.data()));
+        EXPECT_EQ(before, userFiles());
+        disabled();
+        EXPECT_EQ(S_OK, plugin.call("DllUnregisterServer"));
+        setText(HKEY_LOCAL_MACHINE, productKey, L"VeltranoPath", m_root / L"no");
+        EXPECT_EQ(S_OK, plugin.call("DllUnregisterServer"));
+    }
+    std::string expected = sessionTrace;
+    for (const std::string line : cleanupLines)
+        expected +=
+            "> AddCleanupLine | U FilePath = C:\\VL\\Cleanup.txt | U accum = " + line + "{crlf}\n";
+    for (size_t i = 0; i < std::size(cleanupLines); ++i)
+        expected += "> AddCleanupLine | E -2147024893{sp}\n"; // there is no such folder
+    expected.replace(expected.find("{own}"), 5, std::to_string(bytesOf(own).size() - 1));
+    expected.replace(expected.find("{two}"), 5, std::to_string(two.size() - 1));
+    EXPECT_EQ(tree(expected), traced());
+}
+
+} // namespace
