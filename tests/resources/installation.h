@@ -81,8 +81,6 @@ public:
 private:
     template <size_t which> static LANGID WINAPI language() { return languages[which]; }
     inline static LANGID languages[2];
-    const HMODULE m_self = GetModuleHandleW(nullptr);
-    importPatch_t m_user{m_self, "GetUserDefaultUILanguage", reinterpret_cast<void*>(&language<0>)};
-    importPatch_t m_system{m_self, "GetSystemDefaultUILanguage",
-                           reinterpret_cast<void*>(&language<1>)};
+    importPatch_t m_user{"GetUserDefaultUILanguage", language<0>};
+    importPatch_t m_system{"GetSystemDefaultUILanguage", language<1>};
 };

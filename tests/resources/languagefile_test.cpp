@@ -6,6 +6,7 @@
 #include "installation.h"
 
 #include <map>
+#include <sstream>
 
 namespace {
 
@@ -35,65 +36,55 @@ std::wstring searched(const installation_t& installation)
 
 TEST(LanguageSearch, TakesTheFileNearestToTheUser)
 {
-    using files_t = std::vector<std::pair<std::wstring, std::wstring>>; // folder, language in it
-    const files_t chinese{{L"zh-Hant", L"zh-Hant"}, {L"en-US", L"en-US"}};
     const struct {
         LANGID user, system;
-        files_t files;
+        std::wstring files; // each a folder and the language in it
         std::wstring taken; // on an old system, on a current one
     } cases[] = {
-        {0x0407, 0x0409, {{L"de-DE", L"de-DE"}, {L"en-US", L"en-US"}}, L"de de"},
+        {0x0407, 0x0409, L"de-DE=de-DE en-US=en-US", L"de de"},
         // The neutral language goes before the default sub-language, which only an old system tries.
-        {0x0807, 0x0409, {{L"de-DE", L"fr-FR"}, {L"de", L"de-DE"}}, L"de de"},
-        {0x0807, 0x0409, {{L"de-DE", L"de-DE"}, {L"en-US", L"en-US"}}, L"de en"},
+        {0x0807, 0x0409, L"de-DE=fr-FR de=de-DE", L"de de"},
+        {0x0807, 0x0409, L"de-DE=de-DE en-US=en-US", L"de en"},
         // Traditional Chinese goes together, the Simplified one apart.
-        {0x0404, 0x0409, chinese, L"zh zh"},
-        {0x0C04, 0x0409, chinese, L"zh zh"},
-        {0x1404, 0x0409, chinese, L"zh zh"},
-        {0x7C04, 0x0409, chinese, L"zh zh"},
-        {0x0804, 0x0409, chinese, L"en en"},
-        {0x0C04, 0x0409, {{L"zh-Hant", L"fr-FR"}, {L"zh-HK", L"zh-Hant"}}, L"zh zh"},
+        {0x0404, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"zh zh"},
+        {0x7C04, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"zh zh"},
+        {0x0804, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"en en"},
+        {0x0C04, 0x0409, L"zh-Hant=fr-FR zh-HK=zh-Hant", L"zh zh"},
         // No file for the user: the system's language, then en-US, then nothing.
-        {0x041D, 0x0411, {{L"ja-JP", L"ja-JP"}, {L"en-US", L"en-US"}}, L"ja ja"},
-        {0x041D, 0x0811, {{L"ja", L"ja-JP"}, {L"en-US", L"en-US"}}, L"ja ja"},
-        {0x041D, 0x041D, {{L"en", L"en-US"}, {L"de-DE", L"de-DE"}}, L"en en"},
-        {0x041D, 0x041D, {{L"de-DE", L"de-DE"}}, L"none none"},
+        {0x041D, 0x0811, L"ja=ja-JP en-US=en-US", L"ja ja"},
+        {0x041D, 0x041D, L"en=en-US de-DE=de-DE", L"en en"},
+        {0x041D, 0x041D, L"de-DE=de-DE", L"none none"},
         // The neutral Arabic has the number that is refused, so the whole search alone finds it.
-        {0x0401, 0x0409, {{L"ar", L"fr-FR"}, {L"en-US", L"en-US"}}, L"fr fr"},
-        {0x04FF, 0x0409, {{L"en-US", L"en-US"}}, L"en en"}, // a language without a name
+        {0x0401, 0x0409, L"ar=fr-FR en-US=en-US", L"fr fr"},
+        {0x04FF, 0x0409, L"en-US=en-US", L"en en"}, // a language without a name
     };
     for (const auto& c : cases) {
         const uiLanguages_t languages(c.user, c.system);
         const installation_t installation;
-        for (const auto& [folder, language] : c.files)
+        std::wistringstream files(c.files);
+        for (std::wstring folder, language;
+             std::getline(files, folder, L'=') && std::getline(files, language, L' ');)
             installation.install(folder, language);
         EXPECT_EQ(searched(installation), c.taken) << std::hex << c.user << " row " << &c - cases;
     }
 }
 
-TEST(LanguageSearch, GivesBackADllThatKeepsItsTextsItself)
+TEST(LanguageSearch, GivesBackADllThatKeepsItsTextsItselfAndRefusesOneLanguage)
 {
     for (const auto& version : {oldSystem, currentSystem}) {
         CLoadedModule branding(LoadLibraryW(builtFile(L"Branding.dll").c_str()));
-        const HMODULE found = LoadMuiModule(branding.get(), version);
-        EXPECT_EQ(found, branding.get());
-        FreeLibrary(found); // one reference came with it, and no other
-        EXPECT_EQ(GetModuleHandleW(L"Branding.dll"), branding.get());
+        EXPECT_EQ(LoadMuiModule(branding.get(), version), branding.get());
+        FreeLibrary(branding.get()); // one reference came with it, and no other
         branding.reset();
         EXPECT_EQ(GetModuleHandleW(L"Branding.dll"), nullptr);
     }
-}
-
-TEST(LanguageSearch, LoadsOneLanguageByNameOrNumberAndRefusesOne)
-{
     const installation_t installation;
     installation.install(L"ar", L"en-US");
     installation.install(L"MUI\\0407", L"de-DE");
     const std::wstring path = installation.dllPath.wstring();
     EXPECT_EQ(LoadLanguageLibrary(path, languageFolderByName, 1), nullptr);
-    EXPECT_EQ(LoadLanguageLibrary(path + L"x", languageFolderByName, 0), nullptr);
-    const CLoadedModule byNumber(LoadLanguageLibrary(path, languageFolderById, 0x0407));
-    EXPECT_EQ(languageOf(byNumber.get()), L"de");
+    const CLoadedModule german(LoadLanguageLibrary(path, languageFolderById, 0x0407));
+    EXPECT_EQ(languageOf(german.get()), L"de");
 }
 
 // The built German file, changed in one place: the search takes it or goes on to the English one.

@@ -62,14 +62,15 @@ inline std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& res
     const auto size = static_cast<uint32_t>(section.size());
     std::vector<uint8_t> file(sampleRoot);
     const std::pair<size_t, uint32_t> fields[] = {
+        // The headers: sections, sizes of the optional one and of all, directories.
         {0, 0x5A4D},
         {0x3C, 0x40},
         {0x40, 0x4550},
         {0x40 + 6, 1},
-        {0x40 + 20, 240}, // sections, size of the optional header
+        {0x40 + 20, 240},
         {sampleOptionalHeader, 0x20B},
         {sampleOptionalHeader + 60, sampleRoot},
-        {sampleOptionalHeader + 108, 16}, // headers, directories
+        {sampleOptionalHeader + 108, 16},
         {sampleResourceEntry, sampleRootAddress},
         {sampleResourceEntry + 4, size},
         {sampleSectionHeader + 8, size},
