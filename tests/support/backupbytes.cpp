@@ -49,6 +49,7 @@ bytes filePair(const std::wstring& name, const std::string& content)
     return seq({wide(name), octets(content)});
 }
 
+#ifdef _WIN32
 void byteArray(VARIANT& variant, const bytes& content, LONG lower)
 {
     SAFEARRAYBOUND bound = {static_cast<ULONG>(content.size()), lower};
@@ -62,3 +63,4 @@ bytes bytesOf(const VARIANT& variant)
     const auto* const data = static_cast<const uint8_t*>(variant.parray->pvData);
     return {data, data + variant.parray->rgsabound[0].cElements};
 }
+#endif
