@@ -89,8 +89,8 @@ public:
 
     void compare(const char* element, const items& first, const items& second)
     {
-        std::map<std::pair<std::string_view, size_t>, size_t>
-            places; // of second, by name and how often it came
+        // Of second, by name and how often it came.
+        std::map<std::pair<std::string_view, size_t>, size_t> places;
         std::map<std::string_view, size_t> seen;
         for (size_t i = 0; i < second.size(); ++i)
             places[{second[i].name, seen[second[i].name]++}] = i;

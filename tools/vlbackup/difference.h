@@ -8,8 +8,7 @@
 // BackupDifference is one thing that two backups don't share.
 struct BackupDifference {
     std::string element; // "templates", "quicklinks", "categories", "settings" or "backup"
-    std::string
-        item; // the name of the file, link, category or setting; empty for the element as a whole
+    std::string item;    // the name of the file, link, category or setting; empty for all of it
     std::string what;
 };
 

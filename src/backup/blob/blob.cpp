@@ -50,6 +50,18 @@ _CRYPTOAPI_BLOB copyOf(bytes_t bytes)
     return {static_cast<DWORD>(bytes.size()), copy.release()};
 }
 
+// For constructors, which raise nothing: leaves the empty blob empty when there is no memory.
+void fillNew(_CRYPTOAPI_BLOB& blob, const void* bytes, size_t size) noexcept
+{
+    if (size > std::numeric_limits<DWORD>::max())
+        return;
+    blob.pbData = static_cast<BYTE*>(_heap_allocator::allocate(size));
+    if (!blob.pbData)
+        return;
+    CopyMemory(blob.pbData, bytes, size);
+    blob.cbData = static_cast<DWORD>(size);
+}
+
 // Runs code of the portable codec, which knows no status.
 template <class Body> auto withStatus(Body body)
 {
@@ -116,16 +128,8 @@ bool blobcodec::decode(structType_t structType, const _CRYPTOAPI_BLOB& encoded,
 
 CVLWStrBlob::CVLWStrBlob(const wchar_t* text) noexcept : CVLAnyBlob(structAnyString)
 {
-    if (!text)
-        return;
-    const size_t size = 2 * (std::wstring_view(text).size() + 1);
-    if (size > std::numeric_limits<DWORD>::max())
-        return;
-    pbData = static_cast<BYTE*>(_heap_allocator::allocate(size));
-    if (!pbData)
-        return;
-    CopyMemory(pbData, text, size);
-    cbData = static_cast<DWORD>(size);
+    if (text)
+        fillNew(*this, text, 2 * (std::wstring_view(text).size() + 1));
 }
 
 _CRYPTOAPI_BLOB* CVLWStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
@@ -146,16 +150,8 @@ bool CVLWStrBlob::Decode()
 
 CVLStrBlob::CVLStrBlob(const char* text) noexcept : CVLAnyBlob(structAnyString)
 {
-    if (!text)
-        return;
-    const size_t size = std::string_view(text).size() + 1;
-    if (size > std::numeric_limits<DWORD>::max())
-        return;
-    pbData = static_cast<BYTE*>(_heap_allocator::allocate(size));
-    if (!pbData)
-        return;
-    CopyMemory(pbData, text, size);
-    cbData = static_cast<DWORD>(size);
+    if (text)
+        fillNew(*this, text, std::string_view(text).size() + 1);
 }
 
 _CRYPTOAPI_BLOB* CVLStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
@@ -171,11 +167,7 @@ bool CVLStrBlob::Decode()
 
 CVLIntBlob::CVLIntBlob(uint32_t value) noexcept : CVLAnyBlob(structMultiByteInt)
 {
-    pbData = static_cast<BYTE*>(_heap_allocator::allocate(sizeof value));
-    if (!pbData)
-        return;
-    for (cbData = 0; cbData < sizeof value; ++cbData)
-        pbData[cbData] = static_cast<BYTE>(value >> (8 * cbData));
+    fillNew(*this, &value, sizeof value); // the machine is little-endian too
 }
 
 uint32_t readInteger(const _CRYPTOAPI_BLOB& element) noexcept
@@ -185,13 +177,13 @@ uint32_t readInteger(const _CRYPTOAPI_BLOB& element) noexcept
 
 CVLBlobSeq::CVLBlobSeq(DWORD n) noexcept
 {
-    for (; n > 0 && !items; n = items ? n : n / 2) {
+    for (; n > 0; n /= 2) { // short of memory, fewer slots
         items = static_cast<_CRYPTOAPI_BLOB*>(_heap_allocator::allocate(n * sizeof *items));
-        if (items) {
-            std::fill_n(items, n, _CRYPTOAPI_BLOB{});
-            count = n;
-        }
+        if (items)
+            break;
     }
+    count = n;
+    std::fill_n(items, n, _CRYPTOAPI_BLOB{});
 }
 
 void CVLBlobSeq::Clear() noexcept

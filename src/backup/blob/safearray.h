@@ -13,9 +13,8 @@
 // holder has one pointer, null while empty; while it isn't, the array carries one lock that the
 // holder took.
 //
-// Errors: two kinds. What is said to be returned is a status; what is raised is ATL::CAtlException.
-// A failed append
-//         only shows in its status and in an array shorter than was asked for
+// Errors: two kinds. What is said to be returned is a status; what is raised is ATL::CAtlException. A failed
+//         append only shows in its status and in an array shorter than was asked for
 // Source: SafeArrayCreate, SafeArrayLock, SafeArrayRedim, SafeArrayCopy and their like
 class CVLSafeArray
 {
@@ -30,8 +29,7 @@ public:
     // array of fixed size.
     HRESULT Resize(ULONG newCount, LONG lowerBound);
 
-    // LowerBound and UpperBound of dimension 1 raise the platform's status, for an empty holder
-    // too.
+    // LowerBound and UpperBound of dimension 1 raise the platform's status, for an empty holder too.
     LONG LowerBound() const;
     LONG UpperBound() const;
 
@@ -54,8 +52,7 @@ protected:
     CVLSafeArray() noexcept = default;
 
     HRESULT CreateOnDemand(VARTYPE type) noexcept;
-    // Grow makes the array if there is none and adds elements; first is the index of the first new
-    // one.
+    // Grow makes the array if there is none and adds elements; first is the index of the first new one.
     HRESULT Grow(VARTYPE type, ULONG count, LONG& first);
     // Element gives the element's place; null with E_INVALIDARG outside the bounds.
     HRESULT Element(LONG index, void*& place) const;
@@ -97,12 +94,10 @@ public:
     // writer can store straight into the array. place: empty on failure
     HRESULT Extend(ULONG count, std::span<uint8_t>& place);
 
-    // CopyFrom takes a copy of an array of bytes, of any lower bound, in place of the one that is
-    // held.
+    // CopyFrom takes a copy of an array of bytes, of any lower bound, in place of the one that is held.
     //
     // Returns: the status of locking the copy; if that failed the holder is empty
-    // Errors:  raises E_INVALIDARG for null or another element type, and the status of each call
-    // that failed
+    // Errors:  raises E_INVALIDARG for null or another element type, and the status of each call that failed
     HRESULT CopyFrom(SAFEARRAY* source);
 
     // Bytes is a view of every element that is really there; empty if there is none.

@@ -5,7 +5,7 @@
 
 // utf16FromUtf8 and utf8FromUtf16 convert without the platform's help. What is no character, cut or
 // overlong sequences and lone surrogates, becomes U+FFFD, one for each rejected run as Unicode
-// (chapter 3, table 3-8) counts them. Embedded zeros are ordinary characters. Errors:
-// std::bad_alloc
+// (chapter 3, table 3-8) counts them. Embedded zeros are ordinary characters.
+// Errors: std::bad_alloc
 std::u16string utf16FromUtf8(std::string_view text);
 std::string utf8FromUtf16(std::u16string_view text);
