@@ -33,24 +33,14 @@ TEST_F(Export, AWholeBackupByteForByte)
 
 TEST_F(Export, DataIsPresentByTheTwoDataFiles)
 {
-    const struct {
-        const char* data; // null: no file
-        const char* temporary;
-        bool present;
-    } cases[] = {{nullptr, nullptr, false},
-                 {"", nullptr, false},
-                 {"x", nullptr, true},
-                 {nullptr, "", true},
-                 {"", "", true}};
-    for (const auto& c : cases) {
-        clear();
-        write(L"personal\\a.vlm", "templates alone don't count");
-        if (c.data)
-            write(L"personal\\updata.vls", c.data);
-        if (c.temporary)
-            write(L"personal\\updata_temp.vls", c.temporary);
-        EXPECT_EQ(CStorageData::IsStorageDataPresent(), c.present) << &c - cases;
-    }
+    write(L"personal\\a.vlm", "templates alone don't count");
+    EXPECT_FALSE(CStorageData::IsStorageDataPresent());
+    write(L"personal\\updata.vls", "");
+    EXPECT_FALSE(CStorageData::IsStorageDataPresent());
+    write(L"personal\\updata_temp.vls", ""); // which counts without a byte
+    EXPECT_TRUE(CStorageData::IsStorageDataPresent());
+    std::filesystem::remove(m_personal + L"updata_temp.vls");
+    write(L"personal\\updata.vls", "x");
     m_settings.values[L"path_localstorage_dir"].pop_back(); // the separator is added here
     EXPECT_TRUE(CStorageData::IsStorageDataPresent());
     m_settings.values[L"path_localstorage_dir"] = L"";
@@ -76,9 +66,6 @@ TEST_F(Export, FilesTravelInListOrderWithTheirNamesByOwner)
 TEST_F(Export, WithoutAnyFileTheLaterElementsMoveForward)
 {
     m_settings.values[L"path_localstorage_dir"] = m_settings.values[L"path_cachestorage_dir"] = L"";
-    CDerNode slot;
-    EXPECT_EQ(CStorageData::ExportTemplates(&slot), E_FAIL);
-    EXPECT_TRUE(slot.IsEmpty());
     const bytes backup = backupOf();
     const bytes front = {0x30, 0x7B, 0x30, 0x00, 0x30, 0x00, 0x30, 0x75, 0x04, 0x73};
     EXPECT_EQ(bytes(backup.begin(), backup.begin() + 10), front);
@@ -101,16 +88,9 @@ TEST_F(Export, AQuickLinkTravelsWithTheFileNameOfItsManifest)
                                        integer(3), wide(L""), integer(0)})}));
 }
 
-DWORD libraryError = 0; // a missing library or a missing export
+DWORD exportError = 0;
 int32_t libraryAnswer = 0;
 decltype(&GetProcAddress) originalExport = nullptr;
-
-HMODULE WINAPI AnsweredLoad(LPCWSTR name)
-{
-    EXPECT_STREQ(name, L"VLFPApi.dll");
-    SetLastError(libraryError);
-    return libraryError == ERROR_MOD_NOT_FOUND ? nullptr : GetModuleHandleW(L"ole32.dll");
-}
 
 int32_t WINAPI AnsweredQuestion(const wchar_t* user, uint32_t kind, const wchar_t* secret)
 {
@@ -123,9 +103,9 @@ FARPROC WINAPI AnsweredExport(HMODULE module, LPCSTR name)
 {
     if (name != std::string("VLFPDoesSecretExist"))
         return originalExport(module, name);
-    SetLastError(libraryError);
+    SetLastError(exportError);
     void* const question = reinterpret_cast<void*>(&AnsweredQuestion);
-    return libraryError ? nullptr : reinterpret_cast<FARPROC>(question);
+    return exportError ? nullptr : reinterpret_cast<FARPROC>(question);
 }
 
 template <DWORD error>
@@ -138,49 +118,40 @@ BOOL WINAPI FailingInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, P
 
 TEST_F(Export, TheOutputsAreFilledBySecretAndData)
 {
+    constexpr VARTYPE untouched = VT_I4, secrets = VT_ARRAY | VT_BSTR, octetArray = 0x2011;
+    constexpr DWORD noExport = ERROR_PROC_NOT_FOUND;
     const struct {
         DWORD error;
         int32_t answer;
         const wchar_t* outside; // the setting intelauthenticate
         bool data;
-        VARTYPE names; // VT_I4: untouched
-        VARTYPE bytes;
+        VARTYPE names, bytes;
     } cases[] = {
-        {0, 0, L"0", false, VT_I4, VT_I4},
-        {0, 2, L"0", false, VT_I4, VT_I4},
-        {0, 1, L"0", false, 0x2008, 0x2011},
-        {0, 0, L"-1", true, VT_I4, 0x2011},
-        {ERROR_PROC_NOT_FOUND, 0, L"1", false, 0x2008, 0x2011}, // not asked
-        {ERROR_PROC_NOT_FOUND, 1, L"0", true, VT_I4, VT_I4},
-        {ERROR_MOD_NOT_FOUND, 1, L"1", true, VT_I4, VT_I4},
+        {0, 0, L"0", false, untouched, untouched},       {0, 2, L"0", false, untouched, untouched},
+        {0, 1, L"0", false, secrets, octetArray},        {0, 0, L"-1", true, untouched, octetArray},
+        {noExport, 0, L"1", false, secrets, octetArray}, // not asked
+        {noExport, 1, L"0", true, untouched, untouched},
     };
-    const importPatch_t load("LoadLibraryW", &AnsweredLoad);
-    const importPatch_t exported("GetProcAddress", &AnsweredExport);
-    originalExport = importOriginal<decltype(&GetProcAddress)>(exported);
+    const importPatch_t patch("GetProcAddress", &AnsweredExport);
+    originalExport = importOriginal<decltype(&GetProcAddress)>(patch);
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         clear();
         write(c.data ? L"personal\\updata.vls" : L"personal\\a.vlm", "data");
         m_settings.values[L"intelauthenticate"] = c.outside;
-        libraryError = c.error;
+        exportError = c.error;
         libraryAnswer = c.answer;
-        ATL::CComVariant names;
-        ATL::CComVariant data;
-        names.vt = data.vt = VT_I4;
+        ATL::CComVariant names, data;
+        names.vt = data.vt = untouched;
         EXPECT_EQ(m_plugin.GetStorageData(&names, &data), S_OK);
-        EXPECT_EQ(
-            traced(L"E " + std::to_wstring(HRESULT_FROM_WIN32(c.error)) + L" GetStorageData[com]"),
-            c.error && c.bytes == VT_I4);
+        EXPECT_EQ(traced(L"E -2147024769 GetStorageData[com]"), c.error && c.bytes == untouched);
         ASSERT_EQ(names.vt, c.names);
         ASSERT_EQ(data.vt, c.bytes);
         EXPECT_TRUE(data.vt == VT_I4 || (bytesOf(data) == backupOf() && data.parray->cLocks == 0));
         EXPECT_TRUE(names.vt == VT_I4 || *static_cast<BSTR*>(names.parray->pvData) ==
                                              std::wstring(L"KRS Protected Storage"));
     }
-    libraryError = 0;
     m_settings.values[L"intelauthenticate"] = L"1"; // the secret counts, but only of a known user
-    EXPECT_EQ(m_plugin.GetStorageData(nullptr, nullptr), S_OK);
-    EXPECT_FALSE(traced(L"E -2147024809 GetStorageData[com]"));
     const importPatch_t token("GetTokenInformation", &FailingInformation<ERROR_SUCCESS>);
     EXPECT_EQ(m_plugin.GetStorageData(nullptr, nullptr), S_OK);
     EXPECT_TRUE(traced(L"E -2147024809 GetStorageData[com]"));
@@ -196,22 +167,19 @@ TEST(CurrentUser, TheThreadKeepsTheIdentityItHad)
             GetTokenInformation(token.get(), TokenStatistics, &statistics, size, &size);
         return statistics.TokenId.LowPart;
     };
-    wchar_t account[257] = {};
-    DWORD size = 257;
-    ASSERT_TRUE(GetUserNameW(account, &size));
     for (const bool impersonates : {false, true}) {
         ASSERT_TRUE(!impersonates || ImpersonateSelf(SecurityImpersonation));
         const DWORD before = tokenOf();
+        EXPECT_EQ(before != 0, impersonates);
         CCurrentUser user;
         EXPECT_TRUE(user.Qualified().ends_with(L'\\' + user.Account()));
-        EXPECT_EQ(user.Account(), account);
+        EXPECT_EQ(user.Account(), _wgetenv(L"USERNAME"));
         {
             const importPatch_t patch("GetTokenInformation",
                                       &FailingInformation<ERROR_INVALID_HANDLE>);
             EXPECT_THROW(CCurrentUser(), _com_error);
         }
         EXPECT_EQ(tokenOf(), before);
-        EXPECT_EQ(before != 0, impersonates);
     }
     RevertToSelf();
 }
