@@ -24,10 +24,17 @@ public:
         for (unsigned shift : {0U, 8U, 16U, 24U})
             bytes.push_back(static_cast<uint8_t>(thread >> shift));
         bytes.push_back(static_cast<uint8_t>(level));
-        const size_t written = plain.size() & 0xFFFF;
-        bytes.push_back(static_cast<uint8_t>(written));
-        bytes.push_back(static_cast<uint8_t>(written >> 8));
-        return text(mixedTraceText(plain.substr(0, written), true));
+        bytes.push_back(static_cast<uint8_t>(plain.size()));
+        bytes.push_back(static_cast<uint8_t>(plain.size() >> 8));
+        return text(mixedTraceText(plain.substr(0, plain.size() & 0xFFFF), true));
+    }
+
+    // Adds records of one thread, each told as its level and text in one.
+    traceBytes_t& records(uint32_t thread, std::initializer_list<std::string> lines)
+    {
+        for (const std::string& line : lines)
+            record(thread, line[0], line.substr(1));
+        return *this;
     }
 
     std::vector<uint8_t> bytes;
@@ -38,34 +45,10 @@ public:
 // late with an earlier time, an error, a coloured message, a new writer and midnight.
 inline traceBytes_t sampleTrace()
 {
-    const struct {
-        uint32_t thread;
-        char level;
-        const char* text;
-    } records[] = {
-        {0x1A4, 't', "07/14/17"},
-        {0x1A4, 'T', "15:59:04.100"},
-        {0x1A4, '>', "SetStorageData"},
-        {0x1A4, 'T', "15:59:04.110"},
-        {0x1A4, '>', "RestoreBackup"},
-        {0x1A4, 'T', "15:59:04.150"},
-        {0x1A4, 'E', "-2147024891 Größe of 日"},
-        {0x2B0, 'T', "15:59:04.020"},
-        {0x2B0, '>', "Poll"},
-        {0x2B0, 'T', "15:59:04.160"},
-        {0x2B0, 'U', "'`I04`'NoVLAgent"},
-        {0x2B0, '<', ""},
-        {0x1A4, '<', ""},
-        {0x1A4, 'T', "15:59:04.300"},
-        {0x1A4, '<', ""},
-        {0x3C8, 'N', "07-14-2017"},
-        {0x3C8, 't', "07/15/17"},
-        {0x3C8, 'T', "00:00:00.005"},
-        {0x3C8, '>', "main"},
-        {0x3C8, 'E', "0 note"},
-    };
-    traceBytes_t trace;
-    for (const auto& r : records)
-        trace.record(r.thread, r.level, r.text);
-    return trace;
+    return traceBytes_t()
+        .records(0x1A4, {"t07/14/17", "T15:59:04.100", ">SetStorageData", "T15:59:04.110",
+                         ">RestoreBackup", "T15:59:04.150", "E-2147024891 Größe of 日"})
+        .records(0x2B0, {"T15:59:04.020", ">Poll", "T15:59:04.160", "U'`I04`'NoVLAgent", "<"})
+        .records(0x1A4, {"<", "T15:59:04.300", "<"})
+        .records(0x3C8, {"N07-14-2017", "t07/15/17", "T00:00:00.005", ">main", "E0 note"});
 }
