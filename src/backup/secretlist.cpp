@@ -20,6 +20,8 @@ public:
 
 std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
 {
+    if (!data.pbData)
+        return {};
     const auto* const end = data.pbData + (data.cbData & ~1u); // half a unit is none
     const auto* zero = data.pbData;
     while (zero != end && (zero[0] != 0 || zero[1] != 0))

@@ -126,8 +126,9 @@ STDMETHODIMP CVLKTPages::GetInfo(ULONG id, VARIANT* value)
         status = E_UNEXPECTED;
     }
     // Reads through value on every path, also after a failure: a caller must always pass one.
-    tracecore::traceFormat(0, "%d = %ls[%d]", id, value->vt == VT_BSTR ? value->bstrVal : L"",
-                           value->vt);
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference)
+    const VARTYPE type = value->vt;
+    tracecore::traceFormat(0, "%d = %ls[%d]", id, type == VT_BSTR ? value->bstrVal : L"", type);
     tracecore::traceIfFailed("", status);
     return status;
 }

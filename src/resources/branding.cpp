@@ -102,7 +102,7 @@ HMODULE CBranding::LoadResourceDLL()
     CLoadedModule dll = loadDll(path);
     if (!dll)
         return nullptr;
-    auto own = std::make_unique<const loadedBranding_t>(dll.get(), path);
+    auto own = std::make_unique<const loadedBranding_t>(loadedBranding_t{dll.get(), path});
     const loadedBranding_t* first = nullptr;
     if (!published.record.compare_exchange_strong(first, own.get(), std::memory_order_acq_rel))
         return first->module; // another thread was quicker: ours goes
