@@ -1,48 +1,89 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 #include <map>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <process.h>
 
 #include "common/module.h"
 #include "common/scoped.h"
+#include "common/text.h"
 #include "support/backupbytes.h"
+#include "support/tracetree.h"
 #include "vlonlineids.h"
 
 namespace fs = std::filesystem;
 using namespace VLONLINEIDSLib;
 using fileMap = std::map<std::string, std::string>; // path and content
 
-constexpr wchar_t productKey[] = LR"(SOFTWARE\Veltrano)";
-constexpr wchar_t settingsKey[] = LR"(SOFTWARE\Veltrano\Settings)";
-constexpr wchar_t brandingKey[] = LR"(SOFTWARE\Veltrano\Branding\Common)";
+inline void setText(HKEY root, const std::wstring& key, const wchar_t* name,
+                    const std::wstring& text)
+{
+    const auto size = static_cast<DWORD>(text.size() * 2 + 2);
+    RegSetKeyValueW(root, key.c_str(), name, REG_SZ, text.c_str(), size);
+}
 
-void setText(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& text);
-void setNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD number);
-void writeFile(const fs::path& path, const std::string& content);
-std::string fileContents(const fs::path& path); // of a file that may be open elsewhere
+inline void setNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD number)
+{
+    RegSetKeyValueW(root, key.c_str(), name, REG_DWORD, &number, sizeof number);
+}
+
+inline void writeFile(const fs::path& path, const std::string& content)
+{
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+inline std::string fileContents(const fs::path& path) // of a file that may be open elsewhere
+{
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+// A backup of one logon, one quick link and one category.
+inline bytes newLogon()
+{
+    return seq({seq({filePair(L"new.vlm", "new")}),
+                seq({seq({wide(L"New"), wide(L"https://new.example"), wide(L"new.vlm"), integer(7),
+                          wide(L"m-7"), integer(1)})}),
+                seq({seq({wide(L"Fun"), wide(L"new")})})});
+}
 
 // value_t is a VARIANT that is cleared with the object.
 struct value_t : VARIANT {
     value_t() { VariantInit(this); }
     explicit value_t(const bytes& content) { byteArray(*this, content); }
     ~value_t() { VariantClear(this); }
-    value_t(const value_t&) = delete;
-    value_t& operator=(const value_t&) = delete;
+    value_t(value_t&&) = delete;
     std::wstring text() const { return vt == VT_BSTR && bstrVal ? bstrVal : L""; }
 };
 
 // plugin_t is the DLL, loaded, and one object of its class.
-class plugin_t
-{
-public:
-    plugin_t();
+struct plugin_t {
+    plugin_t() : m_object(make()) {}
     ~plugin_t() { m_object->Release(); }
-    plugin_t(const plugin_t&) = delete;
-    plugin_t& operator=(const plugin_t&) = delete;
+    plugin_t(plugin_t&&) = delete;
 
+    template <class Function> Function* entry(const char* name) const
+    {
+        return reinterpret_cast<Function*>(
+            reinterpret_cast<void*>(GetProcAddress(m_module.get(), name)));
+    }
+    IUnknown* make() const // one more object, the caller's
+    {
+        void *factory = nullptr, *object = nullptr;
+        const auto get = entry<decltype(DllGetClassObject)>("DllGetClassObject");
+        EXPECT_EQ(S_OK, get(CLSID_CVLKTPages, IID_IClassFactory, &factory));
+        const auto made = static_cast<IClassFactory*>(factory);
+        EXPECT_EQ(S_OK, made->CreateInstance(nullptr, IID_IUnknown, &object));
+        made->Release();
+        return static_cast<IUnknown*>(object);
+    }
     // as gives a loan: the object lives as long as this.
     template <class Interface> Interface* as() const
     {
@@ -51,13 +92,24 @@ public:
         m_object->Release();
         return static_cast<Interface*>(found);
     }
-    IUnknown* make() const; // one more object, the caller's
-    HRESULT call(const char* entry) const;
-    std::wstring property(ULONG id) const; // of a text property
-    std::wstring statusText(HRESULT expected = S_OK) const;
+    std::wstring property(ULONG id) const // of a text property
+    {
+        value_t value;
+        EXPECT_EQ(S_OK, as<IVLKTElementUI>()->GetProperty(id, &value));
+        return value.text();
+    }
+    std::wstring statusText(HRESULT expected = S_OK) const
+    {
+        ULONG status = 9;
+        value_t value;
+        value.vt = VT_BSTR;
+        EXPECT_EQ(expected, as<IVLKSecurityStatus>()->GetStatus(&status, &value.bstrVal));
+        return value.text();
+    }
 
 private:
-    const CLoadedModule m_module;
+    const CLoadedModule m_module{LoadLibraryW(
+        (fs::path(moduleFileName(nullptr)).parent_path() / L"..\\VLOnlineIDs.dll").c_str())};
     IUnknown* m_object;
 };
 
@@ -66,39 +118,89 @@ private:
 class installedTest : public testing::Test
 {
 protected:
-    void SetUp() override;
-    void TearDown() override;
-    void startAgent();
-    void stopAgent();
+    void SetUp() override
+    {
+        fs::current_path(m_built); // a current folder can't be removed
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano)");
+        RegDeleteTreeW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano)");
+        fs::remove_all(m_root);
+        fs::remove_all(m_krs.parent_path());
+        fs::create_directories(m_root / L"current");
+        fs::current_path(m_root / L"current"); // where names without a folder end up
+        CopyFileW((m_built / L"VLFPApi.dll").c_str(), m_policyLibrary, FALSE);
+        setText(HKEY_LOCAL_MACHINE, m_key, L"VeltranoPath", m_root);
+        setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Applications)", L"BinDir", m_built);
+        setText(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", m_built / L"Branding.dll");
+        setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", m_traceFile);
+        setNumber(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"DoTrace", 1);
+        setText(HKEY_CURRENT_USER, m_key + LR"(\Settings)", L"path_bin_dir", m_root);
+        writeFile(m_krs / L"Templates" / L"bank.vlm", "bank");
+        writeFile(m_krs / L"Templates" / L"updata.vls", "state");
+        writeFile(m_krs / L"QuickLinks.txt",
+                  "[ShortCutRecord]\nManifest=%appdata%\\Veltrano\\KRS\\Templates\\bank.vlm\n"
+                  "Url=https://bank.example/login?x=1\nName=Bank\nProfile=1\nManifestID=m-1\n"
+                  "junk\n");
+    }
+    void TearDown() override
+    {
+        stopAgent();
+        fs::remove(m_policyLibrary);
+    }
+    void startAgent()
+    {
+        const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vl-test-ready"));
+        m_agent.reset(reinterpret_cast<HANDLE>(
+            _wspawnl(_P_NOWAIT, (m_built / L"vlagent.exe").c_str(), L"vlagent", L"--ready-event",
+                     L"vl-test-ready", L"--journal", LR"(C:\VL\journal.txt)", nullptr)));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 30000));
+    }
+    void stopAgent()
+    {
+        if (!m_agent)
+            return;
+        _wspawnl(_P_WAIT, (m_built / L"vlagent.exe").c_str(), L"vlagent", L"--quit", nullptr);
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(m_agent.get(), 30000));
+        m_agent.reset();
+    }
 
     // traced gives the trace so far as a tree, of all threads or of one.
-    std::string traced(uint32_t onlyThread = 0) const;
+    std::string traced(uint32_t onlyThread = 0) const
+    {
+        return traceTree(decodeTrace(fileContents(m_traceFile)), onlyThread);
+    }
     // tree makes such a tree of a short form, where {krs} is the user's folder, {lower} the same in
     // lower case, {new} the trace of newLogon's quick link, and {size} newLogon's last index.
-    std::string tree(std::string shortForm) const;
-    fileMap userFiles() const; // path below the user's folder
+    std::string tree(std::string text) const
+    {
+        const std::string krs = utf8FromWide(m_krs.wstring()) + '\\';
+        std::string lower = krs;
+        CharLowerA(lower.data());
+        replaceAll(text, "{new}", R"( > RestoreQuickLinks | U SAQL OK, Num BLOBs=1
+  U bs3: {lower}templates\new.vlm
+  > QL::add | U QL for: kri::new.vlm | U   prof:  7 | U   name: 'New'
+   U   url : 'https://new.example' | U   QL created
+  > QL::save | U save krs::quicklinks.txt)");
+        replaceAll(text, "{size}", std::to_string(newLogon().size() - 1));
+        replaceAll(text, "{krs}", krs);
+        replaceAll(text, "{lower}", lower);
+        return wholeTree(text);
+    }
+    fileMap userFiles() const // path below the user's folder
+    {
+        fileMap files;
+        std::error_code ignored;
+        for (const auto& entry : fs::recursive_directory_iterator(m_krs, ignored))
+            if (entry.is_regular_file())
+                files[fs::relative(entry.path(), m_krs).string()] = fileContents(entry.path());
+        return files;
+    }
 
+    const std::wstring m_key = LR"(SOFTWARE\Veltrano)";
+    const std::wstring m_brandingKey = m_key + LR"(\Branding\Common)";
+    const wchar_t* const m_policyLibrary = LR"(C:\windows\system32\VLFPApi.dll)";
     const fs::path m_built = fs::path(moduleFileName(nullptr)).parent_path().parent_path();
     const std::wstring m_icon = (m_built / L"Branding.dll").wstring() + L",193";
     const fs::path m_root = L"C:\\VL", m_traceFile = m_root / L"trace.trc3";
     const fs::path m_krs = fs::path(_wgetenv(L"APPDATA")) / L"Veltrano" / L"KRS";
     CKernelHandle m_agent;
-};
-
-// A backup of one logon, one quick link and one category.
-bytes newLogon();
-
-// What unregistering adds for the uninstaller.
-constexpr const char* cleanupLines[] = {
-    "HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard\t8",
-    "HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\t4097\tLastQLCategory",
-    "HKU\tSOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories\t4108",
-    "HKU\tSOFTWARE\\Veltrano\\Applications\\KRAppSettings\t4101\tOpenGuardDesk",
-    "HKU\tSOFTWARE\\Veltrano\\Applications\\KRAppSettings\t4101\tShowTrainingPrompt",
-    "HK\tSOFTWARE\\Veltrano\\Applications\\DashBoard\t4104",
-    "FILE\tVeltrano\\KRS\\Templates\\*\t4097",
-    "FILE\tVeltrano\\KRS\\VLIconCache\\*\t4097",
-    "FILE\tVeltrano\\KRS\\*\t4097",
-    "FILE\tVeltrano\\*\t4097",
-    "DIR\tVeltrano\t4096",
 };

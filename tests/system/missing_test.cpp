@@ -34,18 +34,17 @@ TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
     const std::string before = "QuickLinks.txt Templates\\bank.vlm Templates\\updata.vls ";
     const std::string restored = "QuickLinks.txt Templates\\new.vlm ";
     const HKEY machine = HKEY_LOCAL_MACHINE;
-    const auto breakBranding = [&] {
-        setText(machine, brandingKey, L"DLLPath", L"C:\\VL\\no.dll");
+    const std::wstring applications = m_key + L"\\Applications";
+    const auto breakBranding = [&] { setText(machine, m_brandingKey, L"DLLPath", L"C:\\no.dll"); };
+    const auto dropBranding = [&] {
+        RegDeleteKeyValueW(machine, m_brandingKey.c_str(), L"DLLPath");
     };
-    const auto dropBranding = [&] { RegDeleteKeyValueW(machine, brandingKey, L"DLLPath"); };
+    const auto moveBin = [&] { setText(machine, applications, L"BinDir", L"C:\\no"); };
     const auto dropKeys = [&] {
-        RegDeleteTreeW(machine, LR"(SOFTWARE\Veltrano\Applications)");
-        RegDeleteTreeW(machine, LR"(SOFTWARE\Veltrano\Branding)");
+        RegDeleteTreeW(machine, applications.c_str());
+        RegDeleteTreeW(machine, m_brandingKey.c_str());
     };
-    const auto moveBin = [&] {
-        setText(machine, LR"(SOFTWARE\Veltrano\Applications)", L"BinDir", L"C:\\VL\\no");
-    };
-    const auto dropPolicy = [] { fs::remove(LR"(C:\windows\system32\VLFPApi.dll)"); };
+    const auto dropPolicy = [&] { fs::remove(m_policyLibrary); };
     const struct {
         const char* what;
         std::function<void()> remove; // called before the backup and before the restore

@@ -58,6 +58,19 @@ constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 Get
   > CVLKTPages::GetSecurityLevel | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
 )";
 
+// What unregistering adds for the uninstaller; {d} is the key of all parts.
+constexpr const char* cleanupLines[] = {"HKU\t{d}DashBoard\\IDCard\t8",
+                                        "HKU\t{d}DashBoard\t4097\tLastQLCategory",
+                                        "HKU\t{d}DashBoard\\QLCategories\t4108",
+                                        "HKU\t{d}KRAppSettings\t4101\tOpenGuardDesk",
+                                        "HKU\t{d}KRAppSettings\t4101\tShowTrainingPrompt",
+                                        "HK\t{d}DashBoard\t4104",
+                                        "FILE\tVeltrano\\KRS\\Templates\\*\t4097",
+                                        "FILE\tVeltrano\\KRS\\VLIconCache\\*\t4097",
+                                        "FILE\tVeltrano\\KRS\\*\t4097",
+                                        "FILE\tVeltrano\\*\t4097",
+                                        "DIR\tVeltrano\t4096"};
+
 class Session : public installedTest
 {
 protected:
@@ -118,9 +131,9 @@ void Session::disabled() const
 
 TEST_F(Session, IsTracedRecordByRecord)
 {
-    setText(HKEY_CURRENT_USER, settingsKey, L"path_alienstorage_dirs",
+    setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
             LR"(C:\VL\shared|C:\VL\shared\|rel)");
-    setText(HKEY_CURRENT_USER, settingsKey, L"useGrabbingCreds", L"1");
+    setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"useGrabbingCreds", L"1");
     writeFile(m_root / L"shared" / L"s.vlm", "shared");
     const bytes two =
         seq({seq({filePair(L"old.vlm", "old")}),
@@ -134,7 +147,7 @@ TEST_F(Session, IsTracedRecordByRecord)
         const plugin_t plugin;
         m_plugin = &plugin;
         const auto restore = plugin.as<IVLKTBackupRestore2>();
-        EXPECT_EQ(S_OK, plugin.call("DllRegisterServer"));
+        EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllRegisterServer")());
         information();
         pluginData();
         EXPECT_EQ(S_OK, restore->GetStorageData(&names, &own));
@@ -158,9 +171,10 @@ TEST_F(Session, IsTracedRecordByRecord)
         EXPECT_EQ(E_INVALIDARG, restore3->SetPluginData(0, nullptr, 0, two.data()));
         EXPECT_EQ(before, userFiles());
         disabled();
-        EXPECT_EQ(S_OK, plugin.call("DllUnregisterServer"));
-        setText(HKEY_LOCAL_MACHINE, productKey, L"VeltranoPath", m_root / L"no");
-        EXPECT_EQ(S_OK, plugin.call("DllUnregisterServer"));
+        const auto unregister = plugin.entry<HRESULT WINAPI()>("DllUnregisterServer");
+        EXPECT_EQ(S_OK, unregister());
+        setText(HKEY_LOCAL_MACHINE, m_key, L"VeltranoPath", m_root / L"no");
+        EXPECT_EQ(S_OK, unregister());
     }
     std::string expected = sessionTrace;
     for (const std::string line : cleanupLines)
@@ -168,8 +182,9 @@ TEST_F(Session, IsTracedRecordByRecord)
             "> AddCleanupLine | U FilePath = C:\\VL\\Cleanup.txt | U accum = " + line + "{crlf}\n";
     for (size_t i = 0; i < std::size(cleanupLines); ++i)
         expected += "> AddCleanupLine | E -2147024893{sp}\n"; // there is no such folder
-    expected.replace(expected.find("{own}"), 5, std::to_string(bytesOf(own).size() - 1));
-    expected.replace(expected.find("{two}"), 5, std::to_string(two.size() - 1));
+    replaceAll(expected, "{own}", std::to_string(bytesOf(own).size() - 1));
+    replaceAll(expected, "{two}", std::to_string(two.size() - 1));
+    replaceAll(expected, "{d}", "SOFTWARE\\Veltrano\\Applications\\");
     EXPECT_EQ(tree(expected), traced());
 }
 
