@@ -21,6 +21,7 @@ const std::string backup = R"(> CVLKTPages::GetStorageData | > prepfolderlist
 )";
 const std::string restoreHead = "> CVLKTPages::SetStorageData2 | U lBound = 0, uBound = {size}\n";
 const std::string restore = restoreHead + "{new}\n";
+const std::string both = backup + restore;
 const std::string noSettings = restoreHead + " > RestoreQuickLinks | U SAQL OK, Num BLOBs=1\n";
 const std::string noPolicy = R"(> CVLKTPages::GetStatus | > GetGPOSettings
   E -2147024770 GetGPOSettings[com]
@@ -46,35 +47,30 @@ TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
     };
     const auto dropPolicy = [&] { fs::remove(m_policyLibrary); };
     const struct {
-        const char* what;
         std::function<void()> remove; // called before the backup and before the restore
         std::wstring icon;
         std::string trace;
         std::string left;
     } cases[] = {
-        {"nothing", [] {}, m_icon, backup + restore, restored},
-        {"settings library", moveBin, m_icon, noSettings, before},
-        {"policy library", dropPolicy, m_icon, noPolicy + restore, restored},
-        {"branding DLL", breakBranding, L",193",
-         noBranding + "failed to load resource dll , GetLastError returned 0x00000002\n" + backup +
-             restore,
+        {[] {}, m_icon, both, restored},
+        {moveBin, m_icon, noSettings, before},
+        {dropPolicy, m_icon, noPolicy + restore, restored},
+        {breakBranding, L",193",
+         noBranding + "failed to load resource dll , GetLastError returned 0x00000002\n" + both,
          restored},
-        {"branding value", dropBranding, L",193",
-         noBranding + "Failed to find DllPath under Branding key in registry\n" + backup + restore,
-         restored},
-        {"registry keys", dropKeys, L",193",
+        {dropBranding, L",193",
+         noBranding + "Failed to find DllPath under Branding key in registry\n" + both, restored},
+        {dropKeys, L",193",
          noBranding +
              "Open Branding key SOFTWARE\\Veltrano\\Branding\\Common in registry Failed\n" +
              noSettings,
          before},
-        {"folders", [&] { fs::remove_all(m_krs); }, m_icon, restore + "   E 0 savefile exception\n",
-         ""},
-        {"agent", [&] { stopAgent(); }, m_icon,
-         backup + restore + " U '`I04`'VLAgent not running | U VlAgent window NOT found!\n",
-         restored},
+        {[&] { fs::remove_all(m_krs); }, m_icon, restore + "   E 0 savefile exception\n", ""},
+        {[&] { stopAgent(); }, m_icon,
+         both + " U '`I04`'VLAgent not running | U VlAgent window NOT found!\n", restored},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(&c - cases);
         TearDown();
         SetUp();
         startAgent();

@@ -6,6 +6,8 @@ constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 Get
 > CVLKTPages::GetInfo | U 0 = {42F9948B-B690-4325-A073-63A8BF31FF32}[8]
 > CVLKTPages::GetInfo | U 1 = [3] | E -2147023288{sp}
 > CVLKTPages::Subscribe | U '`I04`'N/A
+> CVLKTPages::SetPluginData | E -2147467261 SetPluginData[com]
+> CVLKTPages::SetPluginData | E -2147024809 SetPluginData[com]
 > CVLKTPages::SetPluginData | U Unknown secret blob | U Secret Name = KRS Protected Storage
  > RestoreQuickLinks | U SAQL OK, Num BLOBs=0
  U file name='{krs}DontPrompt.txt', dataLen = 5.
@@ -50,8 +52,6 @@ constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 Get
 > CVLKTPages::SetStorageData | E -2147467261 SetStorageData[com]
 > CVLKTPages::SetStorageData2 | E -2147024809 SetStorageData2[com]
 > CVLKTPages::SetStorageData | U lBound = 0, uBound = 1 | E -2147418113 SetStorageData[com]
-> CVLKTPages::SetPluginData | E -2147467261 SetPluginData[com]
-> CVLKTPages::SetPluginData | E -2147024809 SetPluginData[com]
 > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
 > CVLKTPages::GetProperty | > CVLKTPages::GetNotifications
   > CVLKTPages::GetExplanation | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
@@ -71,36 +71,27 @@ constexpr const char* cleanupLines[] = {"HKU\t{d}DashBoard\\IDCard\t8",
                                         "FILE\tVeltrano\\*\t4097",
                                         "DIR\tVeltrano\t4096"};
 
-class Session : public installedTest
-{
-protected:
-    void information() const;
-    void pluginData() const;
-    void disabled() const;
+using Session = installedTest;
 
-    const plugin_t* m_plugin = nullptr;
-};
-
-void Session::information() const
+void information(const plugin_t& plugin)
 {
-    const auto element = m_plugin->as<IVLKTElementUI>();
-    const auto info = m_plugin->as<IVLKTPluginInfo>();
+    const auto element = plugin.as<IVLKTElementUI>();
+    const auto info = plugin.as<IVLKTPluginInfo>();
     value_t value, number;
+    number.vt = VT_I4;
     for (const ULONG id : {1u, 2u, 3u, 4u, 8u, 100u, 101u, 103u})
         EXPECT_EQ(S_OK, element->GetProperty(id, &value)) << id;
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_UNKNOWN_PROPERTY), element->GetProperty(102, &value));
     EXPECT_EQ(E_NOTIMPL, element->SetProperty(2, &value));
     EXPECT_EQ(E_POINTER, element->GetProperty(1, nullptr));
-    m_plugin->statusText();
-    EXPECT_EQ(E_POINTER, m_plugin->as<IVLKTDisableApp>()->GetStatus(nullptr));
+    EXPECT_EQ(E_POINTER, plugin.as<IVLKTDisableApp>()->GetStatus(nullptr));
     EXPECT_EQ(S_OK, info->GetInfo(0, &value));
-    number.vt = VT_I4;
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_UNKNOWN_PROPERTY), info->GetInfo(1, &number));
-    EXPECT_EQ(S_OK, m_plugin->as<IVLKTPages>()->AddPages());
-    EXPECT_EQ(S_OK, m_plugin->as<IVLKTTraySubscribe>()->Subscribe());
+    EXPECT_EQ(S_OK, plugin.as<IVLKTPages>()->AddPages());
+    EXPECT_EQ(S_OK, plugin.as<IVLKTTraySubscribe>()->Subscribe());
 }
 
-void Session::pluginData() const
+void pluginData(const plugin_t& plugin)
 {
     const bytes secrets =
         seq({seq({wide(L"of"), octets("three"), octets("elements")}),
@@ -108,25 +99,23 @@ void Session::pluginData() const
     const bytes legacy =
         seq({seq({filePair(L"bank.vlm", "bank"), filePair(L"updata.vls", "state")}), seq({}),
              seq({}), seq({integer(1), wide(L"Ctrl+1"), octets("abc")})});
-    const std::string links = fileContents(m_krs / L"QuickLinks.txt");
-    EXPECT_EQ(S_OK, m_plugin->as<IVLKTBackupRestore3>()->SetPluginData(
-                        static_cast<ULONG>(secrets.size()), secrets.data(),
-                        static_cast<ULONG>(legacy.size()), legacy.data()));
-    EXPECT_EQ(std::string("\x04\0\x03\0a", 5), fileContents(m_krs / L"DontPrompt.txt"));
-    writeFile(m_krs / L"QuickLinks.txt", links);
+    const auto restore = plugin.as<IVLKTBackupRestore3>();
+    EXPECT_EQ(E_POINTER, restore->SetPluginData(0, nullptr, 1, nullptr));
+    EXPECT_EQ(E_INVALIDARG, restore->SetPluginData(0, nullptr, 0, legacy.data()));
+    EXPECT_EQ(S_OK, restore->SetPluginData(static_cast<ULONG>(secrets.size()), secrets.data(),
+                                           static_cast<ULONG>(legacy.size()), legacy.data()));
 }
 
-void Session::disabled() const
+void disabled(const plugin_t& plugin)
 {
-    const auto application = m_plugin->as<IVLKTDisableApp>();
+    const auto application = plugin.as<IVLKTDisableApp>();
     ULONG status = 9;
     value_t value;
     EXPECT_EQ(S_OK, application->DisableLocal(1));
     EXPECT_EQ(S_OK, application->GetStatus(&status));
     EXPECT_EQ(3u, status);
-    m_plugin->statusText(E_NOTIMPL);
-    EXPECT_EQ(S_OK, m_plugin->as<IVLKTElementUI>()->GetProperty(propertyNotifications, &value));
-    EXPECT_EQ(S_OK, application->DisableLocal(0));
+    plugin.statusText(E_NOTIMPL);
+    EXPECT_EQ(S_OK, plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &value));
 }
 
 TEST_F(Session, IsTracedRecordByRecord)
@@ -145,11 +134,13 @@ TEST_F(Session, IsTracedRecordByRecord)
     startAgent();
     {
         const plugin_t plugin;
-        m_plugin = &plugin;
         const auto restore = plugin.as<IVLKTBackupRestore2>();
         EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllRegisterServer")());
-        information();
-        pluginData();
+        information(plugin);
+        const std::string links = fileContents(m_krs / L"QuickLinks.txt");
+        pluginData(plugin);
+        EXPECT_EQ(std::string("\x04\0\x03\0a", 5), fileContents(m_krs / L"DontPrompt.txt"));
+        writeFile(m_krs / L"QuickLinks.txt", links);
         EXPECT_EQ(S_OK, restore->GetStorageData(&names, &own));
         EXPECT_EQ(VT_ARRAY | VT_BSTR, names.vt) << "the agent has the secret now";
         fs::remove(m_root / L"shared" / L"s.vlm");
@@ -166,11 +157,8 @@ TEST_F(Session, IsTracedRecordByRecord)
         EXPECT_EQ(E_POINTER, restore->SetStorageData(nullptr));
         EXPECT_EQ(E_INVALIDARG, restore->SetStorageData2(0, &none));
         EXPECT_EQ(E_UNEXPECTED, restore->SetStorageData(&oneData));
-        const auto restore3 = plugin.as<IVLKTBackupRestore3>();
-        EXPECT_EQ(E_POINTER, restore3->SetPluginData(0, nullptr, 1, nullptr));
-        EXPECT_EQ(E_INVALIDARG, restore3->SetPluginData(0, nullptr, 0, two.data()));
         EXPECT_EQ(before, userFiles());
-        disabled();
+        disabled(plugin);
         const auto unregister = plugin.entry<HRESULT WINAPI()>("DllUnregisterServer");
         EXPECT_EQ(S_OK, unregister());
         setText(HKEY_LOCAL_MACHINE, m_key, L"VeltranoPath", m_root / L"no");

