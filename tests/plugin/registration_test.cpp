@@ -61,6 +61,10 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
     set(rootPath + L"\\UIElements", L"", REG_SZ, L"", 2);
     EXPECT_EQ(DllUnregisterServer(), S_OK);
     EXPECT_FALSE(has(L"UIElements")); // values alone don't keep a key
+    for (const wchar_t* key : {L"\\TrayIcon\\own", L"\\TrayIcon\\other"})
+        set(rootPath + key, L"", REG_SZ, L"", 2);
+    EXPECT_EQ(VLKT_SDK::CUnregisterComponents().RemoveKeyChain(L"TrayIcon", L"own"), S_OK);
+    EXPECT_EQ(has(L"TrayIcon\\own") * 2 + has(L"TrayIcon\\other"), 1); // stops at another's
 }
 
 TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
