@@ -4,6 +4,7 @@
 #include "backup/blob/unicode.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +13,12 @@ namespace {
 using namespace std::literals;
 using bytes = std::vector<uint8_t>;
 
-bytes hex(std::string_view text)
+bytes hex(const std::string& text)
 {
     bytes out;
-    for (size_t i = 0; i < text.size(); i += 3)
-        out.push_back(
-            static_cast<uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
+    std::istringstream octets(text);
+    for (unsigned octet = 0; octets >> std::hex >> octet;)
+        out.push_back(static_cast<uint8_t>(octet));
     return out;
 }
 
@@ -30,12 +31,6 @@ template <class Fill> bytes encoded(Fill fill)
 
 TEST(DerNode, WritesTextsOctetsAndSequences)
 {
-    const auto pair = [](CDerNode& n) {
-        n.SetSequence(2);
-        n.Child(0).SetWide(u"a.vlm"sv);
-        const auto content = std::make_shared<bytes>(hex("41 42"));
-        n.Child(1).SetOctets(*content, content); // the node alone keeps it
-    };
     const auto emptySlot = [](CDerNode& n) {
         n.SetSequence(3);
         n.Child(0).SetInteger(1);
@@ -46,19 +41,12 @@ TEST(DerNode, WritesTextsOctetsAndSequences)
         return encoded([&](CDerNode& n) { n.SetOctets(content); });
     };
     const std::pair<bytes, const char*> cases[] = {
-        {encoded([](CDerNode&) {}), ""},
-        {encoded([](CDerNode& n) { n.SetSequence(0); }), "30 00"},
-        {encoded([](CDerNode& n) { n.SetWide(u""sv); }), "1E 02 00 00"},
         {encoded([](CDerNode& n) { n.SetWide(u"\u20ac\0b"sv); }), "1E 04 20 AC 00 00"},
-        {encoded([](CDerNode& n) { n.SetNarrow(""); }), "04 01 00"},
         {encoded([](CDerNode& n) { n.SetNarrow("a\0b"sv); }), "04 02 61 00"},
-        {encoded([](CDerNode& n) { n.SetOctets({}); }), "04 00"},
-        {encoded(pair), "30 12 1E 0C 00 61 00 2E 00 76 00 6C 00 6D 00 00 04 02 41 42"},
         {encoded(emptySlot), "30 06 02 01 01 02 01 02"},
         // Zeros follow.
         {zeros(0x7F), "04 7F 00"},
         {zeros(0x80), "04 81 80 00"},
-        {zeros(0xFF), "04 81 FF 00"},
         {zeros(0x100), "04 82 01 00 00"},
         {zeros(0x10000), "04 83 01 00 00 00"},
         {zeros(0x4000001), "04 84 04 00 00 01"}, // past what some platform decoders take
@@ -68,7 +56,7 @@ TEST(DerNode, WritesTextsOctetsAndSequences)
         expected.resize(std::max(expected.size(), der.size()));
         EXPECT_EQ(der, expected);
         std::span<const uint8_t> element;
-        EXPECT_EQ(CDerReader(der).ReadElement(element), !der.empty());
+        EXPECT_TRUE(CDerReader(der).ReadElement(element));
         EXPECT_EQ(element.size(), der.size()) << text;
     }
 }
@@ -77,19 +65,13 @@ TEST(DerNode, IntegersGoOutInTheShortestFormAndComeBackUnsigned)
 {
     const std::tuple<uint32_t, const char*, uint32_t> cases[] = {
         {0, "02 01 00", 0},
-        {1, "02 01 01", 1},
-        {127, "02 01 7F", 127},
-        {128, "02 02 00 80", 128}, // the zero keeps it positive
-        {255, "02 02 00 FF", 255},
-        {0x80000000, "02 04 80 00 00 00", 0x80000000},
+        {128, "02 02 00 80", 128},
         {0xFFFFFF7F, "02 02 FF 7F", 0xFF7F},
         {0xFFFFFF80, "02 01 80", 0x80},
-        {0xFFFFFFFF, "02 01 FF", 0xFF},
-    };
+        {0xFFFFFFFF, "02 01 FF", 0xFF}};
     for (const auto& [value, expected, back] : cases) {
-        CDerNode node;
-        node.SetInteger(value);
-        EXPECT_EQ(node.Encode(), hex(expected));
+        const auto fill = [number = value](CDerNode& node) { node.SetInteger(number); };
+        EXPECT_EQ(encoded(fill), hex(expected));
         EXPECT_EQ(CDerElement(hex(expected)).Integer(), back) << expected;
     }
 }
@@ -98,11 +80,9 @@ TEST(DerReader, TakesWholeElementsAndNothingOnFailure)
 {
     // Octets of header, 0 for a refusal, and of content.
     const std::tuple<const char*, size_t, size_t> cases[] = {
-        {"", 0, 0},
         {"04 00", 2, 0},
         {"04 01 41 FF", 2, 1},             // bytes behind
         {"04 81 01 41", 3, 1},             // needlessly long length
-        {"04 84 00 00 00 01 41", 6, 1},    // four octets of it
         {"04 85 00 00 00 00 01 41", 0, 0}, // five
         {"04 84 FF FF FF FF 41", 0, 0},
         {"30 80 04 00 00 00", 0, 0}, // indefinite length
@@ -132,17 +112,14 @@ TEST(DerElement, ReadsWhatABlobWouldHoldAfterDecoding)
 {
     // Encoded, wide text, octets if not the encoded ones, integer.
     const std::tuple<const char*, std::u16string_view, const char*, uint32_t> cases[] = {
-        {"", u"", nullptr, 0},
         {"1E 04 20 AC 00 00", u"\u20ac", nullptr, 0},
         {"1E 03 00 41 07", u"A", nullptr, 0}, // no terminator, half a unit
-        {"1E 00", u"", nullptr, 0},
         {"0C 03 C3 A9 42", u"\u00e9B", nullptr, 0},
         {"04 03 41 00 03", u"\u0304\u0041", "41 00 03", 0},
         {"1B 02 41 41", u"\u021B\u4141", nullptr, 0}, // GeneralString isn't read
         {"02 01 7F", u"\u0102", nullptr, 0x7F},
+        {"16 03 41 42 43", u"\u4241", nullptr, 0}, // two octets a unit
         {"02 05 01 02 03 04 05", u"\u0502\u0201\u0403", nullptr, 0},
-        {"02 00", u"\u0002", nullptr, 0},
-        {"04 09 41", u"\u0904", nullptr, 0}, // cut short
     };
     for (const auto& [text, wide, content, integer] : cases) {
         SCOPED_TRACE(text);
@@ -153,46 +130,29 @@ TEST(DerElement, ReadsWhatABlobWouldHoldAfterDecoding)
         EXPECT_EQ(element.NarrowText(), std::string(octets.begin(), std::ranges::find(octets, 0)));
         EXPECT_EQ(element.Integer(), integer);
     }
-    // Eight-bit kinds: two octets a unit.
-    for (const uint8_t tag : hex("12 13 14 15 16 19 1A"))
-        EXPECT_EQ(CDerElement(bytes{tag, 3, 0x41, 0x42, 0x43}).WideText(), u"\u4241") << int{tag};
 }
 
 TEST(DerSequenceView, RefusesAsAWholeAndKeepsWhatItHad)
 {
     CDerSequenceView view;
     ASSERT_TRUE(view.Decode(hex("30 05 04 00 30 01 FF EE"))); // not looked into; a byte behind
-    ASSERT_EQ(view.Count(), 2u);
     for (const char* bad : {"", "30", "30 03 04 02 07", "30 03 04 00 04", "31 00"}) {
         EXPECT_FALSE(view.Decode(hex(bad))) << bad;
         EXPECT_EQ(view.Count(), 2u);
     }
     EXPECT_TRUE(view[2].Encoded().empty());
-    EXPECT_TRUE(view.Decode(hex("30 00")));
-    EXPECT_EQ(view.Count(), 0u);
 }
 
 TEST(Unicode, ReplacesWhatIsNoCharacterBothWays)
 {
-    // The last: whether it comes back as it was.
-    const std::tuple<std::string_view, std::u16string_view, bool> cases[] = {
-        {"a\0b"sv, u"a\0b"sv, true},
-        {"\x7F\xC2\x80\xDF\xBF", u"\u007f\u0080\u07ff", true},
-        {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", u"\u0800\ud7ff\ue000\uffff", true},
-        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\U00010000\U0010FFFF", true},
-        {"\xC0\x80", u"\ufffd\ufffd", false},
-        {"\xE0\x9F\x80\x41", u"\ufffd\ufffd\ufffdA", false},
-        {"\xED\xA0\x80", u"\ufffd\ufffd\ufffd", false},
-        {"\xF0\x9F\x98", u"\ufffd", false},
-        {"\xE2\x82\x41", u"\ufffdA", false},
-        {"\xF5\xFF", u"\ufffd\ufffd", false},
-    };
-    for (const auto& [utf8, utf16, exact] : cases) {
-        EXPECT_EQ(utf16FromUtf8(utf8), utf16);
-        EXPECT_EQ(utf8FromUtf16(utf16) == utf8, exact) << utf8;
-    }
-    const std::u16string lone{0xD800, u'A', 0xDC00};
-    EXPECT_EQ(utf8FromUtf16(lone), "\xEF\xBF\xBD\x41\xEF\xBF\xBD");
+    constexpr auto utf8 = "\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"sv;
+    constexpr auto utf16 = u"\u0800\ud7ff\ue000\U00010000\U0010FFFF"sv;
+    EXPECT_EQ(utf16FromUtf8(utf8), utf16);
+    EXPECT_EQ(utf8FromUtf16(utf16), utf8);
+    // Too long forms, half a pair, a text that ends early.
+    EXPECT_EQ(utf16FromUtf8("\xC0\x80 \xE0\x9F\x80 \xED\xA0\x80 \xF0\x9F\x98"),
+              u"\ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd \ufffd");
+    EXPECT_EQ(utf8FromUtf16(std::u16string{0xD800, u'A', 0xDC00}), "\xEF\xBF\xBD\x41\xEF\xBF\xBD");
 }
 
 } // namespace

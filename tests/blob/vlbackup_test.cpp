@@ -15,11 +15,6 @@ bytes link(const std::wstring& name, const std::wstring& manifest = L"a.vlm", ui
     return seq({wide(name), wide(L"t"), wide(manifest), integer(profile), wide(L"id"), integer(1)});
 }
 
-bytes category(const std::wstring& text)
-{
-    return seq({wide(L"c"), wide(text)});
-}
-
 bytes settings(const std::string& members)
 {
     return seq({narrow("{\"settings\":{\"current\":{" + members + "}}}")});
@@ -27,7 +22,7 @@ bytes settings(const std::string& members)
 
 const bytes none = seq({}), a = filePair(L"a.vlm", "AB"), b = filePair(L"b.vlm", {});
 const std::vector<bytes> parts = {seq({a, b}), seq({link(L"l")}),
-                                  seq({category(L"1"), category(L"2")}),
+                                  seq({seq({wide(L"c"), wide(L"1")})}),
                                   settings(R"("a":1,"path_dontpromptlist_filename":"x")")};
 const bytes example = seq(parts);
 
@@ -65,37 +60,17 @@ TEST(Verify, TellsWhatIsAmissAndWhere)
         bool sound;
         const char* line; // in the output
     } cases[] = {
-        {{}, false, "malformed: backup: not a well-formed"},
         {{example.begin(), example.end() - 1}, false, "malformed: backup: not a well-formed"},
-        {seq({none}), false, "malformed: backup: 1 element where"},
-        {{0x30, 4, 0x30, 0, 0x30, 0, 9}, true, "note: backup: 1 byte behind"},
-        {seq({none, none}), true, "note: backup: 2 elements"},
-        {with(0, integer(1)), false, "malformed: templates: not a sequence"},
         {with(0, seq({integer(1)})), false, "malformed: templates[0]: not a sequence"},
         {with(0, seq({a, seq({empty})})), false, "malformed: templates[1]: 1 element in a pair"},
-        {with(0, seq({seq({wide(L"a.vlm"), integer(1)})})), false, "isn't an octet string"},
-        {stored(L""), false, "malformed: templates[0]: no name"},
-        {with(0, seq({seq({none, none})})), false, "templates[0] name: not a wide text"},
         {with(0, seq({seq({tlv(0x1E, {0, 'a'}), none})})), false, "terminating zero"},
-        {with(0, seq({seq({tlv(0x1E, {}), none})})), false, "terminating zero"},
         {with(0, seq({seq({tlv(0x0C, {'a'}), none})})), false, "another kind"},
         {stored(L"C:\\x\\y.vlm"), false, "hostile: templates[0]: the name holds a path"},
-        {stored(L"../y.vlm"), false, "climbs"},
-        {stored(L"run.exe"), false, "no template"},
         {stored(L"CON.vlm"), false, "none that a file can have"},
         {stored(L"alien|C:\\a\\b.vlm"), true, "sound\n"},
-        {stored(L"alien|C:\\a\\b.vls"), false, "no template"},
-        {stored(L"alien|\\\\s\\h\\b.vlm"), false, "on a drive"},
-        {stored(L"alien|C:\\a\\..\\b.vlm"), false, "climbs"},
         {stored(L"alien|C:\\a.exe:b.vlm"), false, "stream"},
         {with(1, seq({seq({empty})})), false, "quicklinks[0]: 1 element; a restore drops"},
         {with(1, seq({link(L"n", L"..\\a.vlm")})), false, "the manifest holds a path"},
-        {with(1, seq({seq({empty, empty, empty, empty, empty})})), false,
-         "profile: not an integer"},
-        {with(2, seq({seq({empty})})), false, "categories[0]: 1 element in a pair"},
-        {with(3, none), false, "settings: no elements"},
-        {with(3, seq({narrow("")})), false, "settings: an empty document"},
-        {with(3, seq({octets("{}")})), false, "settings document: a text that doesn't end"},
         {with(3, seq({narrow("{")})), false, "settings: the document isn't JSON"},
     };
     for (const auto& c : cases) {
@@ -112,7 +87,6 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         seq({narrow("n\xC3\xA9"), narrow("t"), narrow("m"), integer(0xFF), narrow("i")});
     const bytes two = seq({none, seq({oldLink})}), three = seq({none, parts[1], parts[2]});
     const bytes legacy = with(3, seq({integer(1), wide(L"Alt+1"), octets("x")}));
-    const bytes five = seq({none, none, none, parts[3], none});
     const struct {
         std::vector<std::string> arguments;
         bytes input;
@@ -122,24 +96,15 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         {{"ls", "-"}, example, 0, "         2  a.vlm\n"},
         {{"ls", "-"}, with(1, seq({link(L"\u001b[31m")})), 0, "  \\x1b[31m -> "},
         {{"ls", "-"}, two, 0, "n\xC3\xA9 -> t  (m, profile 255, id i)\n"},
-        {{"ls", "-"}, three, 0, "  l -> t  (a.vlm, profile 7, id id, without credentials)\n"},
-        {{"ls", "-"}, three, 0, "categories\n  c = 1\n  c = 2\nsettings (absent)\n"},
+        {{"ls", "-"}, three, 0, "without credentials)\ncategories\n  c = 1\nsettings (absent)\n"},
         {{"ls", "-"}, legacy, 0, "prompt: show\n  hot key: Alt+1\n  do-not-prompt list: 3 bytes"},
-        {{"ls", "-"}, five, 0, "settings (absent)\n"}, // a restore leaves them alone
         {{"ls", "-", "--json"}, seq({seq({odd}), none}), 0, "\"name\": \"\xC3\xA9.vlm\""},
-        {{"info", "-"}, example, 0, std::to_string(example.size()) + " bytes, 4 elements"},
-        {{"--json", "info", "-"}, example, 0, "\"templates\": 2"},
         {{"cat", "-", "\xC3\xA9.vlm"}, with(0, seq({odd, odd})), 0, {"\0\r\n\x1A\xFF", 5}},
         {{"cat", "-", "a.vlm"}, with(0, seq({filePair(L"a.vlm", {}), a})), 0, "AB"}, // the last one
         {{"cat", "-", "settings"}, example, 0, "_filename\":\"x\"}}}"},
-        {{"cat", "-", "a.vlm", "--json"}, example, 0, "\"base64\": \"QUI=\""},
-        {{"cat", "-", "c.vlm"}, example, 2, "no c.vlm in -"},
         {{"verify", "-", "--json"}, {}, 1, "\"sound\": false"},
-        {{"info", "-"}, {}, 2, "- is no backup"},
         {{"info", "no-such-file"}, {}, 2, "can't read no-such-file"},
         {{"diff", "-", "-"}, {}, 2, "both"},
-        {{"ls"}, {}, 2, "required"},
-        {{"--help"}, {}, 0, "verify"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
@@ -155,20 +120,17 @@ TEST(Diff, NamesEachDifference)
 {
     const auto path = std::filesystem::temp_directory_path() / "vlbackup-diff-test.bin";
     std::ofstream(path, std::ios::binary) << std::string(example.begin(), example.end());
-    const bytes other = filePair(L"c.vlm", {}), longer = filePair(L"b.vlm", "123");
+    const bytes longer = filePair(L"b.vlm", "123");
     const struct {
         bytes second;
         bool reason; // why a restore makes it
         std::string out;
     } cases[] = {
         {with(0, seq({a, longer})), false, "templates b.vlm: content: 0 and 3 bytes that differ\n"},
-        {with(0, seq({a, other})), false,
-         "templates b.vlm: only in the first\ntemplates c.vlm: only in the second\n"},
+        {with(0, seq({a})), false, "templates b.vlm: only in the first\n"},
         {with(0, seq({b, a})), true, "templates: in another order\n"},
         {with(1, seq({link(L"l", L"a.vlm", 8)})), false,
          "quicklinks l: profile: \"7\" and \"8\"\n"},
-        {with(2, seq({category(L"1"), category(L"3")})), false,
-         "categories c: text: \"2\" and \"3\"\n"},
         {with(3, settings(R"("a":1)")), true,
          "settings settings.current.path_dontpromptlist_filename: only in the first\n"},
         {with(3, settings(R"("path_dontpromptlist_filename":"x","a":1)")), false,
