@@ -51,7 +51,6 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         {seq({triple, secret(L"Other", "o"), wanted}), "v", 1},
         {seq({secret(name, "1"), secret(name, "2"), triple}), "1", 0},      // the later ones unread
         {seq({seq({wide(name), octets(std::string("a\0b", 3))})}), "a", 0}, // half a unit behind
-        {seq({seq({wide(name), integer(1)})}), "", 0},
         {seq({secret(L"krs protected storage", "v"), secret(name + L"2", "v")}), "", 0},
         {seq({octets("x"), seq({}), triple, integer(1)}), "", 4},
         {{0x30, 0x05, 0x01}, "", 0},

@@ -195,7 +195,7 @@ TEST_F(Restore, AFailingFileCallCostsThatFileAlone)
     EXPECT_EQ(posted(), (postings{{0, 0}}));
 }
 
-TEST_F(Restore, WhatIsNoByteArrayTouchesNothing)
+TEST_F(Restore, OnlyAByteArrayIsTakenWhateverItsBound)
 {
     constexpr int dataType = VT_ARRAY | VT_UI1;
     const struct {
@@ -214,17 +214,13 @@ TEST_F(Restore, WhatIsNoByteArrayTouchesNothing)
         SafeArrayDestroy(c.array);
     }
     EXPECT_TRUE(traced(L"E 0 SetStorageDataoo"));
+    EXPECT_EQ(m_plugin.SetStorageData2(0, nullptr), E_POINTER);
     EXPECT_EQ(files(), oldFiles);
-}
-
-TEST_F(Restore, TheFlagsGoToTheAgentAsTwoWords)
-{
     ATL::CComVariant data;
     byteArray(data, seq({none, none}), 5); // any lower bound
     EXPECT_EQ(m_plugin.SetStorageData2(0xFFFF8000, &data), S_OK);
     EXPECT_TRUE(traced(L"U lBound = 5, uBound = 10"));
-    EXPECT_EQ(posted(), (postings{{0xFFFF, 0x8000}}));
-    EXPECT_EQ(m_plugin.SetStorageData2(0, nullptr), E_POINTER);
+    EXPECT_EQ(posted(), (postings{{0xFFFF, 0x8000}})); // the flags as two words
 }
 
 TEST_F(Restore, WhatRaisesLeavesTheEarlierElementsRestoredAndTheArrayAccessed)

@@ -37,9 +37,6 @@ TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
     const HKEY machine = HKEY_LOCAL_MACHINE;
     const std::wstring applications = m_key + L"\\Applications";
     const auto breakBranding = [&] { setText(machine, m_brandingKey, L"DLLPath", L"C:\\no.dll"); };
-    const auto dropBranding = [&] {
-        RegDeleteKeyValueW(machine, m_brandingKey.c_str(), L"DLLPath");
-    };
     const auto moveBin = [&] { setText(machine, applications, L"BinDir", L"C:\\no"); };
     const auto dropKeys = [&] {
         RegDeleteTreeW(machine, applications.c_str());
@@ -52,14 +49,11 @@ TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
         std::string trace;
         std::string left;
     } cases[] = {
-        {[] {}, m_icon, both, restored},
         {moveBin, m_icon, noSettings, before},
         {dropPolicy, m_icon, noPolicy + restore, restored},
         {breakBranding, L",193",
          noBranding + "failed to load resource dll , GetLastError returned 0x00000002\n" + both,
          restored},
-        {dropBranding, L",193",
-         noBranding + "Failed to find DllPath under Branding key in registry\n" + both, restored},
         {dropKeys, L",193",
          noBranding +
              "Open Branding key SOFTWARE\\Veltrano\\Branding\\Common in registry Failed\n" +
