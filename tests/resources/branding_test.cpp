@@ -5,8 +5,6 @@
 #include "installation.h"
 #include "support/tracerecorder.h"
 
-#include <functional>
-
 // The branding DLL is loaded once in a process and stays. So each of these cases has a process of its own.
 
 namespace {
@@ -14,45 +12,21 @@ namespace {
 constexpr wchar_t defaultKey[] = L"SOFTWARE\\Veltrano\\Branding\\Common";
 const std::wstring brandingDll = builtFile(L"Branding.dll").wstring();
 
-std::wstring hostKey; // string 900 of the program
-decltype(&LoadStringW) loadString;
-
-int WINAPI hostLoadString(HINSTANCE module, UINT id, LPWSTR buffer, int size)
+void setPath(const std::wstring& path, DWORD type = REG_SZ, size_t size = 0)
 {
-    if (id != IDS_HOST_BRANDING_KEY || module != GetModuleHandleW(nullptr))
-        return loadString(module, id, buffer, size);
-    return static_cast<int>(hostKey.copy(buffer, hostKey.size()));
-}
-
-void setPath(const wchar_t* key, const std::wstring& path, DWORD type = REG_SZ, size_t size = 0)
-{
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, L"DLLPath", type, path.c_str(),
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, defaultKey, L"DLLPath", type, path.c_str(),
                     static_cast<DWORD>(size ? size : path.size() * 2 + 2));
 }
 
-// said gives the messages, each behind the function that it was traced in.
+// said gives the messages without the functions' entries and ends.
 std::wstring said(traceRecorder_t& trace)
 {
     std::wstring all;
     for (const traceRecord_t& record : trace.all()) {
         if (record.level == 'U' || record.level == 'E')
-            all +=
-                std::wstring(record.function.begin(), record.function.end()) + L"|" + record.text;
+            all += record.text;
     }
     return all;
-}
-
-// inOwnProcess runs a case where nothing has been loaded and no key is there.
-void inOwnProcess(const std::function<void()>& run)
-{
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    const auto child = [&run] {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Host");
-        run();
-        std::exit(testing::Test::HasFailure() ? 1 : 0);
-    };
-    EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace
@@ -78,46 +52,24 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        inOwnProcess([&c] {
+        testing::GTEST_FLAG(death_test_style) = "threadsafe";
+        const auto child = [&c] {
+            RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
             SetEnvironmentVariableW(L"D", brandingDll.c_str());
-            setPath(defaultKey, c.value, c.type, c.size);
+            setPath(c.value, c.type, c.size);
             traceRecorder_t trace;
             EXPECT_EQ(CBranding::LoadResourceDLL(), nullptr);
-            EXPECT_EQ(said(trace), L"CBranding::LoadResourceDLL|" + c.line);
+            EXPECT_EQ(said(trace), c.line);
             EXPECT_EQ(GetProductName(), L"");
-            EXPECT_EQ(CBranding::DllPath(), L"");
-            EXPECT_EQ(said(trace), L"CBranding::LoadResourceDLL|" + c.line);
-            setPath(defaultKey, brandingDll);
+            EXPECT_EQ(said(trace), c.line);
+            setPath(brandingDll);
             EXPECT_EQ(GetProductName(), L"Veltrano Personal Security");
             EXPECT_EQ(CBranding::DllPath(), brandingDll);
-            setPath(defaultKey, L"C:\\other.dll"); // not looked at again
+            setPath(L"C:\\other.dll"); // not looked at again
             EXPECT_EQ(CBranding::DllPath(), brandingDll);
             EXPECT_EQ(said(trace), L""); // success leaves no trace
-        });
-    }
-}
-
-TEST(BrandingDeathTest, TheHostsStringNamesTheKey)
-{
-    const struct {
-        std::wstring host;  // string 900
-        const wchar_t* set; // the key that has the value; null for none
-    } cases[] = {
-        {L"SOFTWARE\\Host", L"SOFTWARE\\Host"},
-        {L"SOFTWARE\\Host", defaultKey},
-        {L"SOFTWARE\\H\u00f6st \u5bc6", nullptr}, // the line names it, whatever its characters
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        inOwnProcess([&c] {
-            const importPatch_t patch("LoadStringW", hostLoadString);
-            loadString = importOriginal<decltype(&LoadStringW)>(patch);
-            hostKey = c.host;
-            if (c.set)
-                setPath(c.set, brandingDll);
-            traceRecorder_t trace;
-            EXPECT_EQ(CBranding::LoadResourceDLL() != nullptr, c.set != nullptr);
-            EXPECT_EQ(said(trace).find(c.host) != std::wstring::npos, !c.set);
-        });
+            std::exit(testing::Test::HasFailure() ? 1 : 0);
+        };
+        EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
     }
 }

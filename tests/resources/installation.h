@@ -21,14 +21,6 @@ inline fs::path builtFile(const std::wstring& name)
     return fs::path(moduleFileName(nullptr)).parent_path() / name;
 }
 
-inline std::string fileContents(const fs::path& path)
-{
-    std::string contents(fs::file_size(path), '\0');
-    std::ifstream(path, std::ios::binary)
-        .read(contents.data(), static_cast<std::streamsize>(contents.size()));
-    return contents;
-}
-
 inline CLoadedModule loadAsData(const fs::path& path)
 {
     return CLoadedModule(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));

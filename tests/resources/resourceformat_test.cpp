@@ -68,13 +68,11 @@ TEST(MuiFile, TellsWhatAFileIs)
         std::vector<sampleResource_t> resources;
         const char* file;
     } cases[] = {
-        {{}, "sound"},
         {{{6, 65, block}}, "sound"},
         {{{0, 1, muiData()}, {6, 65, block}}, "sound divided described"},
         {{{0, 1, muiData(60)}}, "sound divided described"}, // up to the last checksum
         {{{0, 1, muiData(59)}}, "sound divided"},
         {{{0, 1, bytes(132)}}, "sound divided"}, // other magic
-        {{{0, 2, muiData()}}, "sound"},          // by another number
         {{{6, 65, {4, 0, 'a', 0}}}, ""},
     };
     for (const auto& c : cases) {
@@ -93,32 +91,26 @@ TEST(MuiFile, IsUnsoundWhenCutOrForged)
         ASSERT_FALSE(readMuiFile(cut(whole, size)).sound) << size;
     constexpr size_t firstType = sampleRoot + 16;
     constexpr size_t firstName = firstType + 16 + 8; // behind two entries and the name MUI
-    const struct {
-        size_t offset;
-        uint32_t value;
-    } cases[] = {
-        // The new header far away; the kind of image; resources in the headers, in no section.
-        {0x3C, 0xFFFFFFF0},
-        {sampleOptionalHeader, 0x107},
-        {sampleResourceEntry, 0x80},
-        {sampleResourceEntry, 0x9000},
-        // Section data behind the file, longer than it; entries behind the section.
-        {sampleSectionHeader + 20, 0xFFFFFF00},
-        {sampleSectionHeader + 16, 0x7FFFFFFF},
-        {sampleRoot + 12, 0xFFFF0000},
-        // A type whose name is behind the section, without names, its own name.
-        {firstType, 0xFFFFFFF0},
-        {firstType + 4, 0x10},
-        {firstType + 4, 0x80000000},
-        // A language that is a folder, behind the section; data in no section, too long.
-        {firstName + 24 + 20, 0x80000000},
-        {firstName + 24 + 20, 0x7FFFFFF0},
-        {firstName + 48, 0x9000},
-        {firstName + 52, 0xFFFFFFFF},
-    };
-    for (const auto& c : cases) {
+    // The new header far away; the kind of image; resources in the headers, in no section. Section data behind the
+    // file, longer than it; entries behind the section. A type whose name is behind the section, without names, its
+    // own name. A language that is a folder, behind the section; data in no section, too long.
+    const std::pair<size_t, uint32_t> cases[] = {{0x3C, 0xFFFFFFF0},
+                                                 {sampleOptionalHeader, 0x107},
+                                                 {sampleResourceEntry, 0x80},
+                                                 {sampleResourceEntry, 0x9000},
+                                                 {sampleSectionHeader + 20, 0xFFFFFF00},
+                                                 {sampleSectionHeader + 16, 0x7FFFFFFF},
+                                                 {sampleRoot + 12, 0xFFFF0000},
+                                                 {firstType, 0xFFFFFFF0},
+                                                 {firstType + 4, 0x10},
+                                                 {firstType + 4, 0x80000000},
+                                                 {firstName + 24 + 20, 0x80000000},
+                                                 {firstName + 24 + 20, 0x7FFFFFF0},
+                                                 {firstName + 48, 0x9000},
+                                                 {firstName + 52, 0xFFFFFFFF}};
+    for (const auto& [offset, value] : cases) {
         bytes forged = whole;
-        put(forged, c.offset, c.value, 4);
-        EXPECT_FALSE(readMuiFile(forged).sound) << &c - cases;
+        put(forged, offset, value, 4);
+        EXPECT_FALSE(readMuiFile(forged).sound) << offset << ' ' << value;
     }
 }
