@@ -61,23 +61,19 @@ inline std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& res
     const std::vector<uint8_t> section = sampleResourceSection(resources);
     const auto size = static_cast<uint32_t>(section.size());
     std::vector<uint8_t> file(sampleRoot);
+    const auto fields = [&file](size_t at, std::initializer_list<uint32_t> values) {
+        for (const uint32_t value : values)
+            put(file, std::exchange(at, at + 4), value, 4);
+    };
     // The headers: sections, sizes of the optional one and of all, directories.
-    const std::pair<size_t, uint32_t> fields[] = {{0, 0x5A4D},
-                                                  {0x3C, 0x40},
-                                                  {0x40, 0x4550},
-                                                  {0x40 + 6, 1},
-                                                  {0x40 + 20, 240},
-                                                  {sampleOptionalHeader, 0x20B},
-                                                  {sampleOptionalHeader + 60, sampleRoot},
-                                                  {sampleOptionalHeader + 108, 16},
-                                                  {sampleResourceEntry, sampleRootAddress},
-                                                  {sampleResourceEntry + 4, size},
-                                                  {sampleSectionHeader + 8, size},
-                                                  {sampleSectionHeader + 12, sampleRootAddress},
-                                                  {sampleSectionHeader + 16, size},
-                                                  {sampleSectionHeader + 20, sampleRoot}};
-    for (const auto& [offset, value] : fields)
-        put(file, offset, value, 4);
+    fields(0, {0x5A4D});
+    fields(0x3C, {0x40, 0x4550, 0x10000});
+    fields(0x40 + 20, {240});
+    fields(sampleOptionalHeader, {0x20B});
+    fields(sampleOptionalHeader + 60, {sampleRoot});
+    fields(sampleOptionalHeader + 108, {16});
+    fields(sampleResourceEntry, {sampleRootAddress, size});
+    fields(sampleSectionHeader + 8, {size, sampleRootAddress, size, sampleRoot});
     file.insert(file.end(), section.begin(), section.end());
     return file;
 }

@@ -20,21 +20,8 @@ CLoadedModule stringFile(std::vector<std::wstring> texts)
     return loadAsData(path);
 }
 
-std::vector<uintptr_t> lookUps; // type, name and, for FindResourceExW, language
 std::wstring productName;
 decltype(&LoadStringW) loadString;
-
-HRSRC WINAPI noResourceEx(HMODULE, uintptr_t type, uintptr_t name, WORD language)
-{
-    lookUps.insert(lookUps.end(), {type, name, language});
-    return nullptr;
-}
-
-HRSRC WINAPI noResource(HMODULE, uintptr_t name, uintptr_t type)
-{
-    lookUps.insert(lookUps.end(), {type, name});
-    return nullptr;
-}
 
 int WINAPI namingLoadString(HINSTANCE module, UINT id, LPWSTR buffer, int size)
 {
@@ -63,19 +50,6 @@ TEST(ResourceString, IsReadFromItsBlock)
         EXPECT_EQ(LoadStringFromModule(file.get(), c.id, text), c.length);
         EXPECT_EQ(text, c.text);
     }
-}
-
-TEST(ResourceString, LookUpsGoInOrderAndThenThePlatformIsAsked)
-{
-    const uiLanguages_t languages(0x0C07);
-    const CLoadedModule file = stringFile({std::wstring(300, L'x'), L"second"});
-    const importPatch_t findEx("FindResourceExW", noResourceEx), find("FindResourceW", noResource);
-    std::wstring text;
-    EXPECT_EQ(LoadStringFromModule(file.get(), 1025, text), 6);
-    EXPECT_EQ(text, L"second");
-    // Name and type have changed places in the last one.
-    EXPECT_EQ(lookUps, (std::vector<uintptr_t>{6, 65, 0, 6, 65, 7, 65, 6}));
-    EXPECT_EQ(LoadStringFromModule(file.get(), 1024, text), 259);
 }
 
 TEST(ProductName, TakesThePlaceOfEveryMarker)
