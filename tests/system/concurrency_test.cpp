@@ -1,9 +1,9 @@
 #include <winternl.h>
 
-#include <latch>
 #include <thread>
 
 #include "installation.h"
+#include "support/meeting.h"
 
 namespace {
 
@@ -37,13 +37,13 @@ TEST_F(Concurrency, ThreadsThatMeetAtFirstUseGetEqualResultsAndTraces)
         bytes backups[threadCount];
         {
             const plugin_t plugin;
-            std::latch together(threadCount);
+            meeting_t together(threadCount);
             std::vector<std::jthread> threads;
             for (size_t i = 0; i < threadCount; ++i) {
                 threads.emplace_back([&, i] {
                     ids[i] = GetCurrentThreadId();
                     value_t names, data;
-                    together.arrive_and_wait();
+                    together.arriveAndWait();
                     plugin.make()->Release();
                     EXPECT_EQ(m_icon, plugin.property(propertyIconLocation));
                     EXPECT_EQ(S_OK,

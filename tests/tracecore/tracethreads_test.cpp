@@ -1,6 +1,7 @@
 #include "tracefixture.h"
 
-#include <barrier>
+#include "support/meeting.h"
+
 #include <functional>
 #include <map>
 #include <thread>
@@ -23,7 +24,7 @@ protected:
         traceText("first");
         threadStacks_t& stacks = theTracer().stacks;
         const size_t before = stacks.threads(); // this thread's is among them, and stays
-        std::barrier inside(writers + 1);
+        meeting_t inside(writers + 1);
         std::atomic<bool> enough{false};
         std::vector<std::jthread> threads;
         for (int writer = 0; writer < writers; ++writer) {
@@ -32,15 +33,15 @@ protected:
                 for (int i = 0; i < rounds || !enough; ++i) {
                     traceScope_t outer(("outer" + std::to_string(writer)).c_str());
                     for (int wait = 0; i == 0 && wait < 2; ++wait)
-                        inside.arrive_and_wait();
+                        inside.arriveAndWait();
                     traceScope_t inner("inner");
                     traceFormat(0, "%d.%d", writer, i);
                 }
             });
         }
-        inside.arrive_and_wait();
+        inside.arriveAndWait();
         EXPECT_EQ(stacks.threads(), before + threads.size());
-        inside.arrive_and_wait();
+        inside.arriveAndWait();
         meanwhile();
         enough = true;
         threads.clear();
