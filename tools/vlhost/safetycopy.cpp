@@ -128,7 +128,7 @@ fs::path copyState(const CPluginHost& host, std::vector<std::wstring> paths)
     std::sort(paths.begin(), paths.end());
     paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
     paths.erase(std::remove(paths.begin(), paths.end(), std::wstring()), paths.end());
-    const fs::path folder = safetyCopyFolder() + L".new";
+    fs::path folder = safetyCopyFolder() + L".new";
     fs::remove_all(folder);
     fs::create_directories(folder);
     const bytes_t backup = takeBackupIfAny(host);
