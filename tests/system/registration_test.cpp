@@ -12,12 +12,13 @@ TEST_F(Registration, ThePlatformsOwnToolRegistersAndUnregisters)
                                                  L"7.0\0"
                                                  L"8.0\0",
                                                  13);
+    const std::wstring quoted = L'"' + dll + L'"'; // the tool takes a folder with a blank apart
     const std::wstring plugins = m_key + LR"(\VLKT\Plugins)";
     const std::wstring other = plugins + LR"(\UIElements\AppControl\{other})";
     setText(HKEY_LOCAL_MACHINE, other, nullptr, L"");
     for (const wchar_t* option : {L"/u", L"/s", L"/s", L"/u", L"/u"}) {
         EXPECT_EQ(0, _wspawnl(_P_WAIT, LR"(C:\windows\system32\regsvr32.exe)", L"regsvr32", L"/s",
-                              option, dll.c_str(), nullptr));
+                              option, quoted.c_str(), nullptr));
         for (const wchar_t* role :
              {L"TrayIcon", L"UIElements\\AppControl", L"UIElements\\BackupRestore"}) {
             const std::wstring key =
