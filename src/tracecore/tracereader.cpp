@@ -144,7 +144,7 @@ std::optional<traceItem_t> traceReader_t::next()
         case phase_t::header:
             return nextHeader();
         case phase_t::search:
-            if (!search())
+            if (!search(m_bytes.size()))
                 return std::nullopt;
             m_phase = phase_t::records;
             return takeDamage(m_scan, m_reason);
@@ -257,6 +257,7 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
     const auto bytes = rest(m_at);
     if (bytes.empty())
         return std::nullopt;
+    m_scan = m_at + 1;
     const size_t length = bytes.size() < recordHeaderSize ? 0 : textLength(bytes);
     // Long texts that turn out wrong again and again use the patience up; then a glance has to do.
     const uint64_t patience = 4 * (m_base + m_at) + (1 << 20);
@@ -268,7 +269,8 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
         return std::nullopt;
     if (found == look_t::no) {
         m_wasted += limit == glance ? 0 : length;
-        // With a record right behind it, only the text is damaged.
+        // With a record right behind it, only the text is damaged. If there is one within it, its
+        // length is, which happens to end where another record begins.
         const bool framed =
             bytes.size() >= recordHeaderSize && isKnown(static_cast<char>(bytes[4])) &&
             isLengthOf(static_cast<char>(bytes[4]), length) && length <= mendedLimit;
@@ -277,22 +279,25 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
         if (framed && follows == look_t::more)
             return std::nullopt;
         if (follows == look_t::weak || follows == look_t::sure ||
-            (framed && m_ended && behind == m_bytes.size()))
-            return takeRecord();
+            (framed && m_ended && behind == m_bytes.size())) {
+            if (!search(behind))
+                return std::nullopt;
+            if (m_scan == behind)
+                return takeRecord();
+        }
     }
     m_reason = found == look_t::cut ? "a record is cut short" : "no record can begin here";
-    m_scan = m_at + 1;
     m_phase = phase_t::search;
     return std::nullopt;
 }
 
-// search moves m_scan to the next record that makes sense, or to the end of the file. A short text
-// may be chance, so that the record behind it has to make sense too.
+// search moves m_scan to the next record that makes sense, or to end. A short text may be chance, so
+// that the record behind it has to make sense too.
 //
 // Returns: false if more bytes are needed
-bool traceReader_t::search()
+bool traceReader_t::search(size_t end)
 {
-    for (; m_scan < m_bytes.size(); ++m_scan) {
+    for (; m_scan < end; ++m_scan) {
         const look_t found = look(m_scan, glance);
         if (found == look_t::more)
             return false;
@@ -307,7 +312,7 @@ bool traceReader_t::search()
         if (follows != look_t::no)
             return true;
     }
-    return m_ended;
+    return m_ended || end < m_bytes.size();
 }
 
 traceItem_t traceReader_t::takeRecord()

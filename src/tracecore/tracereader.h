@@ -62,7 +62,7 @@ private:
     bool saneText(std::span<const uint8_t> scrambled, char level) const;
     std::optional<traceItem_t> nextHeader();
     std::optional<traceItem_t> nextRecord();
-    bool search();
+    bool search(size_t end);
     traceItem_t takeRecord();
     traceItem_t takeDamage(size_t end, std::string reason);
     traceItem_t endHeader(std::string missing);

@@ -98,20 +98,31 @@ TEST(TraceReader, EveryPrefixKeepsTheRecordsBeforeTheCut)
     }
 }
 
-TEST(TraceReader, EveryBitFlipLosesLittle)
+TEST(TraceReader, EveryBitFlipAndEveryWrongLengthLosesLittle)
 {
     const traceBytes_t trace = sampleTrace();
     const auto whole = read(trace.bytes).records;
+    const auto lost = [&](const bytes_t& damaged) {
+        const auto found = read(damaged).records;
+        return std::ssize(whole) - std::ranges::count_if(found, [&](const traceRecord_t& record) {
+                   const auto at = std::ranges::find(whole, record.offset, &traceRecord_t::offset);
+                   return at != whole.end() && at->text == record.text;
+               });
+    };
     for (size_t bit = 0; bit < trace.bytes.size() * 8; ++bit) {
-        SCOPED_TRACE(bit);
         bytes_t flipped = trace.bytes;
         flipped[bit / 8] ^= static_cast<uint8_t>(1U << bit % 8);
-        const auto found = read(flipped).records;
-        const auto kept = std::ranges::count_if(found, [&](const traceRecord_t& record) {
-            const auto at = std::ranges::find(whole, record.offset, &traceRecord_t::offset);
-            return at != whole.end() && at->text == record.text;
-        });
-        ASSERT_GE(kept + 2, std::ssize(whole));
+        ASSERT_LE(lost(flipped), 2) << bit;
+    }
+    // A length that ends where a later record begins: those between are not swallowed.
+    for (size_t later = 1; later < trace.starts.size(); ++later) {
+        for (size_t i = 0; i < later; ++i) {
+            bytes_t longer = trace.bytes;
+            const size_t length = trace.starts[later] - trace.starts[i] - 7;
+            longer[trace.starts[i] + 5] = static_cast<uint8_t>(length);
+            longer[trace.starts[i] + 6] = static_cast<uint8_t>(length >> 8);
+            ASSERT_LE(lost(longer), 1) << i << ' ' << later;
+        }
     }
 }
 
