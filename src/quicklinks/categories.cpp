@@ -50,9 +50,8 @@ bool nextcategory(HKEY key, DWORD index, CDerNode& pair)
     std::u16string text;
     if (size == 0 || !readtext(key, name, size, text))
         return false;
-    const std::wstring_view wide(name);
     pair.SetSequence(2);
-    pair.Child(0).SetWide(std::u16string(wide.begin(), wide.end()));
+    pair.Child(0).SetWide(name);
     pair.Child(1).SetWide(text);
     return true;
 }

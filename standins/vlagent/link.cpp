@@ -171,7 +171,7 @@ void agentLink_t::leave(HWND window)
 void agentLink_t::serve(HWND window)
 {
     const request_t request = readRequest(m_buffer.view);
-    wipedText_t<std::string> value;
+    wipedText_t value;
     const char* const reason = check(request, value.text);
     journalLine_t line("exchange");
     line.number("command", request.header.command)

@@ -5,19 +5,13 @@
 
 #include <windows.h>
 
-// wipeText overwrites a text that held a secret.
-template <class Text> void wipeText(Text& text) noexcept
-{
-    SecureZeroMemory(text.data(), text.size() * sizeof text[0]);
-}
-
 // wipedText_t is a text that is overwritten when it goes. It is sized once and never grows.
-template <class Text> struct wipedText_t {
-    Text text;
+struct wipedText_t {
+    std::string text;
     wipedText_t() = default;
     wipedText_t(const wipedText_t&) = delete;
     wipedText_t& operator=(const wipedText_t&) = delete;
-    ~wipedText_t() { wipeText(text); }
+    ~wipedText_t() { SecureZeroMemory(text.data(), text.size()); }
 };
 
 // storeSecret keeps a secret of the user of this process in VLFPApi.dll's store.
