@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 // What the plug-in and the agent must agree on: names, and the layout of the request buffer. The

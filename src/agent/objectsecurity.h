@@ -27,7 +27,7 @@ struct sharedObjectSecurity_t {
 // primary group are those of the process.
 //
 // Returns: security itself
-// Errors:  raise nothing; a failure leaves valid unset, is traced as "SA" and becomes the last error
+// Errors:  raise nothing; a failure leaves valid unset, is traced as "SA", becomes the last error
 sharedObjectSecurity_t& initMappingSecurity(sharedObjectSecurity_t& security);
 sharedObjectSecurity_t& initSemaphoreSecurity(sharedObjectSecurity_t& security);
 

@@ -61,6 +61,6 @@ void connectToAgent(const linkNames_t& names, agentConnection_t& connection);
 
 // fillRequestBlock makes the payload block and writes body and request, all in one block.
 //
-// Errors: raises std::runtime_error "MMF.failed" when the payload block can't be made, or when one of
-//         the two blocks is too short for what it is to hold; nothing is written then
+// Errors: raises std::runtime_error "MMF.failed" when the payload block can't be made, or when one
+//         of the two blocks is too short for what it is to hold; nothing is written then
 void fillRequestBlock(agentTransfer_t& transfer);

@@ -79,10 +79,10 @@ std::wstring unifyslashes(const std::wstring& path);
 std::wstring lowerpath(const std::wstring& path);
 
 // shortpath is path in lower case and with one separator, a known folder in it replaced by kri::,
-// krs::, usr::, dbg:: or bin::, the first of them that is found anywhere in path; forward slashes in
-// path count as backslashes there. For traces and comparing: no operation leads back. Each folder is
-// looked up when it is first needed and remembered until the module ends. A folder that is not known
-// is found in front of every path.
+// krs::, usr::, dbg:: or bin::, the first of them that is found anywhere in path; forward slashes
+// in path count as backslashes there. For traces and comparing: no operation leads back. Each
+// folder is looked up when it is first needed and remembered until the module ends. A folder that
+// is not known is found in front of every path.
 std::wstring shortpath(const std::wstring& path);
 
 // shortpath_utf8 is shortpath of a path in UTF-8.

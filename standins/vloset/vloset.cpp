@@ -45,7 +45,7 @@ HRESULT checked(const SettingsRequest* request, const Operation& operation) noex
     }
 }
 
-// text: std::wstring(key), or nothing for a key that isn't one
+// text: gives the answer to a key; nothing for a key that isn't one
 template <class Text> HRESULT answered(const SettingsRequest* request, const Text& text) noexcept
 {
     return checked(request, [&](const std::wstring& key) {
