@@ -3,7 +3,8 @@
 #include <condition_variable>
 #include <mutex>
 
-// meeting_t lets that many threads meet, again and again. The library's own barrier loses wake-ups on this platform.
+// meeting_t lets that many threads meet, again and again. The library's own barrier loses wake-ups
+// on this platform.
 class meeting_t
 {
 public:

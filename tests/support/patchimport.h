@@ -27,7 +27,7 @@ private:
     void **m_slot, *m_original;
 };
 
-// importPatch calls through the original: importOriginal<decltype(&CreateFileW)>(patch)(...).
+// importOriginal calls through: importOriginal<decltype(&CreateFileW)>(patch)(...).
 template <class Function> Function importOriginal(const importPatch_t& patch)
 {
     return reinterpret_cast<Function>(patch.original());
