@@ -7,21 +7,28 @@ namespace {
 class LineSink : public tracingFixture
 {
 protected:
-    static std::wstring systemText(DWORD status)
-    {
-        wchar_t text[512] = {};
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, status,
-                       0x400, text, 512, nullptr);
-        return std::wstring(text).substr(0, wcscspn(text, L"\r\n"));
-    }
-    const std::wstring denied = systemText(0x80070005);
     const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThreadId());
 };
 
-TEST_F(LineSink, ConsoleShowsMessagesInColour)
+TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
 {
+    static std::wstring tune;
+    static PHANDLER_ROUTINE handler;
+    const importPatch_t beep{"Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
+                                 tune += formatWide(L" %d/%d", frequency, duration);
+                                 return TRUE;
+                             }};
+    const importPatch_t sleep{"Sleep", +[](DWORD time) { tune += formatWide(L" -%d", time); }};
+    const importPatch_t control{"SetConsoleCtrlHandler",
+                                +[](PHANDLER_ROUTINE routine, BOOL add) -> BOOL {
+                                    handler = add ? routine : nullptr;
+                                    return TRUE;
+                                }};
+    wchar_t text[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 0x80070005, 0x400, text, 512, nullptr);
+    const std::wstring denied(text, wcscspn(text, L"\r\n"));
     FreeConsole();
-    const std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
+    std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
     console->write('T', L"12:00:00.000", "f");
     console->write('>', L"f", "f");
     const struct {
@@ -38,13 +45,11 @@ TEST_F(LineSink, ConsoleShowsMessagesInColour)
         {'E', L"-2147418113 dropped", L"*ERR* 8000FFFF", 12},
         {'E', L" 5 x", L"*ERR* 5 x", 12},
     };
-    for (const auto& c : cases)
-        console->write(c.level, c.text, "f");
-    const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
-                                         OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(screen);
     for (SHORT row = 0; row < static_cast<SHORT>(std::size(cases)); ++row) {
         const auto& c = cases[row];
+        console->write(c.level, c.text, "f");
+        const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
+                                             OPEN_EXISTING, 0, nullptr));
         std::wstring shown(240, L'\0');
         WORD colours[240] = {};
         DWORD got = 0;
@@ -53,31 +58,35 @@ TEST_F(LineSink, ConsoleShowsMessagesInColour)
         shown.erase(shown.find_last_not_of(L' ') + 1);
         EXPECT_EQ(shown, prefix + c.line);
         EXPECT_EQ(colours[shown.size() - 1], c.colour);
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        GetConsoleScreenBufferInfo(screen.get(), &info);
+        EXPECT_EQ(formatWide(L"%d %d %d", info.dwSize.X, info.dwSize.Y, info.wAttributes),
+                  L"240 2048 7");
     }
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    ASSERT_TRUE(GetConsoleScreenBufferInfo(screen.get(), &info));
-    EXPECT_EQ(formatWide(L"%d %d %d", info.dwSize.X, info.dwSize.Y, info.wAttributes),
-              L"240 2048 7");
+    ASSERT_NE(handler, nullptr);
+    std::wstring expected;
+    for (const auto& [event, beeps, handled] :
+         {std::tuple(0u, 4, TRUE), {1u, 5, FALSE}, {2u, 3, TRUE}, {5u, 2, FALSE}, {6u, 1, FALSE}}) {
+        EXPECT_EQ(handler(event), handled) << event;
+        expected += L" 200/200 400/200 -500 400/200 200/200 600/200 200/200 200/200 -1000";
+        for (int i = 0; i < beeps; ++i)
+            expected += L" 200/200";
+    }
+    EXPECT_FALSE(handler(3)); // silently
+    EXPECT_EQ(tune, expected);
+    console.reset();
+    EXPECT_EQ(handler, nullptr);
 }
 
 TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)
 {
-    const CKernelHandle memory(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                                  4096, L"DBWIN_BUFFER"));
-    const CKernelHandle room(CreateEventW(nullptr, FALSE, TRUE, L"DBWIN_BUFFER_READY"));
-    const CKernelHandle data(CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_DATA_READY"));
-    const auto view = static_cast<const char*>(MapViewOfFile(memory.get(), FILE_MAP_READ, 0, 0, 0));
-    ASSERT_NE(view, nullptr);
+    static std::wstring lines;
+    const importPatch_t output{"OutputDebugStringW", +[](const wchar_t* line) { lines += line; }};
     const std::unique_ptr<outputStorageInterface_i> debugger = createSink(sinkIDE);
     debugger->write('T', L"12:00:00.000", "f");
-    for (const auto& [level, text, line] :
-         {std::tuple('U', L"'`I04`'x", L"'`I04`'x"), std::tuple('E', L"0 note", L"*ERR* note")}) {
-        debugger->write(level, text, "f");
-        ASSERT_EQ(WaitForSingleObject(data.get(), 5000), WAIT_OBJECT_0);
-        EXPECT_EQ(formatWide(L"%hs", view + 4), prefix + line + L"\n");
-        SetEvent(room.get());
-    }
-    UnmapViewOfFile(view);
+    debugger->write('U', L"'`I04`'x", "f");
+    debugger->write('E', L"0 note", "f");
+    EXPECT_EQ(lines, prefix + L"'`I04`'x\n" + prefix + L"*ERR* note\n");
 }
 
 } // namespace

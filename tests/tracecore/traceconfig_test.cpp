@@ -17,27 +17,20 @@ DWORD daysFromNow(int days)
 class TraceConfig : public tracingFixture
 {
 protected:
-    static bool hasSwitch()
-    {
-        return !RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", L"DoTrace",
-                             RRF_RT_ANY, nullptr, nullptr, nullptr);
-    }
-
     const std::wstring component = baseNameOf(moduleFileName(nullptr));
 };
 
 TEST_F(TraceConfig, WantedSinkByTheRegistry)
 {
-    static bool debugged;
-    const importPatch_t debugger = fake(
-        "IsDebuggerPresent", +[]() -> BOOL { return debugged; });
+    static BOOL debugged;
+    const importPatch_t debugger{"IsDebuggerPresent", +[] { return debugged; }};
     std::wstring upper = component;
     CharUpperW(upper.data());
-    const std::wstring tracing = L"Tracing", letThrough = L"Tracing\\Components";
-    const std::wstring excluded = L"Tracing\\ComponentsNOT";
+    const wchar_t tracing[] = L"Tracing", excluded[] = L"Tracing\\ComponentsNOT";
     EXPECT_EQ(theTracer().traceMode(), sinkNowhere); // no key
     const struct {                                   // each row adds a value
-        const std::wstring key, name;
+        const wchar_t* key;
+        const std::wstring name;
         DWORD type, value;
         uint32_t mode;
     } cases[] = {
@@ -53,14 +46,14 @@ TEST_F(TraceConfig, WantedSinkByTheRegistry)
         {excluded, L"Other" + component, REG_DWORD, 0, sinkConsole},
         {excluded, std::wstring(300, L'c'), REG_DWORD, 0, sinkConsole},
         {excluded, upper, REG_DWORD, 0, sinkNowhere},
-        {letThrough, component, REG_DWORD, 0, sinkConsole},
+        {L"Tracing\\Components", component, REG_DWORD, 0, sinkConsole},
     };
-    debugged = false;
+    debugged = FALSE;
     for (const auto& c : cases) {
-        setValue(c.name.c_str(), c.type, &c.value, 4, c.key);
+        setNumber(c.name.c_str(), c.value, c.key, c.type);
         EXPECT_EQ(theTracer().traceMode(), c.mode) << "row " << &c - cases;
     }
-    debugged = true;
+    debugged = TRUE;
     EXPECT_EQ(theTracer().traceMode(), sinkConsole); // the answer is kept
     debuggerPresent = -1;
     EXPECT_EQ(theTracer().traceMode(), sinkIDE);
@@ -80,54 +73,37 @@ TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
     EXPECT_TRUE(traceActive());
 }
 
-TEST_F(TraceConfig, ExpiredSwitchIsDeletedOnlyIfItIsANumber)
+TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)
 {
-    EXPECT_FALSE(theTracer().expire());
-    setText(L"DoTrace", L"1");
-    EXPECT_TRUE(switchExpired());
-    EXPECT_FALSE(theTracer().expire());
-    EXPECT_TRUE(hasSwitch());
-    setNumber(L"DoTrace", daysFromNow(1));
-    follow();
-    EXPECT_TRUE(traceActive() && hasSwitch());
-    setNumber(L"DoTrace", daysFromNow(-1));
-    follow();
-    EXPECT_FALSE(traceActive() || hasSwitch());
-}
-
-TEST_F(TraceConfig, SweepLooksOnceAtTheTracesAndMarksNone)
-{
-    static std::wstring calls;
-    calls.clear();
-    const importPatch_t find = fake(
-        "FindFirstFileW", +[](const wchar_t* pattern, WIN32_FIND_DATAW* found) -> HANDLE {
-            calls += pattern;
-            return FindFirstFileExW(pattern, FindExInfoStandard, found, FindExSearchNameMatch,
-                                    nullptr, 0);
-        });
-    const importPatch_t move = fake(
-        "MoveFileExW",
-        +[](const wchar_t*, const wchar_t*, DWORD) -> BOOL { return calls += L"marked", TRUE; });
+    static int marked;
+    marked = 0;
+    const importPatch_t move{"MoveFileExW", +[] { return ++marked; }};
     setText(L"FileName", (folder / "new.trc3").wstring());
     std::ofstream(folder / "old.trc3") << "x";
-    for (int time = 0; time < 2; ++time) {
-        setNumber(L"DoTrace", 0); // a number that is not 1
+    EXPECT_FALSE(theTracer().expire());
+    setText(L"DoTrace", L"1");
+    EXPECT_TRUE(switchExpired() && !theTracer().expire());
+    for (const DWORD value : {daysFromNow(1), daysFromNow(-1), DWORD{0}}) {
+        const bool on = value > daysFromNow(0);
+        setNumber(L"DoTrace", value);
         follow();
+        EXPECT_EQ(traceActive(), on);
+        EXPECT_EQ(theTracer().expire(), on); // was still there
+        EXPECT_NE(sweepDone, on);
     }
-    EXPECT_EQ(calls, (folder / "*.trc3").wstring());
-    EXPECT_TRUE(find.found() && move.found());
+    EXPECT_EQ(marked, 0);
+    EXPECT_TRUE(move.found());
 }
 
 TEST_F(TraceConfig, FileNameTakesTheFolderFromTheEnvironmentTracePathLowFirst)
 {
     SetEnvironmentVariableW(L"VL_TRACES", folder.c_str());
-    const std::wstring tail = component + L".x64.";
     std::wstring name;
     setNumber(L"noTimestamp", 1);
     for (const auto& [value, at] : {std::pair(L"TracePath", L"b"), {L"TracePathLow", L"a"}}) {
         setText(value, std::wstring(L"%VL_TRACES%\\") + at);
         theTracer().fileName(name, false);
-        EXPECT_EQ(name.rfind((folder / at / tail).wstring(), 0), 0u);
+        EXPECT_EQ(name.rfind((folder / at / component).wstring() + L".x64.", 0), 0u);
         EXPECT_EQ(name.find(L"~~"), std::wstring::npos);
     }
 }

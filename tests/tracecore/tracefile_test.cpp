@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
 
 using namespace tracecore;
 
@@ -39,23 +38,21 @@ protected:
 
 TEST_F(TraceFile, HoldsTheRecordsOfARunWithTheirTimesLateEntriesAndExits)
 {
-    at(2017, 7, 14, 23, 59, 59, 998);
+    testTime = {2017, 7, 0, 14, 23, 59, 59, 998};
     const decodedTrace_t trace = traced([] {
         std::string name = "outer";
         traceScope_t outer(name.c_str());
-        name = "gone!"; // the name was copied
-        {
-            traceScope_t silent("silent");
-        }
-        at(2017, 7, 14, 23, 59, 59, 999);
+        name = "gone!";         // the name was copied
+        traceScope_t("silent"); // is left at once
+        testTime = {2017, 7, 0, 14, 23, 59, 59, 999};
         {
             traceScope_t inner("inn\xC3\xA9r");
-            at(2017, 7, 15, 0, 0, 0, 0);
+            testTime = {2017, 7, 0, 15, 0, 0, 0, 0};
             traceText("one \xE2\x82\xAC");
             traceWrite('>', L"nothing");
             traceStatusW(L"two", E_ACCESSDENIED);
         }
-        at(2017, 7, 15, 0, 0, 1, 0);
+        testTime = {2017, 7, 0, 15, 0, 0, 1, 0};
         traceScope_t sibling(nullptr);
         CKernelHandle held = std::move(theTracer().mutex);
         traceText("three"); // works without it
@@ -70,20 +67,21 @@ TEST_F(TraceFile, HoldsTheRecordsOfARunWithTheirTimesLateEntriesAndExits)
 
 TEST_F(TraceFile, LaterWriterAppendsANoteAndANewFileStartsWithTheHeader)
 {
-    at(2017, 7, 14, 1, 2, 3, 45);
     theTracer().stacks.mainFrame.entered = 0; // outside all functions: since 1601
     const auto say = [] {
         SetLastError(4321);
         traceText("x");
         EXPECT_EQ(GetLastError(), 4321u); // opening the file set another
+        traceLeave();                     // without a frame
     };
     setNumber(L"NewFileAlways", 0);
     traced(say);
     const strings lines = traced(say).lines();
     EXPECT_EQ(strings(lines.begin() + 2, lines.end()),
-              (strings{"> main", "t 07/14/17", "T 01:02:03.045", "U x", "N 07-14-2017", "U x"}));
+              (strings{"> main", "t 07/14/17", "T 01:02:03.045", "U x", "< ", "N 07-14-2017", "U x",
+                       "< "}));
     setNumber(L"NewFileAlways", 1);
-    EXPECT_EQ(traced(say).lines(), strings{"U x"});
+    EXPECT_EQ(traced(say).lines(), (strings{"U x", "< "}));
 }
 
 TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)
@@ -100,8 +98,9 @@ TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)
 TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
 {
     for (const size_t length : {0U, 1U, 8U, 349U, 350U, 65535U, 65546U}) {
-        std::wstring text(length, L'x');
-        std::ranges::generate(text, [n = 0]() mutable { return L'a' + n++ % 23; });
+        std::wstring text;
+        while (text.size() < length)
+            text += static_cast<wchar_t>(L'a' + text.size() % 23);
         const std::string bytes = written([&](HANDLE file) { writeRecord(file, 'U', text); });
         const size_t told = length % 65536;
         ASSERT_EQ(bytes.size(), length + 7);
@@ -114,50 +113,25 @@ TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
 TEST_F(TraceFile, Header)
 {
     static OSVERSIONINFOA system;
-    static VS_FIXEDFILEINFO info;
-    info.dwFileVersionMS = 0x10002, info.dwFileVersionLS = 0x30004;
-    info.dwProductVersionMS = 0x50006, info.dwProductVersionLS = 0x70008;
-    const importPatch_t version = fake(
-        "GetVersionExA", +[](OSVERSIONINFOA* out) -> BOOL { return *out = system, TRUE; });
-    const auto query = +[](const void*, const char*, void** out, UINT* size) -> BOOL {
-        return *out = &info, *size = sizeof info, TRUE;
+    system = {sizeof system, 6, 2, 0, 2, "Service Pack 3"};
+    const importPatch_t version{"GetVersionExA",
+                                +[](OSVERSIONINFOA* out) { return *out = system, TRUE; }};
+    const auto header = [this] {
+        return decodeTrace(
+                   written([](HANDLE file) { writeTraceHeader(file, GetModuleHandleW(nullptr)); }))
+            .header;
     };
-    static const FARPROC ourQuery = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(query));
-    static decltype(&GetProcAddress) original;
-    const importPatch_t entries = fake(
-        "GetProcAddress", +[](HMODULE library, const char* name) -> FARPROC {
-            return lstrcmpA(name, "VerQueryValueA") ? original(library, name) : ourQuery;
-        });
-    original = importOriginal<decltype(original)>(entries);
-    const auto headerOf = [this](DWORD platform, DWORD major, DWORD minor) {
-        system = {sizeof system, major, minor, 0, platform, "Service Pack 3"};
-        const HMODULE module = GetModuleHandleW(L"kernel32.dll");
-        const std::string bytes = written([&](HANDLE file) { writeTraceHeader(file, module); });
-        const std::regex build(R"([A-Z][a-z]{2} [ \d]\d \d{4} \d\d:\d\d:\d\d)");
-        return decodeTrace(std::regex_replace(bytes, build, "BUILD")).header;
-    };
-    const DWORD zero = 0;
+    EXPECT_EQ(header()[8], "installation: NETWORK");
     const std::wstring longName = L"Long" + std::wstring(50, L'n');
-    EXPECT_EQ(headerOf(2, 6, 2)[8], "installation: NETWORK");
     setText(L"Version", L"8.1", L"Products\\Good");
     setText(L"Version", std::wstring(255, L'v'), L"Products\\" + longName);
     setText(L"Other", L"", L"Products\\None");
+    const DWORD zero = 0;
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Policies\\Veltrano", L"NetworkSupport",
                     REG_DWORD, &zero, 4);
-    std::string systems;
-    for (const auto& [platform, major, minor] : std::vector<std::array<DWORD, 3>>{{2, 5, 0},
-                                                                                  {2, 5, 1},
-                                                                                  {2, 5, 2},
-                                                                                  {2, 4, 7},
-                                                                                  {1, 4, 0},
-                                                                                  {1, 4, 10},
-                                                                                  {1, 4, 90},
-                                                                                  {1, 4, 1}})
-        systems += headerOf(platform, major, minor)[2].substr(4) + " ";
-    EXPECT_EQ(systems, "Windows2000 WindowsXP Server2003 NT4 Windows95 Windows98 WindowsMe "
-                       "UNKNOWN OS(Major:4 Minor:1) ");
-    strings lines = headerOf(2, 6, 2);
+    strings lines = header();
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Policies\\Veltrano");
+    lines[1].replace(10, 20, "BUILD");
     lines.erase(lines.begin() + 4); // the machine's name
     std::string cut = "Product: " + utf8FromWide(longName) + "; Version: " + std::string(255, 'v');
     cut.resize(258);
@@ -166,17 +140,27 @@ TEST_F(TraceFile, Header)
                        "ServicePack: Service Pack 3", "Trace Ver: 3.0.2", "FileVersion: 1.2.7.8",
                        "Product: Good; Version: 8.1", cut, "Product: None; Version: ERROR(0x2)",
                        "installation: LOCAL", "07/14/2017 01:02:03.045", "."}));
+    const DWORD versions[][3] = {{2, 5, 0}, {2, 5, 1},  {2, 5, 2},  {2, 4, 7},
+                                 {1, 4, 0}, {1, 4, 10}, {1, 4, 90}, {1, 4, 1}};
+    std::string systems;
+    for (const auto& [platform, major, minor] : versions) {
+        system.dwPlatformId = platform, system.dwMajorVersion = major;
+        system.dwMinorVersion = minor;
+        systems += header()[2].substr(4) + " ";
+    }
+    EXPECT_EQ(systems, "Windows2000 WindowsXP Server2003 NT4 Windows95 Windows98 WindowsMe "
+                       "UNKNOWN OS(Major:4 Minor:1) ");
 }
 
 TEST_F(TraceFile, NameRules)
 {
     static const wchar_t* program;
-    const importPatch_t names = fake(
-        "GetModuleFileNameW", +[](HMODULE module, wchar_t* path, DWORD size) -> DWORD {
-            lstrcpynW(path, module ? L"C:\\Apps\\My\\VLOnlineIDs.DLL" : program,
-                      static_cast<int>(size));
-            return static_cast<DWORD>(lstrlenW(path));
-        });
+    const importPatch_t names{"GetModuleFileNameW", +[](HMODULE module, wchar_t* path, DWORD size) {
+                                  lstrcpynW(path,
+                                            module ? L"C:\\Apps\\My\\VLOnlineIDs.DLL" : program,
+                                            static_cast<int>(size));
+                                  return static_cast<DWORD>(lstrlenW(path));
+                              }};
     DWORD session = 0;
     ProcessIdToSessionId(GetCurrentProcessId(), &session);
     const std::wstring shared = formatWide(L".x64.vlonlineids.dll%d.0.trc3", session);
@@ -184,9 +168,7 @@ TEST_F(TraceFile, NameRules)
         formatWide(L".x64.vlonlineids.dll~~07.14.17_at_01.02.03.045~~%d.%d.trc3", session,
                    GetCurrentProcessId());
     const std::wstring mine = L"C:\\Apps\\My\\";
-    const std::wstring deep = (folder / L"a" / L"b").wstring();
-    std::wstring unified = deep;
-    std::replace(unified.begin(), unified.end(), L'\\', L'/');
+    const std::wstring deep = (folder / L"a" / L"b").generic_wstring();
     const struct {
         const wchar_t* program;
         bool newFile, ie1, noTimestamp;
@@ -196,8 +178,8 @@ TEST_F(TraceFile, NameRules)
         {L"C:\\host.exe", false, true, true, L"   ", L"", mine + L"host" + shared},
         {L"C:\\host.exe", true, true, true, L"", L"", mine + L"host" + stamped},
         {L"C:\\host.exe", false, true, false, L"", L" ", mine + L"host" + stamped},
-        {L"C:\\a.b.exe", false, true, true, L"", deep, deep + L"\\a.b" + shared},
-        {L"C:\\dot.", false, true, true, L"", unified, unified + L"/dot." + shared},
+        {L"C:\\a.b.exe", false, true, true, L"", deep, deep + L"/a.b" + shared},
+        {L"C:\\dot.", false, true, true, L"", L"", mine + L"dot." + shared},
         {L"C:\\iexplore.exe", false, false, true, L"", L"", mine + L"iexplore" + shared},
         {L"C:\\IExplore.exe.exe", false, false, true, L"", L"", mine + L"IExplore.exe" + stamped},
     };

@@ -22,24 +22,13 @@ class tracingFixture : public testing::Test
 {
 protected:
     using strings = std::vector<std::string>;
+    static inline const std::wstring veltrano = L"SOFTWARE\\Veltrano\\";
 
     tracingFixture()
-    {
-        reset();
-        std::filesystem::create_directories(folder);
-    }
-    ~tracingFixture() override
-    {
-        reset();
-        std::filesystem::remove_all(folder);
-    }
-
-    static void reset()
     {
         using namespace tracecore;
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano");
         realTracer_t& tracer = theTracer();
-        sink.store(nullptr);
         sinkKind = sinkNone;
         tracer.mode = sinkNowhere;
         tracer.nextPoll = 0;
@@ -49,31 +38,25 @@ protected:
         lastStamp = {};
         debuggerPresent = -1;
         sweepDone = 0;
-        at(2017, 7, 14, 1, 2, 3, 45);
+        testTime = {2017, 7, 0, 14, 1, 2, 3, 45};
+        std::filesystem::create_directories(folder);
+    }
+    ~tracingFixture() override
+    {
+        tracecore::sink.store(nullptr);
+        std::filesystem::remove_all(folder);
     }
 
-    // Stops all clocks at a local time.
-    static void at(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second, WORD ms)
+    static void setNumber(const wchar_t* name, DWORD value, const std::wstring& subkey = L"Tracing",
+                          DWORD type = REG_DWORD)
     {
-        testTime = {year, month, 0, day, hour, minute, second, ms};
-    }
-
-    static void setValue(const wchar_t* name, DWORD type, const void* data, size_t size,
-                         const std::wstring& subkey = L"Tracing")
-    {
-        const std::wstring key = L"SOFTWARE\\Veltrano\\" + subkey;
-        ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, type, data,
-                                  static_cast<DWORD>(size)),
-                  ERROR_SUCCESS);
-    }
-    static void setNumber(const wchar_t* name, DWORD value)
-    {
-        setValue(name, REG_DWORD, &value, sizeof value);
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (veltrano + subkey).c_str(), name, type, &value, 4);
     }
     static void setText(const wchar_t* name, const std::wstring& text,
                         const std::wstring& subkey = L"Tracing")
     {
-        setValue(name, REG_EXPAND_SZ, text.c_str(), 2 * text.size() + 2, subkey);
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (veltrano + subkey).c_str(), name, REG_EXPAND_SZ,
+                        text.c_str(), static_cast<DWORD>(2 * text.size() + 2));
     }
 
     // Lets the interval of the configuration pass, and enters a function.
@@ -92,13 +75,6 @@ protected:
         return folder / name;
     }
 
-    // fake replaces a platform call of the program for the life of the result.
-    template <class R, class... A>
-    [[nodiscard]] static importPatch_t fake(const char* name, R(WINAPI* call)(A...))
-    {
-        return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(call)};
-    }
-
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / std::to_wstring(GetCurrentProcessId());
 
@@ -110,9 +86,7 @@ private:
         LocalFileTimeToFileTime(&local, utc);
     }
 
-    const importPatch_t ticks = fake(
-        "GetTickCount", +[]() -> DWORD { return testTicks; });
-    const importPatch_t clock = fake(
-        "GetLocalTime", +[](SYSTEMTIME* time) { *time = testTime; });
-    const importPatch_t coarse = fake("GetSystemTimeAsFileTime", readSystem);
+    const importPatch_t ticks{"GetTickCount", +[] { return testTicks.load(); }};
+    const importPatch_t clock{"GetLocalTime", +[](SYSTEMTIME* time) { *time = testTime; }};
+    const importPatch_t coarse{"GetSystemTimeAsFileTime", readSystem};
 };

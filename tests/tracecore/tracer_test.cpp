@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sddl.h>
 
 using namespace tracecore;
 
@@ -46,6 +47,21 @@ TEST(Tracer, MessagesHaveTheirForms)
                   L"|E -2147024891 text|E 7 |E -1 " + std::wstring(2000, L'y') +
                   L"|E -2147467259 failed|E 0 note|E 0 noteW|E 0 ab|E -2147024894 open"
                   L"|E -2147024891 status|E 0 label: what");
+}
+
+// For a tool that looks the mutex up, and for callers of other users in one process.
+TEST(Tracer, WritersMutexLetsEveryUserIn)
+{
+    const std::wstring name = formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
+    const CKernelHandle mutex(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
+    alignas(8) char descriptor[512] = {};
+    DWORD size = sizeof descriptor;
+    GetKernelObjectSecurity(mutex.get(), DACL_SECURITY_INFORMATION, descriptor, size, &size);
+    wchar_t* list = nullptr;
+    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
+                                                         DACL_SECURITY_INFORMATION, &list, nullptr);
+    const CLocalMemory owner(list);
+    EXPECT_STREQ(list, L"D:(A;;GA;;;AU)(A;;GA;;;SY)(A;;GA;;;BA)(A;;GA;;;BU)");
 }
 
 } // namespace
