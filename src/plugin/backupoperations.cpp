@@ -26,7 +26,7 @@ constexpr VARTYPE dataType = VT_ARRAY | VT_UI1;
 void Deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
 {
     ATL::CComVariant local;
-    array.WrapReleased(local);
+    array.Wrap(local);
     local.vt = type;
     handOver(output, local);
 }

@@ -83,10 +83,7 @@ bool blobcodec::encode(uint8_t tag, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_
 {
     bytes_t bytes = blobView(contents);
     if (tag == derTag::integer) {
-        // Little-endian, so the octets to drop are the last ones: those that only repeat the sign
-        // of the one before.
-        while (bytes.size() > 1 &&
-               bytes.back() == ((bytes[bytes.size() - 2] & 0x80) != 0 ? 0xFF : 0x00))
+        while (bytes.size() > 1 && derRepeatsSign(bytes.back(), bytes[bytes.size() - 2]))
             bytes = bytes.first(bytes.size() - 1);
         static constexpr uint8_t zero[] = {0};
         if (bytes.empty())

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// The tags (X.690, X.680) that backup bytes are made of, and the string tags that a reader of wide
-// text takes too.
+// The tags (X.680, X.690) that backup bytes are made of, and those of the other strings that are
+// read as wide text.
 namespace derTag {
 
 inline constexpr uint8_t integer = 0x02;
@@ -22,8 +22,8 @@ inline constexpr uint8_t sequence = 0x30;
 
 } // namespace derTag
 
-// derHeaderSize gives the octets of tag and length in front of that many content octets, in the
-// minimal form.
+// derHeaderSize gives the size of tag and length, in their minimal form, in front of that many
+// content octets.
 constexpr size_t derHeaderSize(size_t length) noexcept
 {
     size_t octets = 2;
@@ -32,7 +32,8 @@ constexpr size_t derHeaderSize(size_t length) noexcept
     return octets;
 }
 
-// derWriteHeader stores them and gives their end, where the content begins.
+// derWriteHeader stores tag and length, which take derHeaderSize octets.
+// Returns: their end, where the content begins
 constexpr uint8_t* derWriteHeader(uint8_t* out, uint8_t tag, size_t length) noexcept
 {
     *out++ = tag;
@@ -41,4 +42,11 @@ constexpr uint8_t* derWriteHeader(uint8_t* out, uint8_t tag, size_t length) noex
     while (octets-- > 0)
         *out++ = static_cast<uint8_t>(length >> (8 * octets));
     return out;
+}
+
+// derRepeatsSign tells whether an integer's first octet says no more than the sign of the next one
+// does, so that the shortest form leaves it out.
+constexpr bool derRepeatsSign(uint8_t first, uint8_t next) noexcept
+{
+    return first == ((next & 0x80) != 0 ? 0xFF : 0x00);
 }

@@ -83,11 +83,8 @@ size_t CDerNode::Measure() noexcept
         m_size = borrowed->bytes.size();
     } else if (const auto* integer = std::get_if<Integer>(&m_content)) {
         m_size = 4;
-        for (auto at = integer->bytes.begin(); m_size > 1; ++at, --m_size) {
-            // An octet that only repeats the sign of the next one says nothing.
-            if (*at != ((at[1] & 0x80) != 0 ? 0xFF : 0x00))
-                break;
-        }
+        for (auto at = integer->bytes.begin(); m_size > 1 && derRepeatsSign(at[0], at[1]); ++at)
+            --m_size;
     }
     return derHeaderSize(m_size) + m_size;
 }

@@ -23,23 +23,6 @@ HRESULT vartypeOf(SAFEARRAY* array, VARTYPE& type) noexcept
     return status;
 }
 
-// Puts the array into the variant, or the failure that came before.
-void setArray(VARIANT& variant, SAFEARRAY* array, HRESULT status)
-{
-    VARTYPE type = VT_EMPTY;
-    if (SUCCEEDED(status))
-        status = vartypeOf(array, type);
-    if (FAILED(status)) {
-        if (array)
-            SafeArrayDestroy(array);
-        variant.vt = VT_ERROR;
-        variant.scode = status;
-        AtlThrow(status);
-    }
-    variant.vt = static_cast<VARTYPE>(type | VT_ARRAY);
-    variant.parray = array;
-}
-
 } // namespace
 
 HRESULT CVLSafeArray::Resize(ULONG newCount, LONG lowerBound)
@@ -83,17 +66,19 @@ HRESULT CVLSafeArray::Release() noexcept
     return status;
 }
 
-void CVLSafeArray::Wrap(VARIANT& variant) const
+void CVLSafeArray::Wrap(VARIANT& variant)
 {
-    SAFEARRAY* copy = nullptr;
-    const HRESULT status = m_array ? SafeArrayCopy(m_array, &copy) : E_INVALIDARG;
-    setArray(variant, copy, status);
-}
-
-void CVLSafeArray::WrapReleased(VARIANT& variant)
-{
-    const HRESULT status = m_array ? SafeArrayUnlock(m_array) : E_INVALIDARG;
-    setArray(variant, FAILED(status) ? nullptr : std::exchange(m_array, nullptr), status);
+    VARTYPE type = VT_EMPTY;
+    HRESULT status = m_array ? vartypeOf(m_array, type) : E_INVALIDARG;
+    if (SUCCEEDED(status))
+        status = SafeArrayUnlock(m_array);
+    if (FAILED(status)) {
+        variant.vt = VT_ERROR;
+        variant.scode = status;
+        AtlThrow(status);
+    }
+    variant.vt = static_cast<VARTYPE>(type | VT_ARRAY);
+    variant.parray = std::exchange(m_array, nullptr);
 }
 
 HRESULT CVLSafeArray::CreateOnDemand(VARTYPE type) noexcept

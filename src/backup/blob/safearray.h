@@ -13,8 +13,8 @@
 // holder has one pointer, null while empty; while it isn't, the array carries one lock that the
 // holder took.
 //
-// Errors: two kinds. What is said to be returned is a status; what is raised is ATL::CAtlException. A failed
-//         append only shows in its status and in an array shorter than was asked for
+// Errors: two kinds. What is said to be returned is a status; what is raised is ATL::CAtlException.
+//         A failed append only shows in its status and in an array shorter than was asked for
 // Source: SafeArrayCreate, SafeArrayLock, SafeArrayRedim, SafeArrayCopy and their like
 class CVLSafeArray
 {
@@ -29,7 +29,8 @@ public:
     // array of fixed size.
     HRESULT Resize(ULONG newCount, LONG lowerBound);
 
-    // LowerBound and UpperBound of dimension 1 raise the platform's status, for an empty holder too.
+    // LowerBound and UpperBound are those of dimension 1. They raise the platform's status, for an
+    // empty holder too.
     LONG LowerBound() const;
     LONG UpperBound() const;
 
@@ -39,20 +40,17 @@ public:
     // Detach gives up the array, the caller's, with the lock that the holder took.
     [[nodiscard]] SAFEARRAY* Detach() noexcept { return std::exchange(m_array, nullptr); }
 
-    // Wrap puts a copy of the array into the variant, whose old content is overwritten, not
-    // cleared. A failure, or an empty holder with E_INVALIDARG, is raised and stands in the variant
-    // as VT_ERROR.
-    void Wrap(VARIANT& variant) const;
-
-    // WrapReleased is Wrap that puts the array itself there, without a copy, and leaves the holder
-    // empty.
-    void WrapReleased(VARIANT& variant);
+    // Wrap moves the array, unlocked, into the variant, whose old content is overwritten and not
+    // cleared. The holder is empty then. A failure, or an empty holder with E_INVALIDARG, is raised
+    // and stands in the variant as VT_ERROR.
+    void Wrap(VARIANT& variant);
 
 protected:
     CVLSafeArray() noexcept = default;
 
     HRESULT CreateOnDemand(VARTYPE type) noexcept;
-    // Grow makes the array if there is none and adds elements; first is the index of the first new one.
+    // Grow makes the array if there is none and adds elements.
+    // first: the index of the first new one
     HRESULT Grow(VARTYPE type, ULONG count, LONG& first);
     // Element gives the element's place; null with E_INVALIDARG outside the bounds.
     HRESULT Element(LONG index, void*& place) const;
@@ -94,10 +92,11 @@ public:
     // writer can store straight into the array. place: empty on failure
     HRESULT Extend(ULONG count, std::span<uint8_t>& place);
 
-    // CopyFrom takes a copy of an array of bytes, of any lower bound, in place of the one that is held.
+    // CopyFrom takes a copy of an array of bytes, of any lower bound, in place of its own.
     //
     // Returns: the status of locking the copy; if that failed the holder is empty
-    // Errors:  raises E_INVALIDARG for null or another element type, and the status of each call that failed
+    // Errors:  raises E_INVALIDARG for null or another element type, and the status of each call
+    //          that failed
     HRESULT CopyFrom(SAFEARRAY* source);
 
     // Bytes is a view of every element that is really there; empty if there is none.
