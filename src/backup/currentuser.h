@@ -5,18 +5,22 @@
 
 #include <windows.h>
 
-// CCurrentUser is the user in whose name the calling thread runs: the impersonated one, or else the process's.
+// CCurrentUser is the user in whose name the calling thread runs: the impersonated one, else that
+// of the process.
 class CCurrentUser
 {
 public:
     // Reads the thread's token; the thread ends with the identity it had, whatever comes of it.
     //
-    // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier, E_OUTOFMEMORY
+    // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier,
+    //         E_OUTOFMEMORY
     // Source: OpenThreadToken, GetTokenInformation
     CCurrentUser();
 
-    // Qualified looks the account up on this machine and gives domain\account; empty if it can't be found.
-    // Source: LookupAccountSidW
+    // Qualified looks the account up on this machine.
+    //
+    // Returns: domain\account; empty if it can't be found
+    // Source:  LookupAccountSidW
     const std::wstring& Qualified();
 
     const std::wstring& Account() const noexcept { return m_account; }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-// FileNamePart gives what stands behind the last \, / or :, or the whole text if it has none of them.
+// FileNamePart gives what stands behind the last \, / or :, else the whole text.
 inline std::wstring FileNamePart(const std::wstring& path)
 {
     return path.substr(path.find_last_of(L"\\/:") + 1);

@@ -5,19 +5,21 @@
 
 #include "backup/blob/safearray.h"
 
-// RestoreBackup puts the contents of a backup back: files, quick links, categories and settings. The count of its
-// elements tells its version: of two it reads quick links in the old form, of three also categories, of four also
-// settings, of more no settings again.
+// RestoreBackup puts the contents of a backup back: files, quick links, categories and settings.
+// The count of its elements tells its version: of two it reads quick links in the old form, of
+// three also categories, of four also settings, of more no settings again.
 //
-// A restore is neither atomic nor undone: what was done before a failure stays done. The one check ahead of the
-// first deletion is that there are two elements at least.
+// A restore is neither atomic nor undone: what was done before a failure stays done. The one check
+// ahead of the first deletion is that there are two elements at least.
 //
 // bytes:   the encoded backup, a loan; walked in place
-// Errors:  raises E_UNEXPECTED for bytes that are no backup, with everything untouched; E_OUTOFMEMORY; and what the
-//          settings document raises, with the elements before it restored
+// Errors:  raises E_UNEXPECTED for bytes that are no backup, with everything untouched;
+//          E_OUTOFMEMORY; and what the settings document raises, with the elements before it
+//          restored
 void RestoreBackup(std::span<const uint8_t> bytes);
 
-// RestoreFromSafeArray is RestoreBackup of a byte array with any lower bound; an empty one is refused as a backup.
+// RestoreFromSafeArray is RestoreBackup of a byte array with any lower bound; an empty one is
+// refused as a backup.
 //
 // array:   a loan. It stays accessed when the restore raises, which one more unlock ends.
 // Errors:  raises ATL::CAtlException for bounds that can't be read, and as RestoreBackup does

@@ -11,8 +11,8 @@ using namespace tracecore;
 
 namespace {
 
-// DeleteMatching deletes every file of a mask and hands the path of each failure on. The mask finds what the
-// file system finds by it, names that match by their short form included.
+// DeleteMatching deletes every file of a mask and hands the path of each failure on. The mask finds
+// what the file system finds by it, names that match by their short form included.
 template <class OnFailure>
 void DeleteMatching(const std::wstring& dir, const wchar_t* mask, OnFailure onFailure)
 {
@@ -39,7 +39,8 @@ void EmptyPersonalFolder(const std::wstring& dir)
     QL::removefile();
 }
 
-// TargetOf gives the path of a stored name: a marked one is a full path, of any other only the file name counts.
+// TargetOf gives the path of a stored name: a marked one is a full path, of any other only the file
+// name counts.
 std::wstring TargetOf(const std::wstring& storedName, const std::wstring& dir)
 {
     bool alien = false;
@@ -75,8 +76,8 @@ void CStorageData::RestoreTemplates(const CDerElement& element)
         traceFormat(0, "Invalid BLOB pointer.");
         return;
     }
-    // A text prefix as it stands: without a separator at its end it misses the folder, as the folder list
-    // does; empty, it means the current folder. Intended.
+    // A text prefix as it stands: without a separator at its end it misses the folder, as the
+    // folder list does; empty, it means the current folder. Intended.
     const std::wstring dir = settings_getpath(L"path_localstorage_dir");
     EmptyPersonalFolder(dir);
     CDerSequenceView pairs;

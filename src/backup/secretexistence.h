@@ -5,8 +5,8 @@
 // The one secret that a host keeps beside a backup.
 inline constexpr wchar_t secretName[] = L"KRS Protected Storage";
 
-// DoesSecretExist tells whether the calling user has that secret. When the outside authentication service is in
-// use, the secret counts as existing and the library is not asked.
+// DoesSecretExist tells whether the calling user has that secret. When the outside authentication
+// service is in use, the secret counts as existing and the library is not asked.
 //
 // library: VLFPApi.dll, a loan
 // Errors:  raises the last error of a missing export, and as CCurrentUser does

@@ -4,14 +4,15 @@
 
 #include <windows.h>
 
-// VLFPApi.dll stands in for the product's policy and secret library, with lasting storage. Every function may be
-// called on any thread and raises nothing; all are found by name with GetProcAddress. Texts are UTF-16.
+// VLFPApi.dll stands in for the product's policy and secret library, with lasting storage. Every
+// function may be called on any thread and raises nothing; all are found by name with
+// GetProcAddress. Texts are UTF-16.
 
 // VLFPPolicyRecord_t is one setting in an exchange of policy settings.
 struct VLFPPolicyRecord_t {
     const wchar_t* name;
-    LONG
-        status; // out: 0 value of the machine, 1 value of the user's own, 0x80070002 none, else a failure
+    // out: 0 a value of the machine, 1 one of the user's own, 0x80070002 none, else a failure
+    LONG status;
     uint32_t filler;
     uint64_t size;  // bytes of the value; 4
     uint64_t value; // the value is the low 32 bits

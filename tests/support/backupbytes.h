@@ -11,8 +11,8 @@
 
 using bytes = std::vector<uint8_t>;
 
-// DER elements; no character is above U+FFFF. integer takes a number below 0x80, or the one octet left of a
-// negative one.
+// DER elements; no character is above U+FFFF. integer takes a number below 0x80, or the one octet
+// left of a negative one.
 bytes tlv(uint8_t tag, const bytes& content);
 bytes seq(const std::vector<bytes>& elements);
 bytes wide(const std::wstring& text);

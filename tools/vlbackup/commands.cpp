@@ -107,8 +107,8 @@ int cat(const openBackup& backup, const std::string& name, bool json, std::ostre
     return done;
 }
 
-// restored: the second was taken after restoring the first; what the format itself makes different is then no
-// difference, only told with its reason.
+// restored: the second was taken after restoring the first; what the format itself makes different
+//           is then told with its reason, and no difference
 int diff(const openBackup& first, const openBackup& second, bool restored, bool json,
          std::ostream& out)
 {

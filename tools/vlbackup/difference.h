@@ -19,6 +19,6 @@ struct BackupDifference {
 // Returns: empty only for backups that are equal byte for byte, bytes behind their ends left out
 std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBackupView& second);
 
-// reasonAfterRestore tells why the format itself makes such a difference between a backup and one that was taken
-// after restoring it elsewhere; empty for a difference that it does not explain.
+// reasonAfterRestore tells why the format itself makes such a difference between a backup and one
+// that was taken after restoring it elsewhere; empty for a difference that it does not explain.
 std::string reasonAfterRestore(const BackupDifference& difference);

@@ -58,7 +58,7 @@ bool isDevice(const std::string& fileName)
            base[3] >= '0' && base[3] <= '9';
 }
 
-// The part behind the last separator, which a restore keeps of a name that goes into the personal folder.
+// The part behind the last separator: what a restore keeps of a name for the personal folder.
 std::string lastPart(const std::string& path)
 {
     const size_t separator = path.find_last_of("\\/:");

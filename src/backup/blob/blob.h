@@ -9,14 +9,14 @@
 
 #include "common/status.h"
 
-// The blobs that carry plain and encoded values, and the sequence of encoded elements that a backup is at
-// every level. The bytes are DER; derreader.h tells what is read besides. Where the text below says that
-// something can't be decoded, nothing is raised: the blob shows it by what it holds.
+// The blobs that carry plain and encoded values, and the sequence of encoded elements that a backup
+// is at every level. The bytes are DER; derreader.h tells what is read besides. What can't
+// be decoded raises nothing: the blob shows it by what it holds.
 //
-// Errors: a failed allocation raises _com_error with E_OUTOFMEMORY, except in constructors, which leave the
-//         object empty or short
+// Errors: a failed allocation raises _com_error with E_OUTOFMEMORY, except in constructors, which
+//         leave the object empty or short
 
-// structType_t names the platform encoder's structures; lpszStructType holds one in a pointer's place.
+// structType_t names the platform encoder's structures, in the width of a pointer.
 enum structType_t : uintptr_t {
     structAnyString = 6,     // X509_ANY_STRING
     structOctetString = 25,  // X509_OCTET_STRING
@@ -104,7 +104,7 @@ public:
         Forget();
     }
 
-    // Assign replaces the bytes by a copy of these, which may not be its own. No bytes leave it empty.
+    // Assign replaces the bytes by a copy of others than its own. No bytes leave it empty.
     void Assign(const void* bytes, DWORD count)
     {
         Free();
@@ -177,7 +177,8 @@ public:
     // text: may be null for an empty blob, which a failed allocation leaves too
     explicit CVLWStrBlob(const wchar_t* text = nullptr) noexcept;
 
-    // Encode writes the bytes as a BMPString over the slot. Null if they can't be; then the slot is empty.
+    // Encode writes the bytes as a BMPString over the slot. Null, with the slot left empty, if they
+    // can't be encoded.
     _CRYPTOAPI_BLOB* Encode(_CRYPTOAPI_BLOB& slot) const;
 
     // Decode replaces an encoded text of any kind that CDerElement::DecodeWide reads by its code
@@ -192,11 +193,12 @@ class CVLStrBlob : public CVLAnyBlob
 public:
     explicit CVLStrBlob(const char* text = nullptr) noexcept;
 
-    // Encode writes the bytes as an OCTET STRING over the slot. Null if they can't be; then the slot is empty.
+    // Encode writes the bytes as an OCTET STRING over the slot. Null, with the slot left empty, if
+    // they can't be encoded.
     _CRYPTOAPI_BLOB* Encode(_CRYPTOAPI_BLOB& slot) const;
 
-    // Decode replaces an encoded OCTET STRING by its bytes. Anything else keeps its encoded bytes; true all
-    // the same.
+    // Decode replaces an encoded OCTET STRING by its bytes. Anything else keeps its encoded bytes;
+    // true all the same.
     bool Decode();
 };
 
@@ -237,8 +239,8 @@ public:
     void Clear() noexcept;
     void SecureClear() noexcept; // overwrites every element's bytes first
 
-    // Assign replaces the list by copies of the elements, which may be its own; the cursor goes to 0.
-    // One without bytes stays an empty slot. Out of memory, the list is unchanged.
+    // Assign replaces the list by copies of the elements, which may be its own, and puts the cursor
+    // at 0. One without bytes stays an empty slot. Out of memory, the list is unchanged.
     void Assign(const CRYPT_SEQUENCE_OF_ANY& elements);
 
     // Encode writes the sequence over the destination, whatever it pointed at. An empty slot adds
@@ -249,7 +251,7 @@ public:
     // False, with the list unchanged, if the source is null or no well-formed sequence.
     bool Decode(const _CRYPTOAPI_BLOB* source);
 
-    // Slot gives the element's record for an encoder to fill or a reader to view; null past the end.
+    // Slot gives an element's record for an encoder to fill or a reader to view; null past the end.
     _CRYPTOAPI_BLOB* Slot(DWORD index) noexcept { return index < count ? items + index : nullptr; }
 
     // ReadNext takes the element at the cursor; null past the end, where the cursor stays.

@@ -12,7 +12,7 @@
 // sequence of nodes. The tree is measured in one pass and written in another, into a buffer of
 // exactly that size. Portable.
 //
-// An empty node adds no bytes at all, so that later elements of its sequence move one place forward.
+// An empty node adds no bytes at all: later elements of its sequence move one place forward.
 //
 // Errors: a setter raises std::bad_alloc and leaves the node as it was
 class CDerNode
@@ -35,7 +35,8 @@ public:
 #endif
     // SetNarrow copies the text up to its first zero as an OCTET STRING that ends in 00.
     void SetNarrow(std::string_view text);
-    // SetInteger takes the four bytes as one signed number and writes the shortest form: 0xFFFFFFFF is 02 01 FF.
+    // SetInteger takes the four bytes as one signed number, in the shortest form: 0xFFFFFFFF is
+    // 02 01 FF.
     void SetInteger(uint32_t value) noexcept;
 
     // Measure gives the encoded size of the whole tree in bytes, 0 for an empty node, and keeps

@@ -9,9 +9,9 @@
 // CDerElement is a view of one encoded element, read as the blob classes read theirs, without a
 // copy of its bytes. A view without bytes stands for a missing element. Portable.
 //
-// Each Decode... gives false and leaves its out argument alone when the element doesn't have the
-// form. Each other reading then takes the element as a blob would that refused to decode: as the
-// encoded bytes that it still holds.
+// A Decode operation gives false and leaves its out argument alone when the element doesn't have
+// the form. The other readings then take it as a blob has it that refused to decode: as the encoded
+// bytes, which it still holds.
 class CDerElement
 {
 public:
@@ -20,26 +20,29 @@ public:
 
     std::span<const uint8_t> Encoded() const noexcept { return m_encoded; }
 
-    // DecodeWide reads NumericString, PrintableString, T61String, VideotexString, IA5String,
-    // GraphicString, VisibleString, BMPString and UTF8String. The last two give their characters,
-    // an odd last octet of a BMPString left out. The octets of the others stand as they are for
-    // UTF-16 in host order, two a unit.
+    // DecodeWide reads a BMPString, leaving out an odd last octet, and a UTF8String. It also reads
+    // NumericString, PrintableString, T61String, VideotexString, IA5String, GraphicString and
+    // VisibleString, whose octets stand as they are for UTF-16 in host order, two a unit.
+    //
     // units:  all of them, the stored terminator included
     // Errors: std::bad_alloc
     [[nodiscard]] bool DecodeWide(std::u16string& units) const;
-    // DecodeOctets reads an OCTET STRING. contents: a view into the element
+    // DecodeOctets reads an OCTET STRING.
+    // contents: a view into the element
     [[nodiscard]] bool DecodeOctets(std::span<const uint8_t>& contents) const noexcept;
-    // DecodeInteger gives the content octets of an INTEGER: big-endian, any number, maybe none.
+    // DecodeInteger reads an INTEGER.
+    // contents: a view into the element, big-endian, of any number of octets, maybe none
     [[nodiscard]] bool DecodeInteger(std::span<const uint8_t>& contents) const noexcept;
 
-    // WideText: up to the first zero, or to the end if there is none. Errors: std::bad_alloc
+    // WideText gives what DecodeWide reads, up to the first zero or to the end.
+    // Errors: std::bad_alloc
     std::u16string WideText() const;
-    // NarrowText: an OCTET STRING's text up to the first zero, or to the end; a view
+    // NarrowText gives a view of an OCTET STRING's text, up to the first zero or to the end.
     std::string_view NarrowText() const noexcept;
-    // Octets: an OCTET STRING's bytes; a view
+    // Octets gives a view of an OCTET STRING's bytes.
     std::span<const uint8_t> Octets() const noexcept;
-    // Integer: 1 to 4 content octets as an unsigned number; 0 for none, more, or anything but an
-    // INTEGER. Not sign-extended: what was written from 0xFFFFFFFF reads back as 0xFF. Intended.
+    // Integer gives 1 to 4 content octets as an unsigned number; 0 for none, more, or anything but
+    // an INTEGER. Not sign-extended: what was written from 0xFFFFFFFF reads back as 0xFF. Intended.
     uint32_t Integer() const noexcept;
 
 private:
@@ -52,9 +55,10 @@ class CDerSequenceView
 {
 public:
     // Decode reads the sequence at the front of the bytes; what stands behind it is ignored. The
-    // elements themselves are not looked into. False, with the old elements kept, if it isn't one
-    // or any element is cut short.
-    // Errors: std::bad_alloc, the old elements kept
+    // elements themselves are not looked into. False if it isn't one or any element is cut short.
+    // The old elements are kept then, and when it raises.
+    //
+    // Errors: std::bad_alloc
     [[nodiscard]] bool Decode(std::span<const uint8_t> bytes);
     [[nodiscard]] bool Decode(const CDerElement& element) { return Decode(element.Encoded()); }
 

@@ -6,7 +6,7 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-// Takes one character off the front. A sequence that goes wrong ends before the octet that broke it.
+// Takes one character off the front. A broken sequence ends before the octet that broke it.
 char32_t takeCharacter(std::string_view& text)
 {
     const auto first = static_cast<uint8_t>(text.front());
