@@ -22,42 +22,28 @@ bytes hex(const std::string& text)
     return out;
 }
 
-template <class Fill> bytes encoded(Fill fill)
+TEST(DerNode, WritesEachShapeAndLeavesEmptyNodesOut)
 {
+    const bytes octet{'x'};
     CDerNode node;
-    fill(node);
-    return node.Encode();
-}
-
-TEST(DerNode, WritesTextsOctetsAndSequences)
-{
-    const auto emptySlot = [](CDerNode& n) {
-        n.SetSequence(3);
-        n.Child(0).SetInteger(1);
-        n.Child(2).SetInteger(2);
-    };
-    const auto zeros = [](size_t count) {
-        const bytes content(count);
-        return encoded([&](CDerNode& n) { n.SetOctets(content); });
-    };
-    const std::pair<bytes, const char*> cases[] = {
-        {encoded([](CDerNode& n) { n.SetWide(u"\u20ac\0b"sv); }), "1E 04 20 AC 00 00"},
-        {encoded([](CDerNode& n) { n.SetNarrow("a\0b"sv); }), "04 02 61 00"},
-        {encoded(emptySlot), "30 06 02 01 01 02 01 02"},
-        // Zeros follow.
-        {zeros(0x7F), "04 7F 00"},
-        {zeros(0x80), "04 81 80 00"},
-        {zeros(0x100), "04 82 01 00 00"},
-        {zeros(0x10000), "04 83 01 00 00 00"},
-        {zeros(0x4000001), "04 84 04 00 00 01"}, // past what some platform decoders take
-    };
-    for (const auto& [der, text] : cases) {
-        bytes expected = hex(text);
-        expected.resize(std::max(expected.size(), der.size()));
-        EXPECT_EQ(der, expected);
-        std::span<const uint8_t> element;
-        EXPECT_TRUE(CDerReader(der).ReadElement(element));
-        EXPECT_EQ(element.size(), der.size()) << text;
+    node.SetSequence(5);
+    node.Child(0).SetWide(u"\u20ac\0b"sv);
+    node.Child(2).SetNarrow("a\0b"sv);
+    node.Child(3).SetOctets(octet);
+    node.Child(4).SetSequence(0);
+    EXPECT_EQ(node.Encode(), hex("30 0F 1E 04 20 AC 00 00 04 02 61 00 04 01 78 30 00"));
+    // The last is past what some platform decoders take.
+    const std::pair<size_t, const char*> headers[] = {
+        {0x7F, "04 7F"}, {0x80, "04 81 80"}, {0x4000001, "04 84 04 00 00 01"}};
+    for (const auto& [length, header] : headers) {
+        bytes expected = hex(header);
+        const bytes zeros(length);
+        node.SetOctets(zeros);
+        expected.resize(expected.size() + length);
+        EXPECT_EQ(node.Encode(), expected);
+        std::span<const uint8_t> contents;
+        EXPECT_TRUE(CDerReader(expected).Read(4, contents));
+        EXPECT_EQ(contents.size(), length);
     }
 }
 
@@ -67,11 +53,11 @@ TEST(DerNode, IntegersGoOutInTheShortestFormAndComeBackUnsigned)
         {0, "02 01 00", 0},
         {128, "02 02 00 80", 128},
         {0xFFFFFF7F, "02 02 FF 7F", 0xFF7F},
-        {0xFFFFFF80, "02 01 80", 0x80},
-        {0xFFFFFFFF, "02 01 FF", 0xFF}};
+        {0xFFFFFF80, "02 01 80", 0x80}};
+    CDerNode node;
     for (const auto& [value, expected, back] : cases) {
-        const auto fill = [number = value](CDerNode& node) { node.SetInteger(number); };
-        EXPECT_EQ(encoded(fill), hex(expected));
+        node.SetInteger(value);
+        EXPECT_EQ(node.Encode(), hex(expected));
         EXPECT_EQ(CDerElement(hex(expected)).Integer(), back) << expected;
     }
 }
@@ -80,13 +66,11 @@ TEST(DerReader, TakesWholeElementsAndNothingOnFailure)
 {
     // Octets of header, 0 for a refusal, and of content.
     const std::tuple<const char*, size_t, size_t> cases[] = {
-        {"04 00", 2, 0},
         {"04 01 41 FF", 2, 1},             // bytes behind
         {"04 81 01 41", 3, 1},             // needlessly long length
         {"04 85 00 00 00 00 01 41", 0, 0}, // five
         {"04 84 FF FF FF FF 41", 0, 0},
         {"30 80 04 00 00 00", 0, 0}, // indefinite length
-        {"04 FF 00", 0, 0},          // reserved length
         {"1F 81 05 01 41", 4, 1},    // tag of three octets
         {"1F 81 85", 0, 0},          // tag without end
     };
