@@ -12,15 +12,10 @@ namespace {
 
 // What the patched calls answer, and what they saw: type, parts and the lists.
 OSVERSIONINFOW version{};
-DWORD writeError = 0;
+DWORD writeError = 0, noThreadToken = 0;
+bool threadIsInside = false;
 PSECURITY_DESCRIPTOR folderDescriptor = nullptr;
 std::wstring written;
-
-BOOL WINAPI getVersion(OSVERSIONINFOW* info)
-{
-    *info = version;
-    return TRUE;
-}
 
 DWORD WINAPI setSecurity(void*, SE_OBJECT_TYPE type, SECURITY_INFORMATION parts, PSID, PSID,
                          PACL list, PACL system)
@@ -32,39 +27,53 @@ DWORD WINAPI setSecurity(void*, SE_OBJECT_TYPE type, SECURITY_INFORMATION parts,
     return writeError;
 }
 
-DWORD WINAPI getSecurity(LPCWSTR, int, int, PSID*, PSID*, PACL*, PACL*, PSECURITY_DESCRIPTOR* out)
-{
-    *out = folderDescriptor; // the caller frees it
-    return *out ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
-}
-
 // DCLC is 0x6 and CCDCLCSWRPSDRCWDWO is 0xF001F. Wine names every prefix's user and group alike,
 // and writes a label without its type and flags.
 TEST(ObjectSecurity, ListsInOrderWithPackagesFrom62AndLabelsFrom60)
 {
-    const std::wstring owners = L"O:S-1-5-21-0-0-0-1000G:S-1-5-21-0-0-0-513";
-    const std::wstring mapping = owners +
-                                 L"D:(A;;DCLC;;;AU)(A;;DCLC;;;BU)"
-                                 L"(A;;CCDCLCSWRPSDRCWDWO;;;BA)(A;;CCDCLCSWRPSDRCWDWO;;;SY)";
-    const std::wstring semaphore = owners + L"D:(A;;0x120002;;;BU)(A;;0x120002;;;AU)"
-                                            L"(A;;0x1f0003;;;BA)(A;;0x1f0003;;;SY)";
-    const importPatch_t get("GetVersionExW", getVersion), set("SetSecurityInfo", setSecurity);
-    const auto textOf = [](const sharedObjectSecurity_t& security) {
-        EXPECT_TRUE(security.valid && security.attributes.nLength == 24);
-        return securityToString(
-            static_cast<SECURITY_DESCRIPTOR*>(security.attributes.lpSecurityDescriptor));
+    const std::wstring owners = L"O:S-1-5-21-0-0-0-1000G:S-1-5-21-0-0-0-513D:";
+    const std::wstring mapping = owners + L"(A;;DCLC;;;AU)(A;;DCLC;;;BU)(A;;CCDCLCSWRPSDRCWDWO;;;BA"
+                                          L")(A;;CCDCLCSWRPSDRCWDWO;;;SY)";
+    const std::wstring semaphore = owners + L"(A;;0x120002;;;BU)(A;;0x120002;;;AU)(A;;0x1f0003;;;BA"
+                                            L")(A;;0x1f0003;;;SY)";
+    const auto answer = [](OSVERSIONINFOW* info) -> BOOL { return *info = version, TRUE; };
+    const importPatch_t get("GetVersionExW", +answer), set("SetSecurityInfo", setSecurity);
+    const auto textOf = [](auto initSecurity) {
+        sharedObjectSecurity_t security;
+        const auto& [length, descriptor, inherit] = initSecurity(security).attributes;
+        EXPECT_TRUE(security.valid && length == 24);
+        return securityToString(static_cast<SECURITY_DESCRIPTOR*>(descriptor));
     };
     for (const DWORD v : {52u, 60u, 61u, 62u, 100u}) {
-        version.dwMajorVersion = v / 10;
-        version.dwMinorVersion = v % 10;
+        version = {0, v / 10, v % 10, 0, VER_PLATFORM_WIN32_NT, L""};
         written.clear();
-        sharedObjectSecurity_t security;
-        EXPECT_EQ(mapping + (v < 62 ? L"" : L"(A;;DCLC;;;AC)"),
-                  textOf(initMappingSecurity(security)));
+        EXPECT_EQ(mapping + (v < 62 ? L"" : L"(A;;DCLC;;;AC)"), textOf(initMappingSecurity));
         EXPECT_EQ(semaphore + (v < 62 ? L"" : L"(A;;0x120002;;;AC)"),
-                  textOf(initSemaphoreSecurity(security)));
+                  textOf(initSemaphoreSecurity));
         applyLowLabel(nullptr);
         EXPECT_EQ(v < 60 ? L"" : L"6 16 S:(;;CC;;;LW)", written);
+    }
+}
+
+TEST(ObjectSecurity, CallerInAContainerLetsNoContainersIn)
+{
+    const auto openToken = [](HANDLE thread, DWORD, BOOL asSelf, HANDLE* token) -> BOOL {
+        SetLastError(noThreadToken);
+        return asSelf && !noThreadToken && (*token = thread);
+    };
+    const auto read = [](HANDLE token, int kind, DWORD* inside) -> BOOL {
+        *inside = (token == GetCurrentThread()) == threadIsInside;
+        return kind == TokenIsAppContainer;
+    };
+    const importPatch_t open("OpenThreadToken", +openToken), get("GetTokenInformation", +read);
+    // The thread's own token decides, without one the process's; with neither to be had, nothing.
+    const std::tuple<DWORD, bool, bool> cases[] = {
+        {0, true, false}, {0, false, true}, {ERROR_NO_TOKEN, false, false}, {5, false, true}};
+    for (const auto& [error, inThread, added] : cases) {
+        noThreadToken = error;
+        threadIsInside = inThread;
+        ATL::CDacl list;
+        EXPECT_EQ(added, addAppContainerAce(list, 1, 0)) << error;
     }
 }
 
@@ -73,19 +82,16 @@ TEST(ObjectSecurity, FailuresAreTracedWithTheirStatus)
     traceRecorder_t trace;
     failingError = 5;
     applyLowLabel(nullptr);
-    {
-        const importPatch_t map("MapViewOfFile", failing);
-        auto unmapped = createSharedBlock(L"vl-test", 16);
-        EXPECT_TRUE(unmapped.handle && !unmapped.view);
-        closeSharedBlock(unmapped);
-    }
+    const importPatch_t map("MapViewOfFile", failing);
+    auto unmapped = createSharedBlock(L"vl-test", 16);
+    EXPECT_TRUE(unmapped.handle && !unmapped.view);
+    closeSharedBlock(unmapped);
     const importPatch_t token("OpenProcessToken", failing);
     EXPECT_EQ(nullptr, createSharedBlock(L"vl-test", 16).handle);
     EXPECT_EQ(nullptr, openLinkSemaphore(L"vl-test"));
-    const std::wstring code = win32(5);
-    EXPECT_EQ(L"|E 0 set SACL failed 0x6" + code + L"IPC.MapViewOfFile" + code + L"SA" + code +
-                  L"IPC.InitSA 'vl-test'" + win32(2) +
-                  L"IPC.Failed to open semaphore 'vl-test'. BAD." + code + L"SA",
+    EXPECT_EQ(L"|E 0 set SACL failed 0x6" + win32(5) + L"IPC.MapViewOfFile" + win32(5) + L"SA" +
+                  win32(5) + L"IPC.InitSA 'vl-test'" + win32(2) +
+                  L"IPC.Failed to open semaphore 'vl-test'. BAD." + win32(5) + L"SA",
               trace.joined());
 }
 
@@ -99,15 +105,17 @@ TEST(ObjectSecurity, FolderListKeepsItsEntriesAndGetsOneForPackages)
         {L"D:(D;;0x1;;;S-1-15-2-1)", 0, L""},
         // A null list lets everybody in; one entry in its place would shut all others out.
         {L"D:", 0, nullList},
-        {L"O:BA", 0, L"1 4 D:" + packages},
-        {L"D:", ERROR_INVALID_ACL, L"1 4 D:" + packages},
+        {L"O:BA", ERROR_INVALID_ACL, L"1 4 D:" + packages},
         {nullptr, ERROR_PATH_NOT_FOUND, L""}};
-    const importPatch_t get("GetNamedSecurityInfoW", getSecurity);
+    const auto read = [](void*, int, int, void*, void*, void*, void*, void** out) -> DWORD {
+        return (*out = folderDescriptor) ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
+    };
+    const importPatch_t get("GetNamedSecurityInfoW", +read);
     const importPatch_t set("SetNamedSecurityInfoW", setSecurity);
     for (const auto& [list, error, expected] : cases) {
         written.clear();
         writeError = error;
-        folderDescriptor = nullptr;
+        folderDescriptor = nullptr; // the caller frees it
         ConvertStringSecurityDescriptorToSecurityDescriptorW(list, 1, &folderDescriptor, nullptr);
         if (expected == nullList)
             static_cast<SECURITY_DESCRIPTOR_RELATIVE*>(folderDescriptor)->Dacl = 0;

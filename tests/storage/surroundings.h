@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -9,6 +7,8 @@
 #include "common/module.h"
 #include "common/scoped.h"
 #include "storage/paths.h"
+#include "support/files.h"
+#include "support/freshprocess.h"
 #include "support/patchimport.h"
 #include "support/tracerecorder.h"
 
@@ -20,11 +20,6 @@ inline void setValue(HKEY root, const std::wstring& key, const wchar_t* name,
 {
     const auto whole = static_cast<DWORD>(text.size() * 2 + 2);
     RegSetKeyValueW(root, key.c_str(), name, type, text.c_str(), bytes ? bytes : whole);
-}
-
-inline void writeFile(const std::wstring& name, std::string_view bytes)
-{
-    std::ofstream(std::filesystem::path(name), std::ios::binary) << bytes;
 }
 
 template <class Error, auto... code> HANDLE raise()
@@ -72,8 +67,3 @@ protected:
         lowerpath(envvalue(L"TEMP")) + L"\\storage" + std::to_wstring(++s_roots) + L"\\";
     traceRecorder_t m_traces;
 };
-
-// IN_FRESH_PROCESS runs a block in a new process of this program, where nothing has been remembered
-// yet: the test runs there again up to this place.
-#define IN_FRESH_PROCESS(...)                                                                      \
-    EXPECT_EXIT(([&] __VA_ARGS__(), std::exit(HasFailure())), testing::ExitedWithCode(0), "")

@@ -3,13 +3,12 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/files.h"
 
 // A reader of trace files of its own, written from the format: it shares no code with what it
 // tests. It throws when a file doesn't parse to its end.
@@ -89,11 +88,4 @@ inline decodedTrace_t decodeTrace(const std::string& file)
         record.text = mixedTraceText(upTo(at + n), false);
     }
     return trace;
-}
-
-inline std::string fileBytes(const std::filesystem::path& path)
-{
-    std::ostringstream file;
-    file << std::ifstream(path, std::ios::binary).rdbuf();
-    return file.str();
 }

@@ -32,12 +32,6 @@ inline void setNumber(HKEY root, const std::wstring& key, const wchar_t* name, D
     RegSetKeyValueW(root, key.c_str(), name, REG_DWORD, &number, sizeof number);
 }
 
-inline void writeFile(const fs::path& path, const std::string& content)
-{
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-}
-
 inline std::string fileContents(const fs::path& path) // of a file that may be open elsewhere
 {
     std::ostringstream content;
