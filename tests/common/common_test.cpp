@@ -1,5 +1,8 @@
+#include <cerrno>
+
 #include <gtest/gtest.h>
 
+#include "atl/comutil.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "common/text.h"
@@ -7,16 +10,20 @@
 TEST(Status, ErrorsBecomeStatusesAndStatusesStay)
 {
     // Bit 16 makes it a status, and bit 29 is outside the mask.
-    const std::pair<DWORD, DWORD> cases[] = {{0, 0},
-                                             {2, 0x80070002},
-                                             {0xFFFF, 0x8007FFFF},
-                                             {0x10000, 0x10000},
-                                             {0x20000001, 0x80070001},
-                                             {0x80070005, 0x80070005},
-                                             {0x10000000, 0x10000000},
-                                             {0xE0000001, 0xE0000001}};
-    for (const auto& [error, status] : cases)
-        EXPECT_EQ(static_cast<DWORD>(statusFromError(error)), status);
+    const DWORD errors[] = {0, 2, 0xFFFF, 0x10000, 0x20000001, 0x80070005, 0x10000000, 0xE0000001};
+    const DWORD statuses[] = {0,          0x80070002, 0x8007FFFF, 0x10000,
+                              0x80070001, 0x80070005, 0x10000000, 0xE0000001};
+    for (size_t i = 0; i < std::size(errors); ++i)
+        EXPECT_EQ(static_cast<DWORD>(statusFromError(errors[i])), statuses[i]);
+    std::vector<HRESULT> raised; // for errors of the C runtime
+    for (const int error : {0, STRUNCATE, ENOMEM, EINVAL, ERANGE, EBADF}) {
+        try {
+            ATL::AtlCrtErrorCheck(error);
+        } catch (const ATL::CAtlException& exception) {
+            raised.push_back(exception.m_hr);
+        }
+    }
+    EXPECT_EQ(raised, (std::vector{E_OUTOFMEMORY, E_INVALIDARG, E_INVALIDARG, E_FAIL}));
 }
 
 TEST(Scoped, ClosingKeepsTheLastErrorAndHappensOnce)

