@@ -2,13 +2,9 @@
 
 using namespace tracecore;
 
-namespace {
+using LineSink = tracingFixture;
 
-class LineSink : public tracingFixture
-{
-protected:
-    const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThreadId());
-};
+const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThreadId());
 
 TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
 {
@@ -31,12 +27,7 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
     std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
     console->write('T', L"12:00:00.000", "f");
     console->write('>', L"f", "f");
-    const struct {
-        char level;
-        const wchar_t* text;
-        std::wstring line;
-        WORD colour;
-    } cases[] = {
+    const std::tuple<char, const wchar_t*, std::wstring, WORD> cases[] = {
         {'U', L"'`I04`'SA: x", L"SA: x", 4},
         {'U', L"'`I10`'above", L"'`I10`'above", 7},
         {'D', L"'`I0A`'debug", L"debug", 10},
@@ -46,8 +37,8 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
         {'E', L" 5 x", L"*ERR* 5 x", 12},
     };
     for (SHORT row = 0; row < static_cast<SHORT>(std::size(cases)); ++row) {
-        const auto& c = cases[row];
-        console->write(c.level, c.text, "f");
+        const auto& [level, message, line, colour] = cases[row];
+        console->write(level, message, "f");
         const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
                                              OPEN_EXISTING, 0, nullptr));
         std::wstring shown(240, L'\0');
@@ -56,8 +47,8 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
         ReadConsoleOutputCharacterW(screen.get(), shown.data(), 240, {0, row}, &got);
         ReadConsoleOutputAttribute(screen.get(), colours, 240, {0, row}, &got);
         shown.erase(shown.find_last_not_of(L' ') + 1);
-        EXPECT_EQ(shown, prefix + c.line);
-        EXPECT_EQ(colours[shown.size() - 1], c.colour);
+        EXPECT_EQ(shown, prefix + line);
+        EXPECT_EQ(colours[shown.size() - 1], colour);
         CONSOLE_SCREEN_BUFFER_INFO info{};
         GetConsoleScreenBufferInfo(screen.get(), &info);
         EXPECT_EQ(formatWide(L"%d %d %d", info.dwSize.X, info.dwSize.Y, info.wAttributes),
@@ -88,5 +79,3 @@ TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)
     debugger->write('E', L"0 note", "f");
     EXPECT_EQ(lines, prefix + L"'`I04`'x\n" + prefix + L"*ERR* note\n");
 }
-
-} // namespace

@@ -1,24 +1,21 @@
 #include "tracefixture.h"
 
 #include "common/module.h"
+#include "common/text.h"
 #include "tracecore/tracefilename.h"
 
 #include <ctime>
 
 using namespace tracecore;
 
-namespace {
-
-DWORD daysFromNow(int days)
+static DWORD daysFromNow(int days)
 {
     return static_cast<DWORD>(std::time(nullptr) + days * int64_t{86400});
 }
 
-class TraceConfig : public tracingFixture
-{
-protected:
-    const std::wstring component = baseNameOf(moduleFileName(nullptr));
-};
+using TraceConfig = tracingFixture;
+
+const std::wstring component = baseNameOf(moduleFileName(nullptr));
 
 TEST_F(TraceConfig, WantedSinkByTheRegistry)
 {
@@ -28,12 +25,8 @@ TEST_F(TraceConfig, WantedSinkByTheRegistry)
     CharUpperW(upper.data());
     const wchar_t tracing[] = L"Tracing", excluded[] = L"Tracing\\ComponentsNOT";
     EXPECT_EQ(theTracer().traceMode(), sinkNowhere); // no key
-    const struct {                                   // each row adds a value
-        const wchar_t* key;
-        const std::wstring name;
-        DWORD type, value;
-        uint32_t mode;
-    } cases[] = {
+    // Each row adds a value.
+    const std::tuple<const wchar_t*, std::wstring, DWORD, DWORD, uint32_t> cases[] = {
         {tracing, L"DoTrace", REG_BINARY, 1, sinkNowhere},
         {tracing, L"DoTrace", REG_DWORD, daysFromNow(1), sinkFileNew},
         {tracing, L"DoTrace", REG_DWORD, daysFromNow(0), sinkNowhere},
@@ -49,9 +42,9 @@ TEST_F(TraceConfig, WantedSinkByTheRegistry)
         {L"Tracing\\Components", component, REG_DWORD, 0, sinkConsole},
     };
     debugged = FALSE;
-    for (const auto& c : cases) {
-        setNumber(c.name.c_str(), c.value, c.key, c.type);
-        EXPECT_EQ(theTracer().traceMode(), c.mode) << "row " << &c - cases;
+    for (const auto& [key, name, type, value, mode] : cases) {
+        setNumber(name.c_str(), value, key, type);
+        EXPECT_EQ(theTracer().traceMode(), mode) << utf8FromWide(name) << value;
     }
     debugged = TRUE;
     EXPECT_EQ(theTracer().traceMode(), sinkConsole); // the answer is kept
@@ -107,5 +100,3 @@ TEST_F(TraceConfig, FileNameTakesTheFolderFromTheEnvironmentTracePathLowFirst)
         EXPECT_EQ(name.find(L"~~"), std::wstring::npos);
     }
 }
-
-} // namespace

@@ -10,8 +10,6 @@
 
 using namespace tracecore;
 
-namespace {
-
 TEST(Tracer, MessagesHaveTheirForms)
 {
     traceRecorder_t recorder;
@@ -63,5 +61,3 @@ TEST(Tracer, WritersMutexLetsEveryUserIn)
     const CLocalMemory owner(list);
     EXPECT_STREQ(list, L"D:(A;;GA;;;AU)(A;;GA;;;SY)(A;;GA;;;BA)(A;;GA;;;BU)");
 }
-
-} // namespace

@@ -8,8 +8,6 @@
 
 using namespace tracecore;
 
-namespace {
-
 constexpr int rounds = 20; // at least, for each writer
 
 using TraceThreads = tracingFixture;
@@ -62,5 +60,3 @@ TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsTha
         EXPECT_TRUE(flips || std::ssize(ids) == writers);
     }
 }
-
-} // namespace

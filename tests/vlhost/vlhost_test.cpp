@@ -223,11 +223,7 @@ TEST_F(Host, UndoBringsBackTheExactStateAndCanBeUndone)
 TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
 {
     fill(L"text.dll", "no library");
-    const struct {
-        const wchar_t* arguments;
-        DWORD status;
-        const char* told;
-    } cases[] = {
+    const std::tuple<const wchar_t*, DWORD, const char*> cases[] = {
         {L"", 2, "see --help"},
         {L"restore", 2, "vlhost restore FILE"},
         {L"restore C:\\none.vlb", 1, "spelt right"},

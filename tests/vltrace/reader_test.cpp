@@ -127,9 +127,7 @@ TEST(TraceReader, FindsTheRecordsBehindDamage)
 {
     std::string noise(0x10000, ' ');
     std::ranges::generate(noise, std::mt19937(7));
-    const struct {
-        std::string before, damage;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"before", noise.substr(0, 5000)},
         {"before", std::string(3000, '\0')},
         {"before", std::string(3000, 'U')},
@@ -138,18 +136,18 @@ TEST(TraceReader, FindsTheRecordsBehindDamage)
         {"before", std::string("\x28\1\0\0U\x30\1\0\0>", 10)},  // two headers that raced
         {std::string(0x10003, 'x'), noise},                     // a length that wrapped
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
+    for (const auto& [before, damage] : cases) {
+        SCOPED_TRACE(before.substr(0, 9) + damage.substr(0, 9));
         traceBytes_t trace;
-        trace.record(8, 'U', c.before).text(c.damage);
+        trace.record(8, 'U', before).text(damage);
         trace.records(8, {"T10:00:00.000", "E-1 behind", "<"});
         const read_t found = read(trace.bytes);
         ASSERT_EQ(found.records.size(), 4U);
-        EXPECT_EQ(found.records[0].text.size(), c.before.size() & 0xFFFF);
+        EXPECT_EQ(found.records[0].text.size(), before.size() & 0xFFFF);
         EXPECT_EQ(found.records[1].offset, trace.starts[1]);
         EXPECT_EQ(found.records[2].text, "-1 behind");
         ASSERT_EQ(found.damages.size(), 1U);
-        EXPECT_EQ(found.damages[0].bytes, c.damage.size());
+        EXPECT_EQ(found.damages[0].bytes, damage.size());
     }
 }
 

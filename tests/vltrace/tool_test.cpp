@@ -122,11 +122,7 @@ TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
 {
     write("plain.txt", traceBytes_t(std::string(500, 'x')));
     write("empty.trc3", traceBytes_t(""));
-    const struct {
-        std::vector<std::string> arguments;
-        int status;
-        const char* hint;
-    } cases[] = {
+    const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
         {{}, 2, "--help"},
         {{"cat"}, 2, "--help"},
         {{"tail", "-f", name("none.trc3")}, 1, "check the name"},
