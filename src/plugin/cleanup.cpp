@@ -5,6 +5,7 @@
 #include <shlwapi.h>
 
 #include "common/osversion.h"
+#include "common/registrytext.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"
@@ -18,7 +19,7 @@ namespace {
 constexpr WCHAR byteOrderMark = 0xFEFF;
 constexpr DWORD folderLength = 260;
 
-// installationFolder reads the product's folder into a zeroed buffer. Errors: raises.
+// installationFolder reads the product's folder into a zeroed buffer, or raises the failure.
 void installationFolder(wchar_t (&folder)[folderLength])
 {
     const osVersion_t version = readOsVersion();
@@ -26,19 +27,10 @@ void installationFolder(wchar_t (&folder)[folderLength])
     CRegistryKey key;
     LSTATUS result =
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", 0, KEY_READ | view, key.put());
+    if (result == ERROR_SUCCESS)
+        result = queryText(key.get(), L"VeltranoPath", folder);
     if (result != ERROR_SUCCESS)
         raiseError(static_cast<DWORD>(result));
-    DWORD type = 0;
-    DWORD size = sizeof folder;
-    result = RegQueryValueExW(key.get(), L"VeltranoPath", nullptr, &type,
-                              reinterpret_cast<BYTE*>(folder), &size);
-    if (result != ERROR_SUCCESS)
-        raiseError(static_cast<DWORD>(result));
-    const bool isText = type == REG_SZ || type == REG_EXPAND_SZ;
-    const bool isWhole =
-        size == 0 || (size % sizeof(wchar_t) == 0 && folder[size / sizeof(wchar_t) - 1] == 0);
-    if (!isText || !isWhole)
-        raiseError(ERROR_INVALID_DATA);
 }
 
 CFileHandle openFile(const wchar_t* path, DWORD access, DWORD disposition)

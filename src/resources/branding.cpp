@@ -2,10 +2,10 @@
 
 #include <atomic>
 #include <cstring>
-#include <iterator>
 #include <memory>
 
 #include "common/initorder.h"
+#include "common/registrytext.h"
 #include "common/scoped.h"
 #include "resources/resourceids.h"
 #include "tracecore/tracer.h"
@@ -16,15 +16,15 @@ namespace {
 
 constexpr wchar_t defaultKey[] = L"SOFTWARE\\Veltrano\\Branding\\Common";
 constexpr char function[] = "CBranding::LoadResourceDLL";
-constexpr DWORD pathSize = 260;
-using pathBuffer = wchar_t[pathSize];
+constexpr int pathSize = 260; // characters, of the key's path and of the DLL's
 
 struct loadedBranding_t {
     HMODULE module;
     std::wstring path;
 };
 
-// published_t frees the record at the end of the module; the branding DLL itself stays to the process's end.
+// published_t frees the record at the end of the module; the branding DLL itself stays to the end
+// of the process.
 struct published_t {
     std::atomic<const loadedBranding_t*> record = nullptr;
 
@@ -45,7 +45,7 @@ CRegistryKey openKey(const wchar_t* path)
 
 CRegistryKey openBrandingKey()
 {
-    pathBuffer path = {};
+    wchar_t path[pathSize] = {};
     if (LoadStringW(GetModuleHandleW(nullptr), IDS_HOST_BRANDING_KEY, path, pathSize) == 0)
         std::memcpy(path, defaultKey, sizeof defaultKey);
     CRegistryKey key = openKey(path);
@@ -56,21 +56,6 @@ CRegistryKey openBrandingKey()
         traceFormat(0, "Open Branding key %ls in registry Failed", path);
     }
     return key;
-}
-
-bool readDllPath(HKEY key, pathBuffer& path)
-{
-    DWORD type = 0;
-    DWORD size = sizeof path;
-    const LSTATUS status =
-        RegQueryValueExW(key, L"DLLPath", nullptr, &type, reinterpret_cast<BYTE*>(path), &size);
-    if (status != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
-        return false;
-    if (size == 0) {
-        path[0] = L'\0';
-        return true;
-    }
-    return size % sizeof(wchar_t) == 0 && path[size / sizeof(wchar_t) - 1] == L'\0';
 }
 
 CLoadedModule loadDll(const wchar_t* path)
@@ -93,8 +78,8 @@ HMODULE CBranding::LoadResourceDLL()
     const CRegistryKey key = openBrandingKey();
     if (!key)
         return nullptr;
-    pathBuffer path = {};
-    if (!readDllPath(key.get(), path)) {
+    wchar_t path[pathSize] = {};
+    if (queryText(key.get(), L"DLLPath", path) != ERROR_SUCCESS) {
         const traceScope_t scope(function);
         traceFormat(0, "Failed to find DllPath under Branding key in registry");
         return nullptr;

@@ -1,5 +1,6 @@
 #include "storage/paths.h"
 
+#include "common/registrytext.h"
 #include "common/scoped.h"
 
 namespace {
@@ -21,16 +22,7 @@ CRegistryKey openkey(const wchar_t* subkey, REGSAM access)
 std::wstring readbindir(const CRegistryKey& key)
 {
     wchar_t text[binDirBytes / sizeof(wchar_t)] = {};
-    DWORD type = 0;
-    DWORD size = sizeof text;
-    if (RegQueryValueExW(key.get(), binDirValue, nullptr, &type, reinterpret_cast<BYTE*>(text),
-                         &size) != ERROR_SUCCESS)
-        return {};
-    if (type != REG_SZ && type != REG_EXPAND_SZ)
-        return {};
-    if (size == 0 || size % sizeof(wchar_t) != 0 || text[size / sizeof(wchar_t) - 1] != 0)
-        return {};
-    return text;
+    return queryText(key.get(), binDirValue, text) == ERROR_SUCCESS ? text : std::wstring();
 }
 
 } // namespace

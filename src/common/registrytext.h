@@ -1,0 +1,13 @@
+#pragma once
+
+#include <span>
+
+#include <windows.h>
+
+// queryText reads a text value of the registry as it stands: no environment strings are expanded.
+//
+// buffer:  zeroed by the caller; holds the text with its terminator. An empty value is an empty text
+// Returns: 0 or the platform's error; ERROR_INVALID_DATA for a value that is neither REG_SZ nor
+//          REG_EXPAND_SZ, has an odd length or no terminator: buffer is then of no use
+// Source:  RegQueryValueExW
+LSTATUS queryText(HKEY key, const wchar_t* name, std::span<wchar_t> buffer) noexcept;
