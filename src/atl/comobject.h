@@ -11,8 +11,8 @@
 // factory. Counts are atomic; the lock of an object exists for classes that want it and is never
 // entered here.
 
-// _ATL_INTMAP_ENTRY is one row of a class's interface table. The first row answers for IUnknown; a row
-// without an identifier ends the table.
+// _ATL_INTMAP_ENTRY is one row of a class's interface table. The first row answers for IUnknown; a
+// row without an identifier ends the table.
 struct _ATL_INTMAP_ENTRY {
     const IID* piid;
     IUnknown* (*pfnInterface)(void* object) noexcept;
@@ -29,8 +29,8 @@ template <class Class, class Interface> constexpr _ATL_INTMAP_ENTRY interfaceEnt
 // AtlInternalQueryInterface looks an interface up in a table, from the top.
 //
 // object:  the most derived object that the table was made for
-// Returns: S_OK with a counted pointer in out; E_NOINTERFACE with null in out; E_INVALIDARG for a null
-//          object or table; E_POINTER for a null out
+// Returns: S_OK with a counted pointer in out; E_NOINTERFACE with null in out; E_INVALIDARG for a
+//          null object or table; E_POINTER for a null out
 HRESULT AtlInternalQueryInterface(void* object, const _ATL_INTMAP_ENTRY* entries, REFIID iid,
                                   void** out) noexcept;
 
@@ -54,7 +54,9 @@ public:
     void InternalFinalConstructAddRef() noexcept { InternalAddRef(); }
     void InternalFinalConstructRelease() noexcept { InternalRelease(); }
 
-    // _AtlInitialConstruct makes the lock. Returns: the status of the last error on failure.
+    // _AtlInitialConstruct makes the lock.
+    //
+    // Returns: S_OK, or the last error as a status
     HRESULT _AtlInitialConstruct() noexcept
     {
         if (!InitializeCriticalSectionEx(&m_lock, 0, 0))
@@ -85,8 +87,8 @@ protected:
     BYTE m_lockMade = 0;
 };
 
-// CComObject is the most derived class of a counted object; it holds one lock on the module for its whole
-// life.
+// CComObject is the most derived class of a counted object; it holds one lock on the module for its
+// whole life.
 template <class Base> class CComObject : public Base
 {
 public:
@@ -208,7 +210,7 @@ private:
 template <class Class, const CLSID* classId> class CComCoClass
 {
 public:
-    static const CLSID& GetObjectCLSID() noexcept { return *classId; }
+    static constexpr const CLSID& GetObjectCLSID() noexcept { return *classId; }
     static HRESULT WINAPI _CreateInstance(void* outer, REFIID iid, void** out)
     {
         return CComNoAggregationCreator<CComObject<Class>>::CreateInstance(outer, iid, out);

@@ -1,7 +1,8 @@
 #include "atl/comutil.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <string>
+#include <cwchar>
 #include <utility>
 
 namespace ATL {
@@ -19,21 +20,13 @@ BSTR orThrow(BSTR made)
 
 CComBSTR::CComBSTR(const wchar_t* text) : m_str(text ? orThrow(SysAllocString(text)) : nullptr) {}
 
-CComBSTR::CComBSTR(UINT length, const wchar_t* text)
-    : m_str(orThrow(SysAllocStringLen(text, length)))
-{}
-
-CComBSTR& CComBSTR::operator=(CComBSTR other) noexcept
-{
-    std::swap(m_str, other.m_str);
-    return *this;
-}
-
 void CComBSTR::Append(const wchar_t* text)
 {
-    std::wstring joined(m_str ? m_str : L"", Length());
-    joined += text;
-    *this = CComBSTR(static_cast<UINT>(joined.size()), joined.c_str());
+    const size_t length = std::wcslen(text);
+    CComBSTR joined;
+    joined.m_str = orThrow(SysAllocStringLen(nullptr, Length() + static_cast<UINT>(length)));
+    std::copy_n(text, length, std::copy_n(m_str, Length(), joined.m_str));
+    std::swap(m_str, joined.m_str);
 }
 
 BSTR CComBSTR::Copy() const
@@ -55,12 +48,10 @@ BSTR* CComBSTR::operator&() noexcept
     return &m_str;
 }
 
-CComVariant::CComVariant(const wchar_t* text) : CComVariant(CComBSTR(text)) {}
-
-CComVariant::CComVariant(CComBSTR&& text) noexcept : CComVariant()
+CComVariant::CComVariant(const wchar_t* text) : CComVariant()
 {
+    bstrVal = CComBSTR(text).Detach();
     vt = VT_BSTR;
-    bstrVal = text.Detach();
 }
 
 CComVariant::CComVariant(IUnknown* object) noexcept : CComVariant()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <windows.h>
 #include <oleauto.h>
 
@@ -13,11 +15,10 @@ class CComBSTR
 {
 public:
     CComBSTR() noexcept = default;
-    CComBSTR(const wchar_t* text);              // null gives null
-    CComBSTR(UINT length, const wchar_t* text); // that many characters; zeros are ordinary ones
-    CComBSTR(const CComBSTR& other) : m_str(other.Copy()) {}
-    CComBSTR(CComBSTR&& other) noexcept : m_str(other.Detach()) {}
-    CComBSTR& operator=(CComBSTR other) noexcept;
+    explicit CComBSTR(const wchar_t* text); // null gives null
+    explicit CComBSTR(const std::wstring& text) : CComBSTR(text.c_str()) {}
+    CComBSTR(const CComBSTR&) = delete;
+    CComBSTR& operator=(const CComBSTR&) = delete;
     ~CComBSTR() { SysFreeString(m_str); }
 
     operator BSTR() const noexcept { return m_str; }
@@ -35,13 +36,14 @@ public:
     BSTR m_str = nullptr;
 };
 
-// CComVariant owns what its VARIANT holds. Source: VariantInit, VariantClear
+// CComVariant owns what its VARIANT holds.
+//
+// Source: VariantInit, VariantClear
 class CComVariant : public tagVARIANT
 {
 public:
     CComVariant() noexcept { VariantInit(this); }
     explicit CComVariant(const wchar_t* text);       // VT_BSTR; null gives a null payload
-    explicit CComVariant(CComBSTR&& text) noexcept;  // VT_BSTR, taken over
     explicit CComVariant(IUnknown* object) noexcept; // VT_UNKNOWN, with a reference of its own
     CComVariant(const CComVariant&) = delete;
     CComVariant& operator=(const CComVariant&) = delete;

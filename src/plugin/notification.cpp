@@ -8,7 +8,6 @@
 #include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "storage/paths.h"
-#include "tracecore/tracer.h"
 
 using namespace VLONLINEIDSLib;
 using ATL::CComBSTR;
@@ -23,8 +22,8 @@ constexpr wchar_t consoleArguments[] = L"{42F9948B-B690-4325-A073-63A8BF31FF32}:
 
 std::wstring dismissKeyPath(const wchar_t* classId)
 {
-    return tracecore::formatWide(
-        L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\DismissMessages\\%ls", classId);
+    return std::wstring(L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\DismissMessages\\") +
+           classId;
 }
 
 } // namespace
@@ -64,14 +63,14 @@ void SetMessageShown(const wchar_t* classId, LONG level, bool shown)
 
 bool IsLevelTwoDismissed()
 {
-    const CComBSTR classId(classIdentifierText().c_str());
+    const CComBSTR classId(classIdentifierText());
     return !IsMessageShown(classId, 2);
 }
 
 CNotification::CNotification(LONG level, BSTR explanation)
     : m_level(level),
       m_explanation(explanation),
-      m_classId(classIdentifierText().c_str()),
+      m_classId(classIdentifierText()),
       m_shown(level != levelGood && IsMessageShown(m_classId, level))
 {}
 
@@ -103,7 +102,7 @@ void CNotification::propertyInto(ULONG id, VARIANT& value)
 {
     switch (id) {
     case notificationCaption:
-        value.bstrVal = CComBSTR(GetBrandedString(IDS_NOTIFICATION_CAPTION).c_str()).Detach();
+        value.bstrVal = CComBSTR(GetBrandedString(IDS_NOTIFICATION_CAPTION)).Detach();
         value.vt = VT_BSTR;
         return;
     case notificationShown:

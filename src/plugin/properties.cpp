@@ -24,7 +24,7 @@ constexpr auto unknownProperty = static_cast<HRESULT>(0x80070000u | ERROR_UNKNOW
 BSTR iconLocation()
 {
     CBranding::LoadResourceDLL();
-    CComBSTR location(CBranding::DllPath().c_str());
+    CComBSTR location(CBranding::DllPath());
     wchar_t number[100] = {};
     _snwprintf(number, 99, L"%d", IDI_PRODUCT);
     location.Append(L",");
@@ -71,7 +71,7 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
         value->byref = nullptr;
         switch (id) {
         case propertyName:
-            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_NAME).c_str()).Detach();
+            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_NAME)).Detach();
             break;
         case propertyIconLocation:
             value->bstrVal = iconLocation();
@@ -80,7 +80,7 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
             value->bstrVal = CComBSTR(L"Password Manager").Detach();
             break;
         case propertyDescription:
-            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_DESCRIPTION).c_str()).Detach();
+            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_DESCRIPTION)).Detach();
             break;
         case propertyKind:
             value->ulVal = 2;

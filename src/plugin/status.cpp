@@ -49,11 +49,6 @@ status_t statusFromInput(DWORD input) noexcept
     }
 }
 
-BSTR brandedBstr(UINT id)
-{
-    return CComBSTR(GetBrandedString(id).c_str()).Detach();
-}
-
 } // namespace
 
 // Of IVLKSecurityStatus. Disabled by policy is told by status 0, a text and a failure all at once.
@@ -65,12 +60,12 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
         ULONG disabled = 0;
         GetGPOSettings(&disabled); // a policy that can't be asked is no policy
         if (disabled) {
-            *text = brandedBstr(IDS_STATUS_DISABLED);
+            *text = CComBSTR(GetBrandedString(IDS_STATUS_DISABLED)).Detach();
             raiseStatus(E_NOTIMPL);
         }
         const status_t found = statusFromInput(readStatusInput());
         *status = found.status;
-        *text = brandedBstr(found.text);
+        *text = CComBSTR(GetBrandedString(found.text)).Detach();
         return S_OK;
     } catch (...) {
         return frameStatus("GetStatus");
@@ -103,7 +98,7 @@ LONG CVLKTPages::GetSecurityLevel()
     auto status = static_cast<ULONG>(-1);
     CComBSTR text;
     IVLKSecurityStatus* const self = this;
-    self->GetStatus(&status, &text.m_str); // a disabled application goes on as status 0
+    self->GetStatus(&status, &text); // a disabled application goes on as status 0
     switch (status) {
     case 0:
         return IsLevelTwoDismissed() ? 4 : 2;
@@ -130,7 +125,7 @@ void CVLKTPages::GetNotifications(SAFEARRAY** notices)
     const traceScope_t scope("CVLKTPages::GetNotifications");
     *notices = nullptr;
     CComBSTR explanation;
-    GetExplanation(&explanation.m_str);
+    GetExplanation(&explanation);
     const LONG level = GetSecurityLevel();
     // Without memory for the object the array carries a null one.
     CComVariant notice(
