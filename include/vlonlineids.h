@@ -22,8 +22,7 @@ inline constexpr ULONG propertyDescription = 4;  // VT_BSTR
 inline constexpr ULONG propertyKind = 8;         // VT_UI4: 2
 inline constexpr ULONG propertySecurityLevel = 100; // VT_I4: 0 to 4
 inline constexpr ULONG propertyExplanation = 101;   // VT_BSTR
-inline constexpr ULONG propertyNotifications =
-    103; // VT_ARRAY of VT_VARIANT: IVLKTElementUI objects
+inline constexpr ULONG propertyNotifications = 103; // VT_ARRAY of VT_VARIANT: IVLKTElementUI
 
 // Property and command ids of a notification; 100 and 101 as above.
 inline constexpr ULONG notificationCaption = 3; // get, VT_BSTR

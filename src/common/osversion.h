@@ -16,7 +16,10 @@ struct osVersion_t {
     }
 };
 
-// readOsVersion asks the system anew. Source: GetVersionExW; all zero when it fails.
+// readOsVersion asks the system anew.
+//
+// Returns: all zero when that fails
+// Source:  GetVersionExW
 osVersion_t readOsVersion() noexcept;
 
 // osVersionAtStart is the version read once, when the module was loaded.

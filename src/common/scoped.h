@@ -57,8 +57,8 @@ struct kernelHandle {
     static HANDLE empty() noexcept { return nullptr; }
     static void close(HANDLE h) noexcept { CloseHandle(h); }
 };
-using CKernelHandle =
-    CScoped<kernelHandle>; // events, mutexes, semaphores, mappings, tokens, processes
+// Events, mutexes, semaphores, mappings, tokens, processes.
+using CKernelHandle = CScoped<kernelHandle>;
 
 struct fileHandle {
     using value_type = HANDLE;

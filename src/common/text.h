@@ -4,8 +4,9 @@
 #include <string_view>
 
 // utf8FromWide and wideFromUtf8 convert with code page 65001. Characters that can't be converted
-// become the platform's replacement; embedded zeros are ordinary characters. Source:
-// WideCharToMultiByte, MultiByteToWideChar.
+// become the platform's replacement; embedded zeros are ordinary characters.
+//
+// Source: WideCharToMultiByte, MultiByteToWideChar
 std::string utf8FromWide(std::wstring_view text);
 std::wstring wideFromUtf8(std::string_view text);
 

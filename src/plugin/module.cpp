@@ -6,9 +6,9 @@ namespace {
 
 constinit std::atomic<void*> factoryCell{nullptr};
 
-// The class has no registry script, no description, no categories and nothing to do at start or end.
+// The class has no registry script, description or categories, and nothing to do at start or end.
 constinit _ATL_OBJMAP_ENTRY pagesEntry = {
-    &VLONLINEIDSLib::CLSID_CVLKTPages,
+    &CVLKTPages::GetObjectCLSID(),
     [](BOOL) -> HRESULT { return S_OK; },
     CVLKTPages::_GetClassObject,
     CVLKTPages::_CreateInstance,

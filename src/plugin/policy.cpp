@@ -13,7 +13,7 @@ using tracecore::traceWrite;
 
 namespace {
 
-// policyRecord_t is what the policy library exchanges, one setting a call; the layout is the library's.
+// policyRecord_t is what the policy library exchanges, one setting a call, in the library's layout.
 struct policyRecord_t {
     const wchar_t* name = L"CommonSettings\\{42F9948B-B690-4325-A073-63A8BF31FF32}\\DisableApps";
     uint32_t status = 0; // on read: 0 or 1 with a value, 0x80070002 without
@@ -30,7 +30,8 @@ using policyCall = HRESULT(WINAPI*)(ULONG count, policyRecord_t* records);
 
 // callPolicyLibrary loads the library for this one call and passes it the record.
 //
-// Errors: raises the last error when the library or the function is missing, and the library's own failure
+// Errors: raises the last error when the library or the function is missing, and the library's own
+//         failure
 // Source: VLFPApi.dll in the system folder
 void callPolicyLibrary(const char* function, policyRecord_t& record)
 {
@@ -46,7 +47,7 @@ void callPolicyLibrary(const char* function, policyRecord_t& record)
         raiseStatus(status);
 }
 
-// The status input is reset when the application is switched off; whether that works is not looked at.
+// The status input is reset when the application is switched off; a failure is not looked at.
 void forgetStatusInput() noexcept
 {
     CRegistryKey key;

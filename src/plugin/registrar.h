@@ -4,7 +4,8 @@
 
 namespace VLKT_SDK {
 
-// CRegistrarBase holds the root of the dashboard's plug-in tree while components are put in or taken out.
+// CRegistrarBase holds the root of the dashboard's plug-in tree while components are put in or
+// taken out.
 class CRegistrarBase
 {
 public:
@@ -28,9 +29,10 @@ public:
     CRegisterComponents() noexcept; // makes the root if it is missing
     virtual HRESULT PrepareComponent(REFCLSID clsid, const wchar_t* path);
 
-    // RegisterComponent makes the key of one role and class with the DLL's path and the shells it is for.
+    // RegisterComponent makes the key of one role and class, with the DLL's path and the versions
+    // of the shell that it is for.
     //
-    // Returns: the first failure's status; one of the shell versions is not noticed
+    // Returns: the first failure's status; one of writing the shell's versions is not noticed
     HRESULT RegisterComponent(const wchar_t* role, const wchar_t* classId,
                               const wchar_t* path) noexcept;
 };

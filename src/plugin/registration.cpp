@@ -1,7 +1,6 @@
-#include <memory>
-
 #include <objbase.h>
 
+#include "atl/commodule.h"
 #include "common/module.h"
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
@@ -57,7 +56,7 @@ STDAPI DllRegisterServer()
 {
     VLKT_SDK::CRegisterComponents registrar;
     try {
-        const std::wstring path = moduleFileName(thisModule());
+        const std::wstring path = moduleFileName(_AtlBaseModule.GetModuleInstance());
         for (const auto* role : {roleAppControl, roleBackupRestore}) {
             const HRESULT status = registerRole(registrar, role, path.c_str());
             if (FAILED(status))

@@ -4,8 +4,9 @@
 #include "vlonlineids.h"
 
 // CVLKTPages is the one component class. It has no state: each operation reads what it needs at the
-// moment of the call and forgets it. The operations stand in files of their own by subject: pages.cpp
-// (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp, backupoperations.cpp.
+// moment of the call and forgets it. The operations stand in files of their own by subject:
+// pages.cpp (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp and
+// backupoperations.cpp.
 class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public CComCoClass<CVLKTPages, &VLONLINEIDSLib::CLSID_CVLKTPages>,
                    public VLONLINEIDSLib::IVLKTPages,
@@ -38,12 +39,12 @@ public:
 
     STDMETHOD(Subscribe)() override;
 
-    STDMETHOD(GetStorageData)
-    (VARIANT* secretNames, VARIANT* storageData) override; // of both interfaces
+    // Of both interfaces for backups.
+    STDMETHODIMP GetStorageData(VARIANT* secretNames, VARIANT* storageData) override;
     STDMETHOD(SetStorageData)(VARIANT* storageData) override;
     STDMETHOD(SetStorageData2)(ULONG flags, VARIANT* storageData) override;
-    STDMETHOD(SetPluginData)
-    (ULONG secretsSize, const BYTE* secrets, ULONG storageSize, const BYTE* storage) override;
+    STDMETHODIMP SetPluginData(ULONG secretsSize, const BYTE* secrets, ULONG storageSize,
+                               const BYTE* storage) override;
 
 private:
     // GetGPOSettings reads the policy that switches the application off.

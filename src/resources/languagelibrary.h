@@ -13,8 +13,8 @@
 //
 // path:     the DLL, with or without a folder
 // flags:    8 names the language's folder as in en-US, 4 as in MUI\0409
-// language: 0 searches the user's UI language, the system's and en-US, each with its neutral parent;
-//           1 is refused
+// language: 0 searches the user's UI language, the system's and en-US, each with its neutral
+//           parent; 1 is refused
 // Returns:  the caller's, released with FreeLibrary; null if there is none
 // Errors:   raises std::bad_alloc alone
 HMODULE LoadLanguageLibrary(const std::wstring& path, DWORD flags, LANGID language);

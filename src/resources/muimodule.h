@@ -16,7 +16,7 @@ inline bool systemRedirectsResources(const osVersion_t& version) noexcept
 //
 // module:  the DLL that the texts belong to
 // version: a system that redirects look-ups leaves the whole search to LoadLanguageLibrary
-// Returns: the caller's, released with FreeLibrary; null if there is none; the DLL itself, with one more
-//          reference, if it keeps its texts itself
+// Returns: the caller's, released with FreeLibrary; null if there is none; the DLL itself, with one
+//          more reference, if it keeps its texts itself
 // Source:  GetUserDefaultUILanguage
 HMODULE LoadMuiModule(HMODULE module, const osVersion_t& version = osVersionAtStart()) noexcept;

@@ -12,7 +12,8 @@
 
 inline constexpr unsigned stringsPerBlock = 16;
 
-// stringBlockNumber is the number of the block that holds a string, not yet cut to the 16 bits of a resource id.
+// stringBlockNumber is the number of the block that holds a string, not yet cut to the 16 bits of a
+// resource id.
 constexpr uint32_t stringBlockNumber(uint32_t id) noexcept
 {
     return (id >> 4) + 1;
@@ -27,8 +28,8 @@ constexpr unsigned stringBlockIndex(uint32_t id) noexcept
 // findInStringBlock walks a block up to one entry.
 //
 // block:   the resource's bytes, of any alignment, all of them or fewer than the entries claim
-// Returns: the entry's units, embedded zeros included; nothing for an entry of length 0, an index above 15
-//          or a block that ends before the entry does
+// Returns: the entry's units, embedded zeros included; nothing for an entry of length 0, an index
+//          above 15 or a block that ends before the entry does
 std::optional<std::u16string> findInStringBlock(std::span<const uint8_t> block, unsigned index);
 
 // stringBlockIsWhole tells whether all sixteen entries lie inside the block.

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-// GetBrandedString is a numbered string of the resource module with the product's name in the places
-// marked "<<%PN%>>". The branding DLL is loaded for strings with "<<%" alone.
+// GetBrandedString is a numbered string of the resource module with the product's name in the
+// places marked "<<%PN%>>". The branding DLL is loaded for strings with "<<%" alone.
 //
 // Returns: empty for a string that can't be found
 std::wstring GetBrandedString(UINT id);

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-// launch_t is what the console was started with: VLUserConsole.exe [--log FILE] [--no-window] [TARGET].
+// launch_t is what the console was started with:
+// VLUserConsole.exe [--log FILE] [--no-window] [TARGET].
 struct launch_t {
     std::wstring commandLine;            // whole, as the process got it
     std::vector<std::wstring> arguments; // without the program's own name
@@ -18,8 +19,8 @@ struct launch_t {
 
 // readLaunch takes the command line apart. An option beats its environment variable.
 //
-// Source: GetCommandLineW; the environment variables VLUSERCONSOLE_LOG and VLUSERCONSOLE_NO_WINDOW (not
-//         empty), for those who start the console through a plug-in; %LOCALAPPDATA%
+// Source: GetCommandLineW; the environment variables VLUSERCONSOLE_LOG and VLUSERCONSOLE_NO_WINDOW
+//         (not empty), for those who start the console through a plug-in; %LOCALAPPDATA%
 launch_t readLaunch();
 
 // writeLog appends one line of JSON in UTF-8 to the log, and makes its folders if need be.

@@ -1,4 +1,5 @@
-// VLUserConsole.exe: the console that a notification opens. It shows what it was started with, and logs it.
+// VLUserConsole.exe: the console that a notification opens. It shows what it was started with, and
+// logs it.
 //
 // Exit status: 0; 1 if the log couldn't be written; 2 for a command line that can't be followed
 

@@ -19,6 +19,6 @@ private:
     unsigned m_codePage = 0; // the console's former one; it is the console's, not the process's
 };
 
-// toolArguments gives the arguments without the program's name, UTF-8, on Windows from the wide command line: the
-// narrow one is in the active code page and loses characters.
+// toolArguments gives the arguments without the program's name, UTF-8, on Windows from the wide
+// command line: the narrow one is in the active code page and loses characters.
 std::vector<std::string> toolArguments(int argc, char** argv);
