@@ -10,18 +10,13 @@ namespace {
 // handleCount counts the handles of this process; GetProcessHandleCount gives 0 under Wine.
 size_t handleCount()
 {
-    struct entry_t {
-        ULONG process;
-        USHORT type, handle;
-        ULONG_PTR object, access;
-    };
-    std::vector<entry_t> buffer(0x10000); // the first 8 bytes are the number of entries
-    EXPECT_EQ(0, NtQuerySystemInformation(static_cast<SYSTEM_INFORMATION_CLASS>(16), buffer.data(),
-                                          0x10000 * sizeof(entry_t), nullptr));
-    const auto* const first = reinterpret_cast<const ULONG*>(buffer.data());
+    // Two words with the number of entries, then six words for each, the process's number first.
+    std::vector<ULONG> table(0x60000);
+    EXPECT_EQ(0, NtQuerySystemInformation(static_cast<SYSTEM_INFORMATION_CLASS>(16), table.data(),
+                                          0x60000 * sizeof(ULONG), nullptr));
     size_t count = 0;
-    for (size_t i = 0; i < *first; ++i)
-        count += first[2 + i * sizeof(entry_t) / sizeof(ULONG)] == GetCurrentProcessId();
+    for (size_t i = 0; i < table[0]; ++i)
+        count += table[2 + i * 6] == GetCurrentProcessId();
     return count;
 }
 

@@ -1,42 +1,28 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <process.h>
 
+#include "atl/comutil.h"
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "support/backupbytes.h"
+#include "support/files.h"
 #include "support/tracetree.h"
 #include "vlonlineids.h"
 
 namespace fs = std::filesystem;
 using namespace VLONLINEIDSLib;
-using fileMap = std::map<std::string, std::string>; // path and content
 
 inline void setText(HKEY root, const std::wstring& key, const wchar_t* name,
                     const std::wstring& text)
 {
-    const auto size = static_cast<DWORD>(text.size() * 2 + 2);
-    RegSetKeyValueW(root, key.c_str(), name, REG_SZ, text.c_str(), size);
-}
-
-inline void setNumber(HKEY root, const std::wstring& key, const wchar_t* name, DWORD number)
-{
-    RegSetKeyValueW(root, key.c_str(), name, REG_DWORD, &number, sizeof number);
-}
-
-inline std::string fileContents(const fs::path& path) // of a file that may be open elsewhere
-{
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
+    RegSetKeyValueW(root, key.c_str(), name, REG_SZ, text.c_str(), DWORD(text.size() * 2 + 2));
 }
 
 // A backup of one logon, one quick link and one category.
@@ -48,13 +34,10 @@ inline bytes newLogon()
                 seq({seq({wide(L"Fun"), wide(L"new")})})});
 }
 
-// value_t is a VARIANT that is cleared with the object.
-struct value_t : VARIANT {
-    value_t() { VariantInit(this); }
+// value_t is a value that passes an interface.
+struct value_t : ATL::CComVariant {
+    value_t() = default;
     explicit value_t(const bytes& content) { byteArray(*this, content); }
-    ~value_t() { VariantClear(this); }
-    value_t(value_t&&) = delete;
-    std::wstring text() const { return vt == VT_BSTR && bstrVal ? bstrVal : L""; }
 };
 
 // plugin_t is the DLL, loaded, and one object of its class.
@@ -90,15 +73,7 @@ struct plugin_t {
     {
         value_t value;
         EXPECT_EQ(S_OK, as<IVLKTElementUI>()->GetProperty(id, &value));
-        return value.text();
-    }
-    std::wstring statusText(HRESULT expected = S_OK) const
-    {
-        ULONG status = 9;
-        value_t value;
-        value.vt = VT_BSTR;
-        EXPECT_EQ(expected, as<IVLKSecurityStatus>()->GetStatus(&status, &value.bstrVal));
-        return value.text();
+        return value.vt == VT_BSTR && value.bstrVal ? value.bstrVal : L"(none)";
     }
 
 private:
@@ -126,7 +101,9 @@ protected:
         setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Applications)", L"BinDir", m_built);
         setText(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", m_built / L"Branding.dll");
         setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", m_traceFile);
-        setNumber(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"DoTrace", 1);
+        const DWORD on = 1;
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano\Tracing)", L"DoTrace", REG_DWORD,
+                        &on, sizeof on);
         setText(HKEY_CURRENT_USER, m_key + LR"(\Settings)", L"path_bin_dir", m_root);
         writeFile(m_krs / L"Templates" / L"bank.vlm", "bank");
         writeFile(m_krs / L"Templates" / L"updata.vls", "state");
@@ -160,7 +137,7 @@ protected:
     // traced gives the trace so far as a tree, of all threads or of one.
     std::string traced(uint32_t onlyThread = 0) const
     {
-        return traceTree(decodeTrace(fileContents(m_traceFile)), onlyThread);
+        return traceTree(decodeTrace(fileBytes(m_traceFile)), onlyThread);
     }
     // tree makes such a tree of a short form, where {krs} is the user's folder, {lower} the same in
     // lower case, {new} the trace of newLogon's quick link, and {size} newLogon's last index.
@@ -179,13 +156,13 @@ protected:
         replaceAll(text, "{lower}", lower);
         return wholeTree(text);
     }
-    fileMap userFiles() const // path below the user's folder
+    std::map<std::string, std::string> userFiles() const // path below the user's folder, content
     {
-        fileMap files;
+        std::map<std::string, std::string> files;
         std::error_code ignored;
         for (const auto& entry : fs::recursive_directory_iterator(m_krs, ignored))
             if (entry.is_regular_file())
-                files[fs::relative(entry.path(), m_krs).string()] = fileContents(entry.path());
+                files[fs::relative(entry.path(), m_krs).string()] = fileBytes(entry.path());
         return files;
     }
 

@@ -38,9 +38,6 @@ constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 Get
 > CVLKTPages::SetStorageData | U lBound = 0, uBound = {size}
 {new}
  U '`I04`'VLAgent not running | U VlAgent window NOT found!
-> CVLKTPages::SetStorageData | U lBound = 0, uBound = {size}
-{new}
- U '`I04`'NoVLAgent | U VlAgent window NOT found!
 > CVLKTPages::SetStorageData | E -2147467261 SetStorageData[com]
 > CVLKTPages::SetStorageData2 | E -2147024809 SetStorageData2[com]
 > CVLKTPages::SetStorageData | U lBound = 0, uBound = 1 | E -2147418113 SetStorageData[com]
@@ -48,20 +45,37 @@ constexpr char sessionTrace[] = R"(> CVLKTPages::GetProperty | E -2147467261 Get
 > CVLKTPages::GetProperty | > CVLKTPages::GetNotifications
   > CVLKTPages::GetExplanation | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
   > CVLKTPages::GetSecurityLevel | > CVLKTPages::GetStatus | E -2147467263 GetStatus[com]
+{cleanup}HKU	{d}DashBoard\IDCard	8{crlf}
+{cleanup}HKU	{d}DashBoard	4097	LastQLCategory{crlf}
+{cleanup}HKU	{d}DashBoard\QLCategories	4108{crlf}
+{cleanup}HKU	{d}KRAppSettings	4101	OpenGuardDesk{crlf}
+{cleanup}HKU	{d}KRAppSettings	4101	ShowTrainingPrompt{crlf}
+{cleanup}HK	{d}DashBoard	4104{crlf}
+{cleanup}FILE	Veltrano\KRS\Templates\*	4097{crlf}
+{cleanup}FILE	Veltrano\KRS\VLIconCache\*	4097{crlf}
+{cleanup}FILE	Veltrano\KRS\*	4097{crlf}
+{cleanup}FILE	Veltrano\*	4097{crlf}
+{cleanup}DIR	Veltrano	4096{crlf}
 )";
 
-// What unregistering adds for the uninstaller; {d} is the key of all parts.
-constexpr const char* cleanupLines[] = {"HKU\t{d}DashBoard\\IDCard\t8",
-                                        "HKU\t{d}DashBoard\t4097\tLastQLCategory",
-                                        "HKU\t{d}DashBoard\\QLCategories\t4108",
-                                        "HKU\t{d}KRAppSettings\t4101\tOpenGuardDesk",
-                                        "HKU\t{d}KRAppSettings\t4101\tShowTrainingPrompt",
-                                        "HK\t{d}DashBoard\t4104",
-                                        "FILE\tVeltrano\\KRS\\Templates\\*\t4097",
-                                        "FILE\tVeltrano\\KRS\\VLIconCache\\*\t4097",
-                                        "FILE\tVeltrano\\KRS\\*\t4097",
-                                        "FILE\tVeltrano\\*\t4097",
-                                        "DIR\tVeltrano\t4096"};
+// registered gives what a dashboard finds of the DLL under its three roles.
+std::wstring registered()
+{
+    std::wstring all;
+    for (const std::wstring role :
+         {L"TrayIcon", L"UIElements\\AppControl", L"UIElements\\BackupRestore"}) {
+        const std::wstring key = LR"(SOFTWARE\Veltrano\VLKT\Plugins\)" + role +
+                                 L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
+        for (const wchar_t* name : {L"", L"TargetShellVersions"}) {
+            wchar_t data[300];
+            DWORD size = sizeof data, type = 0;
+            if (!RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_ANY | RRF_NOEXPAND,
+                              &type, data, &size))
+                all += std::to_wstring(type) + std::wstring(data, size / sizeof *data);
+        }
+    }
+    return all;
+}
 
 using Session = installedTest;
 
@@ -98,58 +112,56 @@ void pluginData(const plugin_t& plugin)
                                            static_cast<ULONG>(legacy.size()), legacy.data()));
 }
 
-void disabled(const plugin_t& plugin)
-{
-    const auto application = plugin.as<IVLKTDisableApp>();
-    ULONG status = 9;
-    value_t value;
-    EXPECT_EQ(S_OK, application->DisableLocal(1));
-    EXPECT_EQ(S_OK, application->GetStatus(&status));
-    EXPECT_EQ(3u, status);
-    plugin.statusText(E_NOTIMPL);
-    EXPECT_EQ(S_OK, plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &value));
-}
-
 TEST_F(Session, IsTracedRecordByRecord)
 {
     setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
             LR"(C:\VL\shared|C:\VL\shared\|rel)");
     setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"useGrabbingCreds", L"1");
     writeFile(m_root / L"shared" / L"s.vlm", "shared");
-    value_t names, own, threeData(newLogon()), oneData(seq({})), none;
+    value_t names, own, threeData(newLogon()), oneData(seq({}));
     startAgent();
     {
         const plugin_t plugin;
+        value_t none, text;
         const auto restore = plugin.as<IVLKTBackupRestore2>();
         EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllRegisterServer")());
+        const std::wstring role = L'2' + (m_built / L"VLOnlineIDs.dll").wstring() + L'\0' +
+                                  std::wstring(L"76.0\0007.0\0008.0\0", 14);
+        EXPECT_EQ(role + role + role, registered());
         information(plugin);
-        const std::string links = fileContents(m_krs / L"QuickLinks.txt");
+        const std::string links = fileBytes(m_krs / L"QuickLinks.txt");
         pluginData(plugin);
-        EXPECT_EQ(std::string("\x04\0\x03\0a", 5), fileContents(m_krs / L"DontPrompt.txt"));
+        EXPECT_EQ(std::string("\x04\0\x03\0a", 5), fileBytes(m_krs / L"DontPrompt.txt"));
         writeFile(m_krs / L"QuickLinks.txt", links);
         EXPECT_EQ(S_OK, restore->GetStorageData(&names, &own));
         EXPECT_EQ(VT_ARRAY | VT_BSTR, names.vt) << "the agent has the secret now";
         fs::remove(m_root / L"shared" / L"s.vlm");
         EXPECT_EQ(S_OK, restore->SetStorageData2(0x00010002, &own));
-        EXPECT_EQ("shared", fileContents(m_root / L"shared" / L"s.vlm"));
+        EXPECT_EQ("shared", fileBytes(m_root / L"shared" / L"s.vlm"));
         EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
         stopAgent();
-        const std::string journal = fileContents(m_root / L"journal.txt");
+        const std::string journal = fileBytes(m_root / L"journal.txt");
         EXPECT_NE(std::string::npos, journal.find(R"("wParam":1,"lParam":2)"));
-        EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
         EXPECT_EQ(S_OK, restore->SetStorageData(&threeData));
         const auto before = userFiles();
         EXPECT_EQ(E_POINTER, restore->SetStorageData(nullptr));
         EXPECT_EQ(E_INVALIDARG, restore->SetStorageData2(0, &none));
         EXPECT_EQ(E_UNEXPECTED, restore->SetStorageData(&oneData));
         EXPECT_EQ(before, userFiles());
-        disabled(plugin);
+        const auto application = plugin.as<IVLKTDisableApp>();
+        ULONG status = 9;
+        EXPECT_EQ(S_OK, application->DisableLocal(1));
+        EXPECT_EQ(S_OK, application->GetStatus(&status));
+        EXPECT_EQ(3u, status);
+        text.vt = VT_BSTR;
+        EXPECT_EQ(E_NOTIMPL, plugin.as<IVLKSecurityStatus>()->GetStatus(&status, &text.bstrVal));
+        EXPECT_EQ(S_OK, plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &none));
         EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllUnregisterServer")());
+        EXPECT_EQ(L"", registered());
     }
     std::string expected = sessionTrace;
-    for (const std::string line : cleanupLines)
-        expected +=
-            "> AddCleanupLine | U FilePath = C:\\VL\\Cleanup.txt | U accum = " + line + "{crlf}\n";
+    replaceAll(expected, "{cleanup}",
+               "> AddCleanupLine | U FilePath = C:\\VL\\Cleanup.txt | U accum = ");
     replaceAll(expected, "{own}", std::to_string(bytesOf(own).size() - 1));
     replaceAll(expected, "{d}", "SOFTWARE\\Veltrano\\Applications\\");
     EXPECT_EQ(tree(expected), traced());
