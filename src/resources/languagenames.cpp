@@ -13,6 +13,7 @@ struct languageRow_t {
 constexpr languageRow_t languages[] = {
 #include "resources/languagenames.inc" // made by generate/languagenames.cpp, in ascending order
 };
+static_assert(std::ranges::is_sorted(languages, {}, &languageRow_t::language));
 
 } // namespace
 

@@ -5,69 +5,72 @@
 #include "installation.h"
 #include "support/tracerecorder.h"
 
-// The branding DLL is loaded once in a process and stays. So each of these cases has a process of its own.
+// The branding DLL is loaded once in a process and stays. So each of these cases has a process of
+// its own.
 
 namespace {
 
 constexpr wchar_t defaultKey[] = L"SOFTWARE\\Veltrano\\Branding\\Common";
+constexpr wchar_t hostKey[] = L"SOFTWARE\\Veltrano\\Branding\\Host"; // the host's string 900
 const std::wstring brandingDll = builtFile(L"Branding.dll").wstring();
 
-void setPath(const std::wstring& path, DWORD type = REG_SZ, size_t size = 0)
+void setPath(const wchar_t* key, const std::wstring& path, DWORD type, size_t size)
 {
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, defaultKey, L"DLLPath", type, path.c_str(),
-                    static_cast<DWORD>(size ? size : path.size() * 2 + 2));
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, L"DLLPath", type, path.c_str(),
+                    static_cast<DWORD>(size));
 }
 
-// said gives the messages without the functions' entries and ends.
-std::wstring said(traceRecorder_t& trace)
+int loads, frees;
+HMODULE WINAPI loadAfterAnother(LPCWSTR path, HANDLE, DWORD flags)
 {
-    std::wstring all;
-    for (const traceRecord_t& record : trace.all()) {
-        if (record.level == 'U' || record.level == 'E')
-            all += record.text;
-    }
-    return all;
+    if (++loads == 1)
+        CBranding::LoadResourceDLL(); // as another thread would
+    return flags == LOAD_LIBRARY_AS_DATAFILE ? LoadLibraryW(path) : nullptr;
 }
 
 } // namespace
 
 TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
 {
-    const std::wstring noPath = L"Failed to find DllPath under Branding key in registry";
-    const std::wstring notLoaded = L"failed to load resource dll , GetLastError returned 0x000000";
+    const std::wstring noPath = L"|U Failed to find DllPath under Branding key in registry";
+    const std::wstring notLoaded =
+        L"|U failed to load resource dll , GetLastError returned 0x000000";
     const size_t whole = brandingDll.size() * 2 + 2;
     const struct {
-        const char* what;
         DWORD type;
         std::wstring value;
         size_t size;
         std::wstring line;
     } cases[] = {
-        {"bytes", REG_BINARY, brandingDll, whole, noPath},
-        {"odd length, zero behind", REG_SZ, brandingDll, whole + 1, noPath},
-        {"not terminated", REG_SZ, L"abX", 4, noPath},
-        {"longer than 520 bytes", REG_SZ, std::wstring(260, L'x'), 522, noPath},
-        {"520 bytes fit", REG_SZ, L"C:\\" + std::wstring(256, L'x'), 520, notLoaded + L"02"},
-        {"variables stay", REG_EXPAND_SZ, L"%D%", 8, notLoaded + L"02"},
+        {REG_BINARY, brandingDll, whole, noPath},
+        {REG_SZ, brandingDll, whole + 1, noPath}, // odd length, zero behind
+        {REG_SZ, L"abX", 4, noPath},              // not terminated
+        {REG_SZ, std::wstring(260, L'x'), 522, noPath},
+        {REG_SZ, L"C:\\" + std::wstring(256, L'x'), 520, notLoaded + L"02"},
+        {REG_EXPAND_SZ, L"%ComSpec%", 20, notLoaded + L"02"}, // variables stay
+        {0, L"", 0, L"|U Open Branding key " + std::wstring(hostKey) + L" in registry Failed"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        testing::GTEST_FLAG(death_test_style) = "threadsafe";
-        const auto child = [&c] {
+        SCOPED_TRACE(&c - cases);
+        const auto child = [&] {
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
-            SetEnvironmentVariableW(L"D", brandingDll.c_str());
-            setPath(c.value, c.type, c.size);
+            const givenString_t named(IDS_HOST_BRANDING_KEY, hostKey); // not there: the default
+            if (c.size)
+                setPath(defaultKey, c.value, c.type, c.size);
             traceRecorder_t trace;
             EXPECT_EQ(CBranding::LoadResourceDLL(), nullptr);
-            EXPECT_EQ(said(trace), c.line);
+            EXPECT_EQ(trace.joined(), c.line);
             EXPECT_EQ(GetProductName(), L"");
-            EXPECT_EQ(said(trace), c.line);
-            setPath(brandingDll);
+            EXPECT_EQ(trace.joined(), c.line);
+            setPath(hostKey, brandingDll, REG_SZ, whole);
+            const importPatch_t load("LoadLibraryExW", loadAfterAnother);
+            const importPatch_t free(
+                "FreeLibrary", +[] { return ++frees; });
             EXPECT_EQ(GetProductName(), L"Veltrano Personal Security");
+            EXPECT_EQ(GetProductName(), L"Veltrano Personal Security"); // loads nothing more
+            EXPECT_TRUE(loads == 2 && frees == 1); // the slower one's own, once
             EXPECT_EQ(CBranding::DllPath(), brandingDll);
-            setPath(L"C:\\other.dll"); // not looked at again
-            EXPECT_EQ(CBranding::DllPath(), brandingDll);
-            EXPECT_EQ(said(trace), L""); // success leaves no trace
+            EXPECT_EQ(trace.joined(), L""); // success leaves no trace
             std::exit(testing::Test::HasFailure() ? 1 : 0);
         };
         EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");

@@ -2,7 +2,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <windows.h>
@@ -26,53 +28,64 @@ inline CLoadedModule loadAsData(const fs::path& path)
     return CLoadedModule(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
 }
 
-// newFolder makes a folder of its own; it goes with the test program's prefix.
-inline fs::path newFolder()
-{
-    static int count = 0;
-    const fs::path path = fs::temp_directory_path() / (std::to_wstring(GetCurrentProcessId()) +
-                                                       L"-" + std::to_wstring(++count));
-    fs::create_directories(path);
-    return path;
-}
-
-// installation_t is the DLL's resources under the DLL's name, loaded, and the language files that a test puts beside
-// it, all of them as they were built.
+// installation_t is the DLL's resources under the DLL's name, loaded, and the language files that a
+// test puts beside it.
 struct installation_t {
     installation_t()
     {
+        fs::create_directories(folder);
         fs::copy_file(builtFile(L"resources_test/VLOnlineIDs.dll"), dllPath);
         dll.reset(LoadLibraryW(dllPath.c_str()));
         EXPECT_TRUE(dll);
     }
 
-    // install puts the built file of a language into a folder, and gives its path there.
+    // install puts the built file of a language into a folder, and gives its path there. Bytes of its
+    // configuration data can be changed, as in "de-DE+0+28".
     fs::path install(const std::wstring& into, const std::wstring& language) const
     {
+        std::wistringstream parts(language);
+        std::wstring part;
+        std::getline(parts, part, L'+');
+        std::stringstream built;
+        built << std::ifstream(builtFile(part + L"/VLOnlineIDs.dll.mui"), std::ios::binary).rdbuf();
+        std::string file = built.str();
+        while (std::getline(parts, part, L'+'))
+            file.at(file.find("\xCD\xFE\xCD\xFE") + std::stoul(part)) ^= 4;
         const fs::path path = folder / into / L"VLOnlineIDs.dll.mui";
         fs::create_directories(path.parent_path());
-        fs::copy_file(builtFile(language + L"/VLOnlineIDs.dll.mui"), path);
+        std::ofstream(path, std::ios::binary) << file;
         return path;
     }
 
-    const fs::path folder = newFolder();
+    inline static int count = 0;
+    const fs::path folder = fs::temp_directory_path() /
+                            (std::to_wstring(GetCurrentProcessId()) + std::to_wstring(++count));
     const fs::path dllPath = folder / L"VLOnlineIDs.dll";
     CLoadedModule dll;
 };
 
 // uiLanguages_t makes these the UI languages of the user and of the system for this program.
-class uiLanguages_t
-{
-public:
-    explicit uiLanguages_t(LANGID user, LANGID system = 1033)
-    {
-        languages[0] = user;
-        languages[1] = system;
-    }
+struct uiLanguages_t {
+    explicit uiLanguages_t(LANGID user, LANGID system = 1033) { now = {user, system}; }
+    inline static std::pair<LANGID, LANGID> now;
+    importPatch_t ofUser{"GetUserDefaultUILanguage", +[] { return now.first; }};
+    importPatch_t ofSystem{"GetSystemDefaultUILanguage", +[] { return now.second; }};
+};
 
-private:
-    template <size_t which> static LANGID WINAPI language() { return languages[which]; }
-    inline static LANGID languages[2];
-    importPatch_t m_user{"GetUserDefaultUILanguage", language<0>};
-    importPatch_t m_system{"GetSystemDefaultUILanguage", language<1>};
+// givenString_t makes this the string of a number for this program, whatever the module.
+struct givenString_t {
+    givenString_t(UINT id, const std::wstring& text)
+    {
+        given = {id, text};
+        original = importOriginal<decltype(original)>(patch);
+    }
+    static int WINAPI load(HINSTANCE module, UINT id, LPWSTR buffer, int size)
+    {
+        if (id != given.first)
+            return original(module, id, buffer, size);
+        return static_cast<int>(given.second.copy(buffer, given.second.size()));
+    }
+    inline static decltype(&LoadStringW) original;
+    inline static std::pair<UINT, std::wstring> given;
+    importPatch_t patch{"LoadStringW", load};
 };

@@ -1,33 +1,25 @@
 #include "resources/strings.h"
 #include "resources/resourceids.h"
 #include "installation.h"
+#include "tracecore/tracer.h"
 
 namespace {
 
-// stringFile makes a copy of the branding DLL with a string block 65 of a test's own, loaded as a data file.
+// stringFile makes a copy of the branding DLL with a string block 65 of a test's own, loaded as a
+// data file.
 CLoadedModule stringFile(std::vector<std::wstring> texts)
 {
     std::wstring block;
     texts.resize(16);
     for (const std::wstring& text : texts)
         block += static_cast<wchar_t>(text.size()) + text;
-    const fs::path path = newFolder() / L"strings.dll";
-    fs::copy_file(builtFile(L"Branding.dll"), path);
+    const fs::path path = fs::temp_directory_path() / std::to_wstring(GetCurrentProcessId());
+    fs::copy_file(builtFile(L"Branding.dll"), path, fs::copy_options::overwrite_existing);
     const HANDLE update = BeginUpdateResourceW(path.c_str(), FALSE);
     UpdateResourceW(update, MAKEINTRESOURCEW(6), MAKEINTRESOURCEW(65), 0, block.data(),
                     static_cast<DWORD>(block.size() * 2));
     EXPECT_TRUE(EndUpdateResourceW(update, FALSE));
     return loadAsData(path);
-}
-
-std::wstring productName;
-decltype(&LoadStringW) loadString;
-
-int WINAPI namingLoadString(HINSTANCE module, UINT id, LPWSTR buffer, int size)
-{
-    if (id != IDS_PRODUCT_NAME)
-        return loadString(module, id, buffer, size);
-    return static_cast<int>(productName.copy(buffer, productName.size()));
 }
 
 } // namespace
@@ -52,14 +44,30 @@ TEST(ResourceString, IsReadFromItsBlock)
     }
 }
 
+TEST(ResourceString, ThatHasNoBlockIsThePlatformsToFindAndToCut)
+{
+    static std::wstring asked;
+    const importPatch_t byLanguage(
+        "FindResourceExW", +[](HMODULE, LPCWSTR type, LPCWSTR name, WORD language) -> HRSRC {
+            asked += tracecore::formatWide(L"%d %d %d, ", type, name, language);
+            return nullptr;
+        });
+    const importPatch_t byName(
+        "FindResourceW", +[](HMODULE, LPCWSTR name, LPCWSTR type) -> HRSRC {
+            asked += tracecore::formatWide(L"%d %d", type, name);
+            return nullptr;
+        });
+    const uiLanguages_t languages(0x0807);
+    std::wstring text;
+    EXPECT_EQ(LoadStringFromModule(stringFile({std::wstring(300, L'x')}).get(), 1024, text), 259);
+    EXPECT_EQ(text, std::wstring(259, L'x'));
+    EXPECT_EQ(asked, L"6 65 0, 6 65 7, 65 6"); // the last with its arguments reversed
+}
+
 TEST(ProductName, TakesThePlaceOfEveryMarker)
 {
-    const importPatch_t patch("LoadStringW", namingLoadString);
-    loadString = importOriginal<decltype(&LoadStringW)>(patch);
     const struct {
-        const wchar_t* text;
-        const wchar_t* name;
-        const wchar_t* expanded;
+        const wchar_t *text, *name, *expanded;
     } cases[] = {
         {L"a <<%PN%>> b <<%PN%>> c", L"Name", L"a Name b Name c"},
         {L"<<% <<%PN% <<%XX%>> <<%pn%>>", L"Name", L"<<% <<%PN% <<%XX%>> <<%pn%>>"},
@@ -67,7 +75,7 @@ TEST(ProductName, TakesThePlaceOfEveryMarker)
         {L"<<%PN%>>PN%>>", L"<<%", L"<<%PN%>>"},
     };
     for (const auto& c : cases) {
-        productName = c.name;
+        const givenString_t productName(IDS_PRODUCT_NAME, c.name);
         std::wstring text = c.text;
         ExpandProductName(text);
         EXPECT_EQ(text, c.expanded);
