@@ -3,6 +3,7 @@
 #include "resources/resourcemodule.h"
 #include "resources/strings.h"
 #include "installation.h"
+#include "support/freshprocess.h"
 #include "support/tracerecorder.h"
 
 // The branding DLL is loaded once in a process and stays. So each of these cases has a process of
@@ -52,7 +53,7 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
-        const auto child = [&] {
+        IN_FRESH_PROCESS({
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
             const givenString_t named(IDS_HOST_BRANDING_KEY, hostKey); // not there: the default
             if (c.size)
@@ -71,8 +72,6 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
             EXPECT_TRUE(loads == 2 && frees == 1); // the slower one's own, once
             EXPECT_EQ(CBranding::DllPath(), brandingDll);
             EXPECT_EQ(trace.joined(), L""); // success leaves no trace
-            std::exit(testing::Test::HasFailure() ? 1 : 0);
-        };
-        EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
+        });
     }
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 
 #include "common/module.h"
 #include "common/scoped.h"
+#include "support/files.h"
 #include "support/patchimport.h"
 
 namespace fs = std::filesystem;
@@ -46,14 +46,11 @@ struct installation_t {
         std::wistringstream parts(language);
         std::wstring part;
         std::getline(parts, part, L'+');
-        std::stringstream built;
-        built << std::ifstream(builtFile(part + L"/VLOnlineIDs.dll.mui"), std::ios::binary).rdbuf();
-        std::string file = built.str();
+        std::string file = fileBytes(builtFile(part + L"/VLOnlineIDs.dll.mui"));
         while (std::getline(parts, part, L'+'))
             file.at(file.find("\xCD\xFE\xCD\xFE") + std::stoul(part)) ^= 4;
         const fs::path path = folder / into / L"VLOnlineIDs.dll.mui";
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << file;
+        writeFile(path, file);
         return path;
     }
 
