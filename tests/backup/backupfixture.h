@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,6 +21,7 @@
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/patchimport.h"
+#include "support/tracedecoder.h"
 #include "support/tracerecorder.h"
 
 using fileMap = std::map<std::wstring, std::string>; // name and content
@@ -56,7 +56,8 @@ protected:
         m_settings.values = {{L"path_localstorage_dir", m_personal},
                              {L"path_cachestorage_dir", m_cache},
                              {L"path_quicklink_filename", m_root + L"quicklinks.txt"},
-                             {L"show_training_prompt", L"1"},
+                             {L"show_training_prompt", L"0"},
+                             {L"show_training_prompt_def", L"1"},
                              {L"is_personalMode", L"1"}};
     }
 
@@ -67,13 +68,9 @@ protected:
     fileMap files() const // all below the root
     {
         fileMap found;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_root)) {
-            std::ostringstream content;
-            if (entry.is_regular_file()) {
-                content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-                found[entry.path().wstring().substr(m_root.size())] = content.str();
-            }
-        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_root))
+            if (entry.is_regular_file())
+                found[entry.path().wstring().substr(m_root.size())] = fileBytes(entry.path());
         return found;
     }
 
@@ -85,8 +82,7 @@ protected:
     }
     bool traced(const std::wstring& message) // "U text" or "E status text"; forgets all messages
     {
-        const auto messages = m_trace.messages();
-        return std::find(messages.begin(), messages.end(), message) != messages.end();
+        return (m_trace.joined() + L'|').find(L'|' + message + L'|') != std::wstring::npos;
     }
     postings posted() const // to the agent, taken once
     {

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include <windows.h>
 #include <wincrypt.h>
@@ -10,33 +9,18 @@
 #include <gtest/gtest.h>
 
 #include "common/text.h"
+#include "support/backupbytes.h"
 #include "support/fakesettings.h"
+#include "support/tracedecoder.h"
 #include "support/tracerecorder.h"
 
 namespace {
 
 using namespace std::string_literals;
-using bytes = std::vector<uint8_t>;
-
-bytes elementOf(const std::string& document)
-{
-    CDerNode element;
-    element.SetSequence(1);
-    element.Child(0).SetNarrow(document);
-    return element.Encode();
-}
-
 // documentOf gives the element of a document with those members.
 bytes documentOf(const std::string& current)
 {
-    return elementOf("{\"settings\":{\"current\":{" + current + "}}}");
-}
-
-bytes exported()
-{
-    CDerNode element;
-    EXPECT_TRUE(ExportSettings(&element));
-    return element.Encode();
+    return seq({narrow("{\"settings\":{\"current\":{" + current + "}}}")});
 }
 
 struct SettingsDocument : testing::Test {
@@ -61,38 +45,28 @@ struct SettingsDocument : testing::Test {
     traceRecorder_t recorder;
 };
 
-TEST_F(SettingsDocument, ExportTakesDefaultsForWhatIsUnset)
-{
-    settings.values = {{L"show_training_prompt_def", L"1"}, {L"show_training_prompt", L"0"}};
-    EXPECT_EQ(exported(), documentOf(R"("open_guard_desk_qa":"Ctrl+Win+72",)"
-                                     R"("show_training_prompt":true,"useGrabbingCreds":false)"));
-    EXPECT_EQ(recorder.joined(),
-              L"|U Pre train [default] = Show|U Pre train [current] = Show"
-              L"|U Hotkey    [current] = Ctrl+Win+72|U Use Grabbing Creds  = No");
-    settings.values[L"show_training_prompt"] = L"-1";
-    settings.values[L"open_guard_desk_qa"] = L"\"";
-    settings.values[L"useGrabbingCreds"] = L"1";
-    EXPECT_EQ(exported(), documentOf(R"("open_guard_desk_qa":"\"",)"
-                                     R"("show_training_prompt":false,"useGrabbingCreds":true)"));
-    EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
-                                 L"|U Hotkey    [current] = \"|U Use Grabbing Creds  = Yes");
-    EXPECT_FALSE(ExportSettings(nullptr));
-}
-
 TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
 {
     std::ofstream(listFile, std::ios::binary) << std::string("\xFF\xFE\x61\0\r\0\xE9\0", 8);
-    settings.values = {{L"path_dontpromptlist_filename", listFile}, {L"useGrabbingCreds", L"2"}};
-    const bytes element = exported();
-    EXPECT_EQ(element, documentOf(R"("open_guard_desk_qa":"Ctrl+Win+72",)"
+    settings.values = {{L"path_dontpromptlist_filename", listFile},
+                       {L"open_guard_desk_qa", L"\""},
+                       {L"show_training_prompt_def", L"1"},
+                       {L"show_training_prompt", L"-1"},
+                       {L"useGrabbingCreds", L"1"}};
+    CDerNode node;
+    EXPECT_TRUE(ExportSettings(&node));
+    EXPECT_FALSE(ExportSettings(nullptr));
+    const bytes element = node.Encode();
+    EXPECT_EQ(element, documentOf(R"("open_guard_desk_qa":"\"",)"
                                   R"("path_dontpromptlist_filename":"a\r\u00e9",)"
-                                  R"("show_training_prompt":false,"useGrabbingCreds":false)"));
-    EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Hide|U Pre train [current] = Hide"
-                                 L"|U Hotkey    [current] = Ctrl+Win+72|U Dont prmpt[size=4] = " +
-                                     listFile.wstring() + L"|U Use Grabbing Creds  = No");
-    EXPECT_EQ(restored(element),
-              L"true|open_guard_desk_qa=Ctrl+Win+72|path_dontpromptlist_filename=" +
-                  listFile.wstring() + L"|show_training_prompt=-1|useGrabbingCreds=-1");
+                                  R"("show_training_prompt":false,"useGrabbingCreds":true)"));
+    EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
+                                 L"|U Hotkey    [current] = \"|U Dont prmpt[size=4] = " +
+                                     listFile.wstring() + L"|U Use Grabbing Creds  = Yes");
+    settings.values = {{L"path_dontpromptlist_filename", listFile}};
+    EXPECT_EQ(restored(element), L"true|open_guard_desk_qa=\"|path_dontpromptlist_filename=" +
+                                     listFile.wstring() +
+                                     L"|show_training_prompt=-1|useGrabbingCreds=1");
     EXPECT_EQ(std::filesystem::file_size(listFile), 8u);
 }
 
@@ -130,16 +104,15 @@ TEST_F(SettingsDocument, OtherShapesAreRefusedOrSetNothing)
     EXPECT_EQ(recorder.joined(), L"|U Invalid BLOB pointer.");
     for (const bytes& encoded : {bytes{}, bytes{0x30, 0}, bytes{0x30, 1, 4}, bytes{4, 1, 0}})
         EXPECT_EQ(restored(encoded), L"false|E 0 Unsupported settings format.");
-    for (const bytes& encoded : {elementOf(""), bytes{0x30, 5, 4, 3, 0, '{', '}'}})
+    for (const bytes& encoded : {seq({narrow("")}), bytes{0x30, 5, 4, 3, 0, '{', '}'}})
         EXPECT_EQ(restored(encoded), L"false|U Empty json data.");
-    const std::string deep(100000, '[');
-    for (const std::string& text : {"{"s, "{'a':1}"s, "\xEF\xBB\xBF{}"s, deep})
-        EXPECT_EQ(restored(elementOf(text)), L"false|U Bad json format.");
+    for (const std::string& text : {"{"s, "{'a':1}"s, "\xEF\xBB\xBF{}"s, std::string(100000, '[')})
+        EXPECT_EQ(restored(seq({narrow(text)})), L"false|U Bad json format.");
     for (const char* text : {"{}", "null", R"({"settings":null})", R"({"settings":{"current":[]}})",
                              "/*a*/{//b\n}//c"})
-        EXPECT_EQ(restored(elementOf(text)), L"true") << text;
+        EXPECT_EQ(restored(seq({narrow(text)})), L"true") << text;
     for (const char* text : {"[1]", R"({"settings":1})", R"({"settings":{"current":[1]}})"})
-        EXPECT_NE(restored(elementOf(text)).find(L"requires objectValue"), std::wstring::npos)
+        EXPECT_NE(restored(seq({narrow(text)})).find(L"requires objectValue"), std::wstring::npos)
             << text;
 }
 
@@ -150,23 +123,22 @@ TEST_F(SettingsDocument, LegacyElementsSetPromptAndHotKeyAndHalfTheList)
         std::wstring prompt;
         std::string list; // as written
     } cases[] = {
-        {{0x30, 9, 2, 1, 2, 0x1E, 4, 0, 'K', 0, 0}, L"-1", ""},
-        {{0x30, 13, 2, 1, 1, 0x1E, 4, 0, 'K', 0, 0, 4, 0, 4, 0}, L"1", ""},
-        {{0x30, 15, 2, 1, 1, 0x1E, 4, 0, 'K', 0, 0, 4, 4, 'a', 'b', 0, 'c'}, L"1", "\4\0\4\0"s},
-        {{0x30, 11, 2, 1, 1, 0x1E, 4, 0, 'K', 0, 0, 4, 0}, L"1", "\4"},
+        {seq({integer(2), wide(L"K")}), L"-1", ""},
+        {seq({integer(1), wide(L"K"), octets(""), octets("")}), L"1", ""},
+        {seq({integer(1), wide(L"K"), octets("ab\0c"s)}), L"1", "\4\0\4\0"s},
+        {seq({integer(1), wide(L"K"), octets("")}), L"1", "\4"},
     };
+    const std::wstring file = listFile.wstring();
     for (const auto& c : cases) {
         std::filesystem::remove(listFile);
         settings.values = {{L"path_dontpromptlist_filename", listFile}};
-        const std::wstring file = listFile.wstring();
-        std::wstring all = L"true";
+        std::wstring told = L"true";
         if (!c.list.empty())
-            all +=
+            told +=
                 L"|U file name='" + file + L"', dataLen = " + std::to_wstring(c.list.size()) + L".";
-        all += L"|open_guard_desk_qa=K|path_dontpromptlist_filename=";
-        EXPECT_EQ(restored(c.encoded), all + file + L"|show_training_prompt=" + c.prompt);
-        EXPECT_EQ((std::ostringstream() << std::ifstream(listFile, std::ios::binary).rdbuf()).str(),
-                  c.list);
+        told += L"|open_guard_desk_qa=K|path_dontpromptlist_filename=" + file;
+        EXPECT_EQ(restored(c.encoded), told + L"|show_training_prompt=" + c.prompt);
+        EXPECT_EQ(fileBytes(listFile), c.list);
     }
 }
 
