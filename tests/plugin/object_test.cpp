@@ -11,8 +11,6 @@
 
 using namespace VLONLINEIDSLib;
 
-STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out);
-
 namespace {
 
 counted<IClassFactory> factory()

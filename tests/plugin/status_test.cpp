@@ -1,3 +1,4 @@
+#include <array>
 #include <memory>
 #include <string>
 #include <utility>
@@ -9,10 +10,9 @@
 #include "plugin/vlktpages.h"
 #include "counted.h"
 #include "support/patchimport.h"
+#include "support/registry.h"
 #include "support/tracerecorder.h"
 #include "tracecore/tracer.h"
-
-#include <shellapi.h>
 
 using namespace VLONLINEIDSLib;
 using ATL::CComVariant;
@@ -20,18 +20,12 @@ using lines_t = std::vector<std::wstring>;
 
 namespace {
 
-const std::wstring classText = L"{42F9948B-B690-4325-A073-63A8BF31FF32}";
 const std::wstring dashboard = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\";
 const std::wstring cardKey = dashboard + L"IDCard";
 const std::wstring dismissKey = dashboard + L"DismissMessages\\" + classText;
-constexpr auto unknownProperty = static_cast<HRESULT>(0x80070648);
 
 // The policy library that the patched loader hands out.
-struct policyRecord_t {
-    const wchar_t* name;
-    uint32_t status, filler;
-    uint64_t valueSize, value, reserved;
-};
+using policyRecord_t = std::array<uint64_t, 5>; // name, status, size of the value, value, 0
 struct policy_t {
     int parts = 2; // the library and its functions
     HRESULT result = 0;
@@ -43,8 +37,9 @@ struct policy_t {
 HRESULT WINAPI policyCall(ULONG count, policyRecord_t* record)
 {
     EXPECT_EQ(count, 1u);
-    EXPECT_EQ(record->name, L"CommonSettings\\" + classText + L"\\DisableApps");
-    policy.seen = std::exchange(*record, {record->name, policy.status, 0, 0, policy.value, 0});
+    EXPECT_EQ(reinterpret_cast<const wchar_t*>((*record)[0]),
+              L"CommonSettings\\" + classText + L"\\DisableApps");
+    policy.seen = std::exchange(*record, {(*record)[0], policy.status, 0, policy.value});
     return policy.result;
 }
 
@@ -55,20 +50,10 @@ HMODULE WINAPI loadPolicy(LPCWSTR path)
     return policy.parts > 0 ? GetModuleHandleW(nullptr) : nullptr;
 }
 
-FARPROC WINAPI policyFunction()
+void* WINAPI policyFunction()
 {
     SetLastError(ERROR_PROC_NOT_FOUND);
-    return reinterpret_cast<FARPROC>(
-        reinterpret_cast<void*>(policy.parts > 1 ? policyCall : nullptr));
-}
-
-std::wstring started;
-HINSTANCE WINAPI shellExecute(HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR arguments, LPCWSTR folder,
-                              INT show)
-{
-    EXPECT_TRUE(!verb && !folder && show == SW_SHOWNORMAL);
-    started = std::wstring(file) + L' ' + arguments;
-    return nullptr;
+    return policy.parts > 1 ? reinterpret_cast<void*>(policyCall) : nullptr;
 }
 
 using value_t = std::pair<DWORD, std::vector<BYTE>>;
@@ -135,7 +120,6 @@ struct Status : testing::Test {
 
     CVLKTPages* pages;
     importPatch_t load{"LoadLibraryW", loadPolicy}, proc{"GetProcAddress", policyFunction};
-    importPatch_t shell{"ShellExecuteW", shellExecute};
 };
 
 } // namespace
@@ -164,7 +148,7 @@ TEST_F(Status, PolicyDecidesBothStatuses)
         EXPECT_EQ(status, c.status);
         EXPECT_EQ(trace.messages(), lines_t(c.traced ? 1 : 0, L"E " + std::to_wstring(c.traced) +
                                                                   L" GetGPOSettings[com]"));
-        EXPECT_EQ(policy.seen.status + policy.seen.valueSize + policy.seen.value, 0u);
+        EXPECT_EQ(policy.seen, policyRecord_t{policy.seen[0]});
         EXPECT_EQ(statusAndText(c.disabled ? E_NOTIMPL : S_OK),
                   c.disabled ? L"0 text 1029" : L"0 text 1054");
         EXPECT_EQ(get(pages, {100}), L"3:2 "); // disabled goes on as status 0
@@ -211,8 +195,8 @@ TEST_F(Status, DisablingWritesThePolicyAndForgetsTheCardEvenIfThatFails)
         EXPECT_EQ(pages->DisableLocal(c.flag), status);
         EXPECT_EQ(trace.messages(),
                   lines_t(status ? 2 : 0, L"E " + std::to_wstring(status) + L" "));
-        EXPECT_EQ(policy.seen.valueSize, policy.seen.name ? 4u : 0u);
-        EXPECT_EQ(policy.seen.value, policy.seen.name ? c.flag : 0u);
+        const uint64_t name = policy.seen[0]; // null if the library was not called
+        EXPECT_EQ(policy.seen, (policyRecord_t{name, 0, name ? 4u : 0u, name ? c.flag : 0u}));
         policy = {};
         EXPECT_EQ(statusAndText().substr(0, 1), c.flag ? L"0" : L"2");
     }
@@ -252,7 +236,7 @@ TEST_F(Status, ANotificationOffersWhatItsLevelAllows)
         EXPECT_EQ(get(notice.get(), {3, 7, 100, 101}),
                   tracecore::formatWide(L"8:caption 80070648=8:old 3:%d 8:(null) ", level));
         EXPECT_EQ(notice->GetProperty(3, nullptr), E_POINTER);
-        EXPECT_EQ(notice->SetProperty(7, nullptr), unknownProperty);
+        EXPECT_EQ(notice->SetProperty(7, nullptr), HRESULT_FROM_WIN32(ERROR_UNKNOWN_PROPERTY));
         void* out = &out;
         EXPECT_EQ(notice->QueryInterface(IID_IDispatch, &out), E_NOINTERFACE);
         EXPECT_EQ(out, &out);
@@ -278,8 +262,16 @@ TEST_F(Status, ANotificationIsDismissedAndOpensTheConsole)
     EXPECT_EQ(second->SetProperty(2, &flag), S_OK);
     EXPECT_EQ(second->SetProperty(2, nullptr), S_OK);
     EXPECT_EQ(get(second.get(), {6}) + get(pages, {100}), L"11:-1 3:4 ");
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Applications", L"BinDir", REG_SZ,
-                    L"C:\\bin", 14);
+
+    static std::wstring started;
+    const importPatch_t shell(
+        "ShellExecuteW",
+        +[](HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR arguments, LPCWSTR folder,
+            INT show) -> HINSTANCE {
+            started = tracecore::formatWide(L"%s %s %s %s %d", verb, file, arguments, folder, show);
+            return nullptr;
+        });
+    setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Applications", L"BinDir", L"C:\\bin");
     EXPECT_EQ(second->SetProperty(100, nullptr), S_OK);
-    EXPECT_EQ(started, L"C:\\bin\\VLUserConsole.exe " + classText + L":0:0");
+    EXPECT_EQ(started, L"(null) C:\\bin\\VLUserConsole.exe " + classText + L":0:0 (null) 1");
 }

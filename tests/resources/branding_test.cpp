@@ -4,6 +4,7 @@
 #include "resources/strings.h"
 #include "installation.h"
 #include "support/freshprocess.h"
+#include "support/registry.h"
 #include "support/tracerecorder.h"
 
 // The branding DLL is loaded once in a process and stays. So each of these cases has a process of
@@ -14,12 +15,6 @@ namespace {
 constexpr wchar_t defaultKey[] = L"SOFTWARE\\Veltrano\\Branding\\Common";
 constexpr wchar_t hostKey[] = L"SOFTWARE\\Veltrano\\Branding\\Host"; // the host's string 900
 const std::wstring brandingDll = builtFile(L"Branding.dll").wstring();
-
-void setPath(const wchar_t* key, const std::wstring& path, DWORD type, size_t size)
-{
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, key, L"DLLPath", type, path.c_str(),
-                    static_cast<DWORD>(size));
-}
 
 int loads, frees;
 HMODULE WINAPI loadAfterAnother(LPCWSTR path, HANDLE, DWORD flags)
@@ -36,11 +31,11 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
     const std::wstring noPath = L"|U Failed to find DllPath under Branding key in registry";
     const std::wstring notLoaded =
         L"|U failed to load resource dll , GetLastError returned 0x000000";
-    const size_t whole = brandingDll.size() * 2 + 2;
+    const auto whole = static_cast<DWORD>(brandingDll.size() * 2 + 2);
     const struct {
         DWORD type;
         std::wstring value;
-        size_t size;
+        DWORD size;
         std::wstring line;
     } cases[] = {
         {REG_BINARY, brandingDll, whole, noPath},
@@ -57,13 +52,13 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
             const givenString_t named(IDS_HOST_BRANDING_KEY, hostKey); // not there: the default
             if (c.size)
-                setPath(defaultKey, c.value, c.type, c.size);
+                setValue(HKEY_LOCAL_MACHINE, defaultKey, L"DLLPath", c.value, c.type, c.size);
             traceRecorder_t trace;
             EXPECT_EQ(CBranding::LoadResourceDLL(), nullptr);
             EXPECT_EQ(trace.joined(), c.line);
             EXPECT_EQ(GetProductName(), L"");
             EXPECT_EQ(trace.joined(), c.line);
-            setPath(hostKey, brandingDll, REG_SZ, whole);
+            setValue(HKEY_LOCAL_MACHINE, hostKey, L"DLLPath", brandingDll);
             const importPatch_t load("LoadLibraryExW", loadAfterAnother);
             const importPatch_t free(
                 "FreeLibrary", +[] { return ++frees; });

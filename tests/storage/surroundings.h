@@ -10,17 +10,10 @@
 #include "support/files.h"
 #include "support/freshprocess.h"
 #include "support/patchimport.h"
+#include "support/registry.h"
 #include "support/tracerecorder.h"
 
 constexpr wchar_t applications[] = LR"(SOFTWARE\Veltrano\Applications)";
-
-// setValue writes a value into the registry, of the text with its end or of its first bytes.
-inline void setValue(HKEY root, const std::wstring& key, const wchar_t* name,
-                     const std::wstring& text, DWORD type = REG_SZ, DWORD bytes = 0)
-{
-    const auto whole = static_cast<DWORD>(text.size() * 2 + 2);
-    RegSetKeyValueW(root, key.c_str(), name, type, text.c_str(), bytes ? bytes : whole);
-}
 
 template <class Error, auto... code> HANDLE raise()
 {

@@ -13,17 +13,12 @@
 #include "common/text.h"
 #include "support/backupbytes.h"
 #include "support/files.h"
+#include "support/registry.h"
 #include "support/tracetree.h"
 #include "vlonlineids.h"
 
 namespace fs = std::filesystem;
 using namespace VLONLINEIDSLib;
-
-inline void setText(HKEY root, const std::wstring& key, const wchar_t* name,
-                    const std::wstring& text)
-{
-    RegSetKeyValueW(root, key.c_str(), name, REG_SZ, text.c_str(), DWORD(text.size() * 2 + 2));
-}
 
 // A backup of one logon, one quick link and one category.
 inline bytes newLogon()
@@ -97,14 +92,14 @@ protected:
         fs::create_directories(m_root / L"current");
         fs::current_path(m_root / L"current"); // where names without a folder end up
         CopyFileW((m_built / L"VLFPApi.dll").c_str(), m_policyLibrary, FALSE);
-        setText(HKEY_LOCAL_MACHINE, m_key, L"VeltranoPath", m_root);
-        setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Applications)", L"BinDir", m_built);
-        setText(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", m_built / L"Branding.dll");
-        setText(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", m_traceFile);
+        setValue(HKEY_LOCAL_MACHINE, m_key, L"VeltranoPath", m_root);
+        setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Applications)", L"BinDir", m_built);
+        setValue(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", m_built / L"Branding.dll");
+        setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", m_traceFile);
         const DWORD on = 1;
         RegSetKeyValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano\Tracing)", L"DoTrace", REG_DWORD,
                         &on, sizeof on);
-        setText(HKEY_CURRENT_USER, m_key + LR"(\Settings)", L"path_bin_dir", m_root);
+        setValue(HKEY_CURRENT_USER, m_key + LR"(\Settings)", L"path_bin_dir", m_root);
         writeFile(m_krs / L"Templates" / L"bank.vlm", "bank");
         writeFile(m_krs / L"Templates" / L"updata.vls", "state");
         writeFile(m_krs / L"QuickLinks.txt",

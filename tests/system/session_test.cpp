@@ -1,4 +1,5 @@
 #include "installation.h"
+#include "support/patchimport.h"
 
 namespace {
 
@@ -114,9 +115,9 @@ void pluginData(const plugin_t& plugin)
 
 TEST_F(Session, IsTracedRecordByRecord)
 {
-    setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
-            LR"(C:\VL\shared|C:\VL\shared\|rel)");
-    setText(HKEY_CURRENT_USER, m_key + L"\\Settings", L"useGrabbingCreds", L"1");
+    setValue(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
+             LR"(C:\VL\shared|C:\VL\shared\|rel)");
+    setValue(HKEY_CURRENT_USER, m_key + L"\\Settings", L"useGrabbingCreds", L"1");
     writeFile(m_root / L"shared" / L"s.vlm", "shared");
     value_t names, own, threeData(newLogon()), oneData(seq({}));
     startAgent();
@@ -146,7 +147,14 @@ TEST_F(Session, IsTracedRecordByRecord)
         const auto before = userFiles();
         EXPECT_EQ(E_POINTER, restore->SetStorageData(nullptr));
         EXPECT_EQ(E_INVALIDARG, restore->SetStorageData2(0, &none));
+        static int locks = -1;
+        const importPatch_t destroy(GetModuleHandleW(L"VLOnlineIDs.dll"), "SafeArrayDestroy",
+                                    reinterpret_cast<void*>(+[](const SAFEARRAY* array) -> HRESULT {
+                                        locks = static_cast<int>(array->cLocks);
+                                        return S_OK;
+                                    }));
         EXPECT_EQ(E_UNEXPECTED, restore->SetStorageData(&oneData));
+        EXPECT_EQ(0, locks) << "a copy that is still locked would stay";
         EXPECT_EQ(before, userFiles());
         const auto application = plugin.as<IVLKTDisableApp>();
         ULONG status = 9;

@@ -32,7 +32,7 @@ TEST_F(Versions, AnOlderSystemGetsItsTextsFromTheLanguageFiles)
         fs::current_path(m_built);   // the other process removes this one's
         const fs::path program = moduleFileName(nullptr);
         const std::wstring key = LR"(Software\Wine\AppDefaults\)" + program.filename().wstring();
-        setText(HKEY_CURRENT_USER, key, L"Version", L"winxp64");
+        setValue(HKEY_CURRENT_USER, key, L"Version", L"winxp64");
         EXPECT_EQ(0, _wspawnl(_P_WAIT, program.c_str(), L"system_test", L"--gtest_brief=1",
                               L"--gtest_filter=*AnOlderSystem*", nullptr));
         RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
