@@ -27,7 +27,7 @@ TEST_F(Paths, BecomeOtherPaths)
     EXPECT_EQ(collapseenv(L"x"), L"%appdata%x");                              // found in front
     EXPECT_TRUE(localappdata_rootdir().ends_with(LR"(Local\Veltrano\KRS\)")); // the shell knows
     EXPECT_EQ(appdata_rootdir(), L"");
-    EXPECT_EQ(traced(), L"E -2147024693 failed to get appdata|");
+    EXPECT_EQ(traced(), L"|E -2147024693 failed to get appdata");
 }
 
 TEST_F(Paths, AreShortenedByTheFirstFolderFoundInThem)

@@ -46,14 +46,14 @@ protected:
         noted.clear();
     }
 
-    // traced gives the messages since it was last asked, with a bar behind each.
-    std::wstring traced()
+    // shown is text with R:\ in the place of the test's folder; traced shows what was traced.
+    std::wstring shown(std::wstring text) const
     {
-        std::wstring all;
-        for (const std::wstring& message : m_traces.messages())
-            all += message + L"|";
-        return all;
+        for (size_t at = 0; (at = text.find(m_root)) != std::wstring::npos;)
+            text.replace(at, m_root.size(), L"R:\\");
+        return text;
     }
+    std::wstring traced() { return shown(m_traces.joined()); }
 
     inline static int s_roots = 0;
     const std::wstring m_root =

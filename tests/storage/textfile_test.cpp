@@ -35,7 +35,7 @@ TEST_F(TextFile, NoFailureReachesTheCaller)
         const importPatch_t calls("CreateFileW", call);
         load_textfile(m_root + L"held", lines);
     }
-    EXPECT_EQ(traced(), L"E 0 load_textfile [badcrc]: 'sum \u00E4'|"
-                        L"E 0 load_textfile: std::bad_alloc|E 0 load_textfile oo|");
+    EXPECT_EQ(traced(), L"|E 0 load_textfile [badcrc]: 'sum \u00E4'"
+                        L"|E 0 load_textfile: std::bad_alloc|E 0 load_textfile oo");
     EXPECT_EQ(fileloadword(6) + fileloadword(5) + fileloadword(-1), "[6]nodll[-1]");
 }
