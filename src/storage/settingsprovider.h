@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include <windows.h>
@@ -16,7 +17,7 @@ struct SettingsRequest {
     void* value; // query: the address of a null BSTR, to be filled; set: the BSTR of the new value
 };
 #pragma pack(pop)
-static_assert(sizeof(SettingsRequest) == 20);
+static_assert(sizeof(SettingsRequest) == 20 && offsetof(SettingsRequest, value) == 12);
 
 // SettingsCall is the type of the exports.
 //

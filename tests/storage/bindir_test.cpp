@@ -25,16 +25,15 @@ TEST_F(BinDir, EachReaderHasItsOwnViewOfDamageAndAbsence)
     SetEnvironmentVariableW(L"ProgramFiles", LR"(C:\P)");
     EXPECT_EQ(bindir_plain() + bindir_view64(), LR"(C:\P\veltrano\bin\)");
     const std::wstring fits(259, L'x');
-    const std::tuple<DWORD, std::wstring, DWORD, std::wstring, std::wstring> cases[] = {
-        {REG_EXPAND_SZ, L"%TEMP%/", 0, L"%TEMP%/", L"%TEMP%/\\"},
-        {REG_BINARY, L"C:\\A", 0, L"", L"C:\\A\\"},
-        {REG_SZ, {L'a', L'\0', L'b'}, 5, L"", L"a\\"}, // half a character
-        {REG_SZ, L"abc", 4, L"", L"ab\\"},             // no end
-        {REG_SZ, fits, 0, fits + L"\\", fits + L"\\"},
-        {REG_SZ, fits + L"x", 0, L"", L"\\"}}; // more than 520 bytes
-    for (const auto& [type, text, bytes, strict, loose] : cases) {
+    const std::tuple<DWORD, std::wstring, DWORD, std::wstring> cases[] = {
+        {REG_EXPAND_SZ, L"%TEMP%/", 0, LR"(%TEMP%/templates\|%TEMP%/\)"},
+        {REG_BINARY, L"C:\\A", 0, LR"(templates\|C:\A\)"},
+        {REG_SZ, {L'a', L'\0', L'b'}, 5, LR"(templates\|a\)"}, // half a character
+        {REG_SZ, L"abc", 4, LR"(templates\|ab\)"},             // no end
+        {REG_SZ, fits, 0, fits + LR"(\templates\|)" + fits + L"\\"},
+        {REG_SZ, fits + L"x", 0, LR"(templates\|\)"}}; // more than 520 bytes
+    for (const auto& [type, text, bytes, strictThenLoose] : cases) {
         setValue(HKEY_LOCAL_MACHINE, applications, L"BinDir", text, type, bytes);
-        EXPECT_EQ(templates_bindir(), strict + L"templates\\");
-        EXPECT_EQ(bindir_view64(), loose);
+        EXPECT_EQ(templates_bindir() + L"|" + bindir_view64(), strictThenLoose);
     }
 }

@@ -22,65 +22,60 @@ struct FolderList : Surroundings {
 
 TEST_F(FolderList, EachModeHasItsFoldersAndTheFirstOfEqualPathsStays)
 {
-    const std::wstring none = L"|E 0 strange path ''|E 0 path is invalid ''", done = L"|U done\n",
-                       twice = L"|E 0 duplicated path in personal storage folder";
-    EXPECT_EQ(prepared(), // nothing is set: the cache, without a name
-              L";|E -2147024893 cache '' create failed|E -2147024893 local '' create failed" +
-                  twice + none + none + done);
     writeFile(m_root + L"o", ""); // there already, though no folder
     const importPatch_t calls("GetNamedSecurityInfoW", notePath<ERROR_ACCESS_DENIED, 0>);
     auto& values = m_provider.values;
     values = {{L"path_alienstorage_dirs", LR"(|C:\F||%APPDATA%/b|C:\F\|a|)"},
               {L"path_bin_dir", LR"(C:\App)"},
-              {L"path_cachestorage_dir", m_root + L"c\\"},
               {L"path_localstorage_dir", m_root + L"o"},
               {L"path_wrgKrs_notinusetestdir", LR"(C:\W)"},
-              {L"path_wrgKrs_inusedir", L"%APPDATA%"},
+              {L"path_wrgKrs_inusedir", LR"(%APPDATA%\)"},
               {L"path_wkgKrsAdmin_dir", m_root + L"none"},
               {L"path_wkgKrsAdmin_notinusetestdir", LR"(C:\Admin)"},
               {L"path_wkgKrsAdmin_inusedir", LR"(C:\Used)"}};
-    EXPECT_EQ(prepared(), LR"(C:\A\R\b\;C:\App\templates\;C:\F\;C:\W\;R:\c\;own R:\o;)"
+    EXPECT_EQ(prepared(), LR"(;C:\A\R\b\;C:\App\templates\;C:\F\;C:\W\;own R:\o;)"
                           LR"(|E 0 duplicated path in alien folders|E 0 strange path 'a\')"
-                          LR"(|E 0 path is invalid 'a\'|U cache 'R:\c\'|E 0 strange path )"
-                          LR"('%APPDATA%\'|E 0 path is invalid '%APPDATA%\')" +
-                              done);
-    EXPECT_EQ(shown(noted), LR"(R:\c\|R:\o|)"); // opened for application packages
+                          LR"(|E 0 path is invalid 'a\'|E -2147024893 cache '' create failed)"
+                          LR"(|E 0 strange path '%APPDATA%\'|E 0 path is invalid '%APPDATA%\')"
+                          L"|U done\n");
     values[L"is_personalMode"] = L"1";
-    values[L"path_localstorage_dir"] = m_root + L"c\\"; // comes second
+    values[L"path_cachestorage_dir"] = values[L"path_localstorage_dir"] = m_root + L"c\\";
     values[L"path_wrgKrs_inusedir"] = LR"(C:\W\)";
-    EXPECT_EQ(prepared(), LR"(C:\App\templates\;C:\W\;R:\c\;|U cache 'R:\c\'|U local 'R:\c\')" +
-                              twice + LR"(|E 0 duplicated path 'C:\W\')" + done);
+    EXPECT_EQ(prepared(), LR"(C:\App\templates\;C:\W\;R:\c\;|U cache 'R:\c\'|U local 'R:\c\')"
+                          L"|E 0 duplicated path in personal storage folder"
+                          L"|E 0 duplicated path 'C:\\W\\'|U done\n");
+    EXPECT_EQ(shown(noted), LR"(R:\o|R:\c\|R:\c\|)"); // opened for application packages
     values[L"path_wkgKrsAdmin_dir"] = m_root;
     m_provider.queried.clear();
-    EXPECT_EQ(prepared(), LR"(C:\Admin\;C:\Used\;own R:\c\;|U local 'R:\c\')" + done);
+    EXPECT_EQ(prepared(), LR"(C:\Admin\;C:\Used\;own R:\c\;|U local 'R:\c\')"
+                          L"|U done\n");
     EXPECT_EQ(m_provider.queried.size(), 4u); // the mode, which asks no more, and three folders
 }
 
 TEST_F(FolderList, OnlyFixedAndNetworkPathsCanBeUsed)
 {
-    static UINT type;
-    const importPatch_t calls(
-        "GetDriveTypeW", +[] { return type; });
-    const std::tuple<std::wstring, UINT, std::tuple<bool, bool, bool>, const wchar_t*> cases[] = {
-        {LR"(C:\none\)", DRIVE_FIXED, {true, true, true}, L""},
-        {m_root, DRIVE_REMOTE, {true, false, true}, L""}, // nothing found there, but readable
-        {LR"(\\none\share\)", DRIVE_FIXED, {true, false, false}, L""},
-        {L"B:\\", DRIVE_REMOVABLE, {false, true, true}, L"|E 0 unknown drive type = 2"},
-        {L"//none/", DRIVE_FIXED, {false, true, true}, L"|E 0 strange path '//none/'"}};
-    for (const auto& [path, drive, result, messages] : cases) {
+    const auto type = [](const wchar_t* drive) { // 2 for B:, 3 for C:, 4 for c:, without a folder
+        return drive[3] ? 0 : std::wstring(L"..BCc").find(*drive);
+    };
+    const importPatch_t calls("GetDriveTypeW", +type);
+    const std::pair<std::wstring, std::tuple<bool, bool, bool, std::wstring>> cases[] = {
+        {LR"(C:\none\)", {true, true, true, L""}},
+        {m_root, {true, false, true, L""}}, // nothing found there, but readable
+        {LR"(\\none\share\)", {true, false, false, L""}},
+        {LR"(B:\b\)", {false, true, true, L"|E 0 unknown drive type = 2"}},
+        {L"//none/", {false, true, true, L"|E 0 strange path '//none/'"}}};
+    for (const auto& [path, outcome] : cases) {
         FolderRec folder{path, true, true, true};
-        type = drive;
-        EXPECT_EQ((std::tuple{checkpath(folder), folder.fixeddrive, folder.accessible}), result);
-        EXPECT_EQ(traced(), messages);
+        const bool usable = checkpath(folder);
+        EXPECT_EQ(std::tuple(usable, folder.fixeddrive, folder.accessible, traced()), outcome);
     }
 }
 
 TEST_F(FolderList, LocalFoldersGiveWhatTheMaskFinds)
 {
-    const std::wstring odd = L"\u00E4 {x};$&'`^%!#@+=[]~,.\U0001F600.VLM", inner = L"s.vlm\\a.vlm";
-    for (const std::wstring& file : {odd, inner, std::wstring(L"t")})
-        writeFile(m_root + file, "");
-    FolderSet folders = {{L"N:\\", true}};
+    writeFile(m_root + L"s.vlm\\\u00E4 %TEMP%\U0001F600.VLM", "");
+    writeFile(m_root + L"t", "");
+    FolderSet folders = {{LR"(\\none\share\)", true}};
     std::vector<FileRec> files;
     collectall(folders, files);
     for (const std::wstring folder : {L"", L"none\\", L"s.vlm\\", L"t\\"})
@@ -89,7 +84,7 @@ TEST_F(FolderList, LocalFoldersGiveWhatTheMaskFinds)
     std::wstring found;
     for (const FileRec& file : files)
         found += (file.alien ? L"alien " : L"") + file.folder + file.name + L";";
-    EXPECT_EQ(shown(found), L"R:\\s.vlm;R:\\" + odd + L";alien R:\\s.vlm\\a.vlm;");
+    EXPECT_EQ(shown(found), L"R:\\s.vlm;alien R:\\s.vlm\\\u00E4 %TEMP%\U0001F600.VLM;");
     EXPECT_EQ(traced(), LR"(|U no local folders|U local folders|U   'R:\*.vlm'|U   'R:\none\*.vlm')"
                         LR"(|U   'R:\s.vlm\*.vlm'|U   'R:\t\*.vlm')"
                         LR"(|E -2147024773 failed access files from folder 'R:\t\')");
