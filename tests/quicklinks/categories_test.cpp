@@ -42,10 +42,7 @@ void restore(bytes encoded)
 TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
 {
     const std::wstring longName(259, L'n');
-    const struct {
-        std::wstring name, text, restored;
-        DWORD type, size;
-    } cases[] = {
+    const std::tuple<std::wstring, std::wstring, std::wstring, DWORD, DWORD> cases[] = {
         {L"m", L"%X%\u4E00", L"a=A;m=%X%\u4E00;z=Z;", REG_EXPAND_SZ, 10},
         {L"m", L"b\0c"s, L"a=A;m=b;z=Z;", REG_SZ, 8},
         {longName, L"", L"a=A;" + longName + L"=;z=Z;", REG_SZ, 2},
@@ -56,38 +53,34 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
         {L"m", L"bcX", L"a=A;", REG_SZ, 4}, // no terminator
         {L"", L"b", L"", REG_MULTI_SZ, 4},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, text, restored, type, size] : cases) {
         RegDeleteKeyW(HKEY_CURRENT_USER, categories);
         CDerNode out;
         EXPECT_FALSE(qlcategories_backup(&out));
         EXPECT_EQ(out.Encode(), (bytes{0x30, 0}));
         RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"a", REG_SZ, L"A", 4);
         RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"z", REG_SZ, L"Z", 4);
-        RegSetKeyValueW(HKEY_CURRENT_USER, categories, c.name.c_str(), c.type, c.text.c_str(),
-                        c.size);
+        RegSetKeyValueW(HKEY_CURRENT_USER, categories, name.c_str(), type, text.c_str(), size);
         EXPECT_TRUE(qlcategories_backup(nullptr) && qlcategories_backup(&out));
         restore(out.Encode());
-        EXPECT_EQ(valuesOf(categories), c.restored) << c.name << c.text;
+        EXPECT_EQ(valuesOf(categories), restored) << name << text;
     }
 }
 
 TEST(Categories, RestoreReplacesAllAndEmptiesTheLastUsed)
 {
-    const struct {
-        bytes encoded;
-        const wchar_t* restored;
-    } cases[] = {
+    const std::pair<bytes, const wchar_t*> cases[] = {
         {{0x30, 5, 1}, L""},
         {{0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0}, L"=;n=;"},      // without items
         {{0x30, 24, 0x30, 12, 0x1E, 4,   0, 'n', 0, 0, 0x1E, 4, 0, 'b', 0, 0, // one name twice
           0x30, 8,  0x1E, 4,  0,    'N', 0, 0,   4, 0},
          L"n=\4;"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [encoded, restored] : cases) {
         RegSetKeyValueW(HKEY_CURRENT_USER, dashboard, L"LastQLCategory", REG_EXPAND_SZ, L"n", 4);
         RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"old", REG_SZ, L"o", 4);
-        restore(c.encoded);
-        EXPECT_EQ(valuesOf(categories), c.restored);
+        restore(encoded);
+        EXPECT_EQ(valuesOf(categories), restored);
         EXPECT_EQ(valuesOf(dashboard), L"LastQLCategory=;");
     }
     qlcategories_restore(nullptr);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <sstream>
 
@@ -11,6 +10,7 @@
 #include "common/text.h"
 #include "storage/paths.h"
 #include "support/fakesettings.h"
+#include "support/files.h"
 #include "support/patchimport.h"
 #include "support/tracerecorder.h"
 
@@ -24,14 +24,13 @@ using namespace std::string_literals;
 struct QuickLinks : testing::Test {
     QuickLinks()
     {
-        std::filesystem::create_directories(own);
         std::filesystem::remove(file);
-        std::filesystem::current_path(folder);
         SetEnvironmentVariableW(L"APPDATA", (folder / "Roaming").c_str());
         SetEnvironmentVariableW(L"O", (own / "o").c_str());
         settings.values[L"path_quicklink_filename"] = file;
         for (const std::filesystem::path& path : {folder / "t", folder / "IExplore.exe", own / "o"})
-            std::ofstream(path) << "x";
+            writeFile(path, "x");
+        std::filesystem::current_path(folder);
     }
     // shown gives the fields of the records.
     static std::string shown(const std::vector<QLRecord>& records)
@@ -85,7 +84,7 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        std::ofstream(file) << c.text;
+        writeFile(file, c.text);
         const QL ql;
         EXPECT_EQ(shown(ql.records), c.records ? c.records : shown(ql.records));
         std::string filtered;
@@ -100,24 +99,20 @@ TEST_F(QuickLinks, SaveWritesWhatReadsBack)
 {
     static std::wstring letIn; // the folder that application packages may open
     const auto note = [](LPWSTR path) -> DWORD { return letIn = path, ERROR_ACCESS_DENIED; };
-    const importPatch_t patch(GetModuleHandleW(nullptr), "GetNamedSecurityInfoW",
-                              reinterpret_cast<void*>(+note));
-    for (const std::string lists : {"KRSURLs=u\r\nKRSDlgPaths=a,b", "KRSDlgPaths=a"}) {
-        const std::string text = "[ShortCutRecord]\r\nManifest=t\r\nUrl=u=\xC3\xA9\r\n"
-                                 "Name=n [x] = \r\nProfile=4294967295\r\nManifestID=\r\n"
-                                 "QLwoCred=0\r\n[ShortCutRecord]\r\nManifest=%O%\r\nDlgpath=t\r\n"
-                                 "Name=d\r\nProfile=5\r\nManifestID=i\r\nQLwoCred=1\r\n";
-        std::ofstream(file, std::ios::binary) << text + lists;
-        QL ql;
-        ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
-        ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
-        EXPECT_TRUE(ql.save(file, true));
-        std::ifstream saved(file, std::ios::binary);
-        EXPECT_EQ((std::ostringstream() << saved.rdbuf()).str(), text + lists);
-        EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
-        EXPECT_EQ(letIn, folder);
-    }
+    const importPatch_t patch("GetNamedSecurityInfoW", +note);
+    const std::string text = "[ShortCutRecord]\r\nManifest=t\r\nUrl=u=\xC3\xA9\r\n"
+                             "Name=n [x] = \r\nProfile=4294967295\r\nManifestID=\r\n"
+                             "QLwoCred=0\r\n[ShortCutRecord]\r\nManifest=%O%\r\nDlgpath=t\r\n"
+                             "Name=d\r\nProfile=5\r\nManifestID=i\r\nQLwoCred=1\r\n"
+                             "KRSURLs=u\r\nKRSDlgPaths=a,b";
+    writeFile(file, text);
     QL ql;
+    ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
+    ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
+    EXPECT_TRUE(ql.save(file, true));
+    EXPECT_EQ(fileBytes(file), text);
+    EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
+    EXPECT_EQ(letIn, folder);
     const std::wstring longName = folder.wstring() + L"\\" + std::wstring(260, L'x');
     for (const std::wstring& name : {L""s, longName.substr(0, 261), folder.wstring() + L"\\n\\n"}) {
         EXPECT_FALSE(ql.save(name, false));
@@ -139,9 +134,8 @@ TEST_F(QuickLinks, FilterExpandsTheDialogItLooksUp)
 TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
 {
     const std::string longName(76, 'x');
-    const struct {
-        std::string name, target, manifest, shortManifest, traced;
-    } cases[] = {
+    using text = std::string;
+    const std::tuple<text, text, text, text, text> cases[] = {
         {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created"},
         {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created"},
         {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path"},
@@ -151,9 +145,9 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
         {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"},
     };
     QL ql;
-    for (const auto& c : cases) {
-        ql.add(c.name, c.target, c.manifest, 7, "i", true);
-        EXPECT_EQ(traced(), "|U QL for: " + c.shortManifest + "|U   prof:  7|U   " + c.traced);
+    for (const auto& [name, target, manifest, shortManifest, told] : cases) {
+        ql.add(name, target, manifest, 7, "i", true);
+        EXPECT_EQ(traced(), "|U QL for: " + shortManifest + "|U   prof:  7|U   " + told);
         EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.
@@ -186,8 +180,8 @@ TEST_F(QuickLinks, FindTakesTheFirstMatchAsAWalkWould)
                     return std::filesystem::path(r.manifest).filename() == wanted &&
                            (profile == 0xFFFFFFFF || profile == r.profile);
                 });
-                const QLRecord* expected = first == ql.records.end() ? nullptr : &*first;
-                ASSERT_EQ(ql.find("y/" + wanted, profile), expected) << round;
+                ASSERT_EQ(ql.find("y/" + wanted, profile),
+                          first == ql.records.end() ? nullptr : &*first);
             }
     }
 }

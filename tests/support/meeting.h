@@ -1,30 +1,22 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include <atomic>
+#include <thread>
 
 // meeting_t lets that many threads meet, again and again. The library's own barrier loses wake-ups
-// on this platform.
+// on this platform, so they ask.
 class meeting_t
 {
 public:
     explicit meeting_t(int expected) : m_expected(expected) {}
     void arriveAndWait()
     {
-        std::unique_lock guard(m_lock);
-        const int meeting = m_meeting;
-        if (++m_arrived == m_expected) {
-            m_arrived = 0;
-            ++m_meeting;
-            m_all.notify_all();
-        }
-        m_all.wait(guard, [&] { return m_meeting != meeting; });
+        const int meeting = m_arrived++ / m_expected;
+        while (m_arrived / m_expected == meeting)
+            std::this_thread::yield();
     }
 
 private:
-    std::mutex m_lock;
-    std::condition_variable m_all;
     const int m_expected;
-    int m_arrived = 0;
-    int m_meeting = 0;
+    std::atomic<int> m_arrived{0};
 };
