@@ -226,6 +226,7 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
     const std::tuple<const wchar_t*, DWORD, const char*> cases[] = {
         {L"", 2, "see --help"},
         {L"restore", 2, "vlhost restore FILE"},
+        {L"trace in", 2, "\"in\" is no command"},
         {L"restore C:\\none.vlb", 1, "spelt right"},
         {L"restore C:\\none.vlb --secret-from 0", 2, "plugin-data"},
         {L"backup C:\\none\\b.vlb", 1, "folder there"},

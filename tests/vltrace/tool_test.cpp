@@ -120,11 +120,12 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
 
 TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
 {
-    write("plain.txt", traceBytes_t(std::string(500, 'x')));
+    write("plain.txt", traceBytes_t("[mail]\r\nmapi=1\r\n"));
     write("empty.trc3", traceBytes_t(""));
     const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
         {{}, 2, "--help"},
         {{"cat"}, 2, "--help"},
+        {{"dog"}, 2, "\"dog\" is no command"},
         {{"tail", "-f", name("none.trc3")}, 1, "check the name"},
         {{"cat", name("")}, 1, "folder"},
         {{"cat", name("plain.txt")}, 1, ".trc3"},
@@ -142,7 +143,7 @@ TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
         EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
         EXPECT_LE(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
     }
-    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), std::string(500, 'x'));
+    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), "[mail]\r\nmapi=1\r\n");
     // A file that can't be read doesn't keep the next one back, and the trace is whole still.
     run({"cat", "--force", "--output", name("plain.txt"), name("none"), name(sample)});
     EXPECT_EQ(fileBytes(m_folder / "plain.txt"), run({"cat", name(sample)}).out);

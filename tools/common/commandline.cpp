@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "toolmain.h"
+#include "usage.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ int runTool(CLI::App& app, int argc, char** argv)
     } catch (const CLI::Success& help) {
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
-        return failed(app, std::string(error.what()) + " (see --help)", 2);
+        return failed(app, usageError(app, error) + " (see --help)", 2);
     } catch (const CToolError& error) {
         return failed(app, error.what(), error.ExitStatus());
     } catch (const std::bad_alloc&) {

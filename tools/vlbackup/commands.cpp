@@ -1,5 +1,6 @@
 #include "commands.h"
 
+#include "common/usage.h"
 #include "difference.h"
 #include "document.h"
 #include "report.h"
@@ -154,7 +155,8 @@ int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostre
         return status;
     };
     CLI::App app("Looks into backups of the password manager. A backup named - is read from "
-                 "standard input.");
+                 "standard input.",
+                 "vlbackup");
     app.require_subcommand(1);
     app.fallthrough();
     bool json = false;
@@ -214,7 +216,8 @@ int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostre
         out << app.help();
         return done;
     } catch (const CLI::ParseError& error) {
-        err << "vlbackup: " << printable(error.what()) << " (vlbackup --help tells the commands)\n";
+        err << "vlbackup: " << printable(usageError(app, error))
+            << " (vlbackup --help tells the commands)\n";
     } catch (const failure& error) {
         err << "vlbackup: " << error.what() << '\n';
     } catch (const std::bad_alloc&) {

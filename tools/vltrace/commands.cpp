@@ -1,5 +1,6 @@
 #include "commands.h"
 
+#include "common/usage.h"
 #include "exports.h"
 #include "filter.h"
 #include "lines.h"
@@ -127,7 +128,7 @@ int readAll(const options_t& options, traceConsumer_i& consumer, bool tellDamage
     for (const std::string& name : options.files) {
         try {
             const traceFeed_t feed = readTrace(name, consumer);
-            if (feed.size > 0 && feed.records + feed.headers == 0)
+            if (feed.size > 0 && feed.records == 0 && !feed.marked)
                 throw toolError_t(name + " holds no trace: its name should end in .trc3");
             if (feed.size == 0)
                 err << "vltrace: " << name << " is empty: nothing has been traced into it yet\n";
@@ -246,7 +247,7 @@ int runVltrace(std::vector<std::string> arguments, std::ostream& out, std::ostre
     } catch (const CLI::Success& help) {
         return app.exit(help, out, err);
     } catch (const CLI::Error& error) {
-        err << "vltrace: " << error.what() << " (vltrace --help tells more)\n";
+        err << "vltrace: " << usageError(app, error) << " (vltrace --help tells more)\n";
         return 2;
     } catch (const std::exception& error) {
         err << "vltrace: " << error.what() << '\n';

@@ -63,8 +63,10 @@ void traceFeed_t::drain()
         if (const auto* damage = std::get_if<traceDamage_t>(&*item)) {
             ++damages;
             skipped += damage->bytes;
+        } else if (const auto* header = std::get_if<traceHeader_t>(&*item)) {
+            marked = !header->lines.empty() && header->lines[0] == "trace3";
         } else {
-            ++(std::holds_alternative<traceRecord_t>(*item) ? records : headers);
+            ++records;
         }
         m_consumer.take(*item, m_walker.take(*item));
     }

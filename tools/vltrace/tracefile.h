@@ -32,7 +32,7 @@ public:
     void finish();
 
     uint64_t records = 0;
-    uint64_t headers = 0;
+    bool marked = false; // the file begins as a trace does
     uint64_t damages = 0;
     uint64_t skipped = 0; // bytes
     uint64_t size = 0;    // bytes fed
