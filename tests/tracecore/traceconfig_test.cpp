@@ -76,8 +76,8 @@ TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)
     EXPECT_FALSE(theTracer().expire());
     setText(L"DoTrace", L"1");
     EXPECT_TRUE(switchExpired() && !theTracer().expire());
-    for (const DWORD value : {daysFromNow(1), daysFromNow(-1), DWORD{0}}) {
-        const bool on = value > daysFromNow(0);
+    for (const DWORD value : {daysFromNow(1), DWORD{1}, daysFromNow(-1), DWORD{0}}) {
+        const bool on = value == 1 || value > daysFromNow(0);
         setNumber(L"DoTrace", value);
         follow();
         EXPECT_EQ(traceActive(), on);

@@ -157,15 +157,17 @@ TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
     runVltrace({"tail", "-n1", "-f", name(sample)}, out, err, [&] {
         if (looks == 1)
             std::filesystem::remove(m_folder / pathOf(sample));
-        write(sample, traceBytes_t(looks ? traceBytes_t::header : "").records(8, {"Umore"}));
-        return ++looks < 3;
+        write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
+                          .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
+        return ++looks < 4;
     });
-    const std::string lines = out.str() + err.str(), more = "  0x0008  U more\n";
+    const std::string lines = out.str() + err.str();
+    const std::string mended = "  0x0008  U me\uFFFDnded  -- the text is damaged --\n";
     EXPECT_EQ(lines.substr(lines.find("E note")),
-              "E note\n2017-07-15 00:00:00.005" + more + "\n# " + name(sample) +
+              "E note\n2017-07-15 00:00:00.005" + mended + "\n# " + name(sample) +
                   "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n# Trace Ver: 3.0.2\n"
                   "# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---" +
-                  more);
+                  mended + "2017-07-14 01:02:03.004" + mended);
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '>'), 0);
 }
 
@@ -236,6 +238,11 @@ TEST(ChromeExport, IsBalancedForWholeCutAndDamagedTraces)
     EXPECT_EQ(goodChrome(bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
                                  "i4150000Größe of 日ERROR_ACCESS_DENIED\n"
                                  "E4160000RestoreBackup\nE4300000SetStorageData\n");
+    traceBytes_t lost = sampleTrace(); // all ends with the damage
+    lost.bytes[lost.starts[5] + 4] = 'X';
+    EXPECT_EQ(goodChrome(lost.bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
+                                      "E4110001RestoreBackup\nE4110002SetStorageData\n"
+                                      "i4110003Größe of 日ERROR_ACCESS_DENIED\n");
     for (size_t i = 0; i < bytes.size() && !testing::Test::HasFailure(); ++i) {
         SCOPED_TRACE(i);
         goodChrome({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(i)});
