@@ -81,17 +81,20 @@ TEST(ObjectSecurity, FailuresAreTracedWithTheirStatus)
 {
     traceRecorder_t trace;
     failingError = 5;
-    applyLowLabel(nullptr);
+    const importPatch_t label(
+        "SetSecurityInfo", +[] { return 6; });
     const importPatch_t map("MapViewOfFile", failing);
     auto unmapped = createSharedBlock(L"vl-test", 16);
     EXPECT_TRUE(unmapped.handle && !unmapped.view);
     closeSharedBlock(unmapped);
+    CloseHandle(openLinkSemaphore(L"vl-test"));
     const importPatch_t token("OpenProcessToken", failing);
     EXPECT_EQ(nullptr, createSharedBlock(L"vl-test", 16).handle);
     EXPECT_EQ(nullptr, openLinkSemaphore(L"vl-test"));
-    EXPECT_EQ(L"|E 0 set SACL failed 0x6" + win32(5) + L"IPC.MapViewOfFile" + win32(5) + L"SA" +
-                  win32(5) + L"IPC.InitSA 'vl-test'" + win32(2) +
-                  L"IPC.Failed to open semaphore 'vl-test'. BAD." + win32(5) + L"SA",
+    const std::wstring unlabelled = L"|E 0 set SACL failed 0x6", denied = win32(5),
+                       noSemaphore = win32(2) + L"IPC.Failed to open semaphore 'vl-test'. BAD.";
+    EXPECT_EQ(unlabelled + denied + L"IPC.MapViewOfFile" + noSemaphore + unlabelled + denied +
+                  L"SA" + denied + L"IPC.InitSA 'vl-test'" + noSemaphore + denied + L"SA",
               trace.joined());
 }
 

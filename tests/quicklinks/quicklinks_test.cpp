@@ -113,11 +113,15 @@ TEST_F(QuickLinks, SaveWritesWhatReadsBack)
     EXPECT_EQ(fileBytes(file), text);
     EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
     EXPECT_EQ(letIn, folder);
-    const std::wstring longName = folder.wstring() + L"\\" + std::wstring(260, L'x');
-    for (const std::wstring& name : {L""s, longName.substr(0, 261), folder.wstring() + L"\\n\\n"}) {
+    const importPatch_t full(
+        "fputs", +[] { return EOF; });
+    const std::wstring base = folder.wstring() + L"\\", longName(261 - base.size(), L'x');
+    for (const std::wstring& name : {L""s, base + longName, base + L"n\\n", file.wstring()}) {
         EXPECT_FALSE(ql.save(name, false));
         EXPECT_EQ(traced(), name.empty() ? "|E 0 empty fname" : "|E 0 savefile exception");
     }
+    EXPECT_FALSE(DeleteFileW(file.c_str())); // the stream stays open
+    _fcloseall();
 }
 
 TEST_F(QuickLinks, FilterExpandsTheDialogItLooksUp)
@@ -154,7 +158,8 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
     EXPECT_EQ(shown(ql.records), "-1 k2 ua.exe. db.EXE m%appdata%\\Veltrano\\KRS\\Templates\\A "
                                  "nm p7 ii w1;-1 k2 u dIExplore.exe? ma nm p7 ii w1;");
     ql.flush();
-    EXPECT_TRUE(ql.dirty && QL::removefile()); // dirty of a save that worked
+    EXPECT_EQ(fileBytes(file).find("\nKRS"), std::string::npos); // both lists are empty
+    EXPECT_TRUE(ql.dirty && QL::removefile());                   // dirty of a save that worked
     settings.values.clear();
     ql.flush();
     EXPECT_FALSE(ql.dirty || QL::removefile()); // of one that failed
