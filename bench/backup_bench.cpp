@@ -9,9 +9,9 @@
 #include "storage/textfile.h"
 #include "support/fakesettings.h"
 
-// The operations as a host calls them: export against mapping and copying the same files once, restore against
-// copying the array once, as it belongs to the host, and deleting and writing the same files, each by nothing but
-// the platform's calls.
+// The operations as a host calls them: export against mapping and copying the same files once,
+// restore against copying the array once, as it belongs to the host, and deleting and writing the
+// same files, each by nothing but the platform's calls.
 namespace {
 
 const std::wstring folder = [] {

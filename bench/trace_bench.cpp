@@ -30,7 +30,8 @@ void row(const char* name, double limit, const std::function<void()>& measured,
 
 constexpr const char* scopeName = "CVLKTPages::SetStorageData";
 
-// The straightforward form of a silent pair: a copied name, a lock, an ordered map by thread, the local time.
+// The straightforward form of a silent pair: a copied name, a lock, an ordered map by thread, the
+// local time.
 class plainStacks_t
 {
 public:
@@ -92,7 +93,8 @@ void pairs()
             times(count, baseline));
     }
 
-    // The second thread is busy in both bodies, so that only what the two share makes the difference.
+    // The second thread is busy in both bodies, so that only what the two share makes the
+    // difference.
     enum { own, shared, ended };
     std::atomic<int> work{own};
     std::thread second([&work] {

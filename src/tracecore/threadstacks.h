@@ -14,8 +14,8 @@ namespace tracecore {
 // A system clock: UTC, in 100 ns since 1601.
 using systemClock_t = void(WINAPI*)(FILETIME*);
 
-// traceStackEntry_t is one open function. Asking the system for the local time is dear, so the entry
-// time becomes local only when it is written.
+// traceStackEntry_t is one open function. Asking the system for the local time is dear, so the
+// entry time becomes local only when it is written.
 struct traceStackEntry_t {
     std::string name;     // UTF-8, a copy of the caller's
     uint64_t entered = 0; // the push, as the system clocks tell it

@@ -35,8 +35,8 @@ bool closed() noexcept
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
 
-// writerTurn_t is the right to write. The mutex may be missing: then the lock of the stacks, which is
-// taken behind it anyway, keeps the writers apart.
+// writerTurn_t is the right to write. The mutex may be missing: then the lock of the stacks, which
+// is taken behind it anyway, keeps the writers apart.
 class writerTurn_t
 {
 public:

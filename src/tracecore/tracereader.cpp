@@ -291,8 +291,8 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
     return std::nullopt;
 }
 
-// search moves m_scan to the next record that makes sense, or to end. A short text may be chance, so
-// that the record behind it has to make sense too.
+// search moves m_scan to the next record that makes sense, or to end. A short text may be chance,
+// so that the record behind it has to make sense too.
 //
 // Returns: false if more bytes are needed
 bool traceReader_t::search(size_t end)

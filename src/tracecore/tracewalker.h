@@ -44,8 +44,8 @@ struct lostFunction_t {
 // traceStep_t is what the records up to and with one item mean together.
 struct traceStep_t {
     traceMoment_t moment; // of the item
-    // The open functions of a record's thread, outermost first: with a > it is in there, with a < it
-    // no longer is. Valid until the next take.
+    // The open functions of a record's thread, outermost first: with a > it is in there, with a <
+    // it no longer is. Valid until the next take.
     const std::vector<openFunction_t>* open = nullptr;
     std::optional<openFunction_t> left; // of a <: the function, if its entry is known
     std::vector<lostFunction_t> lost;   // innermost first for each thread

@@ -8,7 +8,8 @@ namespace tracecore {
 
 namespace {
 
-// Unscrambles up to 4 bytes with one word of the block, and puts what was scrambled into the word's first bytes.
+// Unscrambles up to 4 bytes with one word of the block, and puts what was scrambled into the word's
+// first bytes.
 void unscrambleWord(uint8_t* bytes, size_t count, uint32_t& word) noexcept
 {
     for (size_t i = 0; i < count; ++i) {

@@ -12,7 +12,8 @@ constexpr int rounds = 20; // at least, for each writer
 
 using TraceThreads = tracingFixture;
 
-// A switch that is flipped meanwhile loses records, but tears none: the reader throws at such a one.
+// A switch that is flipped meanwhile loses records, but tears none: the reader throws at such a
+// one.
 TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsThanSlots)
 {
     setNumber(L"NewFileAlways", 0);

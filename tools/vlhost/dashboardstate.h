@@ -23,6 +23,8 @@ struct dashboardState_t {
     std::optional<registryValue_t> lastCategory; // the one chosen last, which a restore empties
 };
 
-// readDashboard reads the state, writeDashboard makes the registry equal to it. Errors: CToolError.
+// readDashboard reads the state, writeDashboard makes the registry equal to it.
+//
+// Errors: CToolError
 dashboardState_t readDashboard();
 void writeDashboard(const dashboardState_t& state);

@@ -9,7 +9,9 @@ using bytes_t = std::vector<BYTE>;
 
 // Paths are UTF-8, except where a type says otherwise, and may be longer than MAX_PATH.
 
-// readFile reads a whole file; "-" is standard input. Errors: CToolError.
+// readFile reads a whole file; "-" is standard input.
+//
+// Errors: CToolError
 bytes_t readFile(const std::string& path);
 
 // refuseExisting is the check of writeFile alone, for a caller who would do long work in vain.
@@ -23,7 +25,9 @@ void refuseExisting(const std::string& path, bool replace);
 void writeFile(const std::string& path, const bytes_t& bytes, bool replace);
 
 // copyFile copies bytes and times over what may be there, read-only or not; the folder is made. The
-// copy's attributes are normal. Errors: CToolError.
+// copy's attributes are normal.
+//
+// Errors: CToolError
 void copyFile(const std::wstring& from, const std::wstring& to);
 
 // isThere is true for a file or folder.

@@ -42,9 +42,12 @@ private:
     CInterface<IUnknown> m_object;
 };
 
-// registeredPluginPath reads where a dashboard finds the plug-in. Errors: CToolError when it isn't
-// registered.
+// registeredPluginPath reads where a dashboard finds the plug-in.
+//
+// Errors: CToolError when it isn't registered
 std::wstring registeredPluginPath();
 
-// moduleFor loads the plug-in's DLL without making an object. Errors: CToolError.
+// loadPlugin loads the plug-in's DLL without making an object.
+//
+// Errors: CToolError
 CLoadedModule loadPlugin(const std::wstring& path);

@@ -159,8 +159,8 @@ Json::Value::Members orderedMembers(const Json::Value& value)
     return names;
 }
 
-// Names of members as words: "canOpenConsole" is "can open console". Names that aren't ours, such as
-// those of settings, stay as they are.
+// Names of members as words: "canOpenConsole" is "can open console". Names that aren't ours, such
+// as those of settings, stay as they are.
 std::string labelOf(const std::string& name)
 {
     if (rankOf(name) == std::size(memberOrder))

@@ -27,8 +27,8 @@ struct arguments_t {
     bool undo = false;
 };
 
-// verify refuses bytes that the plug-in would restore only in part: it checks nothing but the number of elements, and
-// has deleted the old files by then.
+// verify refuses bytes that the plug-in would restore only in part: it checks nothing but the
+// number of elements, and has deleted the old files by then.
 void verify(const CBackupView& backup, bool decoded, bool force)
 {
     const char* const hint = "nothing was touched; 'vlbackup verify' tells more";
@@ -89,7 +89,8 @@ bool sameLink(const BackupLink& one, const BackupLink& other)
            one.wocred == other.wocred;
 }
 
-// compareLinks takes a backup of what is there now and looks for the links of the restored one in it.
+// compareLinks takes a backup of what is there now and looks for the links of the restored one in
+// it.
 void compareLinks(const CPluginHost& host, const CBackupView& wanted,
                   std::vector<std::string>& differences)
 {

@@ -23,7 +23,9 @@ struct restorePlan_t {
     bool settings = false;             // whether the settings are applied
 };
 
-// planRestore looks at the settings and the folder. Errors: CToolError without a personal folder.
+// planRestore looks at the settings and the folder.
+//
+// Errors: CToolError without a personal folder
 restorePlan_t planRestore(const CBackupView& backup);
 Json::Value jsonOfPlan(const restorePlan_t& plan);
 
@@ -31,8 +33,9 @@ Json::Value jsonOfPlan(const restorePlan_t& plan);
 std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
                                            const std::wstring& quickLinkFile);
 
-// personalFolder is the folder of the user's templates, as the settings name it. Errors: CToolError
-// if they don't.
+// personalFolder is the folder of the user's templates, as the settings name it.
+//
+// Errors: CToolError if they don't
 std::wstring personalFolder();
 
 // compareRestored looks at what a restore left and lists what isn't as the backup has it.

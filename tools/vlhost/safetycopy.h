@@ -8,10 +8,14 @@
 // them, the files as they are, the categories with their types, and the settings. The secret is not
 // in it. There is one; a new one takes its place once it is complete.
 
-// safetyCopyFolder is where it lies. Errors: CToolError.
+// safetyCopyFolder is where it lies.
+//
+// Errors: CToolError
 std::wstring safetyCopyFolder();
 
-// makeSafetyCopy copies what the plan touches. Errors: CToolError, with the old copy still in place.
+// makeSafetyCopy copies what the plan touches.
+//
+// Errors: CToolError, with the old copy still in place
 void makeSafetyCopy(const CPluginHost& host, const restorePlan_t& plan);
 
 // undoRestore puts the safety copy back: through the plug-in first, so that the agent hears of it,

@@ -4,7 +4,9 @@
 
 #include "vlfpapi/secretclient.h"
 
-// CSecretStore is the secret store of the policy library for the calling user. Errors: CToolError.
+// CSecretStore is the secret store of the policy library for the calling user.
+//
+// Errors: CToolError
 class CSecretStore
 {
 public:
@@ -23,7 +25,9 @@ private:
 inline constexpr wchar_t protectedStorage[] = L"KRS Protected Storage";
 
 // readSecretBytes reads all that a file descriptor, such as 0 for standard input, or a file has to
-// give, up to 1 MiB. Nothing of it stays behind elsewhere. Errors: CToolError.
+// give, up to 1 MiB. Nothing of it stays behind elsewhere.
+//
+// Errors: CToolError
 CSecretBytes readSecretBytes(int descriptor);
 CSecretBytes readSecretFile(const std::string& path); // "-" is standard input
 

@@ -9,8 +9,9 @@ struct backup_t {
     std::vector<std::string> secretNames; // of the secrets that the host has to keep, UTF-8
 };
 
-// takeBackup asks for a backup and judges the answer, since the status says nothing. Errors:
-// CToolError for an output that wasn't filled, an empty array, or bytes that do not decode.
+// takeBackup asks for a backup and judges the answer, since the status says nothing.
+//
+// Errors: CToolError for an output that wasn't filled, an empty array, or bytes that do not decode
 backup_t takeBackup(const CPluginHost& host);
 
 // takeBackupIfAny gives no bytes for all that is an error there: a user who has nothing yet.

@@ -19,8 +19,8 @@ struct traceSwitch_t {
     std::wstring tracePathLow; // as stored; it goes before tracePath
     std::wstring tracePath;
 
-    // Folder is where trace files go, expanded, with a backslash at its end; moduleFolder if none is
-    // set.
+    // Folder is where trace files go, expanded, with a backslash at its end; moduleFolder if none
+    // is set.
     std::wstring Folder(const std::wstring& moduleFolder) const;
 
     // Stamped is true when every process makes a file whose name has its process id.
@@ -34,15 +34,17 @@ bool excludedFromTracing(const std::wstring& component);
 
 enum class traceTarget_t : DWORD { file = 1, console = 3, debugger = 4 };
 
-// switchTraceOn sets the switch. until: seconds since 1970, or 1 for no end; folder: empty leaves it
-// as it is. switchTraceOff takes the switch away and leaves all else. Errors: CToolError, which
-// explains a denied access.
+// switchTraceOn sets the switch. until: seconds since 1970, or 1 for no end; folder: empty leaves
+// it as it is. switchTraceOff takes the switch away and leaves all else.
+//
+// Errors: CToolError, which explains a denied access
 void switchTraceOn(DWORD until, traceTarget_t target, const std::wstring& folder);
 void switchTraceOff();
 
-// noonOf gives the seconds of noon of a day such as 2026-12-31, local time, so that it is that day by
-// whatever rule of summer time. Errors: CToolError for what is no day, today or past, or beyond what
-// the switch can hold.
+// noonOf gives the seconds of noon of a day such as 2026-12-31, local time, so that it is that day
+// by whatever rule of summer time.
+//
+// Errors: CToolError for what is no day, today or past, or beyond what the switch can hold
 DWORD noonOf(const std::string& day);
 
 // dayOf is the reverse: the local day of such a number.

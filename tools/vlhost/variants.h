@@ -20,7 +20,9 @@ private:
     VARIANT m_value;
 };
 
-// setBytes makes value an array of bytes, the form of a backup. Errors: std::bad_alloc.
+// setBytes makes value an array of bytes, the form of a backup.
+//
+// Errors: std::bad_alloc
 void setBytes(CVariant& value, const bytes_t& bytes);
 
 // bytesOf gives the bytes of such an array; empty for any other VARIANT.
@@ -29,7 +31,9 @@ bytes_t bytesOf(const VARIANT& value);
 // textsOf gives the strings of an array of strings, UTF-8; empty for any other VARIANT.
 std::vector<std::string> textsOf(const VARIANT& value);
 
-// setText makes value a string. Errors: std::bad_alloc.
+// setText makes value a string.
+//
+// Errors: std::bad_alloc
 void setText(CVariant& value, const std::string& utf8);
 
 // notificationsIn gives the objects of an array of VARIANTs, on loan from it.
