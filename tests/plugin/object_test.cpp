@@ -45,7 +45,9 @@ TEST(Factory, IsOneForTheModuleAndRefusesWhatItCannotMake)
     EXPECT_EQ(made->CreateInstance(made.get(), IID_IUnknown, &(out = &out)), CLASS_E_NOAGGREGATION);
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(made->CreateInstance(nullptr, IID_IDispatch, &out), E_NOINTERFACE);
-    EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // the refused object is gone again
+    EXPECT_EQ(made->CreateInstance(nullptr, IID_IUnknown, &out), S_OK);
+    static_cast<IUnknown*>(out)->Release();
+    EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // both objects are gone again
     EXPECT_EQ(made->LockServer(FALSE), S_OK);
     EXPECT_EQ(_pAtlModule->GetLockCount(), locks);
     EXPECT_EQ(made->LockServer(TRUE), S_OK);

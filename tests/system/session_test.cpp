@@ -127,7 +127,7 @@ TEST_F(Session, IsTracedRecordByRecord)
         const auto restore = plugin.as<IVLKTBackupRestore2>();
         EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllRegisterServer")());
         const std::wstring role = L'2' + (m_built / L"VLOnlineIDs.dll").wstring() + L'\0' +
-                                  std::wstring(L"76.0\0007.0\0008.0\0", 14);
+                                  std::wstring(L"76.0\0007.0\0008.0\0\0", 14);
         EXPECT_EQ(role + role + role, registered());
         information(plugin);
         const std::string links = fileBytes(m_krs / L"QuickLinks.txt");
