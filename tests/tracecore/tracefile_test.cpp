@@ -3,38 +3,10 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "tracecore/tracefilename.h"
-#include "tracecore/traceheader.h"
-
-#include <algorithm>
-#include <array>
 
 using namespace tracecore;
 
-namespace {
-
-class TraceFile : public tracingFixture
-{
-protected:
-    // The records written by body into a file of its own, off again so that the file is closed.
-    template <class Body> decodedTrace_t traced(Body body)
-    {
-        const std::filesystem::path path = traceTo(L"t.trc3");
-        body();
-        setNumber(L"DoTrace", 0);
-        follow();
-        return decodeTrace(fileBytes(path));
-    }
-
-    // The bytes that write, which gets the handle of a file, puts there.
-    template <class Write> std::string written(Write write)
-    {
-        const std::filesystem::path path = folder / "f";
-        const CFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                           CREATE_ALWAYS, 0, nullptr));
-        write(file.get());
-        return fileBytes(path);
-    }
-};
+using TraceFile = tracingFixture;
 
 TEST_F(TraceFile, HoldsTheRecordsOfARunWithTheirTimesLateEntriesAndExits)
 {
@@ -101,7 +73,10 @@ TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
         std::wstring text;
         while (text.size() < length)
             text += static_cast<wchar_t>(L'a' + text.size() % 23);
-        const std::string bytes = written([&](HANDLE file) { writeRecord(file, 'U', text); });
+        const CFileHandle file(CreateFileW((folder / "f").c_str(), GENERIC_WRITE, FILE_SHARE_READ,
+                                           nullptr, CREATE_ALWAYS, 0, nullptr));
+        writeRecord(file.get(), 'U', text);
+        const std::string bytes = fileBytes(folder / "f");
         const size_t told = length % 65536;
         ASSERT_EQ(bytes.size(), length + 7);
         EXPECT_EQ(decodeTrace(".\r\n" + bytes.substr(0, 7 + told)).records.at(0).text,
@@ -116,11 +91,7 @@ TEST_F(TraceFile, Header)
     system = {sizeof system, 6, 2, 0, 2, "Service Pack 3"};
     const importPatch_t version{"GetVersionExA",
                                 +[](OSVERSIONINFOA* out) { return *out = system, TRUE; }};
-    const auto header = [this] {
-        return decodeTrace(
-                   written([](HANDLE file) { writeTraceHeader(file, GetModuleHandleW(nullptr)); }))
-            .header;
-    };
+    const auto header = [this] { return traced([] { traceText("x"); }).header; };
     EXPECT_EQ(header()[8], "installation: NETWORK");
     const std::wstring longName = L"Long" + std::wstring(50, L'n');
     setText(L"Version", L"8.1", L"Products\\Good");
@@ -191,5 +162,3 @@ TEST_F(TraceFile, NameRules)
     }
     EXPECT_TRUE(std::filesystem::is_directory(deep));
 }
-
-} // namespace

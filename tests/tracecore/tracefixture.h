@@ -75,6 +75,16 @@ protected:
         return folder / name;
     }
 
+    // The records written by body into such a file, off again so that the file is closed.
+    template <class Body> decodedTrace_t traced(Body body)
+    {
+        const std::filesystem::path path = traceTo(L"t.trc3");
+        body();
+        setNumber(L"DoTrace", 0);
+        follow();
+        return decodeTrace(fileBytes(path));
+    }
+
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / std::to_wstring(GetCurrentProcessId());
 

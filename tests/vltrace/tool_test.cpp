@@ -57,6 +57,43 @@ protected:
             << std::string(trace.bytes.begin(), trace.bytes.end());
     }
 
+    // Gives the events of the sample's first thread, behind a check of what viewers rely on: each
+    // thread's time goes forward, and each B has its E, of the same name.
+    std::string goodChrome(const std::vector<uint8_t>& bytes) const
+    {
+        std::filesystem::remove(m_folder / pathOf(sample));
+        traceBytes_t trace("");
+        trace.bytes = bytes;
+        write(sample, trace);
+        std::map<unsigned, std::vector<std::string>> open;
+        std::map<unsigned, int64_t> last;
+        std::string seen;
+        const Json::Value root = parsed(run({"export", "--format", "chrome", name(sample)}).out);
+        for (const Json::Value& event : root["traceEvents"]) {
+            EXPECT_EQ(event["pid"], 4242);
+            const unsigned thread = event["tid"].asUInt();
+            const int64_t ts = event["ts"].asInt64();
+            const std::string phase = event["ph"].asString(), what = event["name"].asString();
+            if (phase == "M" || what == "damage")
+                continue;
+            EXPECT_LT(std::exchange(last.try_emplace(thread, INT64_MIN).first->second, ts), ts);
+            if (phase == "B") {
+                open[thread].push_back(what);
+            } else if (phase == "E" && !open[thread].empty()) {
+                EXPECT_EQ(open[thread].back(), what);
+                open[thread].pop_back();
+            } else {
+                EXPECT_EQ(phase + event["s"].asString(), "it");
+            }
+            if (thread == 0x1A4)
+                seen += phase + std::to_string(ts % 60'000'000) + what +
+                        event["args"]["statusName"].asString() + "\n";
+        }
+        for (const auto& [thread, names] : open)
+            EXPECT_TRUE(names.empty()) << thread;
+        return seen;
+    }
+
     const std::string sample = "host.x64.vlonlineids.dll~~07.14.17_at_15.59.04.123~~1.4242.trc3";
     const std::filesystem::path m_folder =
         std::filesystem::temp_directory_path() /
@@ -191,48 +228,7 @@ TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
     EXPECT_LT(table("name").find("back"), table("name").find("outer"));
 }
 
-// Gives the events of the first thread, behind a check of what viewers rely on: each thread's time
-// goes forward, and each B has its E, of the same name.
-std::string goodChrome(const std::vector<uint8_t>& bytes)
-{
-    std::ostringstream out;
-    chromeTrace_t chrome({}, out);
-    chrome.begin("~~07.14.17_at_15.59.04.123~~1.4242.trc3");
-    traceFeed_t feed(chrome);
-    feed.feed(bytes);
-    feed.finish();
-    chrome.end();
-    chrome.finish();
-    std::map<unsigned, std::vector<std::string>> open;
-    std::map<unsigned, int64_t> last;
-    std::string seen;
-    const Json::Value root = parsed(out.str());
-    for (const Json::Value& event : root["traceEvents"]) {
-        EXPECT_EQ(event["pid"], 4242);
-        const unsigned thread = event["tid"].asUInt();
-        const int64_t ts = event["ts"].asInt64();
-        const std::string phase = event["ph"].asString(), name = event["name"].asString();
-        if (phase == "M" || name == "damage")
-            continue;
-        EXPECT_LT(std::exchange(last.try_emplace(thread, INT64_MIN).first->second, ts), ts);
-        if (phase == "B") {
-            open[thread].push_back(name);
-        } else if (phase == "E" && !open[thread].empty()) {
-            EXPECT_EQ(open[thread].back(), name);
-            open[thread].pop_back();
-        } else {
-            EXPECT_EQ(phase + event["s"].asString(), "it");
-        }
-        if (thread == 0x1A4)
-            seen += phase + std::to_string(ts % 60'000'000) + name +
-                    event["args"]["statusName"].asString() + "\n";
-    }
-    for (const auto& [thread, names] : open)
-        EXPECT_TRUE(names.empty()) << thread;
-    return seen;
-}
-
-TEST(ChromeExport, IsBalancedForWholeCutAndDamagedTraces)
+TEST_F(VltraceTool, ChromeExportIsBalancedForWholeCutAndDamagedTraces)
 {
     const auto bytes = sampleTrace().bytes;
     EXPECT_EQ(goodChrome(bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
