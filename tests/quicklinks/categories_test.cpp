@@ -24,11 +24,10 @@ std::wstring valuesOf(const wchar_t* path)
     std::wstring all;
     wchar_t name[300], text[300];
     auto* const data = reinterpret_cast<BYTE*>(text);
-    DWORD type = 0, length = 300, size = 600;
-    for (DWORD i = 0; !RegEnumValueW(key.get(), i, name, &length, nullptr, &type, data, &size);
-         ++i) {
+    DWORD type = 0, length = 300, size = sizeof text, i = 0;
+    while (!RegEnumValueW(key.get(), i++, name, &length, nullptr, &type, data, &size)) {
         all += name + L"="s + (type == REG_SZ ? text : L"?") + L";";
-        length = 300, size = 600;
+        length = 300, size = sizeof text;
     }
     return all;
 }
@@ -51,8 +50,7 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
         {L"m", L"b", L"a=A;", REG_DWORD, 4},
         {L"m", L"bc", L"a=A;", REG_SZ, 5},
         {L"m", L"bcX", L"a=A;", REG_SZ, 4}, // no terminator
-        {L"", L"b", L"", REG_MULTI_SZ, 4},
-    };
+        {L"", L"b", L"", REG_MULTI_SZ, 4}};
     for (const auto& [name, text, restored, type, size] : cases) {
         RegDeleteKeyW(HKEY_CURRENT_USER, categories);
         CDerNode out;
@@ -74,8 +72,7 @@ TEST(Categories, RestoreReplacesAllAndEmptiesTheLastUsed)
         {{0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0}, L"=;n=;"},      // without items
         {{0x30, 24, 0x30, 12, 0x1E, 4,   0, 'n', 0, 0, 0x1E, 4, 0, 'b', 0, 0, // one name twice
           0x30, 8,  0x1E, 4,  0,    'N', 0, 0,   4, 0},
-         L"n=\4;"},
-    };
+         L"n=\4;"}};
     for (const auto& [encoded, restored] : cases) {
         RegSetKeyValueW(HKEY_CURRENT_USER, dashboard, L"LastQLCategory", REG_EXPAND_SZ, L"n", 4);
         RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"old", REG_SZ, L"o", 4);

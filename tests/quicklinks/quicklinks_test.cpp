@@ -1,6 +1,7 @@
 #include "quicklinks/quicklinks.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <random>
 #include <sstream>
@@ -80,8 +81,7 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
         {"KRSDlgPaths=u?1\nName=a\nManifest=t\nUrl=u?1\n[ShortCutRecord]\n"
          "Name=b\nManifest=%O%\nUrl=u?2\n[ShortCutRecord]\nName=c\nManifest=%O%\nUrl=U",
          nullptr, "ac"},
-        {"Name=a\nManifest=t\n[ShortCutRecord]\nName=b\nManifest=%O%", nullptr, "a"},
-    };
+        {"Name=a\nManifest=t\n[ShortCutRecord]\nName=b\nManifest=%O%", nullptr, "a"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
         writeFile(file, c.text);
@@ -138,16 +138,14 @@ TEST_F(QuickLinks, FilterExpandsTheDialogItLooksUp)
 TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
 {
     const std::string longName(76, 'x');
-    using text = std::string;
-    const std::tuple<text, text, text, text, text> cases[] = {
+    const std::array<std::string, 5> cases[] = {
         {"n", "", "x:A", "x:a", "name: 'n'|U   url : ''|U   QL created"},
         {"", "u", "x:A", "x:a", "name: ''|U   url : 'u'|U   QL created"},
         {"n", "u", "A\\", "a\\", "name: 'n'|U   url : 'u'|E 0 Cannot split manifest path"},
         {longName, "a.exe.", (own / "A").string(), "kri::a",
          "name: '" + longName.substr(1) + " ...'|U   url : 'a.exe.'|U   QL created"},
         {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated"},
-        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"},
-    };
+        {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"}};
     QL ql;
     for (const auto& [name, target, manifest, shortManifest, told] : cases) {
         ql.add(name, target, manifest, 7, "i", true);

@@ -47,8 +47,7 @@ TEST_F(FolderList, EachModeHasItsFoldersAndTheFirstOfEqualPathsStays)
     EXPECT_EQ(shown(noted), LR"(R:\o|R:\c\|R:\c\|)"); // opened for application packages
     values[L"path_wkgKrsAdmin_dir"] = m_root;
     m_provider.queried.clear();
-    EXPECT_EQ(prepared(), LR"(C:\Admin\;C:\Used\;own R:\c\;|U local 'R:\c\')"
-                          L"|U done\n");
+    EXPECT_EQ(prepared(), L"C:\\Admin\\;C:\\Used\\;own R:\\c\\;|U local 'R:\\c\\'|U done\n");
     EXPECT_EQ(m_provider.queried.size(), 4u); // the mode, which asks no more, and three folders
 }
 

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <utility>
 
+#include <gtest/gtest.h>
+
 namespace {
 
 // at gives what lies so far behind the start of a module.
@@ -43,7 +45,9 @@ void* store(void** slot, void* value)
 
 importPatch_t::importPatch_t(HMODULE module, const char* function, void* replacement)
     : m_slot(findImport(module, function)), m_original(store(m_slot, replacement))
-{}
+{
+    EXPECT_NE(m_original, nullptr) << function;
+}
 
 importPatch_t::~importPatch_t()
 {

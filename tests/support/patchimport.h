@@ -7,7 +7,7 @@
 // their code came from.
 //
 // module:   the test program itself is GetModuleHandleW(nullptr)
-// function: the imported name, such as "CreateFileW"
+// function: the imported name, such as "CreateFileW"; the test fails when it isn't imported
 struct importPatch_t {
     importPatch_t(HMODULE module, const char* function, void* replacement);
     // Of the test program itself. The replacement may have fewer parameters than the function: the
@@ -19,8 +19,6 @@ struct importPatch_t {
     ~importPatch_t();
     importPatch_t(importPatch_t&&) = delete;
 
-    // found is false when the module does not import the function; the test then asserts nothing.
-    bool found() const noexcept { return m_slot != nullptr; }
     void* original() const noexcept { return m_original; }
 
 private:
