@@ -58,6 +58,7 @@ protected:
                              {L"path_quicklink_filename", m_root + L"quicklinks.txt"},
                              {L"show_training_prompt", L"0"},
                              {L"show_training_prompt_def", L"1"},
+                             {L"useGrabbingCreds", L"2"}, // only 1 is yes
                              {L"is_personalMode", L"1"}};
     }
 

@@ -171,32 +171,31 @@ TEST(Blob, DecodesAsThePlatformDoes)
 
 TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
 {
-    CVLBlobSeq outer(1), list(4), back;
+    CVLBlobSeq outer(1), list(4);
     CVLWStrBlob(L"one").Encode(*list.Slot(0));
     CVLWStrBlob(L"").Encode(*list.Slot(2)); // slot 1 stays empty and is gone when read back
     CVLStrBlob("refused").Encode(*list.Slot(3));
     list.Encode(outer.items[0]);
-    ASSERT_TRUE(back.Decode(outer.items));
-    ASSERT_TRUE(outer.Decode(outer.items)); // a list that lies in the one it replaces
+    ASSERT_TRUE(outer.Decode(outer.ReadNext())); // a list that lies in the one it replaces
 
     _auto_heap_mem<wchar_t> text;
     for (const wchar_t* expected : {L"one", L"", L"\x0804\x6572\x7566\x6573\x64"}) {
-        EXPECT_EQ(&back.ReadNextWStr(text), &back);
+        EXPECT_EQ(&outer.ReadNextWStr(text), &outer);
         EXPECT_STREQ(text.get(), expected); // the last as it is encoded
     }
-    back.ReadNextWStr(text);
+    outer.ReadNextWStr(text);
     EXPECT_EQ(text.get(), nullptr);
-    EXPECT_EQ(back.cursor, 3u);
+    EXPECT_EQ(outer.cursor, 3u);
 
     // Short of memory, only constructors come out with less.
     const importPatch_t patch(
         "HeapAlloc", +[]() -> void* { return nullptr; });
     EXPECT_EQ(CVLBlobSeq(3).count, 0u);
     EXPECT_EQ(CVLWStrBlob(L"x").pbData, nullptr);
-    EXPECT_THROW(back.Assign({3, outer.items}), _com_error);
-    EXPECT_EQ(back.count, 3u);
+    EXPECT_THROW(outer.Assign({3, outer.items}), _com_error);
+    EXPECT_EQ(outer.count, 3u);
     EXPECT_THROW(list.Encode(*list.Slot(1)), _com_error);
-    EXPECT_THROW(outer.ReadNextWStr(text), _com_error);
+    EXPECT_THROW(list.ReadNextWStr(text), _com_error);
 }
 
 } // namespace

@@ -70,6 +70,7 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         {ls, with(1, seq({link(L"\u001b[31m")})), 0, "  \\x1b[31m -> "},
         {ls, two, 0, "n\xC3\xA9 -> t  (m, profile 255, id i)\n"},
         {ls, three, 0, "without credentials)\ncategories\n  c = 1\nsettings (absent)\n"},
+        {ls, seq({none, none, none, parts[3], none}), 0, "settings (absent)"}, // of five
         {ls, legacy, 0, "prompt: show\n  hot key: Alt+1\n  do-not-prompt list: 3 bytes"},
         {{"ls", "-", "--json"}, seq({seq({odd}), none}), 0, "\"name\": \"\xC3\xA9.vlm\""},
         {{"cat", "-", "\xC3\xA9.vlm"}, with(0, seq({odd, odd})), 0, {"\0\r\n\x1A\xFF", 5}},
