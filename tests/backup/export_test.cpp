@@ -12,7 +12,7 @@ bytes backupOf()
 {
     CDerNode backup;
     const uint32_t size = CStorageData::BuildBackup(backup);
-    const bytes encoded = backup.Encode();
+    bytes encoded = backup.Encode();
     EXPECT_EQ(encoded.size(), size);
     return encoded;
 }

@@ -23,7 +23,7 @@ protected:
                                       static_cast<ULONG>(storage.size()), storage.data());
     }
 
-    const agentObjects_t m_objects;
+    const agentObjects_t m_objects{};
     const CKernelHandle m_kept{CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
                                                   0x10000, linkSets[0].payload)};
     const blockView_t m_request{linkSets[0].buffer}, m_payload{linkSets[0].payload};
