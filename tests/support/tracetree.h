@@ -6,8 +6,8 @@
 #include "support/tracedecoder.h"
 
 // A trace as a tree of lines: a call is "> name", and what happened in it follows, indented by one.
-// Line ends within a text show as {lf} and {crlf}, a blank at its end as {sp}. Date and time stamps are
-// left out.
+// Line ends within a text show as {lf} and {crlf}, a blank at its end as {sp}. Date and time stamps
+// are left out.
 
 inline void replaceAll(std::string& text, const std::string& what, const std::string& by)
 {
@@ -15,7 +15,9 @@ inline void replaceAll(std::string& text, const std::string& what, const std::st
         text.replace(at, what.size(), by);
 }
 
-// traceTree throws when a call ends that hasn't begun, or doesn't end. onlyThread: 0 for all threads
+// traceTree throws when a call ends that hasn't begun, or doesn't end.
+//
+// onlyThread: 0 for all threads
 inline std::string traceTree(const decodedTrace_t& trace, uint32_t onlyThread = 0)
 {
     std::string tree;
@@ -43,7 +45,8 @@ inline std::string traceTree(const decodedTrace_t& trace, uint32_t onlyThread = 
     return tree;
 }
 
-// wholeTree makes such a tree of a short form, in which " | " is a new line, after a call one deeper.
+// wholeTree makes such a tree of a short form, in which " | " is a new line, after a call one
+// deeper.
 inline std::string wholeTree(const std::string& shortForm)
 {
     std::string tree;
