@@ -1,5 +1,7 @@
 #include "atl/commodule.h"
 
+// There is no DllCanUnloadNow: a host lets the DLL go when it likes, and the module's locks only
+// count.
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out)
 {
     return _AtlComModule.GetClassObject(clsid, iid, out);

@@ -60,7 +60,7 @@ void forgetStatusInput() noexcept
 
 HRESULT CVLKTPages::GetGPOSettings(ULONG* value)
 {
-    const traceScope_t scope("GetGPOSettings");
+    const traceScope_t scope("GetGPOSettings"); // without the class. Intended.
     *value = 0;
     try {
         policyRecord_t record;

@@ -75,6 +75,7 @@ STDAPI DllUnregisterServer()
     for (const auto& row : cleanupRows)
         AddCleanupLine(row.kind, row.path, row.flags, row.name);
     VLKT_SDK::CUnregisterComponents registrar;
+    // Not the order of registering. Intended.
     for (const auto* role : {roleBackupRestore, roleAppControl, roleTrayIcon})
         registrar.UnregisterComponent(role, CLSID_CVLKTPages);
     return S_OK;

@@ -72,7 +72,8 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
     }
 }
 
-// Of IVLKTDisableApp; what is raised is traced and the result stays 0.
+// Of IVLKTDisableApp, with the same entry in the trace. What is raised is traced and the result
+// stays 0.
 STDMETHODIMP CVLKTPages::GetStatus(ULONG* status)
 {
     const traceScope_t scope("CVLKTPages::GetStatus");
@@ -124,6 +125,7 @@ void CVLKTPages::GetNotifications(SAFEARRAY** notices)
 {
     const traceScope_t scope("CVLKTPages::GetNotifications");
     *notices = nullptr;
+    // Both ask for the status anew: two looks at policy and registry.
     CComBSTR explanation;
     GetExplanation(&explanation);
     const LONG level = GetSecurityLevel();

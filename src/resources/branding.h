@@ -13,9 +13,9 @@ public:
     // failure, which is traced, the next call tries again.
     //
     // Returns: lent; null if there is none
-    // Source:  value DLLPath below SOFTWARE\Veltrano\Branding\Common in HKEY_LOCAL_MACHINE, or below
-    //          the key that string 900 of the process's program names; no environment strings are
-    //          expanded in it
+    // Source:  value DLLPath below SOFTWARE\Veltrano\Branding\Common in HKEY_LOCAL_MACHINE, or
+    //          below the key that string 900 of the process's program names; no environment
+    //          strings are expanded in it
     static HMODULE LoadResourceDLL();
 
     // DllPath is the path of the loaded branding DLL as the registry gave it; empty if none is
