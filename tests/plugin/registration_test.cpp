@@ -13,6 +13,9 @@
 #include "support/patchimport.h"
 #include "support/registry.h"
 #include "support/tracerecorder.h"
+#include "vlonlineids.h"
+
+using VLONLINEIDSLib::CLSID_CVLKTPages;
 
 namespace {
 
@@ -56,13 +59,14 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
     setValue(HKEY_LOCAL_MACHINE, rootPath + L"\\UIElements", L"", L"");
     EXPECT_EQ(DllUnregisterServer(), S_OK);
     EXPECT_FALSE(has(L"UIElements")); // values alone don't keep a key
-    for (const wchar_t* key : {L"\\TrayIcon\\own", L"\\TrayIcon\\other"})
-        setValue(HKEY_LOCAL_MACHINE, rootPath + key, L"", L"");
+    const std::wstring other = L"TrayIcon\\other\\" + classText;
+    for (const std::wstring& key : {other, std::wstring(L"TrayIcon\\own")})
+        setValue(HKEY_LOCAL_MACHINE, rootPath + L'\\' + key, L"", L"");
     VLKT_SDK::CUnregisterComponents registrar;
     EXPECT_EQ(registrar.RemoveKeyChain(L"TrayIcon", L"own"), S_OK);
-    EXPECT_EQ(has(L"TrayIcon\\own") * 2 + has(L"TrayIcon\\other"), 1); // stops at another's
-    EXPECT_EQ(registrar.UnregisterComponent(L"TrayIcon", {}),
-              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(has(L"TrayIcon\\own") * 2 + has(other), 1); // stops at another's
+    EXPECT_EQ(registrar.UnregisterSubkey(L"TrayIcon", L"other", CLSID_CVLKTPages), S_OK);
+    EXPECT_EQ(registrar.UnregisterComponent(L"TrayIcon", {}), HRESULT(0x80070002)); // nothing left
 }
 
 TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
