@@ -15,7 +15,6 @@
 #include "tracecore/tracer.h"
 
 using namespace VLONLINEIDSLib;
-using ATL::CComVariant;
 using lines_t = std::vector<std::wstring>;
 
 namespace {
@@ -73,7 +72,7 @@ std::wstring get(IVLKTElementUI* element, std::initializer_list<ULONG> ids)
 {
     std::wstring all;
     for (const ULONG id : ids) {
-        CComVariant value(L"old");
+        ATL::CComVariant value(L"old");
         if (const HRESULT status = element->GetProperty(id, &value))
             all += tracecore::formatWide(L"%08x=", status);
         all += std::to_wstring(value.vt) + L':';
@@ -110,7 +109,7 @@ struct Status : testing::Test {
     // notice gives the one element of property 103, as a host takes it out.
     counted<IVLKTElementUI> notice()
     {
-        CComVariant value;
+        ATL::CComVariant value;
         EXPECT_EQ(pages->GetProperty(103, &value), S_OK);
         EXPECT_TRUE(value.parray->cLocks == 0 && value.parray->rgsabound[0].cElements == 1);
         const auto object = static_cast<const VARIANT*>(value.parray->pvData)->punkVal;
@@ -140,7 +139,6 @@ TEST_F(Status, PolicyDecidesBothStatuses)
         {{2, 0, 5, 1}, 0, false, 0}, {{2, 0, 0x80070002, 1}, 0, false, 0},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
         policy = c.policy;
         traceRecorder_t trace;
         ULONG status = 99;
@@ -245,7 +243,7 @@ TEST_F(Status, ANotificationOffersWhatItsLevelAllows)
 
 TEST_F(Status, ANotificationIsDismissedAndOpensTheConsole)
 {
-    CComVariant flag;
+    ATL::CComVariant flag;
     flag.vt = VT_BOOL;
     const counted<IVLKTElementUI> first = notice();
     EXPECT_EQ(first->SetProperty(2, &flag), S_OK);

@@ -37,6 +37,8 @@ TEST(LanguageSearch, TakesTheFileNearestToTheUser)
         {0x0807, 0x0409, L"de-DE=de-DE en-US=en-US", L"de en"},
         // Traditional Chinese goes together, the Simplified one apart.
         {0x0404, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"zh zh"},
+        {0x0C04, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"zh zh"},
+        {0x1404, 0x0409, L"zh-Hant=zh-Hant en-US=en-US", L"zh zh"},
         {0x0C04, 0x0409, L"zh-Hant=fr-FR zh-HK=zh-Hant", L"zh zh"},
         // No file for the user: the system's language.
         {0x041D, 0x0811, L"ja=ja-JP en-US=en-US", L"ja ja"},
