@@ -31,7 +31,8 @@ TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
     traceRecorder_t trace;
     const agentObjects_t agent;
     const blockView_t buffer(L"VLMAX_NIPC_BUFFER");
-    for (const auto& [name, body] : cases) {
+    for (const auto& [first, second] : cases) {
+        const std::string &name = first, &body = second; // bindings stay out of lambdas for clang
         std::memset(buffer.bytes, 0xEE, 0x1000);
         std::thread client([&] { EXPECT_TRUE(sendToAgent(window, 0xC123, name, body)); });
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(agent.dataReady.get(), limit));

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-// setValue writes a value into the registry, of the text with its end or of its first bytes. It makes
-// the key too.
+// setValue writes a value into the registry, of the text with its end or of its first bytes. It
+// makes the key too.
 inline void setValue(HKEY root, const std::wstring& key, const wchar_t* name,
                      const std::wstring& text, DWORD type = REG_SZ, DWORD size = 0)
 {
