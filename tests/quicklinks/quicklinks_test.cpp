@@ -149,8 +149,7 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
     QL ql;
     for (const auto& [name, target, manifest, shortManifest, told] : cases) {
         ql.add(name, target, manifest, 7, "i", true);
-        const std::string head = "|U QL for: " + shortManifest;
-        EXPECT_EQ(traced(), head + "|U   prof:  7|U   " + told);
+        EXPECT_EQ(traced(), "|U QL for: " + shortManifest + "|U   prof:  7|U   " + told);
         EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.
