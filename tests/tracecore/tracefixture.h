@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/patchimport.h"
+#include "support/registry.h"
 #include "support/tracedecoder.h"
 #include "tracecore/realtracer.h"
 #include "tracecore/sinks.h"
@@ -22,7 +23,6 @@ class tracingFixture : public testing::Test
 {
 protected:
     using strings = std::vector<std::string>;
-    static inline const std::wstring veltrano = L"SOFTWARE\\Veltrano\\";
 
     tracingFixture()
     {
@@ -50,13 +50,13 @@ protected:
     static void setNumber(const wchar_t* name, DWORD value, const std::wstring& subkey = L"Tracing",
                           DWORD type = REG_DWORD)
     {
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (veltrano + subkey).c_str(), name, type, &value, 4);
+        const std::wstring bytes = {static_cast<wchar_t>(value), static_cast<wchar_t>(value >> 16)};
+        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\" + subkey, name, bytes, type, 4);
     }
     static void setText(const wchar_t* name, const std::wstring& text,
                         const std::wstring& subkey = L"Tracing")
     {
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (veltrano + subkey).c_str(), name, REG_EXPAND_SZ,
-                        text.c_str(), static_cast<DWORD>(2 * text.size() + 2));
+        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\" + subkey, name, text, REG_EXPAND_SZ);
     }
 
     // Lets the interval of the configuration pass, and enters a function.

@@ -7,6 +7,7 @@
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "support/registry.h"
 #include "support/tracedecoder.h"
 
 namespace fs = std::filesystem;
@@ -23,12 +24,6 @@ void fill(const fs::path& path, const std::string& content)
 {
     fs::create_directories(fs::absolute(path).parent_path());
     std::ofstream(path, std::ios::binary) << content;
-}
-
-void setText(HKEY root, const wchar_t* key, const wchar_t* name, const std::wstring& text,
-             DWORD type = REG_SZ)
-{
-    RegSetKeyValueW(root, key, name, type, text.c_str(), static_cast<DWORD>(2 * text.size() + 2));
 }
 
 bool has(const std::string& text, const std::string& part)
@@ -103,7 +98,7 @@ protected:
         fs::current_path(folder);
         for (const wchar_t* key :
              {L"SOFTWARE\\Veltrano\\Applications", L"SOFTWARE\\Veltrano\\Applications\\KRS"})
-            setText(HKEY_LOCAL_MACHINE, key, L"BinDir", bin.wstring());
+            setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", bin.wstring());
         CopyFileW((bin / L"VLFPApi.dll").c_str(), L"C:\\windows\\system32\\VLFPApi.dll", TRUE);
         hostText(L"--plugin \"" + (bin / L"VLOnlineIDs.dll").wstring() + L"\" info");
         hostText(L"register");
@@ -123,8 +118,8 @@ protected:
              "[ShortCutRecord]\r\nUrl=https://bank.example/\r\nName=Bank\r\nProfile=1\r\n"
              "ManifestID=m\r\nUnknown=kept by none but a raw copy\r\n");
         RegDeleteKeyW(HKEY_CURRENT_USER, categoriesKey);
-        setText(HKEY_CURRENT_USER, categoriesKey, L"Work", L"%x%;bank", REG_EXPAND_SZ);
-        setText(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory", L"Work");
+        setValue(HKEY_CURRENT_USER, categoriesKey, L"Work", L"%x%;bank", REG_EXPAND_SZ);
+        setValue(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory", L"Work");
         hostText(L"setting set open_guard_desk_qa Ctrl+1");
         hostText(L"setting set useGrabbingCreds 1");
         hostText(L"backup --force good.vlb");
@@ -158,7 +153,7 @@ protected:
         fs::remove(L"own\\bank.vlm");
         fill(L"own\\late.vlm", "late");
         fill(L"own\\updata.vls", "later state");
-        setText(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
+        setValue(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
         hostText(L"setting set open_guard_desk_qa Ctrl+2");
     }
 };
