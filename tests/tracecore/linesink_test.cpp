@@ -9,6 +9,7 @@ const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThre
 TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
 {
     static std::wstring tune;
+    tune.clear();
     static PHANDLER_ROUTINE handler;
     const importPatch_t beep{"Beep", +[](DWORD frequency, DWORD duration) -> BOOL {
                                  tune += formatWide(L" %d/%d", frequency, duration);
@@ -72,6 +73,7 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
 TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)
 {
     static std::wstring lines;
+    lines.clear();
     const importPatch_t output{"OutputDebugStringW", +[](const wchar_t* line) { lines += line; }};
     const std::unique_ptr<outputStorageInterface_i> debugger = createSink(sinkIDE);
     debugger->write('T', L"12:00:00.000", "f");
