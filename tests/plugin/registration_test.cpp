@@ -61,7 +61,7 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
     EXPECT_FALSE(has(L"UIElements")); // values alone don't keep a key
     const std::wstring other = L"TrayIcon\\other\\" + classText;
     for (const std::wstring& key : {other, std::wstring(L"TrayIcon\\own")})
-        setValue(HKEY_LOCAL_MACHINE, rootPath + L'\\' + key, L"", L"");
+        setValue(HKEY_LOCAL_MACHINE, (rootPath + L'\\').append(key), L"", L"");
     VLKT_SDK::CUnregisterComponents registrar;
     EXPECT_EQ(registrar.RemoveKeyChain(L"TrayIcon", L"own"), S_OK);
     EXPECT_EQ(has(L"TrayIcon\\own") * 2 + has(other), 1); // stops at another's

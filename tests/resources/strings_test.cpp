@@ -47,6 +47,7 @@ TEST(ResourceString, IsReadFromItsBlock)
 TEST(ResourceString, ThatHasNoBlockIsThePlatformsToFindAndToCut)
 {
     static std::wstring asked;
+    asked.clear();
     const importPatch_t byLanguage(
         "FindResourceExW", +[](HMODULE, LPCWSTR type, LPCWSTR name, WORD language) -> HRSRC {
             asked += tracecore::formatWide(L"%d %d %d, ", type, name, language);
