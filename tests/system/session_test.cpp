@@ -125,9 +125,10 @@ TEST_F(Session, IsTracedRecordByRecord)
         const plugin_t plugin;
         value_t none, text;
         const auto restore = plugin.as<IVLKTBackupRestore2>();
-        EXPECT_EQ(S_OK, plugin.entry<HRESULT WINAPI()>("DllRegisterServer")());
-        const std::wstring role = L'2' + (m_built / L"VLOnlineIDs.dll").wstring() + L'\0' +
-                                  std::wstring(L"76.0\0007.0\0008.0\0\0", 14);
+        const std::wstring dll = (m_built / L"VLOnlineIDs.dll").wstring();
+        EXPECT_EQ(0, _wspawnl(_P_WAIT, LR"(C:\windows\system32\regsvr32.exe)", L"regsvr32", L"/s",
+                              (L'"' + dll + L'"').c_str(), nullptr)); // the platform's own tool
+        const std::wstring role = L'2' + dll + L'\0' + std::wstring(L"76.0\0007.0\0008.0\0\0", 14);
         EXPECT_EQ(role + role + role, registered());
         information(plugin);
         const std::string links = fileBytes(m_krs / L"QuickLinks.txt");
