@@ -64,15 +64,18 @@ TEST(DerNode, IntegersGoOutInTheShortestFormAndComeBackUnsigned)
 
 TEST(DerReader, TakesWholeElementsAndNothingOnFailure)
 {
+    std::string indefinite = "04 80";
+    for (int octet = 0; octet < 0x80; ++octet)
+        indefinite += " 00";
     // Octets of header, 0 for a refusal, and of content.
-    const std::tuple<const char*, size_t, size_t> cases[] = {
+    const std::tuple<std::string, size_t, size_t> cases[] = {
         {"04 01 41 FF", 2, 1},             // bytes behind
         {"04 81 01 41", 3, 1},             // needlessly long length
         {"04 85 00 00 00 00 01 41", 0, 0}, // five
         {"04 84 FF FF FF FF 41", 0, 0},
-        {"30 80 04 00 00 00", 0, 0}, // indefinite length
-        {"1F 81 05 01 41", 4, 1},    // tag of three octets
-        {"1F 81 85", 0, 0},          // tag without end
+        {indefinite, 0, 0},       // nor is it a length of 128
+        {"1F 81 05 01 41", 4, 1}, // tag of three octets
+        {"1F 81 85", 0, 0},       // tag without end
     };
     for (const auto& [text, header, length] : cases) {
         SCOPED_TRACE(text);

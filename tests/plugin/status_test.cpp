@@ -205,6 +205,10 @@ TEST_F(Status, PropertiesOfThePlugin)
     EXPECT_EQ(get(pages, {1, 3, 4, 8}), L"8:name 8:Password Manager 8:description 19:2 ");
     for (const ULONG id : {0u, 5u, 7u, 9u, 99u, 102u, 104u, 0xFFFFFFFFu})
         EXPECT_EQ(get(pages, {id}), L"80070648=0: "); // cleared before the id is seen
+    ATL::CComVariant held(static_cast<IVLKTPages*>(pages));
+    pages->GetProperty(0, &held);
+    static_cast<IVLKTPages*>(pages)->AddRef();
+    EXPECT_EQ(static_cast<IVLKTPages*>(pages)->Release(), 1u); // what it held was let go
 }
 
 TEST_F(Status, WithoutMemoryForATextTheTypeStays)
