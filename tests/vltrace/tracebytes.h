@@ -21,11 +21,10 @@ public:
     traceBytes_t& record(uint32_t thread, char level, const std::string& plain = {})
     {
         starts.push_back(bytes.size());
-        for (unsigned shift : {0U, 8U, 16U, 24U})
-            bytes.push_back(static_cast<uint8_t>(thread >> shift));
-        bytes.push_back(static_cast<uint8_t>(level));
-        bytes.push_back(static_cast<uint8_t>(plain.size()));
-        bytes.push_back(static_cast<uint8_t>(plain.size() >> 8));
+        const uint64_t head =
+            thread | uint64_t{static_cast<uint8_t>(level)} << 32 | uint64_t{plain.size()} << 40;
+        for (unsigned shift = 0; shift < 56; shift += 8)
+            bytes.push_back(static_cast<uint8_t>(head >> shift));
         return text(mixedTraceText(plain.substr(0, plain.size() & 0xFFFF), true));
     }
 
