@@ -136,7 +136,7 @@ TEST_F(TraceFile, NameRules)
             {L"host.exe", false, true, true, L"   ", L"", mine + L"host" + shared},
             {L"host.exe", true, true, true, L"", L"", mine + L"host" + stamped},
             {L"host.exe", false, true, false, L"", L" ", mine + L"host" + stamped},
-            {L"a.b.exe", false, true, true, L"", deep, deep + L"/a.b" + shared},
+            {L"dot.", false, true, true, L"", deep, deep + L"/dot." + shared},
             {L"iexplore.exe", false, false, true, L"", L"", mine + L"iexplore" + shared},
             {L"IExplore.exe.exe", false, false, true, L"", L"", mine + L"IExplore.exe" + stamped},
         };
