@@ -21,7 +21,7 @@
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/patchimport.h"
-#include "support/tracedecoder.h"
+#include "support/files.h"
 #include "support/tracerecorder.h"
 
 using fileMap = std::map<std::wstring, std::string>; // name and content
@@ -64,7 +64,7 @@ protected:
 
     void write(const std::wstring& path, const std::string& content) const // below the root
     {
-        std::ofstream(std::filesystem::path(m_root + path), std::ios::binary) << content;
+        writeFile(m_root + path, content);
     }
     fileMap files() const // all below the root
     {

@@ -14,6 +14,6 @@ inline std::string fileBytes(const std::filesystem::path& path)
 // writeFile makes the folder too, when it is missing.
 inline void writeFile(const std::filesystem::path& path, std::string_view content)
 {
-    std::filesystem::create_directories(path.parent_path());
+    std::filesystem::create_directories(std::filesystem::absolute(path).parent_path());
     std::ofstream(path, std::ios::binary) << content;
 }

@@ -20,12 +20,6 @@ const fs::path bin = fs::path(moduleFileName(nullptr)).parent_path();
 constexpr wchar_t dashboardKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
 constexpr wchar_t categoriesKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories";
 
-void fill(const fs::path& path, const std::string& content)
-{
-    fs::create_directories(fs::absolute(path).parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-}
-
 bool has(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
@@ -43,7 +37,7 @@ public:
     process_t(const std::wstring& program, const std::wstring& arguments,
               const std::string& input = "")
     {
-        fill(m_streams / L"0", input);
+        writeFile(m_streams / L"0", input);
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
         CFileHandle streams[3];
         for (size_t i = 0; i < 3; ++i)
@@ -110,13 +104,13 @@ protected:
     void SetUp() override
     {
         fs::remove_all(L"own");
-        fill(L"own\\bank.vlm", "bank");
-        fill(L"own\\Köln.vlm", "post");
-        fill(L"own\\updata.vls", "state");
-        fill(L"never.txt", "https://never.example/\r\n");
-        fill(L"links.txt",
-             "[ShortCutRecord]\r\nUrl=https://bank.example/\r\nName=Bank\r\nProfile=1\r\n"
-             "ManifestID=m\r\nUnknown=kept by none but a raw copy\r\n");
+        writeFile(L"own\\bank.vlm", "bank");
+        writeFile(L"own\\Köln.vlm", "post");
+        writeFile(L"own\\updata.vls", "state");
+        writeFile(L"never.txt", "https://never.example/\r\n");
+        writeFile(L"links.txt",
+                  "[ShortCutRecord]\r\nUrl=https://bank.example/\r\nName=Bank\r\nProfile=1\r\n"
+                  "ManifestID=m\r\nUnknown=kept by none but a raw copy\r\n");
         RegDeleteKeyW(HKEY_CURRENT_USER, categoriesKey);
         setValue(HKEY_CURRENT_USER, categoriesKey, L"Work", L"%x%;bank", REG_EXPAND_SZ);
         setValue(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory", L"Work");
@@ -151,8 +145,8 @@ protected:
     static void change()
     {
         fs::remove(L"own\\bank.vlm");
-        fill(L"own\\late.vlm", "late");
-        fill(L"own\\updata.vls", "later state");
+        writeFile(L"own\\late.vlm", "late");
+        writeFile(L"own\\updata.vls", "later state");
         setValue(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
         hostText(L"setting set open_guard_desk_qa Ctrl+2");
     }
@@ -160,7 +154,7 @@ protected:
 
 TEST_F(Host, BackupIsWholeAndNeverOverwritesUnasked)
 {
-    fill(L"kept.vlb", "precious");
+    writeFile(L"kept.vlb", "precious");
     EXPECT_EQ(1u, host(L"backup kept.vlb").status);
     EXPECT_EQ("precious", fileBytes(L"kept.vlb"));
     hostText(L"backup kept.vlb --force");
@@ -173,11 +167,11 @@ TEST_F(Host, BackupIsWholeAndNeverOverwritesUnasked)
 TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
 {
     std::string bytes = fileBytes(L"good.vlb");
-    fill(L"cut.vlb", bytes.substr(0, bytes.size() - 1));
+    writeFile(L"cut.vlb", bytes.substr(0, bytes.size() - 1));
     const std::string name("\0b\0a\0n\0k\0.\0v\0l\0m", 16);
     ASSERT_NE(std::string::npos, bytes.find(name));
     bytes.replace(bytes.find(name), 16, "\0.\0.\0\\\0.\0e\0x\0e\0x", 16);
-    fill(L"hostile.vlb", bytes);
+    writeFile(L"hostile.vlb", bytes);
     change();
     const auto before = state();
     const std::string plan = hostText(L"restore --dry-run good.vlb");
@@ -217,7 +211,7 @@ TEST_F(Host, UndoBringsBackTheExactStateAndCanBeUndone)
 
 TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
 {
-    fill(L"text.dll", "no library");
+    writeFile(L"text.dll", "no library");
     const std::tuple<const wchar_t*, DWORD, const char*> cases[] = {
         {L"", 2, "see --help"},
         {L"restore C:\\none.vlb --secret-from 0", 2, "plugin-data"},
@@ -275,7 +269,7 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
     const process_t waiting(L"vlhost.exe", on);
     const fs::path name =
         L"traces\\h.x64.vlonlineids.dll~~01.02.26_at_03.04.05.006~~1." + self + L".trc3";
-    fill(name, "");
+    writeFile(name, "");
     std::ofstream file(name);
     EXPECT_EQ(0u, waiting.Result().status) << waiting.Result().err;
     EXPECT_TRUE(has(hostText(L"trace status"), "open: yes"));
