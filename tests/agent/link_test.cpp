@@ -99,6 +99,8 @@ TEST(Transfer, BrokenLinkEndsTheExchangeAndKeepsNothing)
         {
             const CKernelHandle taken(c.size ? newBlock(c.taken, c.size)
                                              : CreateMutexW(nullptr, FALSE, c.taken));
+            const CKernelHandle both( // with the one event the other, of which nothing is said
+                CreateMutexW(nullptr, FALSE, c.taken == acknowledge ? ready : nullptr));
             const agentObjects_t agent;
             if (c.wait == 1) // another client's, so that giving it back would show
                 WaitForSingleObject(agent.semaphore.get(), 0);

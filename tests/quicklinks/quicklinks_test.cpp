@@ -81,6 +81,7 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
         {"KRSDlgPaths=u?1\nName=a\nManifest=t\nUrl=u?1\n[ShortCutRecord]\n"
          "Name=b\nManifest=%O%\nUrl=u?2\n[ShortCutRecord]\nName=c\nManifest=%O%\nUrl=U",
          nullptr, "ac"},
+        {"KRSDlgPaths=,\nName=a\nManifest=%O%", nullptr, "a"}, // no item, not even an empty one
         {"Name=a\nManifest=t\n[ShortCutRecord]\nName=b\nManifest=%O%", nullptr, "a"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
