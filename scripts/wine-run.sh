@@ -7,4 +7,8 @@ case "${LC_ALL:-}" in '' | C | POSIX) export LC_ALL=C.UTF-8 ;; esac
 unset DISPLAY WAYLAND_DISPLAY
 export WINEPREFIX WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
-exec "$wine" "$@"
+# Wine maps the shared user data at a fixed address. With randomised addresses about one new process in ten thousand
+# finds that place taken and dies, and CreateProcess fails with ERROR_INTERNAL_ERROR. A container may forbid the switch.
+setarch -R true 2>/dev/null && fixed='setarch -R' || fixed=
+# shellcheck disable=SC2086 # two words or none
+exec $fixed "$wine" "$@"
