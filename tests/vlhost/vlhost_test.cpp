@@ -51,7 +51,8 @@ public:
         std::wstring line = L'"' + (bin / program).wstring() + L"\" " + arguments;
         PROCESS_INFORMATION process{};
         EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                   nullptr, &startup, &process));
+                                   nullptr, &startup, &process))
+            << "error " << GetLastError();
         CloseHandle(process.hThread);
         m_process.reset(process.hProcess);
     }
