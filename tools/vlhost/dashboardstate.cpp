@@ -30,28 +30,15 @@ CRegistryKey open(HKEY parent, const wchar_t* name, REGSAM access)
 
 bool read(HKEY key, registryValue_t& value)
 {
-    DWORD size = 0;
-    LSTATUS error = RegQueryValueExW(key, value.name.c_str(), nullptr, &value.type, nullptr, &size);
-    while (error == ERROR_SUCCESS || error == ERROR_MORE_DATA) {
-        value.data.resize(size + 1); // never empty, so that a pointer is there
-        size = static_cast<DWORD>(value.data.size());
-        error = RegQueryValueExW(key, value.name.c_str(), nullptr, &value.type, value.data.data(),
-                                 &size);
-        if (error != ERROR_SUCCESS)
-            continue;
-        value.data.resize(size);
-        return true;
-    }
+    const LSTATUS error = readValue(key, value);
     if (error != ERROR_FILE_NOT_FOUND)
         check(error, "read");
-    return false;
+    return error == ERROR_SUCCESS;
 }
 
 void write(HKEY key, const registryValue_t& value)
 {
-    check(RegSetValueExW(key, value.name.c_str(), 0, value.type, value.data.data(),
-                         static_cast<DWORD>(value.data.size())),
-          "write");
+    check(writeValue(key, value), "write");
 }
 
 CRegistryKey make(HKEY parent, const wchar_t* name)

@@ -1,21 +1,11 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <vector>
 
-#include <windows.h>
-
-#include "files.h"
+#include "registryvalue.h"
 
 // What a dashboard keeps of the quick link categories in the registry, and a restore replaces.
-
-// registryValue_t is one value as it stands in the registry.
-struct registryValue_t {
-    std::wstring name;
-    DWORD type = REG_SZ;
-    bytes_t data;
-};
 
 // dashboardState_t is empty where key or value isn't there.
 struct dashboardState_t {

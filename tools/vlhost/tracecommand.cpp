@@ -1,5 +1,6 @@
 #include "commands.h"
 
+#include <functional>
 #include <optional>
 
 #include "common/commandline.h"
@@ -128,28 +129,34 @@ Json::Value statusOf(const module_t& module)
     return json;
 }
 
-// checkWait refuses to wait for what can't be seen from outside.
-void checkWait(const arguments_t& arguments, bool on)
+// processesToFollow gives those that --wait means. It refuses, before anything is switched, what
+// can't be waited for or can't be seen from outside.
+std::vector<DWORD> processesToFollow(const arguments_t& arguments, const module_t& module, bool on)
 {
+    if (!arguments.process)
+        return {};
     if (on && arguments.to != "file")
         throw CToolError("--wait can prove it by a trace file alone", "leave --wait out", 2);
     if (!readTraceSwitch().Stamped())
         throw CToolError("--wait needs a trace file for each process, and a value under "
                          "HKLM\\SOFTWARE\\Veltrano\\Tracing gives all one name",
                          "remove FileName, or NewFileAlways or noTimestamp");
-    if (on && excludedFromTracing(L"VLOnlineIDs"))
+    if (on && excludedFromTracing(module.Component()))
         throw CToolError("the plug-in writes no trace: it is listed in ComponentsNOT",
                          "remove it there, below HKLM\\SOFTWARE\\Veltrano\\Tracing");
+    if (*arguments.process == everyProcess)
+        return processesWith(module.name);
+    checkWatchable(*arguments.process, module.name);
+    return {*arguments.process};
 }
 
-Json::Value waitForAll(const arguments_t& arguments, const module_t& module, bool toFile)
+// waitForAll waits for the processes. The switch is set and stays so, whatever they do.
+Json::Value waitForAll(const std::vector<DWORD>& processes, const arguments_t& arguments,
+                       const module_t& module, bool toFile)
 {
     const auto deadline =
         std::chrono::steady_clock::now() + std::chrono::seconds(arguments.timeout);
     const std::wstring folder = readTraceSwitch().Folder(module.folder);
-    std::vector<DWORD> processes = {*arguments.process};
-    if (*arguments.process == everyProcess)
-        processes = processesWith(module.name);
     Json::Value list(Json::arrayValue);
     std::string late;
     for (const DWORD process : processes) {
@@ -166,17 +173,25 @@ Json::Value waitForAll(const arguments_t& arguments, const module_t& module, boo
     if (!late.empty())
         throw CToolError("not followed within " + std::to_string(arguments.timeout) +
                              " seconds: process " + late,
-                         "the switch is set; a process looks when the plug-in is next called, and "
-                         "one that traced before keeps its folder until it was switched off");
+                         std::string("tracing stays ") +
+                             (toFile ? "on, until 'vlhost trace off'" : "off") +
+                             "; a process looks when the plug-in is next called, and one that "
+                             "traced before keeps its folder until it was switched off");
     return list;
 }
 
-void finish(const arguments_t& arguments, const options_t& options, bool toFile)
+// change switches, waits and prints.
+void change(const arguments_t& arguments, const options_t& options, bool on,
+            const std::function<void()>& makeChange)
 {
     const module_t module(options.plugin);
+    const std::vector<DWORD> processes = processesToFollow(arguments, module, on);
+    CTraceSwitchGuard guard;
+    makeChange();
+    guard.Keep();
     Json::Value followed;
     if (arguments.process)
-        followed = waitForAll(arguments, module, toFile);
+        followed = waitForAll(processes, arguments, module, on);
     Json::Value json = statusOf(module);
     if (arguments.process)
         json["followed"] = followed;
@@ -192,13 +207,10 @@ void switchOn(const arguments_t& arguments, const options_t& options)
     if (!folder.empty() && !full)
         throw CToolError("'" + arguments.folder + "' is no full path",
                          "every process would take it from its own current folder", 2);
-    if (arguments.process)
-        checkWait(arguments, true);
     const traceTarget_t target = arguments.to == "console"    ? traceTarget_t::console
                                  : arguments.to == "debugger" ? traceTarget_t::debugger
                                                               : traceTarget_t::file;
-    switchTraceOn(until, target, folder);
-    finish(arguments, options, true);
+    change(arguments, options, true, [&] { switchTraceOn(until, target, folder); });
 }
 
 void addWait(CLI::App* command, const std::shared_ptr<arguments_t>& arguments)
@@ -237,12 +249,7 @@ void addTraceCommands(CLI::App& app, const options_t& options)
 
     CLI::App* const off = trace->add_subcommand("off", "Switch it off");
     addWait(off, arguments);
-    off->callback([arguments, &options] {
-        if (arguments->process)
-            checkWait(*arguments, false);
-        switchTraceOff();
-        finish(*arguments, options, false);
-    });
+    off->callback([arguments, &options] { change(*arguments, options, false, switchTraceOff); });
 
     trace->add_subcommand("status", "What is set, and which trace files lie there")
         ->callback([&options] { printResult(statusOf(module_t(options.plugin)), options.json); });

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr wchar_t tracingKey[] = L"SOFTWARE\\Veltrano\\Tracing";
+constexpr const wchar_t* changedValues[] = {L"DoTrace", L"TraceToFile", L"TracePath",
+                                            L"TracePathLow"};
 
 CRegistryKey openKey(HKEY parent, const wchar_t* name)
 {
@@ -143,6 +145,25 @@ void switchTraceOff()
     const LSTATUS error = RegDeleteValueW(key.get(), L"DoTrace");
     if (error != ERROR_FILE_NOT_FOUND)
         check(error, "switch off");
+}
+
+CTraceSwitchGuard::CTraceSwitchGuard()
+{
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey);
+    for (const auto* name : changedValues)
+        if (registryValue_t value{name, REG_SZ, {}}; key && readValue(key.get(), value) == 0)
+            m_before.push_back(std::move(value));
+}
+
+CTraceSwitchGuard::~CTraceSwitchGuard()
+{
+    CRegistryKey key;
+    if (m_kept || RegOpenKeyExW(HKEY_LOCAL_MACHINE, tracingKey, 0, KEY_SET_VALUE, key.put()) != 0)
+        return; // a key that can't be written has not been changed
+    for (const auto* name : changedValues)
+        RegDeleteValueW(key.get(), name);
+    for (const auto& value : m_before)
+        writeValue(key.get(), value);
 }
 
 DWORD noonOf(const std::string& day)

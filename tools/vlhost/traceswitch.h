@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include <windows.h>
+#include "registryvalue.h"
 
 // The switch of tracing in the registry, as the plug-in reads it: SOFTWARE\Veltrano\Tracing of
 // HKEY_LOCAL_MACHINE. The values and what they mean are told in docs/trace-format.md.
@@ -40,6 +41,23 @@ enum class traceTarget_t : DWORD { file = 1, console = 3, debugger = 4 };
 // Errors: CToolError, which explains a denied access
 void switchTraceOn(DWORD until, traceTarget_t target, const std::wstring& folder);
 void switchTraceOff();
+
+// CTraceSwitchGuard puts the values that switchTraceOn and switchTraceOff change back to what they
+// were when it was made, unless the change is kept.
+class CTraceSwitchGuard
+{
+public:
+    CTraceSwitchGuard();
+    ~CTraceSwitchGuard();
+    CTraceSwitchGuard(const CTraceSwitchGuard&) = delete;
+    CTraceSwitchGuard& operator=(const CTraceSwitchGuard&) = delete;
+
+    void Keep() noexcept { m_kept = true; }
+
+private:
+    std::vector<registryValue_t> m_before; // those that were there
+    bool m_kept = false;
+};
 
 // noonOf gives the seconds of noon of a day such as 2026-12-31, local time, so that it is that day
 // by whatever rule of summer time.

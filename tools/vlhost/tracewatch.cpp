@@ -6,6 +6,7 @@
 
 #include "common/commandline.h"
 #include "common/scoped.h"
+#include "common/text.h"
 #include "print.h"
 
 namespace {
@@ -83,15 +84,25 @@ std::vector<DWORD> processesWith(const std::wstring& moduleName)
     return found;
 }
 
+void checkWatchable(DWORD process, const std::wstring& moduleName)
+{
+    const std::string number = std::to_string(process);
+    const CKernelHandle handle(OpenProcess(SYNCHRONIZE, FALSE, process));
+    if (!handle)
+        throw CToolError("process " + number + " can't be watched: " + errorText(GetLastError()),
+                         "nothing was switched; is the number right, and the process yours?");
+    if (!hasModule(process, moduleName))
+        throw CToolError("process " + number + " has not loaded " + utf8FromWide(moduleName),
+                         "nothing was switched; a process follows once it has the plug-in");
+}
+
 followed_t waitUntilFollowed(DWORD process, const std::wstring& moduleName,
                              const std::wstring& folder, bool toFile,
                              std::chrono::steady_clock::time_point deadline)
 {
     const CKernelHandle handle(OpenProcess(SYNCHRONIZE, FALSE, process));
     if (!handle)
-        throw CToolError("process " + std::to_string(process) +
-                             " can't be watched: " + errorText(GetLastError()),
-                         "is the number right, and the process yours?");
+        return followed_t::ended;
     const std::wstring mark = L".x64." + lower(moduleName) + L"~~";
     const auto isItsFile = [&](const traceFile_t& file) {
         return file.open && file.process == process &&

@@ -25,6 +25,12 @@ std::vector<traceFile_t> traceFilesIn(const std::wstring& folder);
 // looked into.
 std::vector<DWORD> processesWith(const std::wstring& moduleName);
 
+// checkWatchable refuses a process that can't be waited for, or hasn't loaded a module of that file
+// name and so never follows.
+//
+// Errors: CToolError
+void checkWatchable(DWORD process, const std::wstring& moduleName);
+
 // followed_t is what became of one process.
 enum class followed_t { yes, ended, no };
 
@@ -36,7 +42,7 @@ enum class followed_t { yes, ended, no };
 // folder:   of the trace files, whose names are stamped
 // toFile:   what is waited for
 // deadline: at which the result is no
-// Errors:   CToolError for a process that can't be found
+// Returns:  ended also for a process that is not there any more
 followed_t waitUntilFollowed(DWORD process, const std::wstring& moduleName,
                              const std::wstring& folder, bool toFile,
                              std::chrono::steady_clock::time_point deadline);
