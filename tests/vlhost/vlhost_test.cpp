@@ -221,6 +221,7 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
         {L"--plugin C:\\windows\\system32\\version.dll info", 1, "is this the plug-in's DLL"},
         {L"setting get no_such_key", 1, "spelt right"},
         {L"trace on --dir traces", 2, "full path"},
+        {L"call get-property 12345", 1, "ERROR_UNKNOWN_PROPERTY"},
     };
     for (const auto& [arguments, status, told] : cases) {
         const auto [got, out, err] = host(arguments);
@@ -231,6 +232,21 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
     hostText(L"unregister");
     EXPECT_TRUE(has(host(L"status").err, "vlhost register"));
     hostText(L"register");
+}
+
+// Only the notification of a missing set-up goes, and the dashboard's own value brings it back.
+TEST_F(Host, DismissalHoldsUntilShown)
+{
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(has(hostText(L"dismiss"), "level: 4"));
+        EXPECT_TRUE(has(hostText(L"show"), "level: 2"));
+    }
+    EXPECT_TRUE(has(hostText(L"notifications"), "shown: yes"));
+    constexpr wchar_t card[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard";
+    setValue(HKEY_CURRENT_USER, card, L"IDCard_SS", L"\1", REG_DWORD, 4);
+    EXPECT_EQ(1u, host(L"dismiss").status);
+    hostText(L"show");
+    RegDeleteKeyW(HKEY_CURRENT_USER, card);
 }
 
 // What vlhost console starts tells what it was started with.
@@ -266,6 +282,11 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
 {
     const std::wstring self = std::to_wstring(GetCurrentProcessId());
     const std::wstring on = L"trace on --dir \"C:\\vlhost test\\traces\" --wait " + self;
+    const std::string before = hostText(L"trace status");
+    EXPECT_EQ(1u, host(L"trace on --wait 99999").status);
+    EXPECT_EQ(1u, host(on).status); // it hasn't the plug-in yet
+    EXPECT_EQ(before, hostText(L"trace status"));
+    const CLoadedModule plugin(LoadLibraryW((bin / L"VLOnlineIDs.dll").c_str()));
     EXPECT_TRUE(has(host(on + L" --timeout 1").err, "process " + utf8FromWide(self)));
     const process_t waiting(L"vlhost.exe", on);
     const fs::path name =

@@ -25,6 +25,7 @@ Json::Value outcome(HRESULT status)
 {
     Json::Value json(Json::objectValue);
     json["status"] = jsonOfStatus(status);
+    json["failed"] = FAILED(status);
     return json;
 }
 
@@ -123,7 +124,12 @@ void addCallCommands(CLI::App& app, const options_t& options)
         CLI::App* const command = call->add_subcommand(name, help);
         command->callback([&options, body] {
             const CPluginHost host(options.plugin);
-            printResult(body(host), options.json);
+            const Json::Value result = body(host);
+            printResult(result, options.json);
+            const Json::Value& status = result["status"];
+            if (result["failed"].asBool())
+                throw CToolError("the operation failed: " + status["number"].asString() + ' ' +
+                                 status["name"].asString());
         });
         return command;
     };

@@ -26,6 +26,7 @@ constexpr std::array statusMeanings = {"not set up", "ready", "at risk"};
 constexpr std::array levelMeanings = {"unknown", "at risk: the user has to act",
                                       "not set up: the user is advised", "all is well",
                                       "not set up, and the user has dismissed the advice"};
+constexpr LONG levelDismissed = 4;
 constexpr std::array switchMeanings = {"on: no policy, or none that can be read", "on, by policy",
                                        "off, by the user's own setting", "off, by policy"};
 
@@ -162,16 +163,42 @@ Json::Value infoOf(const CPluginHost& host)
     return json;
 }
 
-// setShown shows or dismisses what the dashboard shows now.
+constexpr wchar_t dismissedKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\"
+                                   L"DismissMessages\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
+constexpr wchar_t dismissedLevel[] = L"2"; // the value that turns level 2 into level 4
+
+// undismiss takes the user's dismissal back. A dismissed notification can't: it is of level 4, and
+// writes its flag under that number.
+void undismiss()
+{
+    const LSTATUS error = RegDeleteKeyValueW(HKEY_CURRENT_USER, dismissedKey, dismissedLevel);
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
+        throw CToolError("the dismissal can't be taken back: " +
+                             errorText(static_cast<DWORD>(error)),
+                         "it is the value 2 of HKCU\\" + utf8FromWide(dismissedKey));
+}
+
+// setShown shows or dismisses what the dashboard shows now, and asks the plug-in whether it is so.
 Json::Value setShown(const CPluginHost& host, bool shown)
 {
     CVariant flag;
     flag.Get()->vt = VT_BOOL;
     flag.Get()->boolVal = shown ? VARIANT_TRUE : VARIANT_FALSE;
+    if (shown && securityLevel(host) == levelDismissed)
+        undismiss();
     eachNotification(host, [&](unsigned, IVLKTElementUI* notice) {
         const HRESULT status = notice->SetProperty(commandSetShown, flag.Get());
         if (FAILED(status))
             throw CToolError("the notification refused: " + statusText(status));
+    });
+    eachNotification(host, [&](unsigned, IVLKTElementUI* notice) {
+        CVariant now;
+        const bool always = FAILED(notice->GetProperty(notificationShown, now.Get()));
+        if ((always || now.Value().boolVal != VARIANT_FALSE) != shown)
+            throw CToolError(std::string("the notification is still ") +
+                                 (shown ? "dismissed" : "shown"),
+                             always ? "while the user is at risk it can't be dismissed"
+                                    : "may HKCU\\" + utf8FromWide(dismissedKey) + " be written?");
     });
     Json::Value json(Json::objectValue);
     const LONG level = securityLevel(host);

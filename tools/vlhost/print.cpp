@@ -142,7 +142,7 @@ constexpr const char* memberOrder[] = {
     "tracing", "to", "until", "excluded", "folder", "values", "followed", "files", "size",
     "modified", "process", "open", "result",
     // of a single call
-    "type", "text", "value", "lower", "upper"};
+    "failed", "type", "text", "value", "lower", "upper"};
 
 size_t rankOf(const std::string& name)
 {
