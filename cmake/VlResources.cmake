@@ -43,7 +43,8 @@ endfunction()
 # vl_add_language(LANGUAGE LANGID DESCRIPTION text PAGE_TITLE text PAGE_NOTE text)
 #
 # The language file bin/<LANGUAGE>/VLOnlineIDs.dll.mui, made from src/resources/lang/<LANGUAGE>.rc. The target is
-# vl_language_<LANGUAGE>, and part of vl_languages.
+# vl_language_<LANGUAGE>, and part of vl_languages. The global property VL_LANGUAGES lists all of them, for what ships
+# and what tests them.
 function(vl_add_language language langid)
   cmake_parse_arguments(arg "" "DESCRIPTION;PAGE_TITLE;PAGE_NOTE" "" ${ARGN})
   set(source ${CMAKE_SOURCE_DIR}/src/resources)
@@ -69,4 +70,5 @@ function(vl_add_language language langid)
     add_custom_target(vl_languages)
   endif()
   add_dependencies(vl_languages ${target})
+  set_property(GLOBAL APPEND PROPERTY VL_LANGUAGES ${language})
 endfunction()

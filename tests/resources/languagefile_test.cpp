@@ -80,18 +80,3 @@ TEST(LanguageSearch, GivesBackADllThatKeepsItsTextsItselfAndRefusesOneLanguage)
     const CLoadedModule german(LoadLanguageLibrary(path, languageFolderById, 0x0407));
     EXPECT_EQ(languageOf(german.get()), L"de");
 }
-
-TEST(LanguageFile, EachHasEveryStringAndTheDllHasNone)
-{
-    const installation_t installation;
-    for (const wchar_t* language : {L"en-US", L"de-DE", L"fr-FR", L"ja-JP", L"zh-Hant"}) {
-        const CLoadedModule file = loadAsData(installation.install(language, language));
-        for (const UINT id : {1026u, 1029u, 1031u, 1041u, 1052u, 1053u, 1054u}) {
-            std::wstring text;
-            EXPECT_GT(LoadStringFromModule(file.get(), id, text), 5) << language << id;
-            EXPECT_EQ(text.find(L'?'), std::wstring::npos) << "characters lost: " << language << id;
-            EXPECT_EQ(LoadStringFromModule(installation.dll.get(), id, text), 0);
-        }
-    }
-    EXPECT_TRUE(LoadIconW(installation.dll.get(), MAKEINTRESOURCEW(IDI_PLUGIN)));
-}
