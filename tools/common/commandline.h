@@ -1,30 +1,24 @@
 #pragma once
 
-#include <stdexcept>
+#include <functional>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
-// What the command line tools share.
+#include "common/toolerror.h"
 
-// CToolError ends a tool with one line on standard error: what is wrong, and a hint what to do
-// about it.
-class CToolError : public std::runtime_error
-{
-public:
-    explicit CToolError(const std::string& what, const std::string& hint = {}, int exitStatus = 1)
-        : std::runtime_error(hint.empty() ? what : what + " (" + hint + ")"),
-          m_exitStatus(exitStatus)
-    {}
-    int ExitStatus() const noexcept { return m_exitStatus; }
-
-private:
-    int m_exitStatus;
-};
-
-// runTool parses the arguments and runs the chosen command's callback. Arguments are UTF-8 (on
-// Windows from the wide command line), and so is what is printed; standard output takes bytes as
-// they are.
+// runTool is the frame of every tool: it parses the arguments, runs the chosen command's callback
+// and then work, and makes one printable line on err of whatever failure they raise.
 //
-// Returns: the exit status: 0, 1 for a failure, 2 for wrong usage, or that of a CToolError
+// arguments: UTF-8, without the program's name
+// out:       UTF-8, or bytes as they are; flushed at the end
+// work:      what remains to be done after parsing; gives the exit status
+// Returns:   the exit status: work's or good; failed; wrongUsage; or that of a CToolError
+int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
+            const std::function<int()>& work = {});
+
+// The same on the process's own streams and arguments, which on Windows come from the wide command
+// line.
 int runTool(CLI::App& app, int argc, char** argv);

@@ -1,4 +1,4 @@
-#include "toolmain.h"
+#include "common/toolmain.h"
 
 #include <iostream>
 

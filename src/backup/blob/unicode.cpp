@@ -6,7 +6,21 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-// Takes one character off the front. A broken sequence ends before the octet that broke it.
+char32_t takeCharacter(std::u16string_view& text)
+{
+    const char32_t first = text.front();
+    text.remove_prefix(1);
+    if (first < 0xD800 || first > 0xDFFF)
+        return first;
+    if (first > 0xDBFF || text.empty() || text.front() < 0xDC00 || text.front() > 0xDFFF)
+        return replacement;
+    const char32_t second = text.front();
+    text.remove_prefix(1);
+    return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+} // namespace
+
 char32_t takeCharacter(std::string_view& text)
 {
     const auto first = static_cast<uint8_t>(text.front());
@@ -33,21 +47,6 @@ char32_t takeCharacter(std::string_view& text)
     }
     return character;
 }
-
-char32_t takeCharacter(std::u16string_view& text)
-{
-    const char32_t first = text.front();
-    text.remove_prefix(1);
-    if (first < 0xD800 || first > 0xDFFF)
-        return first;
-    if (first > 0xDBFF || text.empty() || text.front() < 0xDC00 || text.front() > 0xDFFF)
-        return replacement;
-    const char32_t second = text.front();
-    text.remove_prefix(1);
-    return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
-}
-
-} // namespace
 
 std::u16string utf16FromUtf8(std::string_view text)
 {

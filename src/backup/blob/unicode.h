@@ -9,3 +9,7 @@
 // Errors: std::bad_alloc
 std::u16string utf16FromUtf8(std::string_view text);
 std::string utf8FromUtf16(std::u16string_view text);
+
+// takeCharacter takes one character off the front of UTF-8 text, which isn't empty. A broken
+// sequence is taken up to the octet that broke it, and gives U+FFFD.
+char32_t takeCharacter(std::string_view& text);

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+// What the tools need of the file system, with long and any UTF-8 names on all platforms.
+
+// pathOf gives the path of a UTF-8 name. On Windows it is the full one, in the form that may be
+// longer than MAX_PATH.
+std::filesystem::path pathOf(const std::string& name);
+
+enum class EntryKind {
+    missing,
+    file,
+    folder,
+    other, // a device, a pipe: what is written there replaces nothing
+};
+// entryKind looks at what a path leads to, through links. What can't be looked at counts as missing
+// or, if it was refused, as a file, so that opening it reports the reason.
+EntryKind entryKind(const std::filesystem::path& path) noexcept;
+
+// isSameFile is true for two paths of one existing file.
+bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) noexcept;
+
+// createNewFile makes an empty file; an existing one is an error.
+std::error_code createNewFile(const std::filesystem::path& path) noexcept;
+
+// flushFile waits until the file's bytes are on the disk.
+std::error_code flushFile(const std::filesystem::path& path) noexcept;
+
+// moveFile renames a file within its folder.
+// replace: whether an existing target is replaced; else it is an error
+std::error_code moveFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                         bool replace) noexcept;
+
+// removeFile removes a file, and does not say whether it could.
+void removeFile(const std::filesystem::path& path) noexcept;
+
+// reasonOf gives the reason for a failed file operation as a clause. UTF-8
+std::string reasonOf(std::error_code error);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// printable gives text that a terminal only shows, whoever wrote it. These are written out:
+//
+//     \n \r \t         the line feed, the carriage return, the tab
+//     \x1B             every other control character below U+0020, and U+007F
+//     \xFF             a byte that belongs to no UTF-8 character
+//     \u{9B} \u{202E}  U+0080 to U+009F, the separators of lines and paragraphs, and the marks that
+//                      change the direction of what follows
+//
+// A backslash stays as it is, so that paths can be read; what a program reads is the JSON output.
+//
+// text: UTF-8, or any bytes
+std::string printable(std::string_view text);
+
+// printableLines does the same to text of several lines: LF and CR LF stay, as LF.
+std::string printableLines(std::string_view text);
+
+// isSteering is true for a character that steers what shows it instead of being shown.
+bool isSteering(char32_t character) noexcept;
