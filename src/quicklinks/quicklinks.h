@@ -58,11 +58,11 @@ public:
     void parse(const TextLines& lines);
 
     // render writes the records that have a kind, then the lists that aren't empty, each line with
-    // one line feed.
+    // one line feed. Out of memory, the stream says so in its own way.
     void render(const std::string& urls, const std::string& dlgpaths, std::ostream& out) const;
 
-    // save writes the file, with CR LF. There is no way back: a failure on the way leaves a short
-    // or empty file.
+    // save renders everything and then writes the file, with CR LF. A failure to render leaves the
+    // old file; there is no way back from one to write, which leaves a short or empty file.
     //
     // fileName: at most 260 characters
     // traced:   whether the name is traced

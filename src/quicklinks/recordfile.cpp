@@ -100,7 +100,8 @@ void openfolder(const std::wstring& fileName)
 
 void write(const std::wstring& fileName, const std::string& text)
 {
-    CStream stream(_wfopen(fileName.c_str(), L"w+"));
+    // Text by name: the program that loaded us may have made binary its default.
+    CStream stream(_wfopen(fileName.c_str(), L"w+t"));
     if (!stream)
         throw std::runtime_error("_wopen failed.");
     // A zero byte in a value ends the file there.
@@ -216,9 +217,11 @@ bool QL::save(const std::wstring& fileName, bool traced) const
     }
     try {
         std::ostringstream text;
+        text.exceptions(std::ios::badbit); // out of memory, it would only stop writing
         render(krsurls, krsdlgpaths, text);
+        const std::string whole = text.str();
         openfolder(fileName);
-        write(fileName, text.str());
+        write(fileName, whole);
         return true;
     } catch (...) {
         traceNote("savefile exception");

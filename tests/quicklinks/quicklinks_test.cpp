@@ -1,7 +1,10 @@
 #include "quicklinks/quicklinks.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <sstream>
@@ -110,7 +113,9 @@ TEST_F(QuickLinks, SaveWritesWhatReadsBack)
     QL ql;
     ql.records.emplace(ql.records.begin() + 1); // without a kind: not written
     ql.krsdlgpaths.append("\0c", 2);            // a zero ends the file
+    _fmode = _O_BINARY;                      // a host's own habit
     EXPECT_TRUE(ql.save(file, true));
+    _fmode = _O_TEXT;
     EXPECT_EQ(fileBytes(file), text);
     EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
     EXPECT_EQ(letIn, folder);
