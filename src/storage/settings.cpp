@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <memory>
+#include <new>
 
 #include <comdef.h>
 
@@ -126,10 +127,15 @@ HRESULT settings_query(const std::wstring& key, std::wstring& value)
     return statusof([&] {
         const CBstrText name = bstrof(key);
         BSTR answer = nullptr;
-        const HRESULT status = callprovider(&SettingsProvider::query, name.get(), &answer);
-        if (SUCCEEDED(status)) { // what a failed query may have left there is not ours
-            const CBstrText owner(answer);
+        const HRESULT status =
+            statusof([&] { return callprovider(&SettingsProvider::query, name.get(), &answer); });
+        if (FAILED(status)) // what a failed query may have left there is not ours
+            return status;
+        const CBstrText owner(answer);
+        try {
             value.assign(answer ? answer : L"", SysStringLen(answer));
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;
         }
         return status;
     });

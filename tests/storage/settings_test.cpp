@@ -29,11 +29,13 @@ TEST_F(Settings, WhateverTheProviderDoesBecomesAStatus)
     };
     const auto notFound = [](SettingsRequest*) { return unknown; };
     const auto comError = [](SettingsRequest*) -> HRESULT { throw _com_error(E_ABORT); };
+    const auto comSuccess = [](SettingsRequest*) -> HRESULT { throw _com_error(S_FALSE); };
     const auto anyError = [](SettingsRequest*) -> HRESULT { throw 1; };
     const std::tuple<SettingsCall, HRESULT, const wchar_t*> cases[] = {
         {noText, S_FALSE, L""},
         {notFound, unknown, L"|E 0 INSTALLATION: cannot set 'key'"},
         {comError, E_ABORT, L"|E -2147467260 cannot set 'key'"},
+        {comSuccess, S_FALSE, L""}, // its code decides, and that is a success
         {anyError, E_UNEXPECTED, L"|E -2147418113 cannot set 'key'"},
         {nullptr, E_NOTIMPL, L"|E -2147467263 cannot set 'key'"}};
     for (const auto& [call, status, messages] : cases) {
