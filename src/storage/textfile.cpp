@@ -64,10 +64,18 @@ MappedFile mapfile_open(const std::wstring& fileName)
         CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
     if (!mapping)
         return {};
-    const void* view = MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0);
-    if (!view)
+    MappedFile mapped{
+        0, static_cast<const uint8_t*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0))};
+    if (!mapped.view)
         return {};
-    return {GetFileSize(file.get(), nullptr), static_cast<const uint8_t*>(view)};
+    SetLastError(NO_ERROR);
+    mapped.size = GetFileSize(file.get(), nullptr);
+    // The value that says failure is also the low half of a size.
+    if (mapped.size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) {
+        mapfile_close(mapped);
+        return {};
+    }
+    return mapped;
 }
 
 void mapfile_close(MappedFile& mapped)

@@ -38,5 +38,8 @@ TEST_F(TextFile, NoFailureReachesTheCaller)
     }
     EXPECT_EQ(traced(), L"|E 0 load_textfile [badcrc]: 'sum \u00E4'"
                         L"|E 0 load_textfile: std::bad_alloc|E 0 load_textfile oo");
+    const importPatch_t size(
+        "GetFileSize", +[](HANDLE) { return SetLastError(ERROR_IO_DEVICE), INVALID_FILE_SIZE; });
+    EXPECT_TRUE(!mapfile_open(m_root + L"t").view) << "of a size that nobody knows";
     EXPECT_EQ(fileloadword(6) + fileloadword(5) + fileloadword(-1), "[6]nodll[-1]");
 }
