@@ -169,6 +169,14 @@ TEST(Blob, DecodesAsThePlatformDoes)
     }
 }
 
+decltype(&HeapReAlloc) originalReAlloc = nullptr;
+int growths = 0;
+
+void* WINAPI failFourthGrowth(HANDLE heap, DWORD flags, void* memory, SIZE_T size)
+{
+    return ++growths == 4 ? nullptr : originalReAlloc(heap, flags, memory, size);
+}
+
 TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
 {
     CVLBlobSeq outer(1), list(4);
@@ -176,24 +184,28 @@ TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
     CVLWStrBlob(L"").Encode(*list.Slot(2)); // slot 1 stays empty and is gone when read back
     CVLStrBlob("refused").Encode(*list.Slot(3));
     list.Encode(outer.items[0]);
-    ASSERT_TRUE(outer.Decode(outer.ReadNext())); // a list that lies in the one it replaces
+    CVLBlobSeq inner(7);
+    ASSERT_TRUE(inner.Decode(outer.ReadNext()));
 
     _auto_heap_mem<wchar_t> text;
     for (const wchar_t* expected : {L"one", L"", L"\x0804\x6572\x7566\x6573\x64"}) {
-        EXPECT_EQ(&outer.ReadNextWStr(text), &outer);
+        EXPECT_EQ(&inner.ReadNextWStr(text), &inner);
         EXPECT_STREQ(text.get(), expected); // the last as it is encoded
     }
-    outer.ReadNextWStr(text);
+    inner.ReadNextWStr(text);
     EXPECT_EQ(text.get(), nullptr);
-    EXPECT_EQ(outer.cursor, 3u);
+    EXPECT_EQ(inner.cursor, 3u);
 
     // Short of memory, only constructors come out with less.
+    const importPatch_t grow("HeapReAlloc", failFourthGrowth);
+    originalReAlloc = importOriginal<decltype(&HeapReAlloc)>(grow);
+    EXPECT_EQ(CVLBlobSeq(9).count, 8u) << "one failure costs one slot";
     const importPatch_t patch(
         "HeapAlloc", +[]() -> void* { return nullptr; });
     EXPECT_EQ(CVLBlobSeq(3).count, 0u);
     EXPECT_EQ(CVLWStrBlob(L"x").pbData, nullptr);
-    EXPECT_THROW(outer.Assign({3, outer.items}), _com_error);
-    EXPECT_EQ(outer.count, 3u);
+    EXPECT_THROW(inner.Assign({4, list.items}), _com_error);
+    EXPECT_EQ(inner.count, 0u) << "the old ones go first";
     EXPECT_THROW(list.Encode(*list.Slot(1)), _com_error);
     EXPECT_THROW(list.ReadNextWStr(text), _com_error);
 }

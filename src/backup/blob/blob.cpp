@@ -18,6 +18,11 @@ void* _heap_allocator::allocate(size_t size) noexcept
     return HeapAlloc(GetProcessHeap(), 0, size);
 }
 
+void* _heap_allocator::reallocate(void* memory, size_t size) noexcept
+{
+    return memory ? HeapReAlloc(GetProcessHeap(), 0, memory, size) : allocate(size);
+}
+
 void _heap_allocator::release(void* memory) noexcept
 {
     if (memory)
@@ -174,13 +179,19 @@ uint32_t readInteger(const _CRYPTOAPI_BLOB& element) noexcept
 
 CVLBlobSeq::CVLBlobSeq(DWORD n) noexcept
 {
-    for (; n > 0; n /= 2) { // short of memory, fewer slots
-        items = static_cast<_CRYPTOAPI_BLOB*>(_heap_allocator::allocate(n * sizeof *items));
-        if (items)
-            break;
-    }
-    count = n;
-    std::fill_n(items, n, _CRYPTOAPI_BLOB{});
+    for (; n > 0; --n)
+        Grow();
+}
+
+bool CVLBlobSeq::Grow() noexcept
+{
+    void* const grown =
+        _heap_allocator::reallocate(items, (size_t{count} + 1) * sizeof(_CRYPTOAPI_BLOB));
+    if (!grown)
+        return false;
+    items = static_cast<_CRYPTOAPI_BLOB*>(grown);
+    items[count++] = {};
+    return true;
 }
 
 void CVLBlobSeq::Clear() noexcept
@@ -203,15 +214,13 @@ void CVLBlobSeq::SecureClear() noexcept
 
 void CVLBlobSeq::Assign(const CRYPT_SEQUENCE_OF_ANY& elements)
 {
-    // Copied before the old ones go: the elements may lie in this very list.
-    CVLBlobSeq fresh(elements.cValue);
-    if (fresh.count < elements.cValue)
-        raiseStatus(E_OUTOFMEMORY);
-    for (DWORD i = 0; i < fresh.count; ++i)
-        fresh.items[i] = copyOf(blobView(elements.rgValue[i]));
     Clear();
-    std::swap(count, fresh.count);
-    std::swap(items, fresh.items);
+    for (DWORD i = 0; i < elements.cValue; ++i) {
+        if (!Grow())
+            raiseStatus(E_OUTOFMEMORY);
+        // Straight into this list: its owner wipes secrets, whatever fails later.
+        items[i] = copyOf(blobView(elements.rgValue[i]));
+    }
 }
 
 void CVLBlobSeq::Encode(_CRYPTOAPI_BLOB& destination) const

@@ -26,7 +26,9 @@ enum structType_t : uintptr_t {
 // _heap_allocator takes memory from the process heap.
 struct _heap_allocator {
     static void* allocate(size_t size) noexcept; // null on failure; not null for size 0
-    static void release(void* memory) noexcept;  // null is allowed
+    // reallocate may move the memory, which stays as it is on failure. null is allowed
+    static void* reallocate(void* memory, size_t size) noexcept;
+    static void release(void* memory) noexcept; // null is allowed
 };
 
 // _mem_alloc_t owns a buffer until it goes out of scope or release gives it up.
@@ -230,7 +232,7 @@ public:
 class CVLBlobSeq
 {
 public:
-    // n: empty slots to make; short of memory, count ends lower
+    // n: empty slots to make, one after the other; short of memory a slot is skipped
     explicit CVLBlobSeq(DWORD n = 0) noexcept;
     CVLBlobSeq(const CVLBlobSeq&) = delete;
     CVLBlobSeq& operator=(const CVLBlobSeq&) = delete;
@@ -239,16 +241,17 @@ public:
     void Clear() noexcept;
     void SecureClear() noexcept; // overwrites every element's bytes first
 
-    // Assign replaces the list by copies of the elements, which may be its own, and puts the cursor
-    // at 0. One without bytes stays an empty slot. Out of memory, the list is unchanged.
+    // Assign replaces the list by copies of the elements, none of them its own, and puts the cursor
+    // at 0. One without bytes stays an empty slot. Out of memory, the list holds the first ones.
     void Assign(const CRYPT_SEQUENCE_OF_ANY& elements);
 
     // Encode writes the sequence over the destination, whatever it pointed at. An empty slot adds
     // nothing, an empty list gives 30 00.
     void Encode(_CRYPTOAPI_BLOB& destination) const;
 
-    // Decode replaces the list by the elements of the source's sequence, which aren't looked into.
-    // False, with the list unchanged, if the source is null or no well-formed sequence.
+    // Decode replaces the list by the elements of the source's sequence, which aren't looked into;
+    // the source's bytes are not the list's own. False, with the list unchanged, if the source is
+    // null or no well-formed sequence.
     bool Decode(const _CRYPTOAPI_BLOB* source);
 
     // Slot gives an element's record for an encoder to fill or a reader to view; null past the end.
@@ -265,4 +268,7 @@ public:
     DWORD count = 0;
     _CRYPTOAPI_BLOB* items = nullptr;
     DWORD cursor = 0;
+
+private:
+    bool Grow() noexcept; // by one empty slot
 };
