@@ -37,6 +37,8 @@ HRESULT CVLSafeArray::Resize(ULONG newCount, LONG lowerBound)
     SAFEARRAYBOUND bound{newCount, lowerBound};
     status = SafeArrayRedim(m_array, &bound);
     const HRESULT locked = SafeArrayLock(m_array);
+    if (FAILED(locked)) // without the holder's lock it could not be released either
+        SafeArrayDestroy(std::exchange(m_array, nullptr));
     return FAILED(status) ? status : locked;
 }
 
@@ -107,7 +109,8 @@ HRESULT CVLSafeArray::Grow(VARTYPE type, ULONG count, LONG& first)
     if (count > static_cast<ULONG>(MAXLONG) - old)
         return E_OUTOFMEMORY;
     status = Resize(old + count, lower);
-    first = UpperBound() - static_cast<LONG>(count) + 1;
+    if (SUCCEEDED(status))
+        first = UpperBound() - static_cast<LONG>(count) + 1;
     return status;
 }
 

@@ -26,7 +26,7 @@ public:
     SAFEARRAY* Get() const noexcept { return m_array; }
 
     // Resize keeps the elements that still fit. Raises E_FAIL when empty; returns E_FAIL for an
-    // array of fixed size.
+    // array of fixed size. If the array can't be locked again the holder is empty.
     HRESULT Resize(ULONG newCount, LONG lowerBound);
 
     // LowerBound and UpperBound are those of dimension 1. They raise the platform's status, for an
