@@ -60,12 +60,19 @@ void RestoreFromSafeArray(const CVLByteArray& array)
     traceFormat(0, "lBound = %d, uBound = %d", static_cast<int>(lower), static_cast<int>(upper));
     const uint32_t last = static_cast<uint32_t>(upper) - static_cast<uint32_t>(lower);
     void* data = nullptr;
-    SafeArrayAccessData(array.Get(), &data);
+    const bool accessed = SUCCEEDED(SafeArrayAccessData(array.Get(), &data));
     std::span<const uint8_t> bytes;
     // An array of several dimensions may hold less than its first one tells.
     if (last != 0xFFFFFFFF && data)
         bytes = array.Bytes().first(std::min(array.Bytes().size(), size_t{last} + 1));
-    RestoreBackup(bytes);
-    // Not when the restore raises: the array stays accessed then. Intended.
+    try {
+        RestoreBackup(bytes);
+    } catch (...) {
+        // Not by SafeArrayUnaccessData, which is for a restore that ran to its end. Still locked
+        // once more than its holder knows, the array could not be destroyed.
+        if (accessed)
+            SafeArrayUnlock(array.Get());
+        throw;
+    }
     SafeArrayUnaccessData(array.Get());
 }

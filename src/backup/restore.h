@@ -21,6 +21,6 @@ void RestoreBackup(std::span<const uint8_t> bytes);
 // RestoreFromSafeArray is RestoreBackup of a byte array with any lower bound; an empty one is
 // refused as a backup.
 //
-// array:   a loan. It stays accessed when the restore raises, which one more unlock ends.
+// array:   a loan, with as many locks afterwards as before
 // Errors:  raises ATL::CAtlException for bounds that can't be read, and as RestoreBackup does
 void RestoreFromSafeArray(const CVLByteArray& array);

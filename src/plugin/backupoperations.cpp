@@ -60,12 +60,7 @@ void RestoreCopyOf(const VARIANT* data)
     const HRESULT status = copy.CopyFrom(data->parray);
     if (FAILED(status))
         ATL::AtlThrow(status);
-    try {
-        RestoreFromSafeArray(copy);
-    } catch (...) {
-        SafeArrayUnlock(copy.Get()); // left accessed, it could not be destroyed
-        throw;
-    }
+    RestoreFromSafeArray(copy);
 }
 
 // Only a restore that ran to its end is announced.

@@ -215,6 +215,13 @@ TEST_F(Restore, WhatRaisesLeavesTheEarlierElementsRestoredAndNoArray)
     EXPECT_TRUE(traced(L"E 0 SetStorageData[std]Type is not convertible to string"));
     EXPECT_EQ(files(), (fileMap{{L"personal\\kept.txt", "kept"}, {L"cache\\alien.vlm", "alien"}}));
     EXPECT_TRUE(hasCategory(L"New"));
+    for (const char* call : {"SafeArrayGetLBound", "SafeArrayAccessData"}) { // before any restore
+        const importPatch_t failing(
+            call, +[]() -> HRESULT { return E_FAIL; });
+        locks = 9;
+        EXPECT_TRUE(FAILED(restore(seq({none, none})))) << call;
+        EXPECT_EQ(locks, 0u) << call;
+    }
 }
 
 } // namespace
