@@ -1,5 +1,8 @@
 #include "backup/settingsdocument.h"
 
+#include <memory>
+#include <sstream>
+
 #include <windows.h>
 #include <wincrypt.h>
 #include <comdef.h>
@@ -18,10 +21,14 @@ using namespace tracecore;
 namespace {
 
 // A member carries the key of its setting.
-constexpr char showPrompt[] = "show_training_prompt";
-constexpr char hotKey[] = "open_guard_desk_qa";
-constexpr char grabbing[] = "useGrabbingCreds";
-constexpr char listFile[] = "path_dontpromptlist_filename";
+struct Setting {
+    const char* member;
+    const wchar_t* key;
+};
+constexpr Setting showPrompt = {"show_training_prompt", L"show_training_prompt"};
+constexpr Setting hotKey = {"open_guard_desk_qa", L"open_guard_desk_qa"};
+constexpr Setting grabbing = {"useGrabbingCreds", L"useGrabbingCreds"};
+constexpr Setting listFile = {"path_dontpromptlist_filename", L"path_dontpromptlist_filename"};
 
 // Booleans are stored as these: "0" would read back as the default.
 constexpr wchar_t storedTrue[] = L"1";
@@ -35,11 +42,6 @@ struct NewSettings {
     std::wstring listText;
     std::wstring listPath;
 };
-
-std::wstring SettingKey(const char* member)
-{
-    return wideFromUtf8(member);
-}
 
 // TraceCaught traces the exception in flight the way the error frame does.
 void TraceCaught(const std::string& operation)
@@ -55,12 +57,18 @@ void TraceCaught(const std::string& operation)
     }
 }
 
+// A text ends at its first zero, wherever it came from.
+template <class Text> Text UpToZero(const Text& text)
+{
+    return text.c_str();
+}
+
 std::string ReadListText(const std::wstring& path)
 {
     std::string text;
     if (!path.empty())
         decodetext(mappedfile_scope(path).get(), text);
-    return text;
+    return UpToZero(text);
 }
 
 // BoolOf is true for whatever isn't empty or zero. The library itself refuses texts and containers.
@@ -78,7 +86,7 @@ std::wstring TextOf(const Json::Value& value)
 {
     if (value.isNumeric())
         Json::throwLogicError("Type is not convertible to string");
-    return wideFromUtf8(value.asString());
+    return wideFromUtf8(UpToZero(value.asString()));
 }
 
 // MemberOf gives null for a member of a value that has nothing in it, an array as well.
@@ -101,17 +109,17 @@ bool Parse(const std::string& text, Json::Value& root)
 void ReadMembers(const Json::Value& root, NewSettings& found)
 {
     const Json::Value& current = MemberOf(root["settings"], "current");
-    const Json::Value& prompt = MemberOf(current, showPrompt);
+    const Json::Value& prompt = MemberOf(current, showPrompt.member);
     if (!prompt.empty())
         found.prompt = BoolOf(prompt) ? storedTrue : storedFalse;
-    const Json::Value& grab = MemberOf(current, grabbing);
+    const Json::Value& grab = MemberOf(current, grabbing.member);
     if (!grab.empty())
         found.grabbing = BoolOf(grab) ? storedTrue : storedFalse;
-    const Json::Value& key = MemberOf(current, hotKey);
+    const Json::Value& key = MemberOf(current, hotKey.member);
     if (!key.empty())
         found.hotKey = TextOf(key);
     // The list's path stays empty, so that the list is not written back. Intended.
-    const Json::Value& list = MemberOf(current, listFile);
+    const Json::Value& list = MemberOf(current, listFile.member);
     if (!list.empty())
         found.listText = TextOf(list);
 }
@@ -144,11 +152,11 @@ void ReadLegacy(const CDerSequenceView& elements, NewSettings& found)
     found.hotKey.assign(key.begin(), key.end());
     if (elements.Count() != 3)
         return;
-    found.listPath = settings_getpath(SettingKey(listFile));
+    found.listPath = settings_getpath(listFile.key);
     // The whole element, tag and length with it, is the text. Intended.
     const std::span<const uint8_t> encoded = elements[2].Encoded();
     const std::string text(encoded.begin(), encoded.end());
-    found.listText = wideFromUtf8(text.c_str());
+    found.listText = wideFromUtf8(UpToZero(text));
 }
 
 void WriteListFile(const std::wstring& path, const std::wstring& text)
@@ -166,11 +174,11 @@ void WriteListFile(const std::wstring& path, const std::wstring& text)
 void Apply(const NewSettings& found)
 {
     if (!found.prompt.empty())
-        settings_set(SettingKey(showPrompt), found.prompt);
+        settings_set(showPrompt.key, found.prompt);
     if (!found.hotKey.empty())
-        settings_set(SettingKey(hotKey), found.hotKey);
+        settings_set(hotKey.key, found.hotKey);
     if (!found.grabbing.empty())
-        settings_set(SettingKey(grabbing), found.grabbing);
+        settings_set(grabbing.key, found.grabbing);
     if (!found.listPath.empty() && !found.listText.empty())
         WriteListFile(found.listPath, found.listText);
 }
@@ -182,13 +190,13 @@ bool ExportSettings(CDerNode* slot)
     if (!slot)
         return false;
     const bool promptDefault = settings_getbool(L"show_training_prompt_def", false);
-    const bool prompt = settings_getbool(SettingKey(showPrompt), promptDefault);
-    std::string key = utf8FromWide(settings_getpath(SettingKey(hotKey)));
+    const bool prompt = settings_getbool(showPrompt.key, promptDefault);
+    std::string key = utf8FromWide(UpToZero(settings_getpath(hotKey.key)));
     if (key.empty())
         key = "Ctrl+Win+72";
-    const std::wstring listPath = settings_getpath(SettingKey(listFile));
+    const std::wstring listPath = settings_getpath(listFile.key);
     const std::string list = ReadListText(listPath);
-    const bool grab = settings_getpath(SettingKey(grabbing)) == L"1";
+    const bool grab = settings_getpath(grabbing.key) == L"1";
 
     traceFormat(0, "Pre train [default] = %s", promptDefault ? "Show" : "Hide");
     traceFormat(0, "Pre train [current] = %s", prompt ? "Show" : "Hide");
@@ -200,11 +208,11 @@ bool ExportSettings(CDerNode* slot)
 
     Json::Value root;
     Json::Value& current = root["settings"]["current"];
-    current[showPrompt] = prompt;
-    current[hotKey] = key;
-    current[grabbing] = grab;
+    current[showPrompt.member] = prompt;
+    current[hotKey.member] = key;
+    current[grabbing.member] = grab;
     if (!list.empty())
-        current[listFile] = list;
+        current[listFile.member] = list;
     std::string text;
     jv2s(root, text);
     slot->SetSequence(1);
@@ -241,11 +249,15 @@ void jv2s(const Json::Value& value, std::string& text)
     if (value.empty())
         return;
     try {
-        Json::FastWriter writer;
-        std::string line = writer.write(value);
-        if (line.ends_with('\n'))
-            line.pop_back();
-        text = std::move(line);
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        builder["commentStyle"] = "None";
+        builder["emitUTF8"] = true; // bytes that are no UTF-8 pass too
+        const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
+        std::ostringstream line;
+        line.exceptions(std::ios::badbit); // out of memory, it would only stop writing
+        writer->write(value, &line);
+        text = line.str();
     } catch (...) {
         TraceCaught("jv2s");
     }

@@ -18,6 +18,8 @@ struct _CRYPTOAPI_BLOB;
 //   path_dontpromptlist_filename  text of the do-not-prompt list; only when there is any
 //   show_training_prompt          boolean
 //   useGrabbingCreds              boolean
+// Its text is UTF-8 without escapes for what is outside ASCII. The list's bytes are not looked at:
+// those of an old code page pass as they are. A text ends at its first zero.
 
 // ExportSettings makes the settings element from the settings as they are now.
 //

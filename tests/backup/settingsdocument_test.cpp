@@ -47,9 +47,10 @@ struct SettingsDocument : testing::Test {
 
 TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
 {
-    std::ofstream(listFile, std::ios::binary) << std::string("\xFF\xFE\x61\0\r\0\xE9\0", 8);
+    const std::string list = "a\r\xE9\xC3\xA9\xFF\x7F\"\x01"; // not all of it UTF-8
+    std::ofstream(listFile, std::ios::binary) << list << '\0' << "behind";
     settings.values = {{L"path_dontpromptlist_filename", listFile},
-                       {L"open_guard_desk_qa", L"\""},
+                       {L"open_guard_desk_qa", L"\"\u00E9"},
                        {L"show_training_prompt_def", L"1"},
                        {L"show_training_prompt", L"-1"},
                        {L"useGrabbingCreds", L"1"}};
@@ -57,17 +58,18 @@ TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
     EXPECT_TRUE(ExportSettings(&node));
     EXPECT_FALSE(ExportSettings(nullptr));
     const bytes element = node.Encode();
-    EXPECT_EQ(element, documentOf(R"("open_guard_desk_qa":"\"",)"
-                                  R"("path_dontpromptlist_filename":"a\r\u00e9",)"
-                                  R"("show_training_prompt":false,"useGrabbingCreds":true)"));
+    EXPECT_EQ(element, documentOf("\"open_guard_desk_qa\":\"\\\"\xC3\xA9\","
+                                  "\"path_dontpromptlist_filename\":"
+                                  "\"a\\r\xE9\xC3\xA9\xFF\x7F\\\"\\u0001\","
+                                  "\"show_training_prompt\":false,\"useGrabbingCreds\":true"));
     EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
-                                 L"|U Hotkey    [current] = \"|U Dont prmpt[size=4] = " +
+                                 L"|U Hotkey    [current] = \"\u00E9|U Dont prmpt[size=9] = " +
                                      listFile.wstring() + L"|U Use Grabbing Creds  = Yes");
     settings.values = {{L"path_dontpromptlist_filename", listFile}};
-    EXPECT_EQ(restored(element), L"true|open_guard_desk_qa=\"|path_dontpromptlist_filename=" +
+    EXPECT_EQ(restored(element), L"true|open_guard_desk_qa=\"\u00E9|path_dontpromptlist_filename=" +
                                      listFile.wstring() +
                                      L"|show_training_prompt=-1|useGrabbingCreds=1");
-    EXPECT_EQ(std::filesystem::file_size(listFile), 8u);
+    EXPECT_EQ(fileBytes(listFile).size(), list.size() + 7);
 }
 
 TEST_F(SettingsDocument, MembersOfEachTypeAreAppliedOrNone)
@@ -79,7 +81,7 @@ TEST_F(SettingsDocument, MembersOfEachTypeAreAppliedOrNone)
         {"true", L"1", L"true"}, {"false", L"-1", L"false"},
         {"null", L"", L""},      {"[]", L"", L""},
         {"{}", L"", L""},        {"\"\"", L"-1", L""},
-        {"\"0\"", L"1", L"0"},   {"\"\\u4e00\"", L"1", L"\u4E00"},
+        {"\"0\"", L"1", L"0"},   {"\"\\u4e00\\u0000x\"", L"1", L"\u4E00"},
         {"0", L"-1", L"!"},      {"-0.0", L"-1", L"!"},
         {"-1", L"1", L"!"},      {"0.5", L"1", L"!"},
         {"[0]", L"1", L"!"},     {"{\"a\":null}", L"1", L"!"},
