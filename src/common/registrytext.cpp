@@ -1,6 +1,7 @@
 #include "common/registrytext.h"
 
-LSTATUS queryText(HKEY key, const wchar_t* name, std::span<wchar_t> buffer) noexcept
+LSTATUS queryText(HKEY key, const wchar_t* name, std::span<wchar_t> buffer,
+                  noBytes_t noBytes) noexcept
 {
     DWORD type = 0;
     auto size = static_cast<DWORD>(buffer.size_bytes());
@@ -10,6 +11,7 @@ LSTATUS queryText(HKEY key, const wchar_t* name, std::span<wchar_t> buffer) noex
         return result;
     const bool isText = type == REG_SZ || type == REG_EXPAND_SZ;
     const bool isWhole =
-        size == 0 || (size % sizeof(wchar_t) == 0 && buffer[size / sizeof(wchar_t) - 1] == L'\0');
+        size == 0 ? noBytes == noBytes_t::areText
+                  : size % sizeof(wchar_t) == 0 && buffer[size / sizeof(wchar_t) - 1] == L'\0';
     return isText && isWhole ? ERROR_SUCCESS : ERROR_INVALID_DATA;
 }

@@ -28,9 +28,9 @@ void installationFolder(wchar_t (&folder)[folderLength])
     LSTATUS result =
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", 0, KEY_READ | view, key.put());
     if (result == ERROR_SUCCESS)
-        result = queryText(key.get(), L"VeltranoPath", folder);
+        result = queryText(key.get(), L"VeltranoPath", folder, noBytes_t::haveNoEnd);
     if (result != ERROR_SUCCESS)
-        raiseError(static_cast<DWORD>(result));
+        raiseStatus(HRESULT_FROM_WIN32(result));
 }
 
 CFileHandle openFile(const wchar_t* path, DWORD access, DWORD disposition)

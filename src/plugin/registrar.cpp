@@ -20,7 +20,7 @@ constexpr wchar_t shellVersions[] = L"6.0\0007.0\0008.0\0";
 
 HRESULT statusFromResult(LSTATUS result) noexcept
 {
-    return statusFromError(static_cast<DWORD>(result));
+    return HRESULT_FROM_WIN32(result); // of a positive one the low 16 bits, whatever is above
 }
 
 DWORD bytesWithTerminator(const wchar_t* text) noexcept

@@ -40,7 +40,8 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
         "RegCreateKeyExW",
         +[](HKEY root, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES,
             PHKEY key) -> LSTATUS {
-            return failing == path ? ERROR_ACCESS_DENIED : RegCreateKeyW(root, path, key);
+            // Of a positive error only the low half counts.
+            return failing == path ? 0x10005 : RegCreateKeyW(root, path, key);
         });
     const struct {
         std::wstring failing;
@@ -90,18 +91,18 @@ TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
         DWORD type, size;
         uint32_t status;
     } folders[] = {
-        // Odd length, no text, not terminated, not there.
-        {L"C:\\x", REG_SZ, 9, 0x8007000D},
-        {L"C:\\", REG_BINARY, 8, 0x8007000D},
-        {L"C:\\xX", REG_SZ, 8, 0x8007000D},
+        // Odd length, no text, not terminated, nothing at all, not there.
+        {L"C:\\x", REG_SZ, 9, 0x8007000D},          {L"C:\\", REG_BINARY, 8, 0x8007000D},
+        {L"C:\\xX", REG_SZ, 8, 0x8007000D},         {nullptr, REG_SZ, 0, 0x8007000D},
         {L"C:\\no", REG_EXPAND_SZ, 12, 0x80070003},
     };
     for (const auto& c : folders) {
-        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", L"VeltranoPath", c.folder, c.type,
-                 c.size);
+        SCOPED_TRACE(&c - folders);
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", L"VeltranoPath", c.type,
+                        c.folder, c.size);
         traceRecorder_t trace;
         const auto status = static_cast<HRESULT>(c.status);
-        EXPECT_EQ(AddCleanupLine(L"K", L"p", 1, nullptr), status) << c.folder;
+        EXPECT_EQ(AddCleanupLine(L"K", L"p", 1, nullptr), status);
         EXPECT_EQ(trace.messages(), std::vector{L"E " + std::to_wstring(status) + L" "});
     }
 }
