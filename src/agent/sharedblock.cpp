@@ -97,8 +97,9 @@ void closeSharedBlock(mappedBlock_t& block) noexcept
 size_t sharedBlockSize(const void* view) noexcept
 {
     MEMORY_BASIC_INFORMATION region{};
+    constexpr DWORD kindOfAccess = 0xFF; // the bits above only modify it
     if (!view || !VirtualQuery(view, &region, sizeof region) || region.State != MEM_COMMIT ||
-        region.Protect != PAGE_READWRITE)
+        (region.Protect & kindOfAccess) != PAGE_READWRITE)
         return 0;
     return region.RegionSize;
 }

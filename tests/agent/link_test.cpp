@@ -22,8 +22,16 @@ bool isFree(const CKernelHandle& semaphore)
            ReleaseSemaphore(semaphore.get(), 1, nullptr);
 }
 
+SIZE_T WINAPI queryUncached(LPCVOID at, PMEMORY_BASIC_INFORMATION region, SIZE_T size)
+{
+    const SIZE_T filled = VirtualQueryEx(GetCurrentProcess(), at, region, size);
+    region->Protect |= PAGE_NOCACHE;
+    return filled;
+}
+
 TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
 {
+    const importPatch_t query("VirtualQuery", queryUncached);
     const std::pair<std::string, std::string> cases[] = {
         {"KRS Protected Storage", "S\xC3\xA9/cret"},
         {"", std::string(5000, 'b')},
