@@ -1,28 +1,41 @@
 #include "common/text.h"
 
+#include <limits>
+#include <new>
+
 #include <windows.h>
 
 namespace {
 
+// converted runs a conversion call twice, for the size and for the text: convert(length, out, size)
+// gives the number of characters, 0 when it fails. A text is never handed on half converted.
+template <class Out, class Convert> Out converted(size_t length, const Convert& convert)
+{
+    if (length == 0)
+        return {};
+    if (length > std::numeric_limits<int>::max())
+        throw std::bad_alloc();
+    const int size = convert(static_cast<int>(length), nullptr, 0);
+    Out out(static_cast<size_t>(size), 0);
+    if (size == 0 || convert(static_cast<int>(length), out.data(), size) != size)
+        throw std::bad_alloc();
+    return out;
+}
+
 std::wstring wideFrom(UINT codePage, std::string_view text)
 {
-    const int length = static_cast<int>(text.size());
-    const int size = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(size), L'\0');
-    MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), size);
-    return wide;
+    return converted<std::wstring>(text.size(), [&](int length, wchar_t* out, int size) {
+        return MultiByteToWideChar(codePage, 0, text.data(), length, out, size);
+    });
 }
 
 } // namespace
 
 std::string utf8FromWide(std::wstring_view text)
 {
-    const int length = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
-    return utf8;
+    return converted<std::string>(text.size(), [&](int length, char* out, int size) {
+        return WideCharToMultiByte(CP_UTF8, 0, text.data(), length, out, size, nullptr, nullptr);
+    });
 }
 
 std::wstring wideFromUtf8(std::string_view text)
