@@ -3,6 +3,8 @@
 #include "atl/security.h"
 #include "tracecore/tracer.h"
 
+#include <mutex>
+
 namespace tracecore {
 
 namespace {
@@ -45,6 +47,19 @@ CKernelHandle makeWritersMutex() noexcept
 
 } // namespace
 
+sinkHolder_t::pointer sinkHolder_t::load() noexcept
+{
+    const std::lock_guard guard(m_lock);
+    return m_sink;
+}
+
+sinkHolder_t::pointer sinkHolder_t::exchange(pointer next) noexcept
+{
+    const std::lock_guard guard(m_lock);
+    m_sink.swap(next);
+    return next;
+}
+
 tracer_t::tracer_t() : mutex(makeWritersMutex()) {}
 
 realTracer_t::realTracer_t()
@@ -54,7 +69,7 @@ realTracer_t::realTracer_t()
 
 realTracer_t::~realTracer_t()
 {
-    sink.store(nullptr);
+    sink.clear();
     sinkKind = sinkNone;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/scoped.h"
+#include "tracecore/criticalsection.h"
 #include "tracecore/sink.h"
 #include "tracecore/threadstacks.h"
 
@@ -59,14 +60,35 @@ public:
     uint32_t traceMode() override;
 };
 
+// sinkHolder_t holds the sink that records go to. A writer shares its ownership for one record, so
+// that a sink which is replaced meanwhile lives until the record is out.
+//
+// A critical section guards the pointer. An atomic one of the library would spin, and for ever
+// after a thread that was stopped in the middle of it.
+class sinkHolder_t
+{
+public:
+    using pointer = std::shared_ptr<outputStorageInterface_i>;
+
+    pointer load() noexcept;
+    void store(pointer next) noexcept { exchange(std::move(next)); }
+    // Returns: what was held before
+    pointer exchange(pointer next) noexcept;
+    // clear is for the end of the module, when nobody writes any more: it waits for nothing.
+    void clear() noexcept { m_sink.reset(); }
+
+private:
+    criticalSection_t m_lock;
+    pointer m_sink;
+};
+
 // theTracer is the module's one tracer.
 realTracer_t& theTracer() noexcept;
 
-// The state beside the tracer. sink is replaced with configLock held; a writer shares its ownership
-// for one record, so that a sink that is replaced meanwhile lives until the record is out.
+// The state beside the tracer. sink is replaced with configLock held.
 extern std::atomic<uint8_t> traceDisabled; // nonzero empties all operations; nothing here sets it
 extern criticalSection_t configLock;
-extern std::atomic<std::shared_ptr<outputStorageInterface_i>> sink;
+extern sinkHolder_t sink;
 extern std::atomic<uint32_t> sinkKind;
 extern SYSTEMTIME lastStamp; // the time of the last record emitted, under the writers' mutex
 

@@ -16,7 +16,7 @@ std::atomic<uint8_t> traceDisabled{0};
 std::atomic<uint32_t> sinkKind{sinkNone};
 SYSTEMTIME lastStamp{};
 [[gnu::init_priority(initTracer)]] criticalSection_t configLock;
-[[gnu::init_priority(initTracer)]] std::atomic<std::shared_ptr<outputStorageInterface_i>> sink;
+[[gnu::init_priority(initTracer)]] sinkHolder_t sink;
 
 namespace {
 
@@ -35,27 +35,29 @@ bool closed() noexcept
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
 
-// writerTurn_t is the right to write. The mutex may be missing: then the lock of the stacks, which
-// is taken behind it anyway, keeps the writers apart.
+// writerTurn_t is the right to write. The mutex may be missing, or be another's who grants no right
+// to wait: then the lock of the stacks, which is taken after it anyway, keeps the writers apart.
 class writerTurn_t
 {
 public:
     writerTurn_t() noexcept
+        : m_owned(tracer.mutex && WaitForSingleObject(tracer.mutex.get(), INFINITE) != WAIT_FAILED)
     {
-        if (tracer.mutex)
-            WaitForSingleObject(tracer.mutex.get(), INFINITE); // if it fails, the write goes on
-        else
+        if (!m_owned)
             tracer.stacks.lock.lock();
     }
     ~writerTurn_t()
     {
-        if (tracer.mutex)
+        if (m_owned)
             ReleaseMutex(tracer.mutex.get());
         else
             tracer.stacks.lock.unlock();
     }
     writerTurn_t(const writerTurn_t&) = delete;
     writerTurn_t& operator=(const writerTurn_t&) = delete;
+
+private:
+    const bool m_owned;
 };
 
 bool sameDate(const SYSTEMTIME& a, const SYSTEMTIME& b) noexcept
