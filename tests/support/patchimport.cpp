@@ -43,6 +43,12 @@ void* store(void** slot, void* value)
 
 } // namespace
 
+void* importedFunction(HMODULE module, const char* function)
+{
+    void** const slot = findImport(module, function);
+    return slot ? *slot : nullptr;
+}
+
 importPatch_t::importPatch_t(HMODULE module, const char* function, void* replacement)
     : m_slot(findImport(module, function)), m_original(store(m_slot, replacement))
 {

@@ -25,6 +25,9 @@ private:
     void **m_slot, *m_original;
 };
 
+// importedFunction is what a module calls by that name now; null for one that it doesn't import.
+void* importedFunction(HMODULE module, const char* function);
+
 // importOriginal calls through: importOriginal<decltype(&CreateFileW)>(patch)(...).
 template <class Function> Function importOriginal(const importPatch_t& patch)
 {

@@ -1,0 +1,81 @@
+#include "importhooks.h"
+
+#include <cstring>
+#include <initializer_list>
+
+namespace {
+
+// stub_t is the code that stands in for one function, with what it needs to know.
+struct stub_t {
+    uint8_t code[64];
+    uint8_t fail[16];
+    void* original;
+    hookedFunction_t function;
+    importHooks_t::see_t see;
+};
+
+// Where the stub goes on.
+const void* decide(const stub_t* stub, const ULONGLONG* saved)
+{
+    const DWORD error = GetLastError();
+    const bool fails = stub->see({stub->function.name, saved});
+    SetLastError(fails ? stub->function.error : error);
+    return fails ? static_cast<const void*>(stub->fail) : stub->original;
+}
+
+void put(uint8_t*& at, std::initializer_list<uint8_t> code)
+{
+    at = std::copy(code.begin(), code.end(), at);
+}
+
+template <class Value> void putValue(uint8_t*& at, Value value)
+{
+    static_assert(sizeof value == 8);
+    std::memcpy(at, &value, sizeof value);
+    at += sizeof value;
+}
+
+void writeCode(stub_t& stub)
+{
+    uint8_t* at = stub.code;
+    put(at, {0x51, 0x52, 0x41, 0x50, 0x41, 0x51}); // push rcx, rdx, r8, r9
+    put(at, {0x48, 0x89, 0xE2});                   // mov rdx, rsp
+    put(at, {0x48, 0xB9});                         // mov rcx, stub
+    putValue(at, &stub);
+    put(at, {0x48, 0x83, 0xEC, 0x28}); // sub rsp, 40
+    put(at, {0x48, 0xB8});             // mov rax, decide
+    putValue(at, &decide);
+    put(at, {0xFF, 0xD0});                         // call rax
+    put(at, {0x48, 0x83, 0xC4, 0x28});             // add rsp, 40
+    put(at, {0x41, 0x59, 0x41, 0x58, 0x5A, 0x59}); // pop r9, r8, rdx, rcx
+    put(at, {0xFF, 0xE0});                         // jmp rax
+    at = stub.fail;
+    put(at, {0x48, 0xB8}); // mov rax, result
+    putValue(at, stub.function.result);
+    put(at, {0xC3}); // ret
+}
+
+} // namespace
+
+importHooks_t::importHooks_t(HMODULE module, const std::vector<hookedFunction_t>& functions,
+                             see_t see)
+    : m_code(VirtualAlloc(nullptr, functions.size() * sizeof(stub_t), MEM_COMMIT,
+                          PAGE_EXECUTE_READWRITE))
+{
+    auto stub = static_cast<stub_t*>(m_code);
+    for (const hookedFunction_t& function : functions) {
+        if (!importedFunction(module, function.name))
+            continue;
+        stub->original = importedFunction(module, function.name);
+        stub->function = function;
+        stub->see = see;
+        writeCode(*stub);
+        m_patches.push_back(std::make_unique<importPatch_t>(module, function.name, stub++->code));
+    }
+}
+
+importHooks_t::~importHooks_t()
+{
+    m_patches.clear();
+    VirtualFree(m_code, 0, MEM_RELEASE);
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <windows.h>
+
+#include "support/patchimport.h"
+
+// hookedCall_t is a call that a module is about to make.
+struct hookedCall_t {
+    const char* function;
+    const ULONGLONG* saved; // four registers, the return address, room for four, the stack's
+
+    ULONGLONG argument(size_t index) const { return saved[index < 4 ? 3 - index : index + 5]; }
+    const wchar_t* text(size_t index) const // null shows as an empty text
+    {
+        const auto given = reinterpret_cast<const wchar_t*>(argument(index));
+        return given ? given : L"";
+    }
+};
+
+// hookedFunction_t is a function and how it fails: what it returns, and the last error then.
+struct hookedFunction_t {
+    const char* name;
+    ULONGLONG result = 0;
+    DWORD error = ERROR_NOT_ENOUGH_MEMORY;
+};
+
+// importHooks_t shows calls of a module's imported functions before they are made, for the life of
+// the object. A function that the module doesn't import is passed over.
+//
+// see: true lets the call fail without being made. It keeps the last error, and must not call what
+//      is hooked
+class importHooks_t
+{
+public:
+    using see_t = bool (*)(const hookedCall_t& call);
+    importHooks_t(HMODULE module, const std::vector<hookedFunction_t>& functions, see_t see);
+    ~importHooks_t();
+    importHooks_t(importHooks_t&&) = delete;
+
+private:
+    std::vector<std::unique_ptr<importPatch_t>> m_patches;
+    void* m_code = nullptr;
+};
