@@ -68,7 +68,7 @@ std::string ReadListText(const std::wstring& path)
     std::string text;
     if (!path.empty())
         decodetext(mappedfile_scope(path).get(), text);
-    return UpToZero(text);
+    return text;
 }
 
 // BoolOf is true for whatever isn't empty or zero. The library itself refuses texts and containers.
@@ -211,8 +211,8 @@ bool ExportSettings(CDerNode* slot)
     current[showPrompt.member] = prompt;
     current[hotKey.member] = key;
     current[grabbing.member] = grab;
-    if (!list.empty())
-        current[listFile.member] = list;
+    if (const std::string text = UpToZero(list); !text.empty())
+        current[listFile.member] = text;
     std::string text;
     jv2s(root, text);
     slot->SetSequence(1);

@@ -63,7 +63,7 @@ TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
                                   "\"a\\r\xE9\xC3\xA9\xFF\x7F\\\"\\u0001\","
                                   "\"show_training_prompt\":false,\"useGrabbingCreds\":true"));
     EXPECT_EQ(recorder.joined(), L"|U Pre train [default] = Show|U Pre train [current] = Hide"
-                                 L"|U Hotkey    [current] = \"\u00E9|U Dont prmpt[size=9] = " +
+                                 L"|U Hotkey    [current] = \"\u00E9|U Dont prmpt[size=16] = " +
                                      listFile.wstring() + L"|U Use Grabbing Creds  = Yes");
     settings.values = {{L"path_dontpromptlist_filename", listFile}};
     EXPECT_EQ(restored(element), L"true|open_guard_desk_qa=\"\u00E9|path_dontpromptlist_filename=" +
