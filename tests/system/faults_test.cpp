@@ -5,7 +5,7 @@
 #include <functional>
 #include <set>
 
-#include "agent/linknames.h"
+#include "agentstub.h"
 #include "installation.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
@@ -228,7 +228,7 @@ protected:
     }
     outcome_t pluginData(const plugin_t& plugin)
     {
-        SetEvent(m_acknowledge.get()); // the agent's answer, beforehand
+        m_agentStub->answer();
         return restored(plugin.as<IVLKTBackupRestore3>()->SetPluginData(
             static_cast<ULONG>(secrets.size()), secrets.data(), static_cast<ULONG>(logon.size()),
             logon.data()));
@@ -280,7 +280,7 @@ protected:
                                          R"("show_training_prompt":true}}})")})});
     const bytes secrets = seq({seq({wide(L"other"), octets(secretOctets)}),
                                seq({wide(L"KRS Protected Storage"), octets(secretOctets)})});
-    CKernelHandle m_acknowledge;
+    const agentStub_t* m_agentStub = nullptr;
 };
 
 // The tracing mutex is a thread's own, so that another one has to ask.
@@ -374,20 +374,9 @@ TEST_F(Faults, DISABLED_Child)
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano\Tracing)", L"DoTrace", REG_DWORD,
                     &tracing, sizeof tracing);
     std::ofstream report(reportFile);
-    WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcW;
-    windowClass.lpszClassName = agentWindowName;
-    RegisterClassW(&windowClass);
-    const HWND window = CreateWindowExW(0, agentWindowName, agentWindowName, 0, 0, 0, 1, 1, nullptr,
-                                        nullptr, nullptr, nullptr);
-    m_acknowledge.reset(CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_BUFFER_READY"));
-    const CKernelHandle objects[] = {
-        CKernelHandle(CreateSemaphoreW(nullptr, 1, 1, L"VLMAX_NIPC_MUTEX")),
-        CKernelHandle(CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_DATA_READY")),
-        CKernelHandle(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x1000,
-                                         L"VLMAX_NIPC_BUFFER"))};
+    const agentStub_t agent;
+    m_agentStub = &agent;
     sweep(scenario, first, report);
-    DestroyWindow(window);
 }
 
 class EachFault : public testing::TestWithParam<const char*>
