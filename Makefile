@@ -19,6 +19,7 @@ build:
 	@$(call configure,native-release)
 	@$(call compile,release)
 	@$(call compile,native-release)
+	@rm -rf build/dist
 	@cmake --install build/release --prefix build/dist --component dist >/dev/null
 	@cmake --install build/native-release --prefix build/dist --component dist >/dev/null
 

@@ -1,19 +1,21 @@
 @echo off
-rem uninstall.cmd takes the plug-in out of the dashboard and removes the program. What belongs to users stays; the
-rem list of it that the plug-in wrote, Cleanup.txt, stays in the installation folder.
-setlocal
-for %%i in ("%~dp0.") do set "bin=%%~fi"
-if not exist "%bin%\VLOnlineIDs.dll" (
-    echo uninstall: VLOnlineIDs.dll is not beside this script 1>&2
+rem uninstall.cmd, in the folder of the installed programs, takes the plug-in out of the dashboard and removes what
+rem was installed and is as it was. What belongs to users stays; the list of it that the plug-in wrote, Cleanup.txt,
+rem stays in the product's folder. Needs an administrator.
+setlocal DisableDelayedExpansion
+set "program=%TEMP%\vlsetup-%RANDOM%-%RANDOM%.exe"
+copy /y "%~dp0vlsetup.exe" "%program%" >nul
+if errorlevel 1 (
+    echo uninstall: vlsetup.exe can't be copied to the folder for temporary files 1>&2
     exit /b 1
 )
-"%bin%\vlhost.exe" --plugin "%bin%\VLOnlineIDs.dll" unregister
-if errorlevel 1 exit /b 1
-reg delete "HKLM\SOFTWARE\Veltrano\Applications" /v BinDir /f >nul
-reg delete "HKLM\SOFTWARE\Veltrano\Applications\KRS" /f >nul
-reg delete "HKLM\SOFTWARE\Veltrano\Branding" /f >nul
-reg delete "HKLM\SOFTWARE\Veltrano\Products\VLOnlineIDs" /f >nul
-reg delete "HKLM\SOFTWARE\Veltrano" /v VeltranoPath /f >nul
-del /q "%SystemRoot%\System32\VLFPApi.dll" >nul
-echo uninstalled; %bin% can be deleted now
-exit /b 0
+rem This file goes too: what is left to do is one block, which has been read when it begins.
+(
+    "%program%" uninstall "%~dp0.."
+    if errorlevel 1 (
+        del "%program%"
+        exit /b 1
+    )
+    del "%program%"
+    exit /b 0
+)

@@ -1,0 +1,360 @@
+#include "vlsetup/setup.h"
+#include "vlsetup/places.h"
+
+#include <filesystem>
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "common/commandline.h"
+#include "common/module.h"
+#include "common/text.h"
+#include "support/files.h"
+#include "support/patchimport.h"
+#include "support/registry.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const fs::path built = fs::path(moduleFileName(nullptr)).parent_path();
+const fs::path root = L"C:\\Our Product", bin = root / L"bin", medium = L"C:\\medium";
+const fs::path policyLibrary = L"C:\\windows\\system32\\VLFPApi.dll";
+const std::wstring key = L"SOFTWARE\\Veltrano";
+const std::wstring plugins = key + L"\\VLKT\\Plugins\\";
+const std::wstring tray = plugins + L"TrayIcon\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
+const std::wstring uninstallKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+
+using state_t = std::map<std::wstring, std::string>; // places and contents
+
+// state is all that an installation could have touched.
+state_t state()
+{
+    state_t all;
+    for (const std::wstring& tree :
+         {key, std::wstring(L"SOFTWARE\\WOW6432Node\\Veltrano"), uninstallKey})
+        for (const auto& [path, values] : readTree(tree)) {
+            all[path];
+            for (const auto& [name, content] : values)
+                all[path + L'\\' + name] = content;
+        }
+    for (const fs::path& folder : {fs::path(L"C:\\windows\\system32"), fs::path(L"C:\\")})
+        for (const auto& entry : fs::directory_iterator(folder))
+            all[entry.path()] = entry.is_directory() ? "" : std::to_string(entry.file_size());
+    for (const fs::path& folder : {root, fs::path(L"C:\\Theirs"), fs::temp_directory_path()})
+        for (std::error_code none;
+             const auto& entry : fs::recursive_directory_iterator(folder, none))
+            all[entry.path()] = entry.is_directory() ? "" : fileBytes(entry.path());
+    return all;
+}
+
+// difference lists the places that are not as before, except the list that the plug-in wrote.
+std::string difference(const state_t& before, const state_t& after)
+{
+    std::string all;
+    for (const auto& [place, content] : before)
+        if (!after.contains(place) || after.at(place) != content)
+            all += "changed or gone: " + utf8FromWide(place) + '\n';
+    for (const auto& [place, content] : after)
+        if (!before.contains(place) && fs::path(place).filename() != L"Cleanup.txt")
+            all += "left behind: " + utf8FromWide(place) + '\n';
+    return all;
+}
+
+std::string joined(const std::vector<std::string>& lines)
+{
+    std::string all;
+    for (const std::string& line : lines)
+        all += line + '\n';
+    return all;
+}
+
+class setupTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+        fs::remove_all(root);
+        fs::remove_all(L"C:\\Theirs");
+        fs::remove(policyLibrary);
+        fs::create_directories(root); // Cleanup.txt stays there
+        fs::create_directories(medium);
+        fs::copy_file(built / L"VLOnlineIDs.dll", medium / L"VLOnlineIDs.dll",
+                      fs::copy_options::overwrite_existing);
+        writeFile(medium / L"tool.exe", "tool 1");
+        writeFile(medium / L"xx\\texts.mui", "texts");
+        writeFile(medium / L"standins\\VLFPApi.dll", "stand-in");
+        writeFile(medium / L"standins\\VloSet.dll", "stand-in");
+        writeFile(medium / L"remove.exe", "remove");
+        writeFile(medium / L"files.txt", "VLOnlineIDs.dll\r\ntool.exe\nxx/texts.mui\n"
+                                         "standins/VLFPApi.dll\nstandins/VloSet.dll\n");
+    }
+
+    // foreign puts another product's things where ours would go, and beside them.
+    static void foreign()
+    {
+        writeFile(policyLibrary, "theirs");
+        writeFile(bin / L"tool.exe", "their tool");
+        writeFile(bin / L"xx\\notes.txt", "notes");
+        writeFile(bin / L"VloSet.dll", "theirs");
+        setValue(HKEY_LOCAL_MACHINE, key, L"VeltranoPath", L"C:\\Theirs");
+        fs::create_directories(L"C:\\Theirs");
+        for (const wchar_t* at : {L"\\Applications", L"\\Applications\\KRS"})
+            setValue(HKEY_LOCAL_MACHINE, key + at, L"BinDir", L"C:\\Theirs\\bin", REG_EXPAND_SZ);
+        setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Common", L"DLLPath", L"C:\\Theirs\\b.dll");
+        setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Other", L"x", L"y", REG_BINARY, 3);
+        setValue(HKEY_LOCAL_MACHINE, key + L"\\Products\\VLOnlineIDs", L"Version", L"0.9");
+        setValue(HKEY_LOCAL_MACHINE, plugins + L"UIElements", L"their value", L"z");
+        setValue(HKEY_LOCAL_MACHINE, tray, L"", L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ);
+    }
+
+    const installation_t m_asked{medium, root, {}, standIns_t::missing, false};
+    const installation_t m_replacing{medium, root, L"remove.exe", standIns_t::all, true};
+};
+
+int countdown; // calls until one fails; negative when it did
+bool failsNow()
+{
+    return countdown-- == 0;
+}
+
+// failing_t makes one call of a function fail.
+struct failing_t {
+    const char* name;
+    void* replacement;
+    void** original;
+};
+template <auto Function, auto Failure> struct failingCall;
+template <class R, class... A, R(WINAPI* Function)(A...), auto Failure>
+struct failingCall<Function, Failure> {
+    inline static void* original;
+    static R WINAPI call(A... arguments)
+    {
+        if (!failsNow())
+            return reinterpret_cast<R(WINAPI*)(A...)>(original)(arguments...);
+        SetLastError(ERROR_WRITE_PROTECT);
+        return static_cast<R>(Failure);
+    }
+};
+#define FAILING(function, failure)                                                                 \
+    failing_t                                                                                      \
+    {                                                                                              \
+#function, reinterpret_cast < void*>(failingCall <&function, failure>::call),              \
+            &failingCall < &function, failure> ::original                                          \
+    }
+
+// failCall runs an action with the n-th call of a function failing.
+void failCall(const failing_t& failing, int n, const std::function<void()>& action)
+{
+    countdown = n;
+    const importPatch_t patch(GetModuleHandleW(nullptr), failing.name, failing.replacement);
+    *failing.original = patch.original();
+    action();
+}
+
+} // namespace
+
+TEST_F(setupTest, RemovalLeavesEverythingAsItWas)
+{
+    for (const bool withForeign : {false, true})
+        for (const installation_t& asked : {m_asked, m_replacing})
+            for (const int times : {1, 2}) {
+                SCOPED_TRACE(withForeign * 100 + asked.replace * 10 + times);
+                SetUp();
+                if (withForeign)
+                    foreign();
+                if (withForeign && !asked.replace)
+                    fs::remove(bin / L"tool.exe"); // it would be refused
+                const state_t before = state();
+                std::string left;
+                for (int i = 0; i < times; ++i) {
+                    writeFile(medium / L"tool.exe", "tool " + std::to_string(i)); // an upgrade
+                    left = joined(install(asked));
+                }
+                EXPECT_EQ(fileBytes(bin / L"tool.exe"), "tool " + std::to_string(times - 1));
+                EXPECT_EQ(fileBytes(bin / L"xx\\texts.mui"), "texts");
+                EXPECT_EQ(valueContent(tray, L""),
+                          textValue(bin / L"VLOnlineIDs.dll", REG_EXPAND_SZ));
+                EXPECT_NE(valueContent(key + L"\\Products\\VLOnlineIDs", L"Version"), "");
+                const bool theirs = withForeign && !asked.replace;
+                EXPECT_EQ(fileBytes(policyLibrary), theirs ? "theirs" : "stand-in");
+                EXPECT_EQ(fileBytes(bin / L"VloSet.dll"), theirs ? "theirs" : "stand-in");
+                EXPECT_EQ(valueContent(key + L"\\Applications\\KRS", L"BinDir") == textValue(bin),
+                          !theirs);
+                EXPECT_EQ(valueContent(key + L"\\Branding\\Common", L"DLLPath") ==
+                              textValue(bin / L"Branding.dll"),
+                          !theirs);
+                EXPECT_EQ(left.find("VLFPApi.dll stays") != std::string::npos, theirs) << left;
+                EXPECT_EQ(valueContent(uninstallKey + L"\\VLOnlineIDs", L"UninstallString").empty(),
+                          asked.uninstaller.empty());
+                const removed_t removed = uninstall(root);
+                EXPECT_EQ(joined(removed.lines), "");
+                EXPECT_TRUE(removed.complete);
+                EXPECT_EQ(difference(before, state()), "");
+                EXPECT_TRUE(
+                    fs::exists((withForeign ? fs::path(L"C:\\Theirs") : root) / L"Cleanup.txt"));
+            }
+}
+
+TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
+{
+    install(m_asked);
+    const state_t installed = state();
+    writeFile(policyLibrary, "theirs");
+    setValue(HKEY_LOCAL_MACHINE, key + L"\\Applications", L"BinDir", L"C:\\Theirs");
+    setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Common", L"Other", L"new");
+    setValue(HKEY_LOCAL_MACHINE, tray, L"", L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ);
+    writeFile(bin / L"xx\\notes.txt", "notes");
+    const std::string left = joined(install(m_asked)); // nor does an upgrade take it
+    EXPECT_NE(left.find("VLFPApi.dll stays"), std::string::npos) << left;
+    writeFile(bin / L"tool.exe", "edited");
+    EXPECT_THROW(install(m_asked), CToolError);
+    const state_t changed = state();
+    const removed_t removed = uninstall(root);
+    const std::string lines = joined(removed.lines);
+    for (const char* named : {"VLFPApi.dll was", "tool.exe was", "Applications\\BinDir was"})
+        EXPECT_NE(lines.find(named), std::string::npos) << lines;
+    const state_t after = state();
+    for (const auto& [place, content] : changed) {
+        const bool theirs = !installed.contains(place) || installed.at(place) != content;
+        const bool record = fs::path(place).extension() == L".json";
+        EXPECT_TRUE(!theirs || record || (after.contains(place) && after.at(place) == content))
+            << utf8FromWide(place);
+    }
+    EXPECT_FALSE(fs::exists(bin / L"xx\\texts.mui"));
+    EXPECT_EQ(valueContent(key, L"VeltranoPath"), "");
+    EXPECT_EQ(valueContent(tray, L""), textValue(L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ));
+}
+
+TEST_F(setupTest, RefusesBeforeTheFirstChange)
+{
+    const std::wstring longName(240, L'x');
+    const struct {
+        std::function<void()> prepare;
+        fs::path from, to;
+        const char* says;
+    } cases[] = {
+        {[] {}, medium, L"Q:\\x", "there is no Q:\\"},
+        {[] {}, medium, L"C:\\" + longName, "too long"},
+        {[] {}, L"C:\\windows", root, "no package"},
+        {[] { fs::remove(medium / L"xx\\texts.mui"); }, medium, root, "not whole"},
+        {[] { writeFile(bin / L"tool.exe", "their tool"); }, medium, root, "tool.exe (move it"},
+        {[] { writeFile(bin, "a file"); }, medium, root, "file of that name"},
+        {[] { writeFile(bin / L"VLOnlineIDs.installed.json", "{}"); }, medium, root,
+         "another version"},
+        {[] { writeFile(bin / L"VLOnlineIDs.installed.json", "{"); }, medium, root, "damaged"},
+        {[] { writeFile(bin / L"VLOnlineIDs.installed.json", "[1]"); }, medium, root, "damaged"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.says);
+        SetUp();
+        c.prepare();
+        const state_t before = state();
+        try {
+            install({c.from, c.to, {}, standIns_t::missing, false});
+            ADD_FAILURE() << "installed";
+        } catch (const CToolError& error) {
+            EXPECT_NE(std::string(error.what()).find(c.says), std::string::npos) << error.what();
+        }
+        EXPECT_EQ(difference(before, state()), "");
+    }
+    EXPECT_THROW(uninstall(root / L"nothing"), CToolError);
+    const importPatch_t noRights(
+        "RegOpenKeyExW", +[] { return ERROR_ACCESS_DENIED; });
+    EXPECT_THROW(
+        try { install(m_asked); } catch (const CToolError& error) {
+            EXPECT_NE(std::string(error.what()).find("administrator"), std::string::npos);
+            throw;
+        },
+        CToolError);
+}
+
+TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
+{
+    const failing_t ofInstall[] = {FAILING(CreateDirectoryW, FALSE),
+                                   FAILING(CopyFileW, FALSE),
+                                   FAILING(MoveFileExW, FALSE),
+                                   FAILING(RegCreateKeyExW, ERROR_WRITE_PROTECT),
+                                   FAILING(RegSetValueExW, ERROR_WRITE_PROTECT),
+                                   FAILING(LoadLibraryExW, nullptr)};
+    for (const failing_t& failing : ofInstall) {
+        bool failed = true;
+        for (int n = 0; failed && !HasFailure(); ++n) {
+            SCOPED_TRACE(std::string(failing.name) + ' ' + std::to_string(n));
+            SetUp();
+            foreign();
+            const state_t before = state();
+            failed = false;
+            failCall(failing, n, [&] {
+                try {
+                    install(m_replacing);
+                } catch (const CToolError& error) {
+                    failed = true;
+                    EXPECT_NE(std::string(error.what()).find("as it was"), std::string::npos)
+                        << error.what();
+                }
+            });
+            EXPECT_EQ(failed, countdown < 0);
+            EXPECT_TRUE(!failed || difference(before, state()).empty())
+                << difference(before, state());
+        }
+    }
+}
+
+TEST_F(setupTest, ARemovalThatFailsCanBeRunAgain)
+{
+    const failing_t ofRemoval[] = {FAILING(DeleteFileW, FALSE),
+                                   FAILING(MoveFileExW, FALSE),
+                                   FAILING(RemoveDirectoryW, FALSE),
+                                   FAILING(RegDeleteValueW, ERROR_WRITE_PROTECT),
+                                   FAILING(RegDeleteKeyW, ERROR_WRITE_PROTECT),
+                                   FAILING(RegSetValueExW, ERROR_WRITE_PROTECT),
+                                   FAILING(LoadLibraryExW, nullptr)};
+    for (const failing_t& failing : ofRemoval) {
+        bool complete = false;
+        for (int n = 0; !complete && !HasFailure(); ++n) {
+            SCOPED_TRACE(std::string(failing.name) + ' ' + std::to_string(n));
+            SetUp();
+            foreign();
+            const state_t before = state();
+            install(m_replacing);
+            failCall(failing, n, [&] { complete = uninstall(root).complete; });
+            EXPECT_EQ(complete, countdown >= 0);
+            if (!complete && fs::exists(bin / L"VLOnlineIDs.installed.json")) {
+                EXPECT_TRUE(uninstall(root).complete);
+            }
+            EXPECT_EQ(difference(before, state()), "");
+        }
+    }
+}
+
+// The package as it is shipped, in a folder with a name that a command processor could trip over.
+TEST_F(setupTest, TheScriptsInstallAndRemoveTheShippedPackage)
+{
+    const fs::path package = L"C:\\pack & (1)! x", folder = L"C:\\Our Product\\a & (b)! c";
+    fs::copy(built / L"..\\package", package, fs::copy_options::recursive);
+    const auto run = [](const std::wstring& command) {
+        writeFile(L"C:\\run\\run.cmd",
+                  "@call " + utf8FromWide(command) + " >C:\\run\\out.txt 2>&1\r\n");
+        return _wsystem(L"C:\\run\\run.cmd");
+    };
+    const std::wstring quoted = L"\" \"" + folder.wstring() + L"\"";
+    run(L"cmd /c echo"); // makes the folder for its output
+    const state_t before = state();
+    EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + L"\" Q:\\x"), 1);
+    EXPECT_NE(fileBytes(L"C:\\run\\out.txt").find("there is no Q:"), std::string::npos);
+    EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + quoted), 0)
+        << fileBytes(L"C:\\run\\out.txt");
+    EXPECT_EQ(run(L'"' + (built / L"vl_example_host.exe").wstring() + L'"'), 0);
+    const std::string shown = fileBytes(L"C:\\run\\out.txt");
+    EXPECT_NE(shown.find("plug-in " + utf8FromWide((folder / L"bin\\VLOnlineIDs.dll").wstring())),
+              std::string::npos)
+        << shown;
+    EXPECT_NE(shown.find("level   2"), std::string::npos) << shown;
+    EXPECT_EQ(run(L'"' + (folder / L"bin\\uninstall.cmd").wstring() + L'"'), 0)
+        << fileBytes(L"C:\\run\\out.txt");
+    EXPECT_TRUE(fs::exists(folder / L"Cleanup.txt"));
+    fs::remove_all(folder);
+    EXPECT_EQ(difference(before, state()), "");
+}

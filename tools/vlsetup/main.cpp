@@ -1,0 +1,72 @@
+#include <iostream>
+#include <map>
+
+#include <windows.h>
+
+#include "common/commandline.h"
+#include "common/module.h"
+#include "common/text.h"
+#include "setup.h"
+
+namespace {
+
+std::wstring environment(const wchar_t* name)
+{
+    wchar_t text[MAX_PATH] = {};
+    GetEnvironmentVariableW(name, text, MAX_PATH);
+    return text;
+}
+
+void print(const std::vector<std::string>& lines)
+{
+    for (const std::string& line : lines)
+        std::cout << line << '\n';
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("Installs and removes the plug-in, its tools and its texts.", "vlsetup");
+    app.require_subcommand(1);
+    const std::wstring own = moduleFileName(nullptr);
+    std::string root = utf8FromWide(environment(L"ProgramFiles") + L"\\Veltrano");
+    std::string from = utf8FromWide(own.substr(0, own.find_last_of(L'\\')));
+    std::string uninstaller;
+    standIns_t standIns = standIns_t::missing;
+    bool replace = false;
+
+    CLI::App* const installCommand = app.add_subcommand("install", "Install, repair or upgrade");
+    installCommand->add_option("folder", root, "The product's folder")->capture_default_str();
+    installCommand->add_option("--from", from,
+                               "The unpacked package, instead of this program's folder");
+    installCommand
+        ->add_option(
+            "--stand-ins", standIns,
+            "Stand-ins for the product's neighbours: none, missing (where nothing is), or all")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, standIns_t>{{"none", standIns_t::none},
+                                              {"missing", standIns_t::missing},
+                                              {"all", standIns_t::all}}));
+    installCommand->add_flag("--replace", replace,
+                             "Replace files of the same name; the removal puts them back");
+    installCommand->add_option("--uninstaller", uninstaller,
+                               "File of the package for the list of installed programs");
+    installCommand->callback([&] {
+        print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller), standIns,
+                       replace}));
+        std::cout << "installed in " << root << "\\bin\n";
+    });
+
+    CLI::App* const uninstallCommand =
+        app.add_subcommand("uninstall", "Remove what was installed, and nothing else");
+    uninstallCommand->add_option("folder", root, "The product's folder")->capture_default_str();
+    uninstallCommand->callback([&] {
+        const removed_t result = uninstall(wideFromUtf8(root));
+        print(result.lines);
+        if (!result.complete)
+            throw CToolError("not everything could be removed", "see above, and run it again");
+        std::cout << "uninstalled; what belongs to users stays\n";
+    });
+    return runTool(app, argc, argv);
+}
