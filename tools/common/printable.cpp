@@ -60,12 +60,6 @@ std::string printable(std::string_view text, bool keepLines)
 
 } // namespace
 
-bool isSteering(char32_t c) noexcept
-{
-    return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x61C || c == 0x200E || c == 0x200F ||
-           (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
-}
-
 std::string printable(std::string_view text)
 {
     return printable(text, false);

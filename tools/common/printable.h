@@ -8,8 +8,7 @@
 //     \n \r \t         the line feed, the carriage return, the tab
 //     \x1B             every other control character below U+0020, and U+007F
 //     \xFF             a byte that belongs to no UTF-8 character
-//     \u{9B} \u{202E}  U+0080 to U+009F, the separators of lines and paragraphs, and the marks that
-//                      change the direction of what follows
+//     \u{9B} \u{202E}  every other character of isSteering
 //
 // A backslash stays as it is, so that paths can be read; what a program reads is the JSON output.
 //
@@ -18,6 +17,3 @@ std::string printable(std::string_view text);
 
 // printableLines does the same to text of several lines: LF and CR LF stay, as LF.
 std::string printableLines(std::string_view text);
-
-// isSteering is true for a character that steers what shows it instead of being shown.
-bool isSteering(char32_t character) noexcept;

@@ -1,227 +1,198 @@
 #include "commands.h"
 
-#include "common/usage.h"
-#include "difference.h"
-#include "document.h"
-#include "report.h"
-
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+#include <functional>
+
+#include "common/backupinput.h"
+#include "common/commandline.h"
+#include "common/inputfile.h"
+#include "common/jsontext.h"
+#include "common/printable.h"
+#include "difference.h"
+#include "report.h"
 
 namespace {
 
-constexpr int done = 0;
-constexpr int amiss = 1;
-constexpr int failed = 2;
-
-// A failure that ends the program; what() is the one line told.
-struct failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
+struct options_t {
+    std::string backup;
+    std::string other; // a second backup, or a stored name
+    bool json = false;
+    bool strict = false;
+    bool restored = false;
 };
 
 // A backup's bytes and the view of them.
-struct openBackup {
-    std::string name;
+struct openBackup_t {
+    openBackup_t(const std::string& name, std::istream& in)
+        : bytes(readInput(name, in)), readable(decodeBackup(bytes, view))
+    {}
+
     std::vector<uint8_t> bytes;
     CBackupView view;
-    bool readable = false;
+    bool readable;
 };
 
-std::vector<uint8_t> readAll(std::istream& from)
+// CCommands holds one operation a verb. Each gives the exit status.
+class CCommands
 {
-    std::vector<uint8_t> bytes;
-    char block[65536];
-    do {
-        from.read(block, sizeof block);
-        bytes.insert(bytes.end(), block, block + from.gcount());
-    } while (from);
-    return bytes;
-}
+public:
+    CCommands(const options_t& options, std::istream& in, std::ostream& out)
+        : m_options(options), m_in(in), m_out(out)
+    {}
 
-void open(const std::string& name, std::istream& in, openBackup& backup)
-{
-    backup.name = name;
-    if (name == "-") {
-        backup.bytes = readAll(in);
-    } else {
-        const std::filesystem::path path(std::u8string(name.begin(), name.end()));
-        std::error_code error;
-        std::ifstream file;
-        if (!std::filesystem::is_directory(path, error))
-            file.open(path, std::ios::binary);
-        if (!file.is_open())
-            throw failure("can't read " + printable(name) +
-                          " (give a saved backup's path, or - for standard input)");
-        backup.bytes = readAll(file);
+    int List() const
+    {
+        const openBackup_t backup = Open(m_options.backup);
+        if (m_options.json)
+            WriteJson(listJson(backup.view));
+        else
+            listText(backup.view, m_out);
+        return exitStatus::good;
     }
-    backup.readable = backup.view.Decode(backup.bytes);
-    if (backup.readable)
-        completeFindings(backup.view);
-}
 
-void openReadable(const std::string& name, std::istream& in, openBackup& backup)
-{
-    open(name, in, backup);
-    if (!backup.readable)
-        throw failure(printable(name) + " is no backup: " + backup.view.findings.back().what +
-                      " (vlbackup verify tells more)");
-}
-
-void writeJson(const Json::Value& value, std::ostream& out)
-{
-    out << jsonText(value, true) << '\n';
-}
-
-std::span<const uint8_t> contentOf(const openBackup& backup, const std::string& name)
-{
-    // The last of a name is what a restore leaves on the disk.
-    const auto& files = backup.view.files;
-    const auto file = std::find_if(files.rbegin(), files.rend(),
-                                   [&](const BackupFile& f) { return f.name == name; });
-    if (file != files.rend())
-        return file->content;
-    const std::string& document = backup.view.settings.document;
-    if (name == "settings" && backup.view.settings.form == SettingsForm::document)
-        return {reinterpret_cast<const uint8_t*>(document.data()), document.size()};
-    throw failure("no " + printable(name) + " in " + printable(backup.name) +
-                  " (vlbackup ls tells the stored names)");
-}
-
-int cat(const openBackup& backup, const std::string& name, bool json, std::ostream& out)
-{
-    const auto content = contentOf(backup, name);
-    if (json) {
-        Json::Value value;
-        value["name"] = cleanUtf8(name);
-        value["size"] = Json::UInt64{content.size()};
-        value["base64"] = base64(content);
-        writeJson(value, out);
-    } else {
-        out.write(reinterpret_cast<const char*>(content.data()),
-                  static_cast<std::streamsize>(content.size()));
+    int Info() const
+    {
+        const openBackup_t backup = Open(m_options.backup);
+        if (m_options.json)
+            WriteJson(infoJson(backup.view));
+        else
+            infoText(backup.view, m_out);
+        return exitStatus::good;
     }
-    return done;
-}
 
-// restored: the second was taken after restoring the first; what the format itself makes different
-//           is then told with its reason, and no difference
-int diff(const openBackup& first, const openBackup& second, bool restored, bool json,
-         std::ostream& out)
-{
-    const auto differences = compareBackups(first.view, second.view);
-    bool amissAny = false;
-    Json::Value value;
-    value["equal"] = differences.empty();
-    value["differences"] = Json::arrayValue;
-    for (const BackupDifference& difference : differences) {
-        Json::Value entry;
-        entry["element"] = difference.element;
-        entry["item"] = cleanUtf8(difference.item);
-        entry["what"] = cleanUtf8(difference.what);
-        const std::string reason = restored ? reasonAfterRestore(difference) : std::string();
-        amissAny = amissAny || reason.empty();
-        if (restored)
-            entry["reason"] = reason;
-        if (!json) {
-            out << difference.element << (difference.item.empty() ? "" : " ")
-                << printable(difference.item) << ": " << printable(difference.what)
-                << (reason.empty() ? "" : " (" + reason + ")") << '\n';
+    int Cat() const
+    {
+        const openBackup_t backup = Open(m_options.backup);
+        const auto content = ContentOf(backup.view);
+        if (m_options.json) {
+            Json::Value value;
+            value["name"] = m_options.other;
+            value["size"] = Json::UInt64{content.size()};
+            value["base64"] = base64(content);
+            WriteJson(value);
+        } else {
+            m_out.write(reinterpret_cast<const char*>(content.data()),
+                        static_cast<std::streamsize>(content.size()));
         }
-        value["differences"].append(std::move(entry));
+        return exitStatus::good;
     }
-    if (json)
-        writeJson(value, out);
-    else if (differences.empty())
-        out << "equal\n";
-    else if (!amissAny)
-        out << "equal but for that\n";
-    return amissAny ? amiss : done;
-}
+
+    // What is no backup is a finding as well, in JSON; for a reader it has a better line.
+    int Verify() const
+    {
+        const openBackup_t backup(m_options.backup, m_in);
+        if (m_options.json)
+            WriteJson(verifyJson(backup.view));
+        else if (backup.readable)
+            verifyText(backup.view, m_out);
+        else
+            refuseBackup(m_options.backup, backup.bytes, backup.view);
+        const bool good = m_options.strict ? backup.view.Sound() : backup.view.Restorable();
+        return good ? exitStatus::good : exitStatus::failed;
+    }
+
+    // After a restore of the first, what the format itself makes different is reported with its
+    // reason, and is no difference.
+    int Diff() const
+    {
+        if (m_options.backup == "-" && m_options.other == "-")
+            throw CToolError("both backups can't come from standard input", "save one to a file",
+                             exitStatus::wrongUsage);
+        const openBackup_t first = Open(m_options.backup);
+        const openBackup_t second = Open(m_options.other);
+        const auto differences = compareBackups(first.view, second.view);
+        bool equal = true;
+        Json::Value value;
+        value["equal"] = differences.empty();
+        value["differences"] = Json::arrayValue;
+        for (const BackupDifference& difference : differences) {
+            const std::string reason =
+                m_options.restored ? reasonAfterRestore(difference) : std::string();
+            equal = equal && !reason.empty();
+            Json::Value entry;
+            entry["element"] = difference.element;
+            entry["item"] = difference.item;
+            entry["what"] = difference.what;
+            if (m_options.restored)
+                entry["reason"] = reason;
+            value["differences"].append(std::move(entry));
+            if (!m_options.json)
+                m_out << difference.element << (difference.item.empty() ? "" : " ")
+                      << printable(difference.item) << ": " << printable(difference.what)
+                      << (reason.empty() ? "" : " (" + reason + ")") << '\n';
+        }
+        if (m_options.json)
+            WriteJson(value);
+        else if (equal)
+            m_out << (differences.empty() ? "equal\n" : "equal except for that\n");
+        return equal ? exitStatus::good : exitStatus::failed;
+    }
+
+private:
+    openBackup_t Open(const std::string& name) const
+    {
+        openBackup_t backup(name, m_in);
+        if (!backup.readable)
+            refuseBackup(name, backup.bytes, backup.view);
+        return backup;
+    }
+
+    void WriteJson(const Json::Value& value) const { m_out << jsonText(value, true) << '\n'; }
+
+    std::span<const uint8_t> ContentOf(const CBackupView& backup) const
+    {
+        // The last of a name is what a restore leaves on the disk.
+        const auto file =
+            std::find_if(backup.files.rbegin(), backup.files.rend(),
+                         [&](const BackupFile& f) { return f.name == m_options.other; });
+        if (file != backup.files.rend())
+            return file->content;
+        const std::string& document = backup.settings.document;
+        if (m_options.other == "settings" && backup.settings.form == SettingsForm::document)
+            return {reinterpret_cast<const uint8_t*>(document.data()), document.size()};
+        throw CToolError("no " + m_options.other + " in " + shownInput(m_options.backup),
+                         "vlbackup ls shows the stored names");
+    }
+
+    const options_t& m_options;
+    std::istream& m_in;
+    std::ostream& m_out;
+};
 
 } // namespace
 
 int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
                 std::ostream& err)
 {
-    // Told at the end of each command, since a full disk shows only when the last block goes out.
-    const auto finish = [&out](int status) {
-        if (!out.flush())
-            throw failure("can't write the output (is the disk full, or the reader gone?)");
-        return status;
-    };
     CLI::App app("Looks into backups of the password manager. A backup named - is read from "
                  "standard input.",
                  "vlbackup");
     app.require_subcommand(1);
     app.fallthrough();
-    bool json = false;
-    app.add_flag("--json", json, "Tell it as JSON");
-    std::string name;
-    std::string other;
-    const auto command = [&](const char* verb, const char* what) {
-        CLI::App* sub = app.add_subcommand(verb, what);
-        sub->add_option("backup", name, "The backup")->required();
-        return sub;
+    options_t options;
+    const CCommands commands(options, in, out);
+    app.add_flag("--json", options.json, "Print JSON");
+    std::function<int()> chosen;
+    const auto add = [&](const char* verb, const char* what, int (CCommands::*operation)() const) {
+        CLI::App* const command = app.add_subcommand(verb, what);
+        command->add_option("backup", options.backup, "The backup")->required();
+        command->callback(
+            [&, operation] { chosen = [&, operation] { return (commands.*operation)(); }; });
+        return command;
     };
-    const auto* ls = command("ls", "List everything in it, readable");
-    const auto* info = command("info", "Tell its version, counts and sizes");
-    auto* catCommand = command("cat", "Write the bytes of a stored file, or the settings document");
-    catCommand->add_option("name", other, "The stored name as ls shows it, or settings")
+    add("ls", "List everything in it", &CCommands::List);
+    add("info", "Show its version, counts, sizes and verdict", &CCommands::Info);
+    add("cat", "Write the bytes of a stored file, or the settings document", &CCommands::Cat)
+        ->add_option("name", options.other, "The stored name as ls shows it, or settings")
         ->required();
-    const auto* verify =
-        command("verify", "Check its form, and the stored names; exit status 1 if it isn't sound");
-    auto* diffCommand = command("diff", "Compare it with another; exit status 1 if they differ");
-    diffCommand->add_option("other", other, "The other backup")->required();
-    bool restored = false;
-    diffCommand->add_flag(
-        "--restored", restored,
-        "The other was taken after restoring this one: pass what the format makes different");
-    try {
-        std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
-        app.parse(std::move(arguments));
-        openBackup backup;
-        if (verify->parsed()) {
-            open(name, in, backup);
-            if (json)
-                writeJson(verifyJson(backup.view), out);
-            else
-                verifyText(backup.view, out);
-            return finish(backup.view.Sound() ? done : amiss);
-        }
-        if (diffCommand->parsed() && name == "-" && other == "-")
-            throw failure("both backups can't come from standard input (save one to a file)");
-        openReadable(name, in, backup);
-        if (catCommand->parsed())
-            return finish(cat(backup, other, json, out));
-        if (diffCommand->parsed()) {
-            openBackup second;
-            openReadable(other, in, second);
-            return finish(diff(backup, second, restored, json, out));
-        }
-        if (ls->parsed() && json)
-            writeJson(listJson(backup.view), out);
-        else if (ls->parsed())
-            listText(backup.view, out);
-        else if (info->parsed() && json)
-            writeJson(infoJson(backup.view), out);
-        else
-            infoText(backup.view, out);
-        return finish(done);
-    } catch (const CLI::Success&) {
-        out << app.help();
-        return done;
-    } catch (const CLI::ParseError& error) {
-        err << "vlbackup: " << printable(usageError(app, error))
-            << " (vlbackup --help tells the commands)\n";
-    } catch (const failure& error) {
-        err << "vlbackup: " << error.what() << '\n';
-    } catch (const std::bad_alloc&) {
-        err << "vlbackup: not enough memory for the backup (close other programs and try again)\n";
-    }
-    return failed;
+    add("verify", "Check its form and what it would restore; exit status 1 for an error",
+        &CCommands::Verify)
+        ->add_flag("--strict", options.strict, "Exit status 1 for a warning, too");
+    CLI::App* const diff =
+        add("diff", "Compare it with another; exit status 1 if they differ", &CCommands::Diff);
+    diff->add_option("other", options.other, "The other backup")->required();
+    diff->add_flag("--restored", options.restored,
+                   "The other was taken after restoring this one: pass what the format makes "
+                   "different");
+    return runTool(app, std::move(arguments), out, err, [&] { return chosen(); });
 }

@@ -1,12 +1,13 @@
 #include "difference.h"
 
-#include "document.h"
-
 #include <algorithm>
 #include <array>
 #include <map>
 #include <string_view>
 #include <utility>
+
+#include "common/backupinput.h"
+#include "common/jsontext.h"
 
 namespace {
 

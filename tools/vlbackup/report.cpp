@@ -1,11 +1,14 @@
 #include "report.h"
 
-#include "document.h"
-
 #include <algorithm>
 #include <iomanip>
 
+#include "common/backupinput.h"
+#include "common/printable.h"
+
 namespace {
+
+using Grade = BackupFinding::Grade;
 
 Json::UInt64 contentSize(const CBackupView& backup)
 {
@@ -29,22 +32,10 @@ const char* formName(SettingsForm form)
     }
 }
 
-const char* kindName(BackupFinding::Kind kind)
-{
-    switch (kind) {
-    case BackupFinding::Kind::malformed:
-        return "malformed";
-    case BackupFinding::Kind::hostile:
-        return "hostile";
-    default:
-        return "note";
-    }
-}
-
-auto countOf(const CBackupView& backup, BackupFinding::Kind kind)
+auto countOf(const CBackupView& backup, Grade grade)
 {
     return std::count_if(backup.findings.begin(), backup.findings.end(),
-                         [kind](const BackupFinding& f) { return f.kind == kind; });
+                         [grade](const BackupFinding& f) { return f.grade == grade; });
 }
 
 Json::Value settingsJson(const BackupSettings& settings)
@@ -52,10 +43,10 @@ Json::Value settingsJson(const BackupSettings& settings)
     Json::Value value;
     value["form"] = formName(settings.form);
     if (settings.form == SettingsForm::document)
-        value["document"] = cleanUtf8(settings.document);
+        value["document"] = settings.document;
     if (settings.form == SettingsForm::legacy) {
         value["showPrompt"] = settings.showPrompt;
-        value["hotKey"] = cleanUtf8(settings.hotKey);
+        value["hotKey"] = settings.hotKey;
         value["dontPromptList"] = base64(settings.dontPromptList);
     }
     return value;
@@ -94,28 +85,28 @@ Json::Value listJson(const CBackupView& backup)
     value["templates"] = Json::arrayValue;
     for (const BackupFile& file : backup.files) {
         Json::Value entry;
-        entry["name"] = cleanUtf8(file.name);
+        entry["name"] = file.name;
         entry["size"] = Json::UInt64{file.content.size()};
-        entry["target"] = cleanUtf8(file.target);
+        entry["target"] = file.target;
         entry["alien"] = file.alien;
         value["templates"].append(std::move(entry));
     }
     value["quicklinks"] = Json::arrayValue;
     for (const BackupLink& link : backup.links) {
         Json::Value entry;
-        entry["name"] = cleanUtf8(link.name);
-        entry["target"] = cleanUtf8(link.target);
-        entry["manifest"] = cleanUtf8(link.manifest);
+        entry["name"] = link.name;
+        entry["target"] = link.target;
+        entry["manifest"] = link.manifest;
         entry["profile"] = link.profile;
-        entry["manifestid"] = cleanUtf8(link.manifestid);
+        entry["manifestid"] = link.manifestid;
         entry["wocred"] = link.wocred;
         value["quicklinks"].append(std::move(entry));
     }
     value["categories"] = Json::arrayValue;
     for (const BackupCategory& category : backup.categories) {
         Json::Value entry;
-        entry["name"] = cleanUtf8(category.name);
-        entry["text"] = cleanUtf8(category.text);
+        entry["name"] = category.name;
+        entry["text"] = category.text;
         value["categories"].append(std::move(entry));
     }
     value["settings"] = settingsJson(backup.settings);
@@ -124,7 +115,6 @@ Json::Value listJson(const CBackupView& backup)
 
 void infoText(const CBackupView& backup, std::ostream& out)
 {
-    using Kind = BackupFinding::Kind;
     const auto alien = std::count_if(backup.files.begin(), backup.files.end(),
                                      [](const BackupFile& f) { return f.alien; });
     out << "backup       " << backup.size << " bytes, " << backupVersionText(backup.elementCount)
@@ -134,13 +124,13 @@ void infoText(const CBackupView& backup, std::ostream& out)
         << "quick links  " << backup.links.size() << (backup.oldLinks ? ", old form\n" : "\n")
         << "categories   " << backup.categories.size() << '\n'
         << "settings     " << formName(backup.settings.form) << '\n'
-        << "findings     malformed " << countOf(backup, Kind::malformed) << ", hostile "
-        << countOf(backup, Kind::hostile) << ", notes " << countOf(backup, Kind::note) << '\n';
+        << "verdict      " << verdictText(backup) << " (errors " << countOf(backup, Grade::error)
+        << ", warnings " << countOf(backup, Grade::warning) << ", notes "
+        << countOf(backup, Grade::note) << ")\n";
 }
 
 Json::Value infoJson(const CBackupView& backup)
 {
-    using Kind = BackupFinding::Kind;
     Json::Value value;
     value["size"] = Json::UInt64{backup.size};
     value["elements"] = Json::UInt64{backup.elementCount};
@@ -154,40 +144,29 @@ Json::Value infoJson(const CBackupView& backup)
     value["oldQuicklinks"] = backup.oldLinks;
     value["categories"] = Json::UInt64{backup.categories.size()};
     value["settings"] = formName(backup.settings.form);
-    for (const Kind kind : {Kind::malformed, Kind::hostile, Kind::note})
-        value["findings"][kindName(kind)] = Json::Int64{countOf(backup, kind)};
+    value["verdict"] = backup.Sound() ? "sound" : gradeName(backup.Verdict());
+    for (const Grade grade : {Grade::error, Grade::warning, Grade::note})
+        value["findings"][gradeName(grade)] = Json::Int64{countOf(backup, grade)};
     return value;
-}
-
-void completeFindings(CBackupView& backup)
-{
-    const BackupSettings& settings = backup.settings;
-    if (settings.form != SettingsForm::document || settings.document.empty() ||
-        parseDocument(settings.document))
-        return;
-    backup.findings.push_back(
-        {BackupFinding::Kind::malformed, "settings",
-         "the document isn't JSON; a restore leaves the settings as they are"});
 }
 
 void verifyText(const CBackupView& backup, std::ostream& out)
 {
     for (const BackupFinding& finding : backup.findings)
-        out << kindName(finding.kind) << ": " << finding.where << ": " << printable(finding.what)
-            << '\n';
-    out << (backup.Sound() ? "sound\n" : "not sound\n");
+        out << printable(findingText(finding)) << '\n';
+    out << verdictText(backup) << '\n';
 }
 
 Json::Value verifyJson(const CBackupView& backup)
 {
     Json::Value value;
-    value["sound"] = backup.Sound();
+    value["verdict"] = backup.Sound() ? "sound" : gradeName(backup.Verdict());
     value["findings"] = Json::arrayValue;
     for (const BackupFinding& finding : backup.findings) {
         Json::Value entry;
-        entry["kind"] = kindName(finding.kind);
+        entry["grade"] = gradeName(finding.grade);
         entry["where"] = finding.where;
-        entry["what"] = cleanUtf8(finding.what);
+        entry["what"] = finding.what;
         value["findings"].append(std::move(entry));
     }
     return value;

@@ -13,8 +13,7 @@ Json::Value listJson(const CBackupView& backup);
 void infoText(const CBackupView& backup, std::ostream& out);
 Json::Value infoJson(const CBackupView& backup);
 
-// completeFindings adds what takes a JSON parser to find.
-void completeFindings(CBackupView& backup);
+// The findings and the verdict: "sound", "warning" or "error" in JSON.
 void verifyText(const CBackupView& backup, std::ostream& out);
 Json::Value verifyJson(const CBackupView& backup);
 

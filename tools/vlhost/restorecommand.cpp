@@ -34,10 +34,10 @@ void verify(const CBackupView& backup, bool decoded, bool force)
     const char* const hint = "nothing was touched; 'vlbackup verify' tells more";
     if (!decoded)
         throw CToolError("the file is no backup", hint);
-    if (backup.Sound())
+    if (backup.Restorable())
         return;
     for (const auto& finding : backup.findings)
-        if (finding.kind != BackupFinding::Kind::note)
+        if (finding.grade != BackupFinding::Grade::note)
             std::cerr << "vlhost: " << finding.where << ": " << finding.what << '\n';
     if (!force)
         throw CToolError("the backup is not sound",

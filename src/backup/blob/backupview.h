@@ -7,15 +7,16 @@
 
 #include "backup/blob/derview.h"
 
-// A whole backup as a restore would read it, with everything told that isn't as an export writes
-// it. Portable, for tools. Texts are UTF-8; contents are views into the backup's bytes.
+// A whole backup as a restore would read it, with a finding for everything that an export would not
+// write. Portable, for tools. Texts are UTF-8; contents are views into the backup's bytes.
 
 // BackupFile is one stored file.
 struct BackupFile {
     std::string name;                 // as stored, with "alien|" in front if it goes to a full path
     std::span<const uint8_t> content; // to be written
     std::string target; // where a restore writes: a full path, or a name in the personal folder
-    bool alien = false; // whether target is a full path
+    bool alien = false; // whether target is a full path, and so marked
+    size_t place = 0;   // in its element
 };
 
 // BackupLink is one quick link.
@@ -26,6 +27,7 @@ struct BackupLink {
     uint32_t profile = 0;
     std::string manifestid;
     bool wocred = false;
+    size_t place = 0; // in its element
 };
 
 // BackupCategory is one quick link category.
@@ -45,16 +47,17 @@ struct BackupSettings {
     std::span<const uint8_t> dontPromptList; // the element as it is stored; empty if there is none
 };
 
-// BackupFinding is one thing that isn't as an export writes it.
+// BackupFinding is one thing that isn't as an export writes it, or that a reader should know before
+// a restore.
 struct BackupFinding {
-    enum class Kind {
-        malformed, // a restore refuses the backup or drops or misreads this part
-        hostile,   // a stored name that would write where no template belongs
-        note,      // read without harm: an earlier version's form, bytes behind the end
+    enum class Grade {
+        note,    // read without harm: an earlier version's form, bytes behind the end
+        warning, // restored as it is, but to a place or with a content that is worth a look
+        error,   // a restore refuses, drops, misreads or replaces this part
     };
-    Kind kind;
+    Grade grade;
     std::string where; // element and position, such as "templates[3]"
-    std::string what;
+    std::string what;  // a clause; UTF-8, with names as they are stored
 };
 
 // CBackupView holds one decoded backup. Its bytes must stay.
@@ -65,8 +68,14 @@ public:
     // than two elements; then only the count and the findings are filled. Errors: std::bad_alloc
     bool Decode(std::span<const uint8_t> backup);
 
-    // Sound is true when there is no finding but notes.
-    bool Sound() const noexcept;
+    // Verdict gives the highest grade of the findings; note if there is none.
+    BackupFinding::Grade Verdict() const noexcept;
+    bool Restorable() const noexcept { return Verdict() != BackupFinding::Grade::error; }
+    bool Sound() const noexcept { return Verdict() == BackupFinding::Grade::note; }
+
+    // MarkedOutside gives the files with a full path that lies in none of the folders, or deeper.
+    // folders: full paths, UTF-8
+    std::vector<const BackupFile*> MarkedOutside(std::span<const std::string> folders) const;
 
     size_t elementCount = 0; // of the outer sequence: it alone tells the version
     bool oldLinks = false;   // quick link texts are narrow, as in backups of two elements
@@ -79,16 +88,15 @@ public:
     std::vector<std::span<const uint8_t>> elements; // the outer sequence's, encoded
 
 private:
-    using Kind = BackupFinding::Kind;
+    using Grade = BackupFinding::Grade;
 
-    void Find(Kind kind, std::string where, std::string what);
+    void Find(Grade grade, std::string where, std::string what);
     bool Sequence(const CDerElement& element, const std::string& where, CDerSequenceView& items);
     std::string Wide(const CDerElement& element, const std::string& where);
     std::string Narrow(const CDerElement& element, const std::string& where);
     uint32_t Integer(const CDerElement& element, const std::string& where);
 
     void DecodeFiles(const CDerElement& element);
-    void JudgeTarget(const BackupFile& file, const std::string& where);
     void DecodeLinks(const CDerElement& element);
     void DecodeCategories(const CDerElement& element);
     void DecodeSettings(const CDerElement& element);

@@ -1,6 +1,6 @@
 #include "backup/blob/derreader.h"
 
-bool CDerReader::Next(Extent& extent) const noexcept
+bool CDerReader::NextHeader(Extent& extent) const noexcept
 {
     size_t at = 0;
     // The length's first octet must be there too, hence the 2 and the at + 1 below.
@@ -20,10 +20,23 @@ bool CDerReader::Next(Extent& extent) const noexcept
         for (length = 0; octets > 0; --octets)
             length = length << 8 | m_rest[at++];
     }
-    if (m_rest.size() - at < length)
-        return false;
     extent = {at, length};
     return true;
+}
+
+bool CDerReader::Next(Extent& extent) const noexcept
+{
+    Extent next{};
+    if (!NextHeader(next) || m_rest.size() - next.header < next.length)
+        return false;
+    extent = next;
+    return true;
+}
+
+size_t CDerReader::Announced() const noexcept
+{
+    Extent next{};
+    return NextHeader(next) ? next.header + next.length : 0;
 }
 
 bool CDerReader::ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept

@@ -26,6 +26,10 @@ public:
 
     bool AtEnd() const noexcept { return m_rest.empty(); }
 
+    // Announced gives the size of the next element as its tag and length have it, whether or not so
+    // much is left; 0 if they can't be read.
+    size_t Announced() const noexcept;
+
     // Read takes an element of that tag.
     // contents: the content octets without tag and length, a view into the reader's bytes
     [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept;
@@ -39,9 +43,10 @@ public:
 private:
     struct Extent {
         size_t header; // octets of tag and length
-        size_t length; // content octets, all of them there
+        size_t length; // content octets
     };
-    bool Next(Extent& extent) const noexcept;
+    bool NextHeader(Extent& extent) const noexcept;
+    bool Next(Extent& extent) const noexcept; // all of it is there
 
     std::span<const uint8_t> m_rest;
 };
