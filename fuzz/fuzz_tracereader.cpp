@@ -1,3 +1,4 @@
+#include "common/printable.h"
 #include "exports.h"
 #include "lines.h"
 #include "require.h"
@@ -22,7 +23,7 @@ struct checks_t final : vltrace::traceConsumer_i {
         for (const lostFunction_t& lost : step.lost)
             require(depths[lost.thread]-- > 0);
         if (const auto* record = std::get_if<traceRecord_t>(&item)) {
-            require(vltrace::printable(record->text).size() >= record->text.size() / 2);
+            require(printable(record->text).size() >= record->text.size() / 2);
             pass(record->offset,
                  size_t{7} + bytes[record->offset + 5] + 256U * bytes[record->offset + 6]);
             size_t& depth = depths[record->thread];
@@ -49,12 +50,10 @@ struct checks_t final : vltrace::traceConsumer_i {
 
 void feed(std::span<const uint8_t> bytes, size_t pieceSize, vltrace::traceConsumer_i& consumer)
 {
-    consumer.begin("fuzz");
-    vltrace::traceFeed_t feed(consumer);
+    vltrace::traceFeed_t feed("fuzz", consumer);
     for (size_t at = 0; at < bytes.size(); at += pieceSize)
         feed.feed(bytes.subspan(at, std::min(pieceSize, bytes.size() - at)));
     feed.finish();
-    consumer.end();
     consumer.finish();
 }
 

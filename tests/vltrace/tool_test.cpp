@@ -2,11 +2,11 @@
 
 #include "commands.h"
 #include "exports.h"
-#include "tracefile.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <filesystem>
 #include <map>
 #include <random>
 #include <sstream>
@@ -16,15 +16,21 @@ using namespace vltrace;
 
 namespace {
 
+std::filesystem::path pathFrom(const std::string& name)
+{
+    return {std::u8string(name.begin(), name.end())};
+}
+
 struct result_t {
     int status;
     std::string out, err;
 };
 
-result_t run(std::vector<std::string> arguments)
+result_t run(std::vector<std::string> arguments, const std::vector<uint8_t>& input = {})
 {
+    std::istringstream in(std::string(input.begin(), input.end()));
     std::ostringstream out, err;
-    const int status = runVltrace(std::move(arguments), out, err, [] { return false; });
+    const int status = runVltrace(std::move(arguments), in, out, err, [] { return false; });
     return {status, out.str(), err.str()};
 }
 
@@ -48,12 +54,12 @@ protected:
 
     std::string name(const std::string& file) const
     {
-        const auto path = (m_folder / pathOf(file)).u8string();
+        const auto path = (m_folder / pathFrom(file)).u8string();
         return {path.begin(), path.end()};
     }
     void write(const std::string& file, const traceBytes_t& trace) const
     {
-        std::ofstream(m_folder / pathOf(file), std::ios::binary | std::ios::app)
+        std::ofstream(m_folder / pathFrom(file), std::ios::binary | std::ios::app)
             << std::string(trace.bytes.begin(), trace.bytes.end());
     }
 
@@ -61,7 +67,7 @@ protected:
     // thread's time goes forward, and each B has its E, of the same name.
     std::string goodChrome(const std::vector<uint8_t>& bytes) const
     {
-        std::filesystem::remove(m_folder / pathOf(sample));
+        std::filesystem::remove(m_folder / pathFrom(sample));
         write(sample, traceBytes_t({bytes.begin(), bytes.end()}));
         std::map<unsigned, std::vector<std::string>> open;
         std::map<unsigned, int64_t> last;
@@ -95,7 +101,7 @@ protected:
     const std::string sample = "host.x64.vlonlineids.dll~~07.14.17_at_15.59.04.123~~1.4242.trc3";
     const std::filesystem::path m_folder =
         std::filesystem::temp_directory_path() /
-        pathOf("vltrace-Größe-日-" + std::to_string(std::random_device()()));
+        pathFrom("vltrace-Größe-日-" + std::to_string(std::random_device()()));
 };
 
 TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
@@ -119,13 +125,17 @@ TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
               "2017-07-14 15:59:04.300  0x03C8  N 07-14-2017\n"
               "2017-07-15 00:00:00.005  0x03C8  > main\n"
               "2017-07-15 00:00:00.005  0x03C8    E note\n");
-    EXPECT_NE(linesOf({"--errors"})
-                  .find("Größe of 日\n"
-                        "    in SetStorageData, entered 15:59:04.100\n"
-                        "    in RestoreBackup, entered 15:59:04.110\n2017"),
-              std::string::npos);
-    write(sample, traceBytes_t("").records(8, {"Ua\nb\x1B\xC2\x9B\tc"})); // at the end
-    EXPECT_NE(linesOf({"--no-marks"}).find("a\\nb\\x1B\\x9B\tc"), std::string::npos);
+    const std::string error = "2017-07-14 15:59:04.150  0x01A4  E 0x80070005 ERROR_ACCESS_DENIED "
+                              "(access is denied): Größe of 日\n"
+                              "    in SetStorageData, entered 15:59:04.100\n"
+                              "    in RestoreBackup, entered 15:59:04.110\n";
+    const std::string note = "2017-07-15 00:00:00.005  0x03C8  E note\n"
+                             "    in main, entered 00:00:00.005\n";
+    EXPECT_EQ(linesOf({"--errors"}), error);
+    EXPECT_EQ(linesOf({"--notes"}), note);
+    EXPECT_EQ(linesOf({"--notes", "--errors"}), error + note);
+    write(sample, traceBytes_t("").records(8, {"Ua\nb\x1B\xC2\x9B\u202E"})); // at the end
+    EXPECT_NE(linesOf({"--no-marks"}).find("a\\nb\\x1B\\u{9B}\\u{202E}"), std::string::npos);
 }
 
 TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
@@ -133,6 +143,7 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"--thread", "688", "--thread", "0x3c8"}, ">U<N>E"},
         {{"--level", "EU"}, "EUE"},
+        {{"--errors", "--level", "EU"}, "E"},
         {{"--function", "restoreb"}, ">E<"},
         {{"--function", "SetStorageData"}, ">>E<<"},
         {{"--text", "Poll"}, "><"},
@@ -151,36 +162,44 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
     }
 }
 
-TEST_F(VltraceTool, WrongUseIsOneLineAndAStatus)
+TEST_F(VltraceTool, OutputIsWholeOrUntouched)
 {
-    write("plain.txt", traceBytes_t("[mail]\r\nmapi=1\r\n"));
-    const std::string shown = run({"cat", name(sample)}).out;
+    const std::string target = name("old.txt"), none = name("none.trc3");
+    write("old.txt", traceBytes_t("old"));
     const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
-        {{"tail", "-f", name("none.trc3")}, 1, "check the name"},
-        {{"cat", name("plain.txt")}, 1, ".trc3"},
-        {{"cat", "--from", "2017-02-30", name(sample)}, 2, "2017-07-14T15:59:04.123"},
-        {{"cat", "--output", name("plain.txt"), name(sample)}, 1, "--force"},
-        {{"cat", "--force", "--output", name(sample), name(sample)}, 1, "the trace itself"},
+        {{"cat", "--output", target, name(sample)}, 1, "--force"},
+        {{"cat", "--force", "--output", name(sample), name(sample)}, 1, "is what is read"},
+        {{"cat", "--force", "--output", target, none}, 1, "does not exist"},
+        {{"stats", "--force", "--output", target, name(sample), none}, 1, "is not written"},
+        {{"cat", "--force", "--from", "2017-02-30", "--output", target, name(sample)},
+         2,
+         "no time"},
+        {{"tail", "-f", "--force", "--output", target, name(sample)}, 2, "redirect"},
     };
+    const auto before = fileBytes(m_folder / pathFrom(sample));
     for (const auto& [arguments, status, hint] : cases) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
         const result_t result = run(arguments);
-        EXPECT_EQ(result.status, status) << testing::PrintToString(arguments);
+        EXPECT_EQ(result.status, status);
         EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
-        EXPECT_LE(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+        EXPECT_EQ(fileBytes(m_folder / "old.txt"), "old");
     }
-    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), "[mail]\r\nmapi=1\r\n");
-    // A file that can't be read doesn't keep the next one back, and the trace is whole still.
-    run({"cat", "--force", "--output", name("plain.txt"), name("none"), name(sample)});
-    EXPECT_EQ(fileBytes(m_folder / "plain.txt"), shown);
+    EXPECT_EQ(fileBytes(m_folder / pathFrom(sample)), before);
+    EXPECT_EQ(run({"cat", "--force", "--output", target, name(sample)}).status, 0);
+    EXPECT_EQ(fileBytes(m_folder / "old.txt"), run({"cat", name(sample)}).out);
+    // On standard output one that can't be read doesn't keep the next one back.
+    EXPECT_EQ(run({"cat", none, "-"}, sampleTrace().bytes).out,
+              run({"cat", "-"}, sampleTrace().bytes).out);
 }
 
 TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
 {
+    std::istringstream in;
     std::ostringstream out, err;
     int looks = 0;
-    runVltrace({"tail", "-n1", "-f", name(sample)}, out, err, [&] {
+    runVltrace({"tail", "-n1", "-f", name(sample)}, in, out, err, [&] {
         if (looks == 1)
-            std::filesystem::remove(m_folder / pathOf(sample));
+            std::filesystem::remove(m_folder / pathFrom(sample));
         write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
                           .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
         return ++looks < 4;
@@ -199,15 +218,19 @@ TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
 {
     // The clock is set back at the end.
     write("t", traceBytes_t().records(8, {"t07/14/17", "T10:00:00.000", ">outer", "T10:00:00.100",
-                                          ">twice", "T10:00:00.200", ">twice", "E-1 x", "Uy",
-                                          "T10:00:00.500", "<", "T10:00:01.000", "<", ">back",
+                                          ">twice", "T10:00:00.200", ">twice", "E-1 x", "E0 z",
+                                          "Uy", "T10:00:00.500", "<", "T10:00:01.000", "<", ">back",
                                           "T09:00:00.000", "<"}));
     EXPECT_EQ(
         run({"stats", name("t")}).out, // the inner 300 ms are not added
-        "      calls     errors   messages unfinished   total ms    mean ms longest ms  function\n"
-        "          2          1          1          0        900        450        900  twice\n"
-        "          1          0          0          0          0          0          0  back\n"
-        "          1          0          0          1          -          -          -  outer\n");
+        "      calls     errors      notes   messages unfinished   total ms    mean ms longest ms  "
+        "function\n"
+        "          2          1          1          1          0        900        450        900  "
+        "twice\n"
+        "          1          0          0          0          0          0          0          0  "
+        "back\n"
+        "          1          0          0          0          1          -          -          -  "
+        "outer\n");
 }
 
 TEST_F(VltraceTool, ChromeExportIsBalancedForWholeCutAndDamagedTraces)

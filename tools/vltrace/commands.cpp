@@ -1,19 +1,19 @@
 #include "commands.h"
 
-#include "common/usage.h"
+#include <algorithm>
+#include <deque>
+#include <istream>
+#include <ostream>
+
+#include "common/commandline.h"
+#include "common/inputfile.h"
+#include "common/outputfile.h"
+#include "common/printable.h"
 #include "exports.h"
 #include "filter.h"
 #include "lines.h"
 #include "stats.h"
 #include "tracefile.h"
-
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
-#include <deque>
-#include <fstream>
-#include <memory>
-#include <ostream>
 
 namespace vltrace {
 
@@ -27,9 +27,10 @@ struct options_t {
     std::vector<std::string> texts;
     std::string from;
     std::string to;
-    std::string output;
+    std::string output = "-";
     bool force = false;
-    bool errorsOnly = false;
+    bool errors = false;
+    bool notes = false;
     bool noMarks = false;
     bool follow = false;
     size_t lines = 20;
@@ -37,9 +38,16 @@ struct options_t {
     std::string format = "jsonl";
 };
 
+struct streams_t {
+    std::istream& in;
+    std::ostream& out;
+    std::ostream& err;
+};
+
 void addShared(CLI::App& command, options_t& options)
 {
-    command.add_option("FILE", options.files, "trace files (.trc3)")->required();
+    command.add_option("FILE", options.files, "trace files (.trc3); - is standard input")
+        ->required();
     const char* const filters = "Filters (all that are given must hold)";
     command
         .add_option("--thread", options.threads,
@@ -59,16 +67,22 @@ void addShared(CLI::App& command, options_t& options)
     const char* const instant = "YYYY-MM-DD, HH:MM[:SS[.mmm]] or both joined by T";
     command.add_option("--from", options.from, instant)->group(filters);
     command.add_option("--to", options.to, instant)->group(filters);
-    command.add_option("--output", options.output,
-                       "write to this file instead of the standard output");
+    command.add_option("--output", options.output, "write to this file; - is standard output");
     command.add_flag("--force", options.force, "let --output replace a file");
 }
 
-void addLineOptions(CLI::App& command, options_t& options)
+void addKinds(CLI::App& command, options_t& options)
 {
-    command.add_flag("--errors", options.errorsOnly,
-                     "only errors, each with its chain of open functions");
-    command.add_flag("--no-marks", options.noMarks, "leave colour directives out");
+    command.add_flag("--errors", options.errors,
+                     "only errors, which have a status other than 0; lines with the functions "
+                     "that were open");
+    command.add_flag("--notes", options.notes,
+                     "only notes, which have the status 0; with --errors both");
+}
+
+lineOptions_t lineOptionsOf(const options_t& options)
+{
+    return {options.errors || options.notes, !options.noMarks};
 }
 
 std::optional<instant_t> instantOf(const char* option, const std::string& text, bool latest)
@@ -96,6 +110,10 @@ filter_t filterOf(const options_t& options)
         throw CLI::ValidationError("--level", "\"" + options.levels +
                                                   "\" has a letter that is none of ><UEDNTt");
     filter.levels = options.levels;
+    if (options.errors)
+        filter.kinds.push_back(kind_t::error);
+    if (options.notes)
+        filter.kinds.push_back(kind_t::note);
     filter.functions = options.functions;
     filter.texts = options.texts;
     filter.from = instantOf("--from", options.from, false);
@@ -103,74 +121,56 @@ filter_t filterOf(const options_t& options)
     return filter;
 }
 
-// openOutput gives the file of --output, or null if there is none.
-std::unique_ptr<std::ofstream> openOutput(const options_t& options)
-{
-    if (options.output.empty())
-        return nullptr;
-    const std::filesystem::path path = pathOf(options.output);
-    std::error_code error;
-    for (const std::string& file : options.files)
-        if (std::filesystem::equivalent(path, pathOf(file), error))
-            throw toolError_t(options.output + " is the trace itself: give --output another name");
-    if (!options.force && std::filesystem::exists(path, error))
-        throw toolError_t(options.output + " exists: give another name, or --force to replace it");
-    auto file = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
-    if (!*file)
-        throw toolError_t(options.output + " can't be written: check the folder and your rights");
-    return file;
-}
-
 // readAll reads the files one after the other; one that can't be read doesn't keep the others back.
-int readAll(const options_t& options, traceConsumer_i& consumer, bool tellDamage, std::ostream& err)
+int readAll(const options_t& options, const streams_t& streams, traceConsumer_i& consumer)
 {
-    int status = 0;
+    int status = exitStatus::good;
+    const auto complain = [&](const std::string& line) {
+        streams.err << "vltrace: " << printable(line) << '\n';
+    };
     for (const std::string& name : options.files) {
         try {
-            const traceFeed_t feed = readTrace(name, consumer);
-            if (feed.size > 0 && feed.records == 0 && !feed.marked)
-                throw toolError_t(name + " holds no trace: its name should end in .trc3");
-            if (feed.size == 0)
-                err << "vltrace: " << name << " is empty: nothing has been traced into it yet\n";
-            else if (tellDamage && feed.damages > 0)
-                err << "vltrace: " << name << " is damaged in " << feed.damages << " places, "
-                    << feed.skipped << " bytes skipped: see vltrace cat\n";
-        } catch (const toolError_t& error) {
-            err << "vltrace: " << error.what() << '\n';
-            status = 1;
+            const traceFeed_t feed = readTrace(name, streams.in, consumer);
+            if (feed.cutOffset)
+                complain(shownInput(name) + " is cut at byte " + std::to_string(*feed.cutOffset) +
+                         ": the rest is no whole record (is it still being written?)");
+            else if (feed.damages > 0)
+                complain(shownInput(name) + " is damaged in " + std::to_string(feed.damages) +
+                         " places, " + std::to_string(feed.skipped) +
+                         " bytes skipped (vltrace cat shows where)");
+        } catch (const CToolError& error) {
+            complain(error.what());
+            status = error.ExitStatus();
         }
     }
     consumer.finish();
     return status;
 }
 
-int runTail(const options_t& options, std::ostream& out, std::ostream& err,
+int runTail(const options_t& options, const streams_t& streams, std::ostream& out,
             const std::function<bool()>& wait)
 {
     std::deque<std::string> last;
     bool live = false;
-    linePrinter_t printer(filterOf(options), {options.errorsOnly, !options.noMarks},
-                          [&](const std::string& line) {
-                              if (live) {
-                                  out << line;
-                                  return;
-                              }
-                              last.push_back(line);
-                              if (last.size() > options.lines)
-                                  last.pop_front();
-                          });
+    linePrinter_t printer(filterOf(options), lineOptionsOf(options), [&](const std::string& line) {
+        if (live) {
+            out << line;
+            return;
+        }
+        last.push_back(line);
+        if (last.size() > options.lines)
+            last.pop_front();
+    });
     const auto showLast = [&] {
         for (const std::string& line : last)
             out << line;
         out.flush();
     };
     if (!options.follow) {
-        const int status = readAll(options, printer, false, err);
+        const int status = readAll(options, streams, printer);
         showLast();
         return status;
     }
-    if (options.files.size() != 1)
-        throw toolError_t("one file can be followed: start vltrace for each");
     traceFollower_t follower(options.files[0], printer);
     follower.poll();
     showLast();
@@ -179,42 +179,64 @@ int runTail(const options_t& options, std::ostream& out, std::ostream& err,
         follower.poll();
         out.flush();
     }
-    return 0;
+    return exitStatus::good;
 }
 
-int run(const CLI::App& app, const options_t& options, std::ostream& standardOut, std::ostream& err,
+void checkUse(const options_t& options)
+{
+    const auto refuse = [](const char* what, const char* hint) {
+        throw CToolError(what, hint, exitStatus::wrongUsage);
+    };
+    const auto& files = options.files;
+    if (std::count(files.begin(), files.end(), "-") > 1)
+        refuse("standard input can be read only once", "save it to a file");
+    if (!options.follow)
+        return;
+    if (files.size() != 1)
+        refuse("one file can be followed", "start vltrace for each");
+    if (files[0] == "-")
+        refuse("standard input can't be followed", "name the file");
+    if (options.output != "-")
+        refuse("what is followed has no end, so --output would never be complete",
+               "redirect the standard output");
+}
+
+int run(const CLI::App& app, const options_t& options, const streams_t& streams,
         const std::function<bool()>& wait)
 {
+    checkUse(options);
     const filter_t filter = filterOf(options);
-    const auto file = openOutput(options);
-    std::ostream& out = file ? *file : standardOut;
-    int status = 0;
+    COutputFile file(options.output, options.force, options.files, streams.out);
+    std::ostream& out = file.Stream();
+    int status = exitStatus::good;
     if (app.got_subcommand("tail")) {
-        status = runTail(options, out, err, wait);
+        status = runTail(options, streams, out, wait);
     } else if (app.got_subcommand("cat")) {
-        linePrinter_t printer(filter, {options.errorsOnly, !options.noMarks},
+        linePrinter_t printer(filter, lineOptionsOf(options),
                               [&](const std::string& line) { out << line; });
-        status = readAll(options, printer, false, err);
+        status = readAll(options, streams, printer);
     } else if (app.got_subcommand("stats")) {
         statsTable_t stats(filter, options.order, out);
-        status = readAll(options, stats, true, err);
+        status = readAll(options, streams, stats);
     } else if (options.format == "chrome") {
         chromeTrace_t chrome(filter, out);
-        status = readAll(options, chrome, true, err);
+        status = readAll(options, streams, chrome);
     } else {
         jsonLines_t lines(filter, out);
-        status = readAll(options, lines, true, err);
+        status = readAll(options, streams, lines);
     }
-    out.flush();
-    if (!out)
-        throw toolError_t("the output could not be written whole: is the disk full?");
+    if (status == exitStatus::good || options.output == "-")
+        file.Complete();
+    else
+        streams.err << "vltrace: " << printable(options.output)
+                    << " is not written, as not all could be read (leave out what can't)\n";
     return status;
 }
 
 } // namespace
 
-int runVltrace(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
-               const std::function<bool()>& wait)
+int runVltrace(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
+               std::ostream& err, const std::function<bool()>& wait)
 {
     options_t options;
     CLI::App app("Reads trace files of the plug-in, damaged ones too.", "vltrace");
@@ -227,10 +249,12 @@ int runVltrace(std::vector<std::string> arguments, std::ostream& out, std::ostre
     CLI::App& exports = *app.add_subcommand("export", "Write the records for other programs");
     for (CLI::App* command : {&cat, &tail, &stats, &exports})
         addShared(*command, options);
-    addLineOptions(cat, options);
-    addLineOptions(tail, options);
+    for (CLI::App* command : {&cat, &tail, &exports})
+        addKinds(*command, options);
+    for (CLI::App* command : {&cat, &tail})
+        command->add_flag("--no-marks", options.noMarks, "leave colour directives out");
     tail.add_flag("-f,--follow", options.follow,
-                  "go on until interrupted; the file may be made anew meanwhile");
+                  "go on until interrupted; the file may be replaced meanwhile");
     tail.add_option("-n,--lines", options.lines, "number of lines")->capture_default_str();
     stats.add_option("--sort", options.order, "what the table is in the order of")
         ->check(CLI::IsMember({"name", "calls", "errors", "total", "longest"}))
@@ -240,19 +264,9 @@ int runVltrace(std::vector<std::string> arguments, std::ostream& out, std::ostre
                     "jsonl: JSON Lines; chrome: for Perfetto, speedscope and the like")
         ->check(CLI::IsMember({"jsonl", "chrome"}))
         ->capture_default_str();
-    try {
-        std::reverse(arguments.begin(), arguments.end());
-        app.parse(std::move(arguments));
-        return run(app, options, out, err, wait);
-    } catch (const CLI::Success& help) {
-        return app.exit(help, out, err);
-    } catch (const CLI::Error& error) {
-        err << "vltrace: " << usageError(app, error) << " (vltrace --help tells more)\n";
-        return 2;
-    } catch (const std::exception& error) {
-        err << "vltrace: " << error.what() << '\n';
-        return 1;
-    }
+    return runTool(app, std::move(arguments), out, err, [&] {
+        return run(app, options, {in, out, err}, wait);
+    });
 }
 
 } // namespace vltrace

@@ -46,6 +46,22 @@ message_t messageOf(const traceRecord_t& record)
     return message;
 }
 
+kind_t kindOf(const traceRecord_t& record)
+{
+    switch (record.level) {
+    case 'E':
+        return messageOf(record).status == 0 ? kind_t::note : kind_t::error;
+    case 'U':
+    case 'D':
+        return kind_t::message;
+    case '>':
+    case '<':
+        return kind_t::call;
+    default:
+        return kind_t::stamp;
+    }
+}
+
 std::string dateText(const traceMoment_t& moment)
 {
     if (!moment.day)

@@ -30,6 +30,10 @@ struct message_t {
 };
 message_t messageOf(const tracecore::traceRecord_t& record);
 
+// kind_t is what a record is to a reader: a status of 0 is a note, any other an error.
+enum class kind_t { call, message, note, error, stamp };
+kind_t kindOf(const tracecore::traceRecord_t& record);
+
 // The parts of a time as they are shown; what isn't known is shown by marks of the same width.
 std::string dateText(const tracecore::traceMoment_t& moment);
 std::string timeText(const tracecore::traceMoment_t& moment);

@@ -1,14 +1,12 @@
 #include "exports.h"
 
-#include "common/statusnames.h"
-
-#include <json/json.h>
-
 #include <algorithm>
 #include <charconv>
-#include <memory>
 #include <ostream>
 #include <utility>
+
+#include "common/jsontext.h"
+#include "common/statusnames.h"
 
 using namespace tracecore;
 
@@ -16,15 +14,21 @@ namespace vltrace {
 
 namespace {
 
-void writeJson(std::ostream& out, const Json::Value& value)
+// kindName is the word for a record in both formats.
+const char* kindName(const traceRecord_t& record)
 {
-    static const std::unique_ptr<Json::StreamWriter> writer = [] {
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "";
-        builder["emitUTF8"] = true;
-        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
-    }();
-    writer->write(value, &out);
+    switch (kindOf(record)) {
+    case kind_t::error:
+        return "error";
+    case kind_t::note:
+        return "note";
+    case kind_t::message:
+        return "message";
+    case kind_t::call:
+        return "call";
+    default:
+        return "stamp";
+    }
 }
 
 Json::Value jsonNumber(uint64_t number)
@@ -37,7 +41,7 @@ void addMessage(Json::Value& object, const message_t& message)
     object["text"] = message.text;
     if (!message.colour.empty())
         object["colour"] = message.colour;
-    if (!message.status)
+    if (!message.status || *message.status == 0)
         return;
     const tools::statusInfo_t info = tools::describeStatus(*message.status);
     object["status"] = info.hex;
@@ -87,6 +91,7 @@ void jsonLines_t::take(const traceItem_t& item, const traceStep_t& step)
         object["offset"] = jsonNumber(record->offset);
         object["thread"] = record->thread;
         object["level"] = std::string(1, record->level);
+        object["kind"] = kindName(*record);
         object["depth"] = jsonNumber(step.open->size());
         if (step.moment.day)
             object["date"] = dateText(step.moment);
@@ -97,7 +102,7 @@ void jsonLines_t::take(const traceItem_t& item, const traceStep_t& step)
         if (!step.open->empty())
             object["function"] = step.open->back().name;
         addMessage(object, messageOf(*record));
-        if (record->level == 'E')
+        if (kindOf(*record) == kind_t::error)
             for (const openFunction_t& function : innermost(*step.open))
                 object["chain"].append(function.name);
         if (step.left) {
@@ -106,8 +111,7 @@ void jsonLines_t::take(const traceItem_t& item, const traceStep_t& step)
                 object["milliseconds"] = *duration;
         }
     }
-    writeJson(m_out, object);
-    m_out << '\n';
+    m_out << jsonText(object, false) << '\n';
 }
 
 chromeTrace_t::chromeTrace_t(filter_t filter, std::ostream& out)
@@ -130,8 +134,7 @@ Json::Value chromeTrace_t::event(const char* phase, const std::string& name, uin
 
 void chromeTrace_t::write(const Json::Value& event)
 {
-    m_out << (std::exchange(m_first, false) ? "\n" : ",\n");
-    writeJson(m_out, event);
+    m_out << (std::exchange(m_first, false) ? "\n" : ",\n") << jsonText(event, false);
 }
 
 void chromeTrace_t::begin(const std::string& name)
@@ -212,6 +215,7 @@ void chromeTrace_t::takeRecord(const traceRecord_t& record, const traceStep_t& s
             Json::Value instant =
                 event("i", message.text, record.thread, stamp(thread, step.moment));
             instant["s"] = "t";
+            instant["cat"] = kindName(record);
             instant["args"]["level"] = std::string(1, record.level);
             addMessage(instant["args"], message);
             write(instant);

@@ -97,6 +97,8 @@ bool filter_t::wants(const traceRecord_t& record, const traceStep_t& step) const
     if (levels.empty() ? record.level == 'T' || record.level == 't'
                        : levels.find(record.level) == std::string::npos)
         return false;
+    if (!kinds.empty() && std::find(kinds.begin(), kinds.end(), kindOf(record)) == kinds.end())
+        return false;
     const bool timed = step.moment.msOfDay.has_value();
     if ((from && (!timed || isBefore(step.moment, *from))) ||
         (to && (!timed || isAfter(step.moment, *to))))

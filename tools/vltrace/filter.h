@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tracecore/tracewalker.h"
+#include "consumer.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,6 +21,7 @@ struct instant_t {
 struct filter_t {
     std::vector<uint32_t> threads;
     std::string levels;                 // level bytes; empty: all but the stamps T and t
+    std::vector<kind_t> kinds;          // empty: all
     std::vector<std::string> functions; // part of the name of one that is open, or is being left
     std::vector<std::string> texts;     // part of the record's text; of a <: of the function's name
     std::optional<instant_t> from;      // inclusive, both

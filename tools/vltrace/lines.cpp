@@ -1,8 +1,9 @@
 #include "lines.h"
 
+#include "common/printable.h"
 #include "common/statusnames.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <utility>
 
 using namespace tracecore;
@@ -12,13 +13,6 @@ namespace vltrace {
 namespace {
 
 constexpr size_t deepestIndent = 40; // deeper calls stay in one column
-
-std::string escaped(unsigned char byte)
-{
-    char text[8];
-    std::snprintf(text, sizeof text, "\\x%02X", byte);
-    return text;
-}
 
 std::string statusText(const message_t& message)
 {
@@ -34,29 +28,6 @@ std::string statusText(const message_t& message)
 }
 
 } // namespace
-
-std::string printable(const std::string& text)
-{
-    std::string shown;
-    shown.reserve(text.size());
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        // U+0080 to U+009F are controls as well: C2 and one byte below A0.
-        const bool high =
-            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-        if (byte == '\n')
-            shown += "\\n";
-        else if (byte == '\r')
-            shown += "\\r";
-        else if (high)
-            shown += escaped(static_cast<unsigned char>(text[++i]));
-        else if ((byte < 0x20 && byte != '\t') || byte == 0x7F)
-            shown += escaped(byte);
-        else
-            shown += text[i];
-    }
-    return shown;
-}
 
 std::string damageText(const traceDamage_t& damage)
 {
@@ -87,7 +58,7 @@ void linePrinter_t::take(const traceItem_t& item, const traceStep_t& step)
     } else if (const auto* damage = std::get_if<traceDamage_t>(&item)) {
         m_put("-- " + damageText(*damage) + " --\n");
     } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
-        if ((!m_options.errorsOnly || record->level == 'E') && m_filter.wants(*record, step))
+        if (m_filter.wants(*record, step))
             m_put(recordLine(*record, step));
     }
 }
@@ -95,7 +66,7 @@ void linePrinter_t::take(const traceItem_t& item, const traceStep_t& step)
 std::string linePrinter_t::recordLine(const traceRecord_t& record, const traceStep_t& step) const
 {
     const bool entry = record.level == '>';
-    const size_t depth = m_options.errorsOnly ? 0 : step.open->size() - (entry ? 1 : 0);
+    const size_t depth = m_options.chains ? 0 : step.open->size() - (entry ? 1 : 0);
     std::string line = dateText(step.moment) + " " + timeText(step.moment) + "  " +
                        threadText(record.thread) + "  " +
                        std::string(2 * std::min(depth, deepestIndent), ' ') + record.level + " ";
@@ -113,7 +84,7 @@ std::string linePrinter_t::recordLine(const traceRecord_t& record, const traceSt
     if (record.mended)
         line += "  -- the text is damaged --";
     line += "\n";
-    if (!m_options.errorsOnly)
+    if (!m_options.chains)
         return line;
 
     const auto open = innermost(*step.open);

@@ -10,17 +10,16 @@ namespace vltrace {
 
 // lineOptions_t is how records become lines.
 struct lineOptions_t {
-    bool errorsOnly = false; // each error with its chain of open functions, and nothing else
-    bool marks = true;       // a colour directive as "[colour 04] "; else it is left out
+    bool chains = false; // each record with its chain of open functions, in place of nesting
+    bool marks = true;   // a colour directive as "[colour 04] "; else it is left out
 };
 
 // linePrinter_t makes readable lines of a file: date, time, thread, level and text, with nesting.
-// Damage and, in front, the header stand between them with a mark of their own. Control characters
-// are shown as \n or \x1B.
+// Damage and, in front, the header stand between them with a mark of their own.
 class linePrinter_t : public traceConsumer_i
 {
 public:
-    // put: gets one line or, for an error with its chain, several; each ends in a line feed
+    // put: gets one line or, with chains, several; each ends in a line feed
     linePrinter_t(filter_t filter, lineOptions_t options,
                   std::function<void(const std::string&)> put);
 
@@ -40,9 +39,5 @@ private:
 // damageText gives damage as a clause, as in "12 bytes skipped at offset 240: no record can begin
 // here".
 std::string damageText(const tracecore::traceDamage_t& damage);
-
-// printable gives the text with control characters written out, so that a terminal obeys none of
-// them.
-std::string printable(const std::string& text);
 
 } // namespace vltrace

@@ -18,5 +18,6 @@ bool waitALittle()
 int main(int argc, char** argv)
 {
     const CToolStreams streams;
-    return vltrace::runVltrace(toolArguments(argc, argv), std::cout, std::cerr, waitALittle);
+    return vltrace::runVltrace(toolArguments(argc, argv), std::cin, std::cout, std::cerr,
+                               waitALittle);
 }

@@ -1,11 +1,11 @@
 #include "stats.h"
 
-#include "lines.h"
-
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
 #include <utility>
+
+#include "common/printable.h"
 
 using namespace tracecore;
 
@@ -70,7 +70,10 @@ void statsTable_t::take(const traceItem_t& item, const traceStep_t& step)
     case 'D':
         if (wanted) {
             functionStats_t& stats = row(step.open->empty() ? "main" : step.open->back().name);
-            ++(record->level == 'E' ? stats.errors : stats.messages);
+            const kind_t kind = kindOf(*record);
+            ++(kind == kind_t::error  ? stats.errors
+               : kind == kind_t::note ? stats.notes
+                                      : stats.messages);
         }
         return;
     default:
@@ -106,13 +109,14 @@ std::vector<functionStats_t> statsTable_t::rows() const
 void statsTable_t::finish()
 {
     const auto cell = [&](auto value) { m_out << std::setw(11) << value; };
-    for (const char* title :
-         {"calls", "errors", "messages", "unfinished", "total ms", "mean ms", "longest ms"})
+    for (const char* title : {"calls", "errors", "notes", "messages", "unfinished", "total ms",
+                              "mean ms", "longest ms"})
         cell(title);
     m_out << "  function\n";
     for (const functionStats_t& stats : rows()) {
         cell(stats.calls);
         cell(stats.errors);
+        cell(stats.notes);
         cell(stats.messages);
         cell(stats.unfinished);
         if (stats.timed) {

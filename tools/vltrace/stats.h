@@ -15,7 +15,8 @@ namespace vltrace {
 struct functionStats_t {
     std::string name;
     uint64_t calls = 0;
-    uint64_t errors = 0;     // E records written while it was the innermost open function
+    uint64_t errors = 0;     // written while it was the innermost open function
+    uint64_t notes = 0;      // E records of status 0, likewise
     uint64_t messages = 0;   // U and D records, likewise
     uint64_t unfinished = 0; // calls without an exit
     uint64_t timed = 0;      // calls whose duration is known

@@ -6,6 +6,10 @@
 #include <system_error>
 #include <utility>
 
+#include "common/filesystem.h"
+#include "common/inputfile.h"
+#include "common/toolerror.h"
+
 using namespace tracecore;
 
 namespace vltrace {
@@ -14,18 +18,6 @@ namespace {
 
 constexpr size_t pieceSize = 1 << 18;
 constexpr size_t beginningSize = 1024; // holds the header's time stamp
-
-std::ifstream openTrace(const std::string& name)
-{
-    const std::filesystem::path path = pathOf(name);
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error))
-        throw toolError_t(name + " is a folder: name the trace files in it");
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw toolError_t(name + " can't be opened: check the name and whether you may read it");
-    return file;
-}
 
 // readPiece fills piece from the file, or leaves it empty at the end.
 bool readPiece(std::istream& file, std::vector<uint8_t>& piece)
@@ -39,11 +31,6 @@ bool readPiece(std::istream& file, std::vector<uint8_t>& piece)
 
 } // namespace
 
-std::filesystem::path pathOf(const std::string& name)
-{
-    return std::filesystem::path(std::u8string(name.begin(), name.end()));
-}
-
 void traceFeed_t::feed(std::span<const uint8_t> bytes)
 {
     size += bytes.size();
@@ -55,42 +42,68 @@ void traceFeed_t::finish()
 {
     m_reader.finish();
     drain();
+    if (m_begun)
+        m_consumer.end();
 }
 
 void traceFeed_t::drain()
 {
-    while (const auto item = m_reader.next()) {
-        if (const auto* damage = std::get_if<traceDamage_t>(&*item)) {
+    while (auto item = m_reader.next()) {
+        const auto* const damage = std::get_if<traceDamage_t>(&*item);
+        const auto* const header = std::get_if<traceHeader_t>(&*item);
+        cutOffset.reset();
+        if (damage) {
             ++damages;
             skipped += damage->bytes;
-        } else if (const auto* header = std::get_if<traceHeader_t>(&*item)) {
-            marked = !header->lines.empty() && header->lines[0] == "trace3";
-        } else {
-            ++records;
+            cutOffset = damage->offset;
         }
-        m_consumer.take(*item, m_walker.take(*item));
+        const bool marked = header && !header->lines.empty() && header->lines[0] == "trace3";
+        const bool proves = marked || (!damage && !header);
+        if (!m_begun && proves) {
+            m_begun = true;
+            m_consumer.begin(m_name);
+            for (const traceItem_t& held : m_held)
+                pass(held);
+            m_held.clear();
+        }
+        if (m_begun)
+            pass(*item);
+        else
+            m_held.push_back(std::move(*item));
     }
 }
 
-traceFeed_t readTrace(const std::string& name, traceConsumer_i& consumer)
+void traceFeed_t::pass(const traceItem_t& item)
 {
-    std::ifstream file = openTrace(name);
-    consumer.begin(name);
-    traceFeed_t feed(consumer);
-    std::vector<uint8_t> piece;
-    while (readPiece(file, piece))
+    m_consumer.take(item, m_walker.take(item));
+}
+
+traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
+                      traceConsumer_i& consumer)
+{
+    std::ifstream file;
+    if (name != "-")
+        file = openInput(name);
+    std::istream& stream = name == "-" ? standardInput : file;
+    traceFeed_t feed(shownInput(name), consumer);
+    std::vector<uint8_t> beginning;
+    for (std::vector<uint8_t> piece; readPiece(stream, piece);) {
+        if (beginning.empty())
+            beginning = piece;
         feed.feed(piece);
+    }
     feed.finish();
-    consumer.end();
-    if (file.bad())
-        throw toolError_t(name + " could be read only in part: check the drive that it lies on");
+    checkRead(name, stream);
+    if (!feed.isTrace())
+        throw CToolError(shownInput(name) + " is no trace: it is " + describeBytes(beginning),
+                         "trace files end in .trc3, and have something in them");
     return feed;
 }
 
 traceFollower_t::traceFollower_t(std::string name, traceConsumer_i& consumer)
     : m_name(std::move(name)), m_consumer(consumer)
 {
-    openTrace(m_name); // a name that is wrong from the start is told at once
+    openInput(m_name); // fails at once for a name that is wrong from the start
 }
 
 bool traceFollower_t::isSameFile(std::istream& file) const
@@ -112,14 +125,11 @@ traceFollower_t::change_t traceFollower_t::poll()
     const bool restarted = m_feed && !isSameFile(file);
     if (restarted) {
         m_feed->finish();
-        m_consumer.end();
         m_feed.reset();
         m_beginning.clear();
     }
-    if (!m_feed) {
-        m_consumer.begin(m_name);
-        m_feed.emplace(m_consumer);
-    }
+    if (!m_feed)
+        m_feed.emplace(m_name, m_consumer);
 
     file.clear();
     file.seekg(static_cast<std::streamoff>(m_feed->size));

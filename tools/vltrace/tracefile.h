@@ -3,54 +3,53 @@
 #include "consumer.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <iosfwd>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vltrace {
 
-// toolError_t ends the work on a file or the whole command; its text is one line with a hint.
-class toolError_t : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
-// pathOf gives the path of a UTF-8 name.
-std::filesystem::path pathOf(const std::string& name);
-
-// traceFeed_t leads the bytes of one file through reader and walker to a consumer.
+// traceFeed_t leads the bytes of one file through reader and walker to a consumer. The consumer gets
+// nothing until they prove to be a trace, by the header's mark or by a record.
 class traceFeed_t
 {
 public:
-    explicit traceFeed_t(traceConsumer_i& consumer) : m_consumer(consumer) {}
+    // name: the file's, for the consumer
+    traceFeed_t(std::string name, traceConsumer_i& consumer)
+        : m_name(std::move(name)), m_consumer(consumer)
+    {}
     void feed(std::span<const uint8_t> bytes);
-    void finish();
+    void finish(); // ends the file for the consumer, too
 
-    uint64_t records = 0;
-    bool marked = false; // the file begins as a trace does
+    bool isTrace() const noexcept { return m_begun; }
+
     uint64_t damages = 0;
-    uint64_t skipped = 0; // bytes
-    uint64_t size = 0;    // bytes fed
+    uint64_t skipped = 0;              // bytes
+    uint64_t size = 0;                 // bytes fed
+    std::optional<uint64_t> cutOffset; // of the damage that the file ends with
 
 private:
     void drain();
+    void pass(const tracecore::traceItem_t& item);
 
+    std::string m_name;
     traceConsumer_i& m_consumer;
     tracecore::traceReader_t m_reader;
     tracecore::traceWalker_t m_walker;
+    std::vector<tracecore::traceItem_t> m_held; // a header and the damage after it, at most
+    bool m_begun = false;
 };
 
 // readTrace reads a whole file.
 //
-// name:    UTF-8
+// name:    UTF-8; "-" is standardInput
 // Returns: the feed, for its counts
-// Errors:  toolError_t if the file can't be read
-traceFeed_t readTrace(const std::string& name, traceConsumer_i& consumer);
+// Errors:  CToolError if the file can't be read, or is no trace
+traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
+                      traceConsumer_i& consumer);
 
 // traceFollower_t reads a growing file. It is opened for each look and never held, so that it can
 // be made anew or removed meanwhile; that it was is seen by a smaller size or another beginning.
