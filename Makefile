@@ -10,7 +10,7 @@ configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX
     >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 compile = cmake --build --preset $(1) --parallel 2
 
-.PHONY: build demo test bench fuzz lint coverage package clean
+.PHONY: build demo test bench fuzz lint coverage package package-test clean
 set-up = @mkdir -p build && scripts/setup.sh
 
 build:
@@ -58,6 +58,10 @@ coverage:
 package: build
 	$(set-up) package
 	@scripts/package.sh
+
+package-test: package
+	@scripts/base-prefix.sh
+	@scripts/package-test.sh
 
 clean:
 	rm -rf build

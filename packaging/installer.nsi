@@ -1,7 +1,8 @@
-; The installer for Windows: the same files and registry values as install.cmd, with an entry among the installed
-; programs. VERSION, SOURCE and OUTPUT come from scripts/package.sh.
+; The installer for Windows: unpacks the package and lets vlsetup install it, with an entry among the installed programs.
+; Silent with /S, into another folder with /D=FOLDER; the exit status is vlsetup's. VERSION, SOURCE and OUTPUT come from
+; scripts/package.sh.
 Unicode true
-!include "x64.nsh"
+Target amd64-unicode
 !include "LogicLib.nsh"
 
 Name "Veltrano Password Manager plug-in ${VERSION}"
@@ -10,63 +11,40 @@ InstallDir "$PROGRAMFILES64\Veltrano"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
 ShowInstDetails show
+ShowUninstDetails show
 
-!define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\VLOnlineIDs"
+!define UNINSTALLER "VLOnlineIDs-uninstall.exe"
 
 Page directory
 Page instfiles
 UninstPage uninstConfirm
 UninstPage instfiles
 
-Function .onInit
-  ${IfNot} ${RunningX64}
-    MessageBox MB_ICONSTOP "The plug-in needs a 64-bit Windows."
+; Its lines go to the details; a failure stops, and its last line says why.
+!macro RunSetup ARGUMENTS
+  SetOutPath "$TEMP" ; a current folder can't be removed
+  nsExec::ExecToLog '"$PLUGINSDIR\vlsetup.exe" ${ARGUMENTS}'
+  Pop $0
+  ${If} $0 != 0
+    SetErrorLevel 1
+    MessageBox MB_ICONSTOP "This failed. The details say why." /SD IDOK
     Abort
   ${EndIf}
-  SetRegView 64
-FunctionEnd
+!macroend
 
 Section
-  SetOutPath "$INSTDIR\bin"
+  InitPluginsDir
+  SetOutPath "$PLUGINSDIR\package"
   File /r "${SOURCE}\*"
-  File "${SOURCE}\standins\VloSet.dll"
-  File "${SOURCE}\standins\VLFPApi.dll"
-  File "${SOURCE}\standins\Branding.dll"
-  File "${SOURCE}\standins\vlagent.exe"
-  File "${SOURCE}\standins\VLUserConsole.exe"
-  ${DisableX64FSRedirection}
-  SetOutPath "$SYSDIR"
-  File "${SOURCE}\standins\VLFPApi.dll"
-  ${EnableX64FSRedirection}
-  WriteRegStr HKLM "SOFTWARE\Veltrano" "VeltranoPath" "$INSTDIR"
-  WriteRegStr HKLM "SOFTWARE\Veltrano\Applications" "BinDir" "$INSTDIR\bin"
-  WriteRegStr HKLM "SOFTWARE\Veltrano\Applications\KRS" "BinDir" "$INSTDIR\bin"
-  WriteRegStr HKLM "SOFTWARE\Veltrano\Branding\Common" "DLLPath" "$INSTDIR\bin\Branding.dll"
-  WriteRegStr HKLM "SOFTWARE\Veltrano\Products\VLOnlineIDs" "Version" "${VERSION}"
-  ExecWait '"$INSTDIR\bin\vlhost.exe" register' $0
-  ${If} $0 != 0
-    MessageBox MB_ICONSTOP "The plug-in could not be registered with the dashboard."
-    Abort
-  ${EndIf}
-  WriteUninstaller "$INSTDIR\uninstall.exe"
-  WriteRegStr HKLM "${UNINSTALL}" "DisplayName" "Veltrano Password Manager plug-in"
-  WriteRegStr HKLM "${UNINSTALL}" "DisplayVersion" "${VERSION}"
-  WriteRegStr HKLM "${UNINSTALL}" "UninstallString" '"$INSTDIR\uninstall.exe"'
+  WriteUninstaller "$PLUGINSDIR\package\${UNINSTALLER}"
+  SetOutPath "$PLUGINSDIR"
+  CopyFiles /SILENT "$PLUGINSDIR\package\vlsetup.exe" "$PLUGINSDIR\vlsetup.exe"
+  !insertmacro RunSetup 'install --from "$PLUGINSDIR\package" --uninstaller ${UNINSTALLER} "$INSTDIR"'
 SectionEnd
 
 Section "Uninstall"
-  SetRegView 64
-  ; Leaves Cleanup.txt with the list of user data in the installation folder.
-  ExecWait '"$INSTDIR\bin\vlhost.exe" --plugin "$INSTDIR\bin\VLOnlineIDs.dll" unregister'
-  DeleteRegValue HKLM "SOFTWARE\Veltrano" "VeltranoPath"
-  DeleteRegValue HKLM "SOFTWARE\Veltrano\Applications" "BinDir"
-  DeleteRegKey HKLM "SOFTWARE\Veltrano\Applications\KRS"
-  DeleteRegKey HKLM "SOFTWARE\Veltrano\Branding"
-  DeleteRegKey HKLM "SOFTWARE\Veltrano\Products\VLOnlineIDs"
-  DeleteRegKey HKLM "${UNINSTALL}"
-  ${DisableX64FSRedirection}
-  Delete "$SYSDIR\VLFPApi.dll"
-  ${EnableX64FSRedirection}
-  RMDir /r "$INSTDIR\bin"
-  Delete "$INSTDIR\uninstall.exe"
+  InitPluginsDir
+  SetOutPath "$PLUGINSDIR"
+  CopyFiles /SILENT "$INSTDIR\vlsetup.exe" "$PLUGINSDIR\vlsetup.exe"
+  !insertmacro RunSetup 'uninstall "$INSTDIR\.."'
 SectionEnd
