@@ -22,21 +22,13 @@ void mapWhole(mappedBlock_t& block)
         traceStatus("IPC.MapViewOfFile", statusFromError(GetLastError()));
 }
 
-// The colour asks for notice without counting as an error.
-void traceColoured(const std::wstring& text)
-{
-    if (traceActive())
-        traceWrite('U', L"'`I04`'" + text);
-}
-
+// Only the first is an error; the colour asks for notice without being one.
 void traceMissingBlock(const std::wstring& name)
 {
-    const std::wstring text =
-        formatWide(L"IPC.OpenFileMapping '%ls' MMF.FILE_NOT_FOUND", name.c_str());
     if (firstMissingBlock.exchange(false, std::memory_order_relaxed))
-        traceNoteW(text);
+        traceStatusFormat(S_OK, L"IPC.OpenFileMapping '%ls' MMF.FILE_NOT_FOUND", name.c_str());
     else
-        traceColoured(text);
+        traceFormatW(L"'`I04`'IPC.OpenFileMapping '%ls' MMF.FILE_NOT_FOUND", name.c_str());
 }
 
 } // namespace
@@ -47,7 +39,7 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
     sharedObjectSecurity_t security;
     if (!initMappingSecurity(security).valid) {
         const DWORD error = GetLastError();
-        traceStatusW(formatWide(L"IPC.InitSA '%ls'", name.c_str()), statusFromError(error));
+        traceStatusFormat(statusFromError(error), L"IPC.InitSA '%ls'", name.c_str());
         SetLastError(error);
         return block;
     }
@@ -56,10 +48,10 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
     if (!block.handle) {
         const DWORD error = GetLastError();
         const bool valid = IsValidSecurityDescriptor(security.attributes.lpSecurityDescriptor);
-        traceStatusW(
-            formatWide(L"IPC.CreateFileMapping '%ls' SA=%s", name.c_str(), valid ? L"OK" : L"INV"),
-            statusFromError(error));
-        traceColoured(L"SA: " + securityToString(security.descriptor.GetPSECURITY_DESCRIPTOR()));
+        traceStatusFormat(statusFromError(error), L"IPC.CreateFileMapping '%ls' SA=%s",
+                          name.c_str(), valid ? L"OK" : L"INV");
+        traceFormatW(L"'`I04`'SA: %s",
+                     securityToString(security.descriptor.GetPSECURITY_DESCRIPTOR()).c_str());
         SetLastError(error);
         return block;
     }
@@ -80,8 +72,7 @@ mappedBlock_t openSharedBlock(const std::wstring& name)
     if (error == ERROR_FILE_NOT_FOUND)
         traceMissingBlock(name);
     else
-        traceStatusW(formatWide(L"IPC.OpenFileMapping '%ls'", name.c_str()),
-                     statusFromError(error));
+        traceStatusFormat(statusFromError(error), L"IPC.OpenFileMapping '%ls'", name.c_str());
     return block;
 }
 
@@ -126,9 +117,8 @@ HANDLE openLinkSemaphore(const std::wstring& name)
     }
     const DWORD error = GetLastError();
     status = statusFromError(error);
-    traceStatusW(
-        formatWide(L"IPC.Failed to create semaphore '%ls'. OK. Try to open it.", name.c_str()),
-        status);
+    traceStatusFormat(status, L"IPC.Failed to create semaphore '%ls'. OK. Try to open it.",
+                      name.c_str());
     if (error == ERROR_ACCESS_DENIED) {
         SetLastError(ERROR_SUCCESS);
         // A mutex is asked for where a semaphore is meant, so this mostly gives null. Intended.

@@ -9,7 +9,6 @@
 
 using tracecore::traceIfFailed;
 using tracecore::traceScope_t;
-using tracecore::traceWrite;
 
 namespace {
 
@@ -108,7 +107,6 @@ STDMETHODIMP CVLKTPages::DisableLocal(ULONG disable)
 STDMETHODIMP CVLKTPages::Subscribe()
 {
     const traceScope_t scope("CVLKTPages::Subscribe");
-    if (tracecore::traceActive())
-        traceWrite('U', L"'`I04`'N/A");
+    tracecore::traceText("'`I04`'N/A");
     return S_OK;
 }

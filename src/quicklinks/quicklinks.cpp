@@ -27,11 +27,10 @@ std::wstring shortened(const std::string& text)
 void traceGiven(const std::string& name, const std::string& target, bool isdlg,
                 const std::string& manifest, uint32_t profile)
 {
-    traceWrite('U', formatWide(L"QL for: %s", shortpath_utf8(manifest).c_str()));
-    traceWrite('U', formatWide(L"  prof:  %d", profile));
-    traceWrite('U', formatWide(L"  name: '%s'", shortened(name).c_str()));
-    traceWrite(
-        'U', formatWide(isdlg ? L"  dlgpath : '%s'" : L"  url : '%s'", shortened(target).c_str()));
+    traceFormatW(L"QL for: %s", shortpath_utf8(manifest).c_str());
+    traceFormatW(L"  prof:  %d", profile);
+    traceFormatW(L"  name: '%s'", shortened(name).c_str());
+    traceFormatW(isdlg ? L"  dlgpath : '%s'" : L"  url : '%s'", shortened(target).c_str());
 }
 
 } // namespace

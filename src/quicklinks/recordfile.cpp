@@ -139,7 +139,7 @@ void QL::parse(const TextLines& lines)
         const size_t equals = line.find('=');
         if (equals == std::string::npos || equals == 0) {
             if (traceActive())
-                traceNoteW(formatWide(L"inv.line '%s'", wideFromUtf8(line).c_str()));
+                traceStatusFormat(S_OK, L"inv.line '%s'", wideFromUtf8(line).c_str());
             continue;
         }
         std::string value = line.substr(equals + 1);
@@ -210,7 +210,7 @@ bool QL::save(const std::wstring& fileName, bool traced) const
 {
     const traceScope_t scope("QL::save");
     if (traced && traceActive())
-        traceWrite('U', formatWide(L"save %s", shortpath(fileName).c_str()));
+        traceFormatW(L"save %s", shortpath(fileName).c_str());
     if (fileName.empty()) {
         traceNote("empty fname");
         return false;

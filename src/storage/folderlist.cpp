@@ -22,20 +22,10 @@ std::wstring templatemask(const std::wstring& path)
     return path + L'*' + templateExtension;
 }
 
-void traceline(const wchar_t* format, const std::wstring& path)
-{
-    traceWrite('U', formatWide(format, path.c_str()));
-}
-
-void traceerror(const wchar_t* format, const std::wstring& path, DWORD error = ERROR_SUCCESS)
-{
-    traceStatusW(formatWide(format, path.c_str()), statusFromError(error));
-}
-
 void addfolder(FolderSet& folders, const FolderRec& folder, const wchar_t* duplicate)
 {
     if (!folders.insert(folder).second)
-        traceerror(duplicate, folder.path);
+        traceStatusFormat(S_OK, duplicate, folder.path.c_str());
 }
 
 void addchecked(FolderSet& folders, FolderRec folder, const wchar_t* duplicate)
@@ -43,7 +33,7 @@ void addchecked(FolderSet& folders, FolderRec folder, const wchar_t* duplicate)
     if (checkpath(folder))
         addfolder(folders, folder, duplicate);
     else
-        traceerror(L"path is invalid '%s'", folder.path);
+        traceStatusFormat(S_OK, L"path is invalid '%s'", folder.path.c_str());
 }
 
 std::vector<std::wstring> splitlist(const std::wstring& list)
@@ -80,12 +70,12 @@ void addowned(FolderSet& folders, const FolderRec& folder, const wchar_t* made,
               const wchar_t* failed, const wchar_t* duplicate)
 {
     if (makedirs(folder.path)) {
-        traceline(made, folder.path);
+        traceFormatW(made, folder.path.c_str());
         allowapppackages(folder.path);
     } else if (const DWORD error = GetLastError(); error == ERROR_ALREADY_EXISTS) {
         allowapppackages(folder.path);
     } else {
-        traceerror(failed, folder.path, error);
+        traceStatusFormat(statusFromError(error), failed, folder.path.c_str());
     }
     addfolder(folders, folder, duplicate);
 }
@@ -124,7 +114,7 @@ void tracecaught(HRESULT otherwise)
     } catch (const _com_error& error) {
         traceStatus("[COM]", error.Error());
     } catch (const std::exception& error) {
-        traceStatusW(formatWide(L"[STD]%hs", error.what()), otherwise);
+        traceStatusFormat(otherwise, L"[STD]%hs", error.what());
     } catch (...) {
         traceStatus("oo", otherwise);
     }
@@ -144,12 +134,12 @@ bool isusable(FolderRec& folder)
         return true;
     }
     if (folder.path.size() < 2 || folder.path[1] != L':') {
-        traceerror(L"strange path '%s'", folder.path);
+        traceStatusFormat(S_OK, L"strange path '%s'", folder.path.c_str());
         return false;
     }
     const UINT type = GetDriveTypeW(folder.path.substr(0, 3).c_str());
     if (type != DRIVE_FIXED && type != DRIVE_REMOTE) {
-        traceNoteW(formatWide(L"unknown drive type = %d", type));
+        traceStatusFormat(S_OK, L"unknown drive type = %d", type);
         return false;
     }
     folder.fixeddrive = type == DRIVE_FIXED;
@@ -159,13 +149,15 @@ bool isusable(FolderRec& folder)
 void listfolder(const FolderRec& folder, std::vector<FileRec>& files)
 {
     const std::wstring mask = templatemask(folder.path);
-    traceline(L"  '%s'", shortpath(mask));
+    if (traceActive())
+        traceFormatW(L"  '%s'", shortpath(mask).c_str());
     WIN32_FIND_DATAW entry;
     const CSearchHandle search(FindFirstFileW(mask.c_str(), &entry));
     if (!search) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND)
-            traceerror(L"failed access files from folder '%s'", folder.path, error);
+            traceStatusFormat(statusFromError(error), L"failed access files from folder '%s'",
+                              folder.path.c_str());
         return;
     }
     do
@@ -173,7 +165,8 @@ void listfolder(const FolderRec& folder, std::vector<FileRec>& files)
     while (FindNextFileW(search.get(), &entry));
     const DWORD error = GetLastError();
     if (error != ERROR_NO_MORE_FILES)
-        traceerror(L"failed enum files from folder '%s'", folder.path, error);
+        traceStatusFormat(statusFromError(error), L"failed enum files from folder '%s'",
+                          folder.path.c_str());
 }
 
 } // namespace

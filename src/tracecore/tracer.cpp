@@ -196,6 +196,18 @@ void traceFormat(int, const char* format, ...)
     traceWrite('U', text);
 }
 
+void traceFormatW(const wchar_t* format, ...)
+{
+    if (!traceActive())
+        return;
+    const lastErrorKeeper_t keeper;
+    va_list arguments;
+    va_start(arguments, format);
+    const std::wstring text = formatWideV(format, arguments);
+    va_end(arguments);
+    traceWrite('U', text);
+}
+
 void traceStatus(const char* text, HRESULT status)
 {
     if (traceActive())
@@ -206,6 +218,18 @@ void traceStatusW(const std::wstring& text, HRESULT status)
 {
     if (traceActive())
         traceWrite('E', formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
+}
+
+void traceStatusFormat(HRESULT status, const wchar_t* format, ...)
+{
+    if (!traceActive())
+        return;
+    const lastErrorKeeper_t keeper;
+    va_list arguments;
+    va_start(arguments, format);
+    const std::wstring text = formatWideV(format, arguments);
+    va_end(arguments);
+    traceStatusW(text, status);
 }
 
 void traceLastError(const std::wstring& text)

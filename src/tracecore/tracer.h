@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdarg>
 #include <exception>
 #include <string>
 
@@ -25,14 +26,20 @@ void traceEnter(const char* name);
 // traceLeave pops the calling thread's last frame, and writes its exit if its entry was written.
 void traceLeave();
 
-// traceText and traceFormat write a plain message, level U. traceFormat takes printf arguments: %s
-// is narrow, %ls is wide; a text of more than 399 characters is cut there. ignored is always 0.
+// traceText, traceFormat and traceFormatW write a plain message, level U. The latter two take printf
+// arguments and format nothing unless tracing is active. In traceFormat %s is narrow and %ls wide; a
+// text of more than 399 characters is cut there. ignored is always 0. traceFormatW follows
+// formatWide and cuts nothing.
 void traceText(const char* text);
 void traceFormat(int ignored, const char* format, ...);
+void traceFormatW(const wchar_t* format, ...);
 
 // The error messages, level E: the status in decimal, a blank, the text (null counts as empty).
 void traceStatus(const char* text, HRESULT status);
 void traceStatusW(const std::wstring& text, HRESULT status);
+
+// traceStatusFormat is traceStatusW of a text that is formatted as by traceFormatW.
+void traceStatusFormat(HRESULT status, const wchar_t* format, ...);
 
 // traceLastError is traceStatusW with the thread's last error as a status.
 void traceLastError(const std::wstring& text);
@@ -57,6 +64,7 @@ void traceWrite(char level, const std::wstring& text);
 // formatWide is the printf of this system, with the platform's rules for wide formats: %s and %ls
 // take a wide string, %hs and %S a narrow one; the size I64 is known.
 std::wstring formatWide(const wchar_t* format, ...);
+std::wstring formatWideV(const wchar_t* format, va_list arguments);
 
 // traceScope_t is the pair of traceEnter and traceLeave for a block, on every way out of it.
 //

@@ -1,32 +1,33 @@
 #include "tracecore/tracer.h"
 
-#include <cstdarg>
+#include <algorithm>
 #include <cstdio>
 
 namespace tracecore {
 
-std::wstring formatWide(const wchar_t* format, ...)
+std::wstring formatWideV(const wchar_t* format, va_list arguments)
 {
     wchar_t text[512];
-    va_list arguments;
-    va_start(arguments, format);
     va_list again;
     va_copy(again, arguments);
-    const int length = _vsnwprintf(text, std::size(text), format, arguments);
-    va_end(arguments);
-    std::wstring result;
-    if (length >= 0) {
-        result.assign(text, static_cast<size_t>(length));
-    } else {
-        va_copy(arguments, again);
-        const int needed = _vscwprintf(format, arguments);
-        va_end(arguments);
-        if (needed > 0) {
-            result.resize(static_cast<size_t>(needed));
-            _vsnwprintf(result.data(), result.size(), format, again);
-        }
-    }
+    const int length = _vsnwprintf(text, std::size(text), format, again);
     va_end(again);
+    if (length >= 0)
+        return std::wstring(text, static_cast<size_t>(length));
+    va_copy(again, arguments);
+    const int needed = _vscwprintf(format, again);
+    va_end(again);
+    std::wstring result(static_cast<size_t>(std::max(needed, 0)), L'\0');
+    _vsnwprintf(result.data(), result.size(), format, arguments);
+    return result;
+}
+
+std::wstring formatWide(const wchar_t* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::wstring result = formatWideV(format, arguments);
+    va_end(arguments);
     return result;
 }
 
