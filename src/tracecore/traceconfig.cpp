@@ -169,7 +169,7 @@ void pollConfiguration(tracer_t& tracer) noexcept
         followConfiguration(tracer);
         tracer.nextPoll.exchange(now + pollInterval);
         dropExpiredSwitch(tracer);
-    } catch (...) { // out of memory: the next look tries again
+    } catch (...) { // out of memory: no sink until another kind is wanted, as mode is set already
         tracer.nextPoll.exchange(now + pollInterval);
     }
 }

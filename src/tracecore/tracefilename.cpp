@@ -4,10 +4,8 @@
 #include "common/osversion.h"
 #include "tracecore/tracer.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cwchar>
-#include <cwctype>
 
 namespace tracecore {
 
@@ -36,6 +34,15 @@ std::wstring lastComponent(const std::wstring& path)
 {
     const size_t separator = path.find_last_of(separators);
     return separator == std::wstring::npos ? path : path.substr(separator + 1);
+}
+
+// The runtime's own lower case knows letters of ASCII alone.
+std::wstring lowerCase(std::wstring text)
+{
+    const auto length = static_cast<int>(text.size());
+    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, text.data(), length, text.data(), length,
+                  nullptr, nullptr, 0);
+    return text;
 }
 
 void makeFolders(const std::wstring& folder)
@@ -112,9 +119,7 @@ std::wstring composeTraceFileName(HMODULE module, bool newFileAlways, bool ie1, 
 
     const std::wstring exe = baseNameOf(longModuleName(nullptr));
     const std::wstring modulePath = longModuleName(module);
-    std::wstring dll = lastComponent(modulePath);
-    std::transform(dll.begin(), dll.end(), dll.begin(),
-                   [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    const std::wstring dll = lowerCase(lastComponent(modulePath));
 
     bool stamped = newFileAlways;
     // The extension is gone by now, so only a name such as iexplore.exe.exe is meant. Intended.

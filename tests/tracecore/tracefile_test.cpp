@@ -119,14 +119,14 @@ TEST_F(TraceFile, NameRules)
 {
     static const wchar_t* program;
     const auto nameOf = [](HMODULE module, wchar_t* path) {
-        return lstrlenW(lstrcpyW(path, module ? L"C:\\Apps\\My\\VLOnlineIDs.DLL" : program));
+        return lstrlenW(lstrcpyW(path, module ? L"C:\\Apps\\My\\VL\u00D6nlineIDs.DLL" : program));
     };
     const importPatch_t names{"GetModuleFileNameW", +nameOf};
     DWORD session = 0;
     ProcessIdToSessionId(GetCurrentProcessId(), &session);
-    const std::wstring shared = formatWide(L".x64.vlonlineids.dll%d.0.trc3", session);
+    const std::wstring shared = formatWide(L".x64.vl\u00F6nlineids.dll%d.0.trc3", session);
     const std::wstring stamped =
-        formatWide(L".x64.vlonlineids.dll~~07.14.17_at_01.02.03.045~~%d.%d.trc3", session,
+        formatWide(L".x64.vl\u00F6nlineids.dll~~07.14.17_at_01.02.03.045~~%d.%d.trc3", session,
                    GetCurrentProcessId());
     const std::wstring mine = L"C:\\Apps\\My\\";
     const std::wstring deep = (folder / L"a" / L"b").generic_wstring();
