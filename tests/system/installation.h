@@ -77,6 +77,46 @@ private:
     IUnknown* m_object;
 };
 
+// A call that ends in an exception within, and traces.
+inline void callAndFail(const plugin_t& plugin)
+{
+    EXPECT_EQ(E_POINTER, plugin.as<IVLKTElementUI>()->GetProperty(propertyName, nullptr));
+}
+
+// One of the operations by its number, good or failing.
+inline void callAnything(const plugin_t& plugin, unsigned which)
+{
+    value_t names, data(newLogon()), value;
+    ULONG status = 0;
+    const auto restore = plugin.as<IVLKTBackupRestore2>();
+    switch (which % 8) {
+    case 0:
+        restore->GetStorageData(&names, &data);
+        break;
+    case 1:
+        restore->SetStorageData(&data);
+        break;
+    case 2:
+        restore->SetStorageData2(0, &names);
+        break;
+    case 3:
+        plugin.as<IVLKTElementUI>()->GetProperty(propertyExplanation, &value);
+        break;
+    case 4:
+        plugin.as<IVLKTDisableApp>()->GetStatus(&status);
+        break;
+    case 5:
+        plugin.as<IVLKTPluginInfo>()->GetInfo(1, &value);
+        break;
+    case 6:
+        plugin.make()->Release();
+        break;
+    default:
+        callAndFail(plugin);
+        break;
+    }
+}
+
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a
 // quick link.
 class installedTest : public testing::Test

@@ -1,91 +1,16 @@
-#include <winternl.h>
-
-#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <thread>
 #include <vector>
 
 #include "installation.h"
+#include "support/holdings.h"
 #include "support/meeting.h"
 #include "support/patchimport.h"
 
 namespace {
 
-// holdings_t is what this process has of the things that a module can leave behind.
-struct holdings_t {
-    size_t handles = 0, threadIndexes = 0, fiberIndexes = 0, bytes = 0;
-
-    static holdings_t now()
-    {
-        holdings_t held;
-        // Two words with the number of entries, then six words for each, the process's number
-        // first. GetProcessHandleCount gives 0 under Wine.
-        static std::vector<ULONG> table(0x60000);
-        EXPECT_EQ(0, NtQuerySystemInformation(static_cast<SYSTEM_INFORMATION_CLASS>(16),
-                                              table.data(), 0x60000 * sizeof(ULONG), nullptr));
-        for (size_t i = 0; i < table[0]; ++i)
-            held.handles += table[2 + i * 6] == GetCurrentProcessId();
-        held.threadIndexes = indexesLeft(TlsAlloc, TlsFree);
-        held.fiberIndexes = indexesLeft([] { return FlsAlloc(nullptr); }, FlsFree);
-        PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(GetProcessHeap(), &entry))
-            held.bytes += entry.wFlags & PROCESS_HEAP_ENTRY_BUSY ? entry.cbData : 0;
-        return held;
-    }
-
-private:
-    template <class Alloc, class Free> static size_t indexesLeft(Alloc alloc, Free free)
-    {
-        static DWORD taken[8192];
-        size_t count = 0;
-        while ((taken[count] = alloc()) != TLS_OUT_OF_INDEXES)
-            ++count;
-        std::for_each(taken, taken + count, free);
-        return count;
-    }
-};
-
 constexpr const wchar_t* libraries[] = {L"VLOnlineIDs.dll", L"VLFPApi.dll", L"VloSet.dll"};
-
-// A call that ends in an exception within, and traces.
-void callAndFail(const plugin_t& plugin)
-{
-    EXPECT_EQ(E_POINTER, plugin.as<IVLKTElementUI>()->GetProperty(propertyName, nullptr));
-}
-
-void callAnything(const plugin_t& plugin, unsigned which)
-{
-    value_t names, data(newLogon()), value;
-    ULONG status = 0;
-    const auto restore = plugin.as<IVLKTBackupRestore2>();
-    switch (which % 8) {
-    case 0:
-        restore->GetStorageData(&names, &data);
-        break;
-    case 1:
-        restore->SetStorageData(&data);
-        break;
-    case 2:
-        restore->SetStorageData2(0, &names);
-        break;
-    case 3:
-        plugin.as<IVLKTElementUI>()->GetProperty(propertyExplanation, &value);
-        break;
-    case 4:
-        plugin.as<IVLKTDisableApp>()->GetStatus(&status);
-        break;
-    case 5:
-        plugin.as<IVLKTPluginInfo>()->GetInfo(1, &value);
-        break;
-    case 6:
-        plugin.make()->Release();
-        break;
-    default:
-        callAndFail(plugin);
-        break;
-    }
-}
 
 // The plugin and the threads of a process that plays the host and ends in the middle of it all.
 struct host_t {
@@ -267,11 +192,7 @@ TEST_F(Lifetime, LoadsKeepNothing)
         const holdings_t before = holdings_t::now();
         for (size_t i = 0; i < loads; ++i)
             load();
-        const holdings_t after = holdings_t::now();
-        EXPECT_EQ(before.handles, after.handles);
-        EXPECT_EQ(before.threadIndexes, after.threadIndexes);
-        EXPECT_EQ(before.fiberIndexes, after.fiberIndexes);
-        EXPECT_GE(before.bytes + loads * 32, after.bytes);
+        expectKeptNothing(before, holdings_t::now(), loads);
     }
 }
 
