@@ -63,6 +63,34 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
     EXPECT_EQ(handler, nullptr);
 }
 
+TEST_F(LineSink, PresentConsoleStaysAsItIs)
+{
+    FreeConsole();
+    AllocConsole();
+    static int calls;
+    calls = 0;
+    const importPatch_t alloc{"AllocConsole", +[] { return ++calls; }};
+    const importPatch_t size{"SetConsoleScreenBufferSize", +[] { return ++calls; }};
+    const importPatch_t window{"SetConsoleWindowInfo", +[] { return ++calls; }};
+    const importPatch_t title{"SetConsoleTitleW", +[] { return ++calls; }};
+    static BOOL added;
+    added = FALSE;
+    const importPatch_t control{"SetConsoleCtrlHandler",
+                                +[](PHANDLER_ROUTINE, BOOL add) { added |= add; }};
+    std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
+    console->write('T', L"12:00:00.000", "f");
+    console->write('U', L"text", "f");
+    EXPECT_EQ(calls, 0);
+    EXPECT_FALSE(added);
+    const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
+                                         OPEN_EXISTING, 0, nullptr));
+    std::wstring shown((prefix + L"text").size(), L'\0');
+    DWORD got = 0;
+    ReadConsoleOutputCharacterW(screen.get(), shown.data(), static_cast<DWORD>(shown.size()),
+                                {0, 0}, &got);
+    EXPECT_EQ(shown, prefix + L"text");
+}
+
 TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)
 {
     static std::wstring lines;

@@ -4,7 +4,9 @@
 #include "common/text.h"
 #include "tracecore/tracefilename.h"
 
+#include <algorithm>
 #include <ctime>
+#include <thread>
 
 using namespace tracecore;
 
@@ -62,6 +64,43 @@ TEST_F(TraceConfig, RegistryIsReadOnceInThirtySecondsAndFollowedAtTheNextEntry)
         EXPECT_EQ(GetLastError(), 1234u);
     }
     EXPECT_TRUE(traceActive());
+}
+
+// Days are those of the local calendar: the same moment is today in one zone and tomorrow in another.
+TEST_F(TraceConfig, DaysAreCountedByTheLocalCalendar)
+{
+    static __time64_t now;
+    const importPatch_t today{"_time64", +[](__time64_t*) { return now; }};
+    constexpr int64_t day = 86400, midnight = 17000 * day;
+    for (const auto& [zone, offset] :
+         {std::pair("TZ=UTC0", 0), {"TZ=AAA5", -5}, {"TZ=BBB-13", 13}}) {
+        _putenv(zone);
+        _tzset();
+        const auto dayOf = [offset = offset](int64_t time) { return (time + offset * 3600) / day; };
+        for (const int64_t hour : {0, 1, 5, 11, 12, 19, 23}) {
+            for (const int64_t second : {-1, 0}) {
+                now = midnight + hour * 3600 + second;
+                for (int64_t time = now - 2 * day; time <= now + 3 * day; time += 1800) {
+                    SCOPED_TRACE(zone + std::to_string(now) + ' ' + std::to_string(time));
+                    EXPECT_EQ(daysUntil(time), std::max<int64_t>(0, dayOf(time) - dayOf(now)));
+                }
+            }
+        }
+    }
+    _putenv("TZ=");
+    _tzset();
+}
+
+TEST_F(TraceConfig, SweepWaitsForNobody)
+{
+    const wchar_t name[] = L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}";
+    const CKernelHandle turn(CreateMutexW(nullptr, TRUE, name));
+    std::jthread([] { sweepOldTraces(L"x.trc3", 1); });
+    EXPECT_EQ(sweepDone, 0); // a later look tries again
+    ReleaseMutex(turn.get());
+    std::jthread([] { sweepOldTraces(L"x.trc3", 0); });
+    EXPECT_EQ(sweepDone, 1);
+    EXPECT_EQ(WaitForSingleObject(turn.get(), 0), WAIT_OBJECT_0); // given back
 }
 
 TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)

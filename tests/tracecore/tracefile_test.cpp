@@ -2,7 +2,10 @@
 
 #include "common/module.h"
 #include "common/text.h"
+#include "support/holdings.h"
 #include "tracecore/tracefilename.h"
+
+#include <set>
 
 using namespace tracecore;
 
@@ -55,6 +58,113 @@ TEST_F(TraceFile, LaterWriterAppendsANoteAndANewFileStartsWithTheHeader)
     EXPECT_EQ(traced(say).lines(), (strings{"U x", "< "}));
 }
 
+TEST_F(TraceFile, WritersOfOneFileLeaveEachOthersRecordsWhole)
+{
+    setNumber(L"DoTrace", 1);
+    setText(L"FileName", (folder / "t.trc3").wstring());
+    const std::unique_ptr<outputStorageInterface_i> writers[] = {createSink(sinkFileAppend),
+                                                                 createSink(sinkFileAppend)};
+    strings expected = {"U 0"};
+    for (size_t i = 0; i < 100; ++i) {
+        const std::wstring text(i * 7, L'x'); // some are built on the stack, some aren't
+        writers[i % 2]->write('U', std::to_wstring(i) + text, "f");
+        if (i == 1)
+            expected.push_back("N 07-14-2017");
+        if (i > 0)
+            expected.push_back("U " + std::to_string(i) + utf8FromWide(text));
+    }
+    EXPECT_EQ(decodeTrace(fileBytes(folder / "t.trc3")).lines(), expected);
+}
+
+TEST_F(TraceFile, SwitchingOnAndOffKeepsNothing)
+{
+    setNumber(L"NewFileAlways", 0);
+    const auto cycle = [this] {
+        traceTo(L"t.trc3");
+        traceText("x");
+        setNumber(L"DoTrace", 0);
+        follow();
+    };
+    cycle();
+    cycle();
+    const holdings_t before = holdings_t::now();
+    for (int i = 0; i < 1000; ++i)
+        cycle();
+    expectKeptNothing(before, holdings_t::now(), 1000);
+    const strings lines = decodeTrace(fileBytes(folder / "t.trc3")).lines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "U x"), 1002);
+}
+
+template <class Function> Function real(Function, const char* name)
+{
+    for (const wchar_t* const library : {L"kernel32.dll", L"advapi32.dll"})
+        if (const auto found = GetProcAddress(GetModuleHandleW(library), name))
+            return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
+    return nullptr;
+}
+
+// Rights, sharing, dispositions and inheritance: what a call may do is in its numbers alone.
+TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
+{
+    static std::set<std::wstring> calls;
+    calls.clear();
+    static bool denied;
+    const importPatch_t file{
+        "CreateFileW", +[](const wchar_t* name, DWORD access, DWORD share,
+                           SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags, HANDLE from) {
+            calls.insert(formatWide(L"file %x %x %d %d %x after %d", access, share,
+                                    security != nullptr, how, flags, GetLastError()));
+            SetLastError(0);
+            return real(&CreateFileW, "CreateFileW")(name, access, share, security, how, flags,
+                                                     from);
+        }};
+    const importPatch_t key{
+        "RegOpenKeyExW",
+        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* out) {
+            calls.insert(formatWide(L"key %s %x %x", name, options, access));
+            return real(&RegOpenKeyExW, "RegOpenKeyExW")(root, name, options, access, out);
+        }};
+    const importPatch_t make{
+        "CreateMutexW", +[](SECURITY_ATTRIBUTES* security, BOOL owned, const wchar_t* name) {
+            calls.insert(formatWide(L"make %.16s %d %d", name, owned,
+                                    security ? security->bInheritHandle : -1));
+            SetLastError(ERROR_ACCESS_DENIED);
+            return denied ? nullptr : real(&CreateMutexW, "CreateMutexW")(security, owned, name);
+        }};
+    const importPatch_t open{
+        "OpenMutexW", +[](DWORD access, BOOL inherited, const wchar_t* name) -> HANDLE {
+            calls.insert(formatWide(L"open %.16s %x %d", name, access, inherited));
+            return nullptr;
+        }};
+    const importPatch_t wait{"WaitForSingleObject", +[](HANDLE object, DWORD time) {
+                                 calls.insert(formatWide(L"wait %d", time));
+                                 return real(&WaitForSingleObject, "WaitForSingleObject")(object,
+                                                                                          time);
+                             }};
+    for (const bool mine : {true, false}) {
+        setNumber(L"NewFileAlways", mine);
+        denied = !mine;
+        traced([] {
+            SetLastError(4321);
+            traceText("x");
+        });
+        realTracer_t another;
+        EXPECT_EQ(static_cast<bool>(another.mutex), mine);
+    }
+    EXPECT_EQ(calls, (std::set<std::wstring>{
+                         L"file 40000000 3 0 2 8000080 after 0",
+                         L"file 40000000 3 0 4 8000080 after 0",
+                         L"key SOFTWARE\\Veltrano\\Tracing 0 20006",
+                         L"key SOFTWARE\\Veltrano\\Tracing 0 20019",
+                         L"key ComponentsNOT 0 20019",
+                         L"make Global\\VLMAX_tra 0 0",
+                         L"make {32FA2EA5-DF93-4 0 -1",
+                         L"open Global\\VLMAX_tra 80000000 0",
+                         L"wait -1",
+                         L"wait 0",
+                     }));
+}
+
 TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)
 {
     traceTo(L"missing\\t.trc3");
@@ -92,18 +202,33 @@ TEST_F(TraceFile, Header)
     setText(L"Version", L"8.1", L"Products\\Good");
     setText(L"Version", std::wstring(255, L'v'), L"Products\\Long");
     setText(L"Other", L"", L"Products\\None");
+    setNumber(L"Version", 1, L"Products\\Typed");
     setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Policies\\Veltrano", L"NetworkSupport", {0, 0},
              REG_DWORD, 4);
     strings lines = header();
+    for (const auto& [type, value] : {std::pair(REG_BINARY, 0), {REG_DWORD, 1}}) {
+        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Policies\\Veltrano", L"NetworkSupport",
+                 {static_cast<wchar_t>(value), 0}, static_cast<DWORD>(type), 4);
+        EXPECT_EQ(header()[11], "installation: NETWORK");
+    }
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Policies\\Veltrano");
-    lines[1].replace(10, 20, "BUILD");
-    lines.erase(lines.begin() + 4); // the machine's name
-    EXPECT_EQ(lines, (strings{"trace3", "Compiled: BUILD", "OS: UNKNOWN OS(Major:6 Minor:2)",
-                              "ServicePack: Service Pack 3", "Trace Ver: 3.0.2",
-                              "FileVersion: 1.2.7.8", "Product: Good; Version: 8.1",
-                              "Product: Long; Version: " + std::string(234, 'v'),
-                              "Product: None; Version: ERROR(0x2)", "installation: LOCAL",
-                              "07/14/2017 01:02:03.045", "."}));
+    {
+        const importPatch_t entry{"GetProcAddress", +[] { return nullptr; }};
+        EXPECT_EQ(header()[6], "FileVersion: UNKNOWN");
+        const importPatch_t library{"LoadLibraryW", +[] { return nullptr; }};
+        EXPECT_EQ(header()[6], "Product: Good; Version: 8.1");
+    }
+    lines[1].replace(10, 20, "BUILD"); // the length of a date and a time
+    char machine[260];
+    DWORD size = sizeof machine;
+    GetComputerNameA(machine, &size);
+    EXPECT_EQ(lines,
+              (strings{"trace3", "Compiled: BUILD", "OS: UNKNOWN OS(Major:6 Minor:2)",
+                       "ServicePack: Service Pack 3", std::string("Machine name: ") + machine,
+                       "Trace Ver: 3.0.2", "FileVersion: 1.2.7.8", "Product: Good; Version: 8.1",
+                       "Product: Long; Version: " + std::string(234, 'v'),
+                       "Product: None; Version: ERROR(0x2)", "Product: Typed; Version: ERROR(0xD)",
+                       "installation: LOCAL", "07/14/2017 01:02:03.045", "."}));
     const DWORD versions[][3] = {{2, 5, 0}, {2, 5, 1},  {2, 5, 2},  {2, 4, 7},
                                  {1, 4, 0}, {1, 4, 10}, {1, 4, 90}, {1, 4, 1}};
     std::string systems;
