@@ -1,5 +1,7 @@
 #include "growth.h"
 
+#include <algorithm>
+#include <tuple>
 #include <vector>
 
 #include <windows.h>
@@ -32,16 +34,34 @@ size_t blockCount()
     return count;
 }
 
+// indexCount counts the indexes that are taken: as many as there are, less those that are left.
+template <class Alloc, class Free> size_t indexCount(Alloc alloc, Free free)
+{
+    static DWORD taken[8192];
+    size_t left = 0;
+    while ((taken[left] = alloc()) != TLS_OUT_OF_INDEXES)
+        ++left;
+    std::for_each(taken, taken + left, free);
+    return std::size(taken) - left;
+}
+
 } // namespace
 
-heldResources_t::heldResources_t() : handles(handleCount()), blocks(blockCount()) {}
+// The indexes before the blocks: the platform makes room for them once.
+heldResources_t::heldResources_t()
+    : handles(handleCount()),
+      indexes(indexCount(TlsAlloc, TlsFree) +
+              indexCount([] { return FlsAlloc(nullptr); }, FlsFree)),
+      blocks(blockCount())
+{}
 
-std::string heldResources_t::grownSince(const heldResources_t& before) const
+std::string heldResources_t::grownSince(const heldResources_t& before, size_t rounds) const
 {
     std::string grown;
-    if (handles > before.handles)
-        grown += std::to_string(handles - before.handles) + " handles ";
-    if (blocks > before.blocks)
-        grown += std::to_string(blocks - before.blocks) + " blocks ";
+    for (const auto& [now, then, name] : {std::tuple(handles, before.handles, " handles "),
+                                          {blocks, before.blocks, " blocks "},
+                                          {indexes, before.indexes, " indexes "}})
+        if (now >= then + rounds)
+            grown += std::to_string(now - then) + name;
     return grown;
 }
