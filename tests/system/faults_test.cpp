@@ -112,9 +112,37 @@ struct outcome_t {
     bool operator==(const outcome_t&) const = default;
 };
 
-// What an octet string holds behind its text: in a copy of the element, and in no copy of the text.
-const std::string behindSecret = "\xA7what lies behind the end of the secret";
-const std::string secretOctets = std::string("s\0\0\0", 4) + behindSecret;
+// behindSecret is what an octet string holds behind its text: it is in a copy of the element, and in
+// no copy of the text. Two items of a list have it, put in place, so that nothing else has; and many
+// times each, so that a freed block which is used again doesn't hide what it held.
+const std::string& behindSecret()
+{
+    static const std::string octets = [] {
+        std::string made(40, ' ');
+        for (size_t i = 0; i < made.size(); ++i)
+            made[i] = static_cast<char>(i * 37 % 89 + 0x21);
+        return made;
+    }();
+    return octets;
+}
+
+constexpr size_t timesBehind = 200;
+
+bytes secretList()
+{
+    const std::string& behind = behindSecret();
+    const std::string value =
+        std::string("s\0\0\0", 4) + std::string(timesBehind * behind.size(), '#');
+    bytes list = seq({seq({wide(L"other"), octets(value)}),
+                      seq({wide(L"KRS Protected Storage"), octets(value)})});
+    for (auto at = list.begin(); at != list.end();) {
+        at = std::search_n(at, list.end(), behind.size(), '#');
+        if (at != list.end())
+            at = std::copy(behind.begin(), behind.end(), at);
+    }
+    return list;
+}
+constexpr size_t ownCopies = 2 * timesBehind + 1; // of the list, and the octets themselves
 
 size_t copiesOf(std::string_view text) // in all memory of the process that can be written
 {
@@ -278,8 +306,7 @@ protected:
                              seq({seq({wide(L"Fun"), wide(L"new")})}),
                              seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
                                          R"("show_training_prompt":true}}})")})});
-    const bytes secrets = seq({seq({wide(L"other"), octets(secretOctets)}),
-                               seq({wide(L"KRS Protected Storage"), octets(secretOctets)})});
+    const bytes secrets = secretList();
     const agentStub_t* m_agentStub = nullptr;
 };
 
@@ -313,7 +340,6 @@ void Faults::sweep(const std::string& scenario, size_t first, std::ostream& repo
     wanted = nullptr;
     points.push_back(calls + 1); // undisturbed
     const auto files = userFiles();
-    const size_t copies = hasSecret ? copiesOf(behindSecret) : 0;
     const auto once = [&](size_t at) {
         outcome_t outcome;
         calls = 0;
@@ -334,10 +360,12 @@ void Faults::sweep(const std::string& scenario, size_t first, std::ostream& repo
                 if (!allowed.count(outcome.statuses[i]) && outcome.statuses[i] != whole.statuses[i])
                     report << "BAD status " << std::hex << outcome.statuses[i] << std::dec
                            << " of call " << i << '\n';
-            if (hasSecret && copiesOf(behindSecret) != copies)
+            if (hasSecret && copiesOf(behindSecret()) != ownCopies)
                 report << "BAD secret bytes are left\n";
-            for (const auto& [name, content] : userFiles()) // empty, or to its very end
-                if (!content.empty() && content.back() != files.at(name).back())
+            // Without the environment a quick link is stored by another path.
+            for (const auto& [name, content] : userFiles())
+                if (!content.empty() && content != files.at(name) &&
+                    failed != "GetEnvironmentVariableW")
                     report << "BAD a part is left of " << name << '\n';
         }
         // Twice, since a state that the failure left may be seen once.
@@ -385,7 +413,9 @@ class EachFault : public testing::TestWithParam<const char*>
 TEST_P(EachFault, EndsWellAndKeepsNothing)
 {
     const std::string scenario = GetParam();
-    const std::string every = getenv("VL_STRIDE") ? getenv("VL_STRIDE") : "29"; // 1 for all
+    // One allocation in so many is taken; 1 for all. A restore's can cut a file.
+    const std::string sample = scenario == "restore" ? "4" : "29";
+    const std::string every = getenv("VL_STRIDE") ? getenv("VL_STRIDE") : sample;
     size_t first = 1, runs = 0, stillborn = 0;
     for (std::string last; last != "done";) {
         _putenv_s("VL_SCENARIO", scenario.c_str());
