@@ -175,7 +175,7 @@ TEST(Shipped, EachFileHasWhatTheConfigurationSaysAndTheTextsAreWhole)
         for (const UINT id : {1026u, 1029u, 1031u, 1041u, 1052u, 1053u, 1054u}) {
             std::wstring text, original;
             EXPECT_GT(LoadStringFromModule(english.get(), id, original), 5) << id;
-            EXPECT_EQ(LoadStringFromModule(file.get(), id, text) > 5, !main) << id;
+            EXPECT_EQ(LoadStringFromModule(file.get(), id, text) > 1, !main) << id;
             EXPECT_EQ(text.find_first_of(L"?\uFFFD"), std::wstring::npos) << id;
             if (main)
                 continue;
