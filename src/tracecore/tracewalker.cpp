@@ -95,6 +95,32 @@ void traceWalker_t::forget(uint32_t thread, std::vector<openFunction_t>& open, t
         step.lost.push_back({thread, std::move(open.back())});
 }
 
+// Only threads with an open function are held: a damaged file may name millions.
+const std::vector<openFunction_t>& traceWalker_t::takeCall(const traceRecord_t& record,
+                                                           traceStep_t& step)
+{
+    static const std::vector<openFunction_t> none;
+    auto place = m_open.find(record.thread);
+    if (record.level == '>') {
+        if (place == m_open.end())
+            place = m_open.try_emplace(record.thread).first;
+        place->second.push_back({record.text, m_now});
+        return place->second;
+    }
+    if (place == m_open.end())
+        return none;
+    if (record.level == 'N') {
+        forget(record.thread, place->second, step);
+    } else if (record.level == '<') {
+        step.left = std::move(place->second.back());
+        place->second.pop_back();
+    }
+    if (!place->second.empty())
+        return place->second;
+    m_open.erase(place);
+    return none;
+}
+
 traceStep_t traceWalker_t::take(const traceItem_t& item)
 {
     traceStep_t step;
@@ -106,16 +132,7 @@ traceStep_t traceWalker_t::take(const traceItem_t& item)
         m_open.clear();
     } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
         takeStamp(*record);
-        auto& open = m_open[record->thread];
-        if (record->level == 'N') {
-            forget(record->thread, open, step);
-        } else if (record->level == '>') {
-            open.push_back({record->text, m_now});
-        } else if (record->level == '<' && !open.empty()) {
-            step.left = std::move(open.back());
-            open.pop_back();
-        }
-        step.open = &open;
+        step.open = &takeCall(*record, step);
     }
     step.moment = m_now;
     return step;

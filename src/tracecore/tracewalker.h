@@ -65,6 +65,7 @@ public:
 private:
     void takeHeader(const traceHeader_t& header);
     void takeStamp(const traceRecord_t& record);
+    const std::vector<openFunction_t>& takeCall(const traceRecord_t& record, traceStep_t& step);
     void forget(uint32_t thread, std::vector<openFunction_t>& open, traceStep_t& step);
 
     std::map<uint32_t, std::vector<openFunction_t>> m_open;
