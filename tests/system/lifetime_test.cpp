@@ -51,8 +51,10 @@ void endAtAnyTime(unsigned number)
     auto* const host = new host_t; // not ours to free once the process ends
     host->calls = number;
     std::vector<HANDLE> threads{startThread(keepFailing, *host)};
+    // After a terminated thread the others load nothing either: they could wait for the heap's lock
+    // with the loader's taken, which the end of the process needs.
     while (threads.size() < 3)
-        threads.push_back(startThread(keepCalling, *host));
+        threads.push_back(startThread(number % 3 == 1 ? keepFailing : keepCalling, *host));
     Sleep(static_cast<DWORD>(std::rand() % 15));
     if (number % 3 == 1) {
         while (!host->failed) // the loader starts a thread, too

@@ -77,9 +77,19 @@ TEST_F(LineSink, PresentConsoleStaysAsItIs)
     added = FALSE;
     const importPatch_t control{"SetConsoleCtrlHandler",
                                 +[](PHANDLER_ROUTINE, BOOL add) { added |= add; }};
+    static std::wstring asked;
     std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
-    console->write('T', L"12:00:00.000", "f");
-    console->write('U', L"text", "f");
+    {
+        const importPatch_t file{"CreateFileW",
+                                 +[](const wchar_t* name, DWORD access, DWORD share,
+                                     SECURITY_ATTRIBUTES*, DWORD how, DWORD, HANDLE) {
+                                     asked = formatWide(L"%s %x %d %d", name, access, share, how);
+                                     return CreateFile2(name, access, share, how, nullptr);
+                                 }};
+        console->write('T', L"12:00:00.000", "f");
+        console->write('U', L"text", "f");
+    }
+    EXPECT_EQ(asked, L"CONOUT$ 40000000 2 3");
     EXPECT_EQ(calls, 0);
     EXPECT_FALSE(added);
     const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,

@@ -80,7 +80,7 @@ TEST_F(TraceConfig, DaysAreCountedByTheLocalCalendar)
         for (const int64_t hour : {0, 1, 5, 11, 12, 19, 23}) {
             for (const int64_t second : {-1, 0}) {
                 now = midnight + hour * 3600 + second;
-                for (int64_t time = now - 2 * day; time <= now + 3 * day; time += 1800) {
+                for (int64_t time = midnight - 2 * day; time <= midnight + 4 * day; time += 1800) {
                     SCOPED_TRACE(zone + std::to_string(now) + ' ' + std::to_string(time));
                     EXPECT_EQ(daysUntil(time), std::max<int64_t>(0, dayOf(time) - dayOf(now)));
                 }
@@ -120,6 +120,16 @@ TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)
         EXPECT_NE(sweepDone, on);
     }
     EXPECT_EQ(marked, 0);
+    setNumber(L"DoTrace", 0);
+    const importPatch_t open{
+        "RegOpenKeyExW",
+        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
+            return access == KEY_READ
+                       ? real(&RegOpenKeyExW, "RegOpenKeyExW")(root, name, options, access, key)
+                       : ERROR_ACCESS_DENIED;
+        }};
+    EXPECT_TRUE(theTracer().expire()); // was there, and stays
+    EXPECT_TRUE(theTracer().expire());
 }
 
 TEST_F(TraceConfig, FileNameTakesTheFolderFromTheEnvironmentTracePathLowFirst)
@@ -133,4 +143,8 @@ TEST_F(TraceConfig, FileNameTakesTheFolderFromTheEnvironmentTracePathLowFirst)
         EXPECT_TRUE(name.starts_with((folder / at / component).wstring() + L".x64."));
         EXPECT_EQ(name.find(L"~~"), std::wstring::npos);
     }
+    setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", L"FileName", L"C:\\x", REG_BINARY);
+    std::wstring unchanged;
+    theTracer().fileName(unchanged, false);
+    EXPECT_EQ(unchanged, name);
 }

@@ -95,14 +95,6 @@ TEST_F(TraceFile, SwitchingOnAndOffKeepsNothing)
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "U x"), 1002);
 }
 
-template <class Function> Function real(Function, const char* name)
-{
-    for (const wchar_t* const library : {L"kernel32.dll", L"advapi32.dll"})
-        if (const auto found = GetProcAddress(GetModuleHandleW(library), name))
-            return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
-    return nullptr;
-}
-
 // Rights, sharing, dispositions and inheritance: what a call may do is in its numbers alone.
 TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
 {
@@ -117,6 +109,11 @@ TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
             SetLastError(0);
             return real(&CreateFileW, "CreateFileW")(name, access, share, security, how, flags,
                                                      from);
+        }};
+    const importPatch_t seek{
+        "SetFilePointer", +[](HANDLE object, LONG by, LONG* high, DWORD from) {
+            calls.insert(formatWide(L"seek %d %d %d", by, high != nullptr, from));
+            return real(&SetFilePointer, "SetFilePointer")(object, by, high, from);
         }};
     const importPatch_t key{
         "RegOpenKeyExW",
@@ -160,6 +157,7 @@ TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
                          L"make Global\\VLMAX_tra 0 0",
                          L"make {32FA2EA5-DF93-4 0 -1",
                          L"open Global\\VLMAX_tra 80000000 0",
+                         L"seek 0 1 2",
                          L"wait -1",
                          L"wait 0",
                      }));
