@@ -1,8 +1,11 @@
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <set>
 
 #include <windows.h>
 #include <gtest/gtest.h>
+#include <json/reader.h>
 
 #include "common/module.h"
 #include "common/scoped.h"
@@ -16,6 +19,8 @@ namespace {
 
 constexpr DWORD limit = 60000;
 const fs::path folder = L"C:\\vlhost test"; // the current one
+const fs::path userData = fs::path(_wgetenv(L"LOCALAPPDATA")) / L"Veltrano\\KRS";
+const fs::path copies = userData / L"SafetyCopies";
 const fs::path bin = fs::path(moduleFileName(nullptr)).parent_path();
 constexpr wchar_t dashboardKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
 constexpr wchar_t categoriesKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories";
@@ -57,6 +62,15 @@ public:
         m_process.reset(process.hProcess);
     }
 
+    // KillOnce ends the process as soon as it has done what is looked for, or if it ends itself.
+    void KillOnce(const std::function<bool()>& done) const
+    {
+        while (WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT && !done())
+            SwitchToThread();
+        TerminateProcess(m_process.get(), 9);
+        WaitForSingleObject(m_process.get(), limit);
+    }
+
     result_t Result() const
     {
         DWORD status = STILL_ACTIVE;
@@ -91,15 +105,21 @@ protected:
     {
         fs::create_directories(folder);
         fs::current_path(folder);
-        for (const wchar_t* key :
-             {L"SOFTWARE\\Veltrano\\Applications", L"SOFTWARE\\Veltrano\\Applications\\KRS"})
-            setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", bin.wstring());
+        setBin();
         CopyFileW((bin / L"VLFPApi.dll").c_str(), L"C:\\windows\\system32\\VLFPApi.dll", TRUE);
         hostText(L"--plugin \"" + (bin / L"VLOnlineIDs.dll").wstring() + L"\" info");
         hostText(L"register");
         hostText(L"setting set path_localstorage_dir \"C:\\vlhost test\\own\\\\\"");
         hostText(L"setting set path_quicklink_filename \"C:\\vlhost test\\links.txt\"");
         hostText(L"setting set path_dontpromptlist_filename \"C:\\vlhost test\\never.txt\"");
+    }
+
+    static constexpr const wchar_t* binKeys[] = {L"SOFTWARE\\Veltrano\\Applications",
+                                                 L"SOFTWARE\\Veltrano\\Applications\\KRS"};
+    static void setBin()
+    {
+        for (const wchar_t* key : binKeys)
+            setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", bin.wstring());
     }
 
     void SetUp() override
@@ -111,7 +131,9 @@ protected:
         writeFile(L"never.txt", "https://never.example/\r\n");
         writeFile(L"links.txt",
                   "[ShortCutRecord]\r\nUrl=https://bank.example/\r\nName=Bank\r\nProfile=1\r\n"
+                  "Manifest=C:\\vlhost test\\own\\bank.vlm\r\n"
                   "ManifestID=m\r\nUnknown=kept by none but a raw copy\r\n");
+        fs::remove_all(copies);
         RegDeleteKeyW(HKEY_CURRENT_USER, categoriesKey);
         setValue(HKEY_CURRENT_USER, categoriesKey, L"Work", L"%x%;bank", REG_EXPAND_SZ);
         setValue(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory", L"Work");
@@ -153,16 +175,9 @@ protected:
     }
 };
 
-TEST_F(Host, BackupIsWholeAndNeverOverwritesUnasked)
+CFileHandle held(const wchar_t* path)
 {
-    writeFile(L"kept.vlb", "precious");
-    EXPECT_EQ(1u, host(L"backup kept.vlb").status);
-    EXPECT_EQ("precious", fileBytes(L"kept.vlb"));
-    hostText(L"backup kept.vlb --force");
-    fs::remove_all(L"own");
-    fs::remove(L"links.txt");
-    EXPECT_TRUE(has(host(L"backup kept.vlb --force").err, "vlhost trace on"));
-    EXPECT_EQ("\x30", fileBytes(L"kept.vlb").substr(0, 1)); // the earlier one stays
+    return CFileHandle(CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
@@ -173,11 +188,23 @@ TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
     ASSERT_NE(std::string::npos, bytes.find(name));
     bytes.replace(bytes.find(name), 16, "\0.\0.\0\\\0.\0e\0x\0e\0x", 16);
     writeFile(L"hostile.vlb", bytes);
+    bytes.replace(bytes.find(std::string("\0.\0.\0\\", 6)), 16, "\0\n\0\x1B\0[\0m\0.\0v\0l\0m", 16);
+    writeFile(L"steering.vlb", bytes);
     change();
     const auto before = state();
     const std::string plan = hostText(L"restore --dry-run good.vlb");
-    for (const char* told : {"late.vlm", "bank.vlm", "links.txt", "updata.vls"})
-        EXPECT_TRUE(has(plan, told)) << plan;
+    for (const char* told : {"delete           4  C:\\vlhost test\\own\\late.vlm",
+                             "add              4  C:\\vlhost test\\own\\bank.vlm",
+                             "same             4  C:\\vlhost test\\own\\Köln.vlm",
+                             "change           5  C:\\vlhost test\\own\\updata.vls",
+                             "1, change C:\\vlhost test\\links.txt", "nothing was done"})
+        EXPECT_TRUE(has(plan, told)) << told << '\n' << plan;
+    const result_t steering = host(L"restore --dry-run steering.vlb");
+    EXPECT_TRUE(has(steering.out, "own\\\\n\\x1B[m.vlm")) << steering.out;
+    EXPECT_FALSE(has(steering.out + steering.err, "\x1B"));
+    CFileHandle open = held(L"own\\Köln.vlm"); // so that no safety copy can be made
+    EXPECT_TRUE(has(host(L"restore good.vlb").err, "nothing was touched"));
+    open.reset();
     for (const wchar_t* refused : {L"cut.vlb", L"cut.vlb --force", L"hostile.vlb",
                                    L"good.vlb --entry plugin-data --secret-from 0"}) // no agent
         EXPECT_EQ(1u, host(std::wstring(L"restore ") + refused, "x").status);
@@ -203,18 +230,132 @@ TEST_F(Host, UndoBringsBackTheExactStateAndCanBeUndone)
     const fs::path file = L"own\\late.vlm"; // that the plug-in can't delete
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
     const std::string out = host(L"restore good.vlb").out;
-    EXPECT_TRUE(has(out, "late.vlm was not deleted")) << out;
+    EXPECT_TRUE(has(out, "late.vlm: was not deleted")) << out;
     hostText(L"restore --undo");
     EXPECT_EQ(before, state());
     EXPECT_TRUE(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY);
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
+// A restore or an undoing may end at any moment, and be tried again: every file that the user had
+// is on the disk or in a copy that is listed, and the plain --undo leads back to the state before.
+TEST_F(Host, NothingIsLostWhereverItIsKilled)
+{
+    change();
+    for (int i = 0; i < 260; ++i) // more than one folder of a copy holds
+        writeFile(L"own\\my" + std::to_wstring(i) + L".vlm", "mine " + std::to_string(i));
+    const auto mine = state();
+    const auto lost = [&] {
+        std::set<std::string> kept;
+        for (const auto& place : {fs::path(L"own"), copies})
+            for (const auto& entry : fs::recursive_directory_iterator(place))
+                if (entry.is_regular_file() && !has(entry.path().string(), "part"))
+                    kept.insert(fileBytes(entry.path()));
+        std::string names;
+        for (const auto& [name, content] : mine)
+            if (name.starts_with("own") && !kept.contains(content))
+                names += name + ' ';
+        return names;
+    };
+    const auto is = [](const wchar_t* path, bool there) {
+        return [=] { return fs::exists(path) == there; };
+    };
+    const std::wstring first = (copies / L"1.part").wstring();
+    const struct {
+        const char* name;
+        const wchar_t* arguments;
+        std::function<bool()> killed; // when this is so; empty for not
+    } steps[] = {
+        {"copying", L"restore good.vlb", is(first.c_str(), true)},
+        {"deleting", L"restore good.vlb", is(L"own\\late.vlm", false)},
+        {"writing", L"restore good.vlb", is(L"own\\bank.vlm", true)},
+        {"restored", L"restore good.vlb", {}},
+        {"undoing", L"restore --undo", is(L"own\\late.vlm", true)},
+        {"undone", L"restore --undo", {}},
+        {"undone twice", L"restore --undo", {}},
+        {"restored again", L"restore good.vlb", {}},
+        {"undone from there", L"restore --undo 7", {}},
+    };
+    std::map<std::string, std::map<std::string, std::string>> states;
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.name);
+        if (step.killed)
+            process_t(L"vlhost.exe", step.arguments).KillOnce(step.killed);
+        else
+            hostText(step.arguments);
+        EXPECT_EQ("", lost());
+        states[step.name] = state();
+    }
+    EXPECT_EQ(mine, states["undone"]);
+    EXPECT_EQ(mine, states["undone from there"]);
+    EXPECT_EQ(states["restored"], states["undone twice"]);
+    const std::string list = hostText(L"restore --list-undo");
+    EXPECT_TRUE(has(list, "which did not finish")) << list;
+    for (int i = 0; i < 8; ++i)
+        hostText(i % 2 ? L"restore --undo" : L"restore good.vlb");
+    EXPECT_EQ("", lost());
+    const auto count = std::distance(fs::directory_iterator(copies), fs::directory_iterator());
+    EXPECT_TRUE(count >= 5 && count <= 7) << hostText(L"restore --list-undo");
+}
+
+TEST_F(Host, CopyOfAnEarlierVersionIsTakenOver)
+{
+    writeFile(userData / L"RestoreUndo\\0", "early");
+    writeFile(
+        userData / L"RestoreUndo\\index.json",
+        R"({"folder":"C:\\vlhost test\\own\\","files":[{"path":"C:\\vlhost test\\own\\bank.vlm",)"
+        R"("copy":"0","attributes":32}],"dashboard":{},"settings":{}})");
+    hostText(L"restore --undo");
+    EXPECT_EQ("early", fileBytes(L"own\\bank.vlm"));
+    hostText(L"restore --undo");
+    EXPECT_EQ("bank", fileBytes(L"own\\bank.vlm"));
+}
+
+TEST_F(Host, MarkedPathsStayInTheFoldersOfTheProfile)
+{
+    writeFile(L"shared\\team.vlm", "team");
+    hostText(L"setting set path_alienstorage_dirs \"C:\\vlhost test\\shared\"");
+    hostText(L"backup shared.vlb --force");
+    hostText(L"restore shared.vlb");
+    hostText(L"setting set path_alienstorage_dirs C:\\other");
+    writeFile(L"shared\\team.vlm", "changed");
+    const result_t refused = host(L"restore shared.vlb");
+    EXPECT_EQ(1u, refused.status);
+    EXPECT_TRUE(has(refused.out, "warning: C:\\vlhost test\\shared\\team.vlm")) << refused.out;
+    EXPECT_EQ("changed", fileBytes(L"shared\\team.vlm"));
+    hostText(L"restore shared.vlb --force");
+    EXPECT_EQ("team", fileBytes(L"shared\\team.vlm"));
+    hostText(L"restore --undo");
+    EXPECT_EQ("changed", fileBytes(L"shared\\team.vlm"));
+    hostText(L"setting set path_alienstorage_dirs \"\"");
+}
+
+TEST_F(Host, EachCommandPrintsOneDocument)
+{
+    hostText(L"setting set open_guard_desk_qa \"a\nb\x1B[m\"");
+    EXPECT_EQ("open_guard_desk_qa: a\\nb\\x1B[m\n", hostText(L"setting get open_guard_desk_qa"));
+    for (const wchar_t* arguments :
+         {L"info", L"setting get open_guard_desk_qa", L"backup good.vlb --force",
+          L"restore good.vlb --dry-run", L"restore good.vlb", L"restore --undo --dry-run",
+          L"restore --undo", L"restore --list-undo", L"trace status", L"call get-status"}) {
+        SCOPED_TRACE(utf8FromWide(arguments));
+        const std::string text = hostText(std::wstring(L"--json ") + arguments);
+        Json::Value document;
+        Json::CharReaderBuilder strict;
+        Json::CharReaderBuilder::strictMode(&strict.settings_);
+        std::istringstream stream(text);
+        std::string errors;
+        EXPECT_TRUE(Json::parseFromStream(strict, stream, &document, &errors)) << errors << text;
+        for (const auto& file : document["plan"]["files"])
+            EXPECT_EQ(0u, file["path"].asString().find("C:\\vlhost test\\")) << text;
+    }
+}
+
 TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
 {
     writeFile(L"text.dll", "no library");
     const std::tuple<const wchar_t*, DWORD, const char*> cases[] = {
-        {L"", 2, "see --help"},
+        {L"", 2, "--help"},
         {L"restore C:\\none.vlb --secret-from 0", 2, "plugin-data"},
         {L"--plugin C:\\none.dll info", 1, "--plugin names another"},
         {L"--plugin text.dll info", 1, "64-bit DLL"},

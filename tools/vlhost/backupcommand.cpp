@@ -1,6 +1,9 @@
 #include "commands.h"
 
+#include <iostream>
+
 #include "common/commandline.h"
+#include "common/outputfile.h"
 #include "takebackup.h"
 #include "print.h"
 #include "secretstore.h"
@@ -20,7 +23,10 @@ void addBackupCommand(CLI::App& app, const options_t& options)
         refuseExisting(arguments->file, arguments->force);
         const CPluginHost host(options.plugin);
         const backup_t backup = takeBackup(host);
-        writeFile(arguments->file, backup.bytes, arguments->force);
+        COutputFile file(arguments->file, arguments->force, {}, std::cout);
+        file.Stream().write(reinterpret_cast<const char*>(backup.bytes.data()),
+                            static_cast<std::streamsize>(backup.bytes.size()));
+        file.Complete();
         Json::Value json(Json::objectValue);
         json["file"] = arguments->file;
         json["bytes"] = backup.bytes.size();

@@ -1,6 +1,9 @@
 #include "commands.h"
 
+#include <iostream>
+
 #include "common/commandline.h"
+#include "common/inputfile.h"
 #include "pluginhost.h"
 #include "print.h"
 #include "secretstore.h"
@@ -185,7 +188,7 @@ void addCallCommands(CLI::App& app, const options_t& options)
     operation("set-storage-data", "IVLKTBackupRestore2::SetStorageData",
               [arguments](const CPluginHost& host) {
                   CVariant data;
-                  setBytes(data, readFile(arguments->file));
+                  setBytes(data, readInput(arguments->file, std::cin));
                   return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get()));
               })
         ->add_option("file", arguments->file)
@@ -194,7 +197,7 @@ void addCallCommands(CLI::App& app, const options_t& options)
         operation("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
                   [arguments](const CPluginHost& host) {
                       CVariant data;
-                      setBytes(data, readFile(arguments->file));
+                      setBytes(data, readInput(arguments->file, std::cin));
                       return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData2(
                           arguments->number, data.Get()));
                   });
@@ -203,7 +206,7 @@ void addCallCommands(CLI::App& app, const options_t& options)
     CLI::App* const third =
         operation("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
                   [arguments](const CPluginHost& host) {
-                      const bytes_t storage = readFile(arguments->file);
+                      const bytes_t storage = readInput(arguments->file, std::cin);
                       const CSecretBytes secrets = arguments->secretsFile.empty()
                                                        ? CSecretBytes()
                                                        : readSecretFile(arguments->secretsFile);

@@ -1,37 +1,66 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include <windows.h>
 
+#include "common/scoped.h"
+
 using bytes_t = std::vector<BYTE>;
 
-// Paths are UTF-8, except where a type says otherwise, and may be longer than MAX_PATH.
+// The user's files as a backup and a restore have to do with them. Paths may be longer than
+// MAX_PATH, and need not be full.
 
-// readFile reads a whole file; "-" is standard input.
-//
-// Errors: CToolError
-bytes_t readFile(const std::string& path);
+// fileKey is equal for two names of one place: the full path in upper case.
+std::wstring fileKey(const std::wstring& path);
 
-// refuseExisting is the check of writeFile alone, for a caller who would do long work in vain.
-void refuseExisting(const std::string& path, bool replace);
-
-// writeFile writes a whole file beside its target and moves it there, so that a target is whole or
-// untouched.
-//
-// replace: false refuses a target that exists
-// Errors:  CToolError
-void writeFile(const std::string& path, const bytes_t& bytes, bool replace);
-
-// copyFile copies bytes and times over what may be there, read-only or not; the folder is made. The
-// copy's attributes are normal.
-//
-// Errors: CToolError
-void copyFile(const std::wstring& from, const std::wstring& to);
+// fileState_t is what a look at a file says.
+struct fileState_t {
+    DWORD attributes = 0;
+    uint64_t size = 0; // bytes
+};
+// fileAt gives nothing where no file is, or a folder.
+std::optional<fileState_t> fileAt(const std::wstring& path);
 
 // isThere is true for a file or folder.
 bool isThere(const std::wstring& path);
+
+// CFilePieces reads a file piece by piece, whatever others do with it.
+class CFilePieces
+{
+public:
+    explicit CFilePieces(const std::wstring& path);
+
+    // Next gives the next bytes, on loan until the next call; none at the end and after an error.
+    std::span<const BYTE> Next();
+    DWORD Error() const noexcept { return m_error; } // of the platform; 0 for none
+
+private:
+    CFileHandle m_file;
+    DWORD m_error = 0;
+    std::unique_ptr<BYTE[]> m_piece;
+};
+
+// fileHolds is true if the file is there and has these bytes, no more and no less. fileEquals is
+// true if both are there and have the same.
+bool fileHolds(const std::wstring& path, std::span<const BYTE> bytes);
+bool fileEquals(const std::wstring& one, const std::wstring& other);
+
+// copyFile copies bytes and times over what may be there, read-only or not; the folder is made. The
+// copy's attributes are normal. settleFile waits until its bytes are on the disk, and gives it its
+// attributes. Many files are copied first and then settled: the first wait does for most of them.
+//
+// Errors: CToolError
+void copyFile(const std::wstring& from, const std::wstring& to);
+void settleFile(const std::wstring& path, DWORD attributes);
+
+// deleteFile deletes a file, read-only or not. Returns: false if it is still there
+bool deleteFile(const std::wstring& path);
 
 // besideThisProgram is the full path of a file in this program's folder.
 std::wstring besideThisProgram(const wchar_t* name);

@@ -1,11 +1,12 @@
 #include "print.h"
 
 #include <algorithm>
+#include <iomanip>
 #include <iostream>
 #include <sstream>
 
-#include <json/writer.h>
-
+#include "common/jsontext.h"
+#include "common/printable.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "common/statusnames.h"
@@ -187,10 +188,7 @@ void appendMember(std::string& text, const Json::Value& member, const std::strin
         append(text, member, indent + "  ");
         return;
     }
-    std::string line = plainText(member);
-    for (size_t at = 0; (at = line.find('\n', at)) != std::string::npos;)
-        line.replace(at, 1, "\n  " + indent); // a text of several lines
-    text += ' ' + line + (meaning.empty() ? "" : " (" + meaning + ")") + '\n';
+    text += ' ' + plainText(member) + (meaning.empty() ? "" : " (" + meaning + ")") + '\n';
 }
 
 void append(std::string& text, const Json::Value& value, const std::string& indent)
@@ -205,7 +203,7 @@ void append(std::string& text, const Json::Value& value, const std::string& inde
     for (const auto& name : orderedMembers(value)) {
         if (name.ends_with(meaningSuffix))
             continue; // stands behind what it explains
-        text += indent + labelOf(name) + ':';
+        text += indent + printable(labelOf(name)) + ':';
         appendMember(text, value[name], value[name + meaningSuffix].asString(), indent);
     }
 }
@@ -312,17 +310,62 @@ std::string plainText(const Json::Value& value)
         append(text, value, "");
         return text.empty() ? "none" : text;
     }
-    return value.asString();
+    return printable(value.asString());
+}
+
+std::string textOfPlan(const Json::Value& plan)
+{
+    std::ostringstream text;
+    for (const auto& file : plan["files"])
+        text << "  " << std::left << std::setw(6) << file["action"].asString() << std::right
+             << std::setw(12) << file["bytes"].asUInt64() << "  "
+             << printable(file["path"].asString()) << '\n';
+    for (const auto& [member, label] :
+         {std::pair("quickLinks", "quick links"), std::pair("doNotPromptList", "addresses")})
+        if (const Json::Value& file = plan[member]; file.isObject()) {
+            text << "  " << label << ": ";
+            if (file.isMember("count"))
+                text << file["count"].asUInt64() << ", ";
+            text << file["action"].asString() << ' ' << printable(file["path"].asString()) << '\n';
+        }
+    if (const Json::Value& categories = plan["categories"]; categories.isObject())
+        text << "  categories: " << categories["count"].asUInt64() << " in place of "
+             << categories["now"].asUInt64() << '\n';
+    if (plan["appliesSettings"].asBool())
+        text << "  settings: as in the backup\n";
+    for (const auto& key : plan["settings"].getMemberNames())
+        text << "  setting " << printable(key) << ": "
+             << printable(plan["settings"][key].asString()) << '\n';
+    return text.str();
 }
 
 void printResult(const Json::Value& value, bool asJson)
 {
     if (asJson) {
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "  ";
-        builder["emitUTF8"] = true;
-        std::cout << Json::writeString(builder, value) << '\n';
+        std::cout << jsonText(value, true) << '\n';
     } else {
         std::cout << plainText(value);
     }
+}
+
+CProgress::CProgress(const char* what, size_t total) : m_what(what), m_total(total)
+{
+    DWORD mode = 0;
+    m_terminal = GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+CProgress::~CProgress()
+{
+    if (m_terminal && m_shown != decltype(m_shown)())
+        std::cerr << '\r' << std::string(40, ' ') << '\r' << std::flush;
+}
+
+void CProgress::Step()
+{
+    ++m_done;
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_terminal || now - m_shown < std::chrono::milliseconds(100))
+        return;
+    m_shown = now;
+    std::cerr << '\r' << m_what << ": " << m_done << " of " << m_total << std::flush;
 }

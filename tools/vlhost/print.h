@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include <windows.h>
@@ -28,5 +29,27 @@ std::string hexText(const bytes_t& bytes);
 // A member named as another with "Meaning" behind stands in brackets behind that one.
 std::string plainText(const Json::Value& value);
 
+// textOfPlan shows a plan in JSON, as restore and its undoing make them, for people: a line a file.
+std::string textOfPlan(const Json::Value& plan);
+
 // printResult writes value to standard output, as JSON or for people.
 void printResult(const Json::Value& value, bool asJson);
+
+// CProgress shows on a terminal how much of a piece of work is done; elsewhere it is silent.
+class CProgress
+{
+public:
+    CProgress(const char* what, size_t total);
+    ~CProgress(); // takes the line away
+    CProgress(const CProgress&) = delete;
+    CProgress& operator=(const CProgress&) = delete;
+
+    void Step();
+
+private:
+    const char* m_what;
+    size_t m_total;
+    size_t m_done = 0;
+    bool m_terminal;
+    std::chrono::steady_clock::time_point m_shown{};
+};

@@ -22,3 +22,9 @@ LSTATUS writeValue(HKEY key, const registryValue_t& value)
     return RegSetValueExW(key, value.name.c_str(), 0, value.type, value.data.data(),
                           static_cast<DWORD>(value.data.size()));
 }
+
+bytes_t bytesOfText(const std::wstring& text)
+{
+    const auto* const first = reinterpret_cast<const BYTE*>(text.c_str());
+    return {first, first + (text.size() + 1) * sizeof(wchar_t)};
+}

@@ -20,3 +20,6 @@ LSTATUS readValue(HKEY key, registryValue_t& value);
 
 // writeValue stores it as it is. Returns: the platform's error
 LSTATUS writeValue(HKEY key, const registryValue_t& value);
+
+// bytesOfText is a text as the registry stores it, with its terminating zero.
+bytes_t bytesOfText(const std::wstring& text);

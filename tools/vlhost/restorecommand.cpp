@@ -1,16 +1,25 @@
 #include "commands.h"
 
 #include <algorithm>
+#include <iomanip>
 #include <iostream>
 #include <optional>
+#include <set>
+#include <sstream>
+#include <tuple>
 
 #include "agent/discovery.h"
+#include "common/backupinput.h"
 #include "common/commandline.h"
+#include "common/inputfile.h"
+#include "common/printable.h"
 #include "common/text.h"
 #include "print.h"
+#include "restoreplan.h"
 #include "safetycopy.h"
 #include "secretstore.h"
 #include "takebackup.h"
+#include "undo.h"
 #include "variants.h"
 
 using namespace VLONLINEIDSLib;
@@ -25,24 +34,9 @@ struct arguments_t {
     bool dryRun = false;
     bool force = false;
     bool undo = false;
+    std::optional<unsigned> undoNumber;
+    bool listUndo = false;
 };
-
-// verify refuses bytes that the plug-in would restore only in part: it checks nothing but the
-// number of elements, and has deleted the old files by then.
-void verify(const CBackupView& backup, bool decoded, bool force)
-{
-    const char* const hint = "nothing was touched; 'vlbackup verify' tells more";
-    if (!decoded)
-        throw CToolError("the file is no backup", hint);
-    if (backup.Restorable())
-        return;
-    for (const auto& finding : backup.findings)
-        if (finding.grade != BackupFinding::Grade::note)
-            std::cerr << "vlhost: " << finding.where << ": " << finding.what << '\n';
-    if (!force)
-        throw CToolError("the backup is not sound",
-                         "nothing was touched; --force restores it all the same");
-}
 
 HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const bytes_t& bytes,
                 const CSecretBytes& secret)
@@ -73,65 +67,265 @@ CSecretBytes readSecret(const arguments_t& arguments)
     return readSecretFrom(*arguments.secretFrom);
 }
 
-void compareSecret(const CSecretBytes& secret, std::vector<std::string>& differences)
+void compareSecret(const CSecretBytes& secret, std::vector<difference_t>& differences)
 {
     if (secret.bytes.empty())
         return;
     const CSecretStore store;
     if (!store.Exists(protectedStorage) || store.Read(protectedStorage).bytes != secret.bytes)
-        differences.push_back("the secret did not arrive in the store: see the agent's journal");
+        differences.push_back({utf8FromWide(protectedStorage),
+                               "the secret did not arrive in the store: see the agent's journal"});
 }
 
-bool sameLink(const BackupLink& one, const BackupLink& other)
+auto fieldsOf(const BackupLink& link)
 {
-    return one.name == other.name && one.target == other.target && one.manifest == other.manifest &&
-           one.profile == other.profile && one.manifestid == other.manifestid &&
-           one.wocred == other.wocred;
+    return std::tie(link.name, link.target, link.manifest, link.profile, link.manifestid,
+                    link.wocred);
 }
 
 // compareLinks takes a backup of what is there now and looks for the links of the restored one in
 // it.
 void compareLinks(const CPluginHost& host, const CBackupView& wanted,
-                  std::vector<std::string>& differences)
+                  std::vector<difference_t>& differences)
 {
     const bytes_t now = takeBackupIfAny(host);
     CBackupView found;
     if (now.empty() || !found.Decode(now))
         return; // the plug-in takes no backup of a user without its data file and a secret
+    std::set<decltype(fieldsOf(wanted.links.front()))> links;
+    for (const auto& link : found.links)
+        links.insert(fieldsOf(link));
     for (const auto& link : wanted.links)
-        if (std::none_of(found.links.begin(), found.links.end(),
-                         [&](const BackupLink& other) { return sameLink(link, other); }))
-            differences.push_back(
-                "the quick link '" + link.name +
-                "' is not there (its program or template may be missing on this machine)");
+        if (!links.contains(fieldsOf(link)))
+            differences.push_back({link.name, "the quick link is not there (its program or "
+                                              "template may be missing on this machine)"});
 }
 
-Json::Value restoreFile(const CPluginHost& host, const arguments_t& arguments)
+// CReport prints what is done, for people as it goes on, in JSON as one document at the end.
+class CReport
 {
-    const bytes_t bytes = readFile(arguments.file);
+public:
+    explicit CReport(bool json) : m_asJson(json) {}
+
+    // Text is for people alone, Add for the document alone.
+    void Text(const std::string& text) const
+    {
+        if (!m_asJson)
+            std::cout << text << std::flush;
+    }
+    Json::Value& operator[](const char* member) { return m_document[member]; }
+    void Print() const
+    {
+        if (m_asJson)
+            printResult(m_document, true);
+    }
+
+    void Differences(const std::vector<difference_t>& differences)
+    {
+        Json::Value& list = m_document["differences"] = Json::Value(Json::arrayValue);
+        for (const auto& difference : differences) {
+            Json::Value one(Json::objectValue);
+            one["item"] = difference.item;
+            one["what"] = difference.what;
+            list.append(one);
+            Text("difference: " + printable(difference.item) + ": " + printable(difference.what) +
+                 '\n');
+        }
+    }
+
+private:
+    bool m_asJson;
+    Json::Value m_document{Json::objectValue};
+};
+
+constexpr char undoHint[] = "'vlhost restore --undo' puts the old state back";
+constexpr char untouched[] = "nothing was touched";
+
+std::string copyText(unsigned number)
+{
+    return "safety copy: " + std::to_string(number) + " in " +
+           printable(utf8FromWide(safetyCopiesFolder())) + '\n';
+}
+
+// judge refuses bytes that the plug-in would restore only in part: it checks nothing but the
+// number of elements, and has deleted the old files by then. It shows all that has to be looked at.
+void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CReport& report)
+{
+    Json::Value& list = report["findings"] = Json::Value(Json::arrayValue);
+    const auto show = [&](const std::string& grade, const std::string& where,
+                          const std::string& what) {
+        Json::Value one(Json::objectValue);
+        one["grade"] = grade;
+        one["where"] = where;
+        one["what"] = what;
+        list.append(one);
+        report.Text(grade + ": " + printable(where) + ": " + printable(what) + '\n');
+    };
+    for (const auto& finding : backup.findings)
+        if (finding.grade != BackupFinding::Grade::note)
+            show(gradeName(finding.grade), finding.where, finding.what);
+    for (const auto& stray : plan.strays)
+        show("warning", stray, "outside the folders that this profile's settings name");
+    if (force)
+        return;
+    const bool restorable = backup.Restorable();
+    if (restorable && plan.strays.empty())
+        return;
+    report.Print();
+    throw CToolError(restorable ? "the backup writes to folders that are not this profile's"
+                                : "the backup is not sound",
+                     std::string(untouched) + "; --force restores it all the same");
+}
+
+void finish(CSafetyCopies& copies, unsigned number)
+{
+    copies.Finish(number);
+    std::vector<std::wstring> damaged;
+    const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
+    copies.Prune(chooseCopies(all, std::nullopt).front()->number);
+}
+
+void restoreFile(const arguments_t& arguments, const options_t& options)
+{
+    const bytes_t bytes = readInput(arguments.file, std::cin);
     CBackupView backup;
-    const bool decoded = backup.Decode(bytes);
-    verify(backup, decoded, arguments.force);
+    if (!decodeBackup(bytes, backup))
+        refuseBackup(arguments.file, bytes, backup);
+    const CPluginHost host(options.plugin);
+    CReport report(options.json);
     const restorePlan_t plan = planRestore(backup);
-    Json::Value json(Json::objectValue);
-    json["backup"] = backupVersionText(backup.elementCount);
-    json["plan"] = jsonOfPlan(plan);
-    if (arguments.dryRun)
-        return json;
+    report["elements"] = backup.elementCount;
+    report["plan"] = jsonOfPlan(plan, backup);
+    report["done"] = false;
+    report.Text("backup: " + backupVersionText(backup.elementCount) + "\nplan:\n" +
+                textOfPlan(report["plan"]));
+    judge(backup, plan, arguments.force, report);
+    if (arguments.dryRun) {
+        report.Text("nothing was done: --dry-run\n");
+        report.Print();
+        return;
+    }
     const CSecretBytes secret = readSecret(arguments);
-    makeSafetyCopy(host, plan);
+    CSafetyCopies copies;
+    const unsigned copy = copies.Make(plan.Touched(), {});
+    report["safetyCopy"] = copy;
+    report.Text(copyText(copy));
     const HRESULT status = restore(host, arguments, bytes, secret);
-    if (FAILED(status))
-        throw CToolError("the plug-in's restore failed: " + statusText(status),
-                         "'vlhost restore --undo' puts the old state back");
-    std::vector<std::string> differences = compareRestored(backup, plan);
+    if (FAILED(status)) {
+        report["status"] = jsonOfStatus(status);
+        report.Print();
+        throw CToolError("the plug-in's restore failed: " + statusText(status), undoHint);
+    }
+    finish(copies, copy);
+    report["done"] = true;
+    std::vector<difference_t> differences = compareRestored(backup, plan);
     compareLinks(host, backup, differences);
     compareSecret(secret, differences);
-    json["differences"] = Json::Value(Json::arrayValue);
-    for (const auto& difference : differences)
-        json["differences"].append(difference);
-    json["safetyCopy"] = utf8FromWide(safetyCopyFolder());
-    return json;
+    report.Differences(differences);
+    report.Print();
+    if (!differences.empty())
+        throw CToolError("not everything came back as the backup has it", undoHint);
+    report.Text("restored and compared: all is as the backup has it\n");
+}
+
+void warnOfDamaged(const std::vector<std::wstring>& damaged)
+{
+    for (const auto& folder : damaged)
+        std::cerr << "vlhost: the safety copy in " << printable(utf8FromWide(folder))
+                  << " is damaged; what is left of its files can be copied by hand\n";
+}
+
+void undo(const arguments_t& arguments, const options_t& options)
+{
+    CSafetyCopies copies;
+    std::vector<std::wstring> damaged;
+    const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
+    warnOfDamaged(damaged);
+    CReport report(options.json);
+    const undoPlan_t plan = planUndo(chooseCopies(all, arguments.undoNumber));
+    report["plan"] = jsonOfPlan(plan);
+    report["done"] = false;
+    report.Text("puts back: safety copy");
+    for (const unsigned number : plan.copies)
+        report.Text(' ' + std::to_string(number));
+    report.Text("\nplan:\n" + textOfPlan(report["plan"]));
+    if (arguments.dryRun) {
+        report.Text("nothing was done: --dry-run\n");
+        report.Print();
+        return;
+    }
+    std::vector<std::wstring> touched;
+    for (const auto& file : plan.files)
+        touched.push_back(file.path);
+    const unsigned copy = copies.Make(touched, plan.copies);
+    report["safetyCopy"] = copy;
+    report.Text(copyText(copy));
+    const std::vector<difference_t> differences = putBack(plan);
+    if (const HWND agent = findAgentWindow())
+        PostMessageW(agent, restoreDoneMessage(), 0, 0); // as after a restore by the plug-in
+    if (differences.empty())
+        finish(copies, copy);
+    report["done"] = differences.empty();
+    report.Differences(differences);
+    report.Print();
+    if (!differences.empty())
+        throw CToolError("not everything could be put back",
+                         "the safety copies are whole: try 'vlhost restore --undo' again");
+    report.Text("put back\n");
+}
+
+std::string purposeText(const safetyCopy_t& copy)
+{
+    std::string text = copy.undoes.empty() ? "before a restore" : "before undoing with copy";
+    for (const unsigned number : copy.undoes)
+        text += ' ' + std::to_string(number);
+    if (!copy.finished)
+        text += ", which did not finish";
+    if (copy.continues != 0)
+        text += "; holds what the work before, after copy " + std::to_string(copy.continues) +
+                ", had left unfinished";
+    return text;
+}
+
+void listUndo(const options_t& options)
+{
+    const CSafetyCopies copies; // takes the copy of an earlier version over
+    std::vector<std::wstring> damaged;
+    std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
+    warnOfDamaged(damaged);
+    std::set<unsigned> next;
+    if (!all.empty())
+        for (const safetyCopy_t* const copy : chooseCopies(all, std::nullopt))
+            next.insert(copy->number);
+    std::reverse(all.begin(), all.end());
+    Json::Value json(Json::objectValue);
+    json["folder"] = utf8FromWide(safetyCopiesFolder());
+    json["copies"] = Json::Value(Json::arrayValue);
+    std::ostringstream text;
+    for (const auto& copy : all) {
+        const auto files = std::count_if(copy.files.begin(), copy.files.end(),
+                                         [](const copiedFile_t& file) { return file.copy; });
+        const bool isNext = next.contains(copy.number);
+        Json::Value one(Json::objectValue);
+        one["number"] = copy.number;
+        one["made"] = copy.made;
+        one["files"] = files;
+        one["bytes"] = copy.Bytes();
+        one["undoes"] = Json::Value(Json::arrayValue);
+        for (const unsigned number : copy.undoes)
+            one["undoes"].append(number);
+        one["finished"] = copy.finished;
+        one["continues"] = copy.continues;
+        one["next"] = isNext;
+        json["copies"].append(one);
+        text << std::setw(4) << copy.number << "  " << printable(copy.made) << std::setw(7) << files
+             << " files" << std::setw(12) << copy.Bytes() << " bytes  " << purposeText(copy)
+             << (isNext ? " <- put back by --undo" : "") << '\n';
+    }
+    if (options.json)
+        printResult(json, true);
+    else
+        std::cout << (all.empty() ? "there is no safety copy\n" : text.str());
 }
 
 } // namespace
@@ -151,24 +345,34 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
     command->add_option("--flags", arguments->flags, "Passed on to the agent by --entry 2");
     command->add_option("--secret-from", arguments->secretFrom,
                         "File descriptor with the secret's value, for --entry plugin-data");
-    command->add_flag("--dry-run", arguments->dryRun,
-                      "Tell what would be deleted and replaced, and stop");
-    command->add_flag("--force", arguments->force, "Restore a backup that is not sound");
-    command->add_flag("--undo", arguments->undo, "Put back what the last restore replaced")
-        ->excludes(file);
+    command->add_flag("--dry-run", arguments->dryRun, "Show the plan, and stop");
+    command->add_flag("--force", arguments->force,
+                      "Restore a backup that is not sound, or that writes to other folders than "
+                      "this profile's");
+    auto* const undoOption = command->add_option_function<std::vector<unsigned>>(
+        "--undo",
+        [arguments](const std::vector<unsigned>& given) {
+            arguments->undo = true;
+            if (!given.empty() && given.front() != 0) // the parser's word for none
+                arguments->undoNumber = given.front();
+        },
+        "Put back what the last restore replaced, or the safety copy of that number");
+    undoOption->expected(0, 1)->type_name("NUMBER")->excludes(file);
+    command->add_flag("--list-undo", arguments->listUndo, "List the safety copies, newest first")
+        ->excludes(file)
+        ->excludes(undoOption);
     command->callback([arguments, &options] {
-        if (arguments->file.empty() && !arguments->undo)
-            throw CToolError("a backup is wanted", "vlhost restore FILE", 2);
+        if (arguments->file.empty() && !arguments->undo && !arguments->listUndo)
+            throw CToolError("a backup is wanted", "vlhost restore FILE", exitStatus::wrongUsage);
         if (arguments->secretFrom && arguments->entry != "plugin-data")
-            throw CToolError("only --entry plugin-data takes a secret", "", 2);
+            throw CToolError("only --entry plugin-data takes a secret", "", exitStatus::wrongUsage);
         if (arguments->flags && arguments->entry != "2")
-            throw CToolError("only --entry 2 takes flags", "", 2);
-        const CPluginHost host(options.plugin);
-        const Json::Value json =
-            arguments->undo ? undoRestore(host, arguments->dryRun) : restoreFile(host, *arguments);
-        printResult(json, options.json);
-        if (!json["differences"].empty())
-            throw CToolError("not everything came back as the backup has it",
-                             "'vlhost restore --undo' puts the old state back");
+            throw CToolError("only --entry 2 takes flags", "", exitStatus::wrongUsage);
+        if (arguments->listUndo)
+            listUndo(options);
+        else if (arguments->undo)
+            undo(*arguments, options);
+        else
+            restoreFile(*arguments, options);
     });
 }

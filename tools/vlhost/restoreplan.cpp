@@ -1,12 +1,17 @@
 #include "restoreplan.h"
 
 #include <algorithm>
+#include <map>
+#include <unordered_map>
 
-#include <json/reader.h>
-
+#include "common/backupinput.h"
 #include "common/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "files.h"
+#include "print.h"
+#include "storage/folderlist.h"
+#include "storage/paths.h"
 #include "storage/settings.h"
 
 namespace {
@@ -24,69 +29,52 @@ void addMatches(const std::wstring& folder, const wchar_t* mask, std::vector<std
     } while (FindNextFileW(search.get(), &entry));
 }
 
-bytes_t bytesOfText(const std::string& utf8)
-{
-    const std::wstring text = wideFromUtf8(utf8);
-    const auto* const first = reinterpret_cast<const BYTE*>(text.c_str());
-    return {first, first + (text.size() + 1) * sizeof(wchar_t)};
-}
-
 void compareFiles(const CBackupView& backup, const restorePlan_t& plan,
-                  std::vector<std::string>& differences)
+                  std::vector<difference_t>& differences)
 {
-    for (const auto& path : plan.deleted)
-        if (path != plan.quickLinkFile && isThere(path) &&
-            std::find(plan.written.begin(), plan.written.end(), path) == plan.written.end())
-            differences.push_back(utf8FromWide(path) + " was not deleted (is it read-only?)");
-    // A later file of the same target stands in the folder.
-    for (size_t i = 0; i < backup.files.size(); ++i) {
-        const auto& path = plan.written[i];
-        if (path.empty() || std::find(plan.written.begin() + static_cast<ptrdiff_t>(i) + 1,
-                                      plan.written.end(), path) != plan.written.end())
-            continue;
-        const std::string name = utf8FromWide(path);
-        if (!isThere(path)) {
-            differences.push_back(name + " was not written");
-            continue;
-        }
-        const bytes_t bytes = readFile(name);
-        const auto& wanted = backup.files[i].content;
-        if (!std::equal(bytes.begin(), bytes.end(), wanted.begin(), wanted.end()))
-            differences.push_back(name + " holds other bytes");
+    CProgress progress("comparing", plan.files.size());
+    for (const auto& file : plan.files) {
+        progress.Step();
+        const bool there = isThere(file.path);
+        const char* what = nullptr;
+        if (file.action == fileAction_t::remove)
+            what = there ? "was not deleted (is it read-only?)" : nullptr;
+        else if (!there)
+            what = "was not written";
+        else if (!fileHolds(file.path, backup.files[file.source].content))
+            what = "holds other bytes";
+        if (what)
+            differences.push_back({utf8FromWide(file.path), what});
     }
 }
 
-void compareCategories(const CBackupView& backup, std::vector<std::string>& differences)
+void compareCategories(const CBackupView& backup, std::vector<difference_t>& differences)
 {
-    const auto found = readDashboard().categories.value_or(std::vector<registryValue_t>());
+    std::map<std::wstring, bytes_t> found;
+    for (auto& category : readDashboard().categories.value_or(std::vector<registryValue_t>()))
+        found.emplace(std::move(category.name), std::move(category.data));
     for (const auto& wanted : backup.categories) {
-        const std::wstring name = wideFromUtf8(wanted.name);
-        const auto match =
-            std::find_if(found.begin(), found.end(),
-                         [&](const registryValue_t& category) { return category.name == name; });
+        const auto match = found.find(wideFromUtf8(wanted.name));
         if (match == found.end())
-            differences.push_back("the category '" + wanted.name + "' is missing");
-        else if (match->data != bytesOfText(wanted.text))
-            differences.push_back("the category '" + wanted.name + "' has another text");
+            differences.push_back({wanted.name, "the category is missing"});
+        else if (match->second != bytesOfText(wideFromUtf8(wanted.text)))
+            differences.push_back({wanted.name, "the category has another text"});
     }
 }
 
 void compareSetting(const wchar_t* key, const std::wstring& wanted,
-                    std::vector<std::string>& differences)
+                    std::vector<difference_t>& differences)
 {
     std::wstring value;
     if (FAILED(settings_query(key, value)) || value != wanted)
-        differences.push_back("the setting '" + utf8FromWide(key) + "' is not as in the backup");
+        differences.push_back({utf8FromWide(key), "the setting is not as in the backup"});
 }
 
 // documentSettings gives the part of the document that a restore reads; an empty object for a
 // document that it can't.
 Json::Value documentSettings(const std::string& text)
 {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr))
-        return Json::objectValue;
+    Json::Value value = parseDocument(text).value_or(Json::objectValue);
     for (const char* member : {"settings", "current"}) {
         if (!value.isObject())
             return Json::objectValue;
@@ -96,7 +84,7 @@ Json::Value documentSettings(const std::string& text)
     return value.isObject() ? value : Json::objectValue;
 }
 
-void compareSettings(const CBackupView& backup, std::vector<std::string>& differences)
+void compareSettings(const CBackupView& backup, std::vector<difference_t>& differences)
 {
     const auto truth = [](bool value) { return value ? L"1" : L"-1"; };
     if (backup.settings.form == SettingsForm::legacy) {
@@ -116,6 +104,19 @@ void compareSettings(const CBackupView& backup, std::vector<std::string>& differ
     if (grabbing.isBool() || grabbing.isNumeric())
         compareSetting(restoredSettings[2], truth(grabbing.asBool()), differences);
 }
+
+// namedFolders gives the folders that the settings name. UTF-8
+std::vector<std::string> namedFolders()
+{
+    FolderSet folders;
+    prepfolderlist(folders);
+    std::vector<std::string> names;
+    for (const auto& folder : folders)
+        names.push_back(utf8FromWide(folder.path));
+    return names;
+}
+
+constexpr const char* actionNames[] = {"add", "change", "same", "delete"}; // of fileAction_t
 
 } // namespace
 
@@ -139,16 +140,46 @@ std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
     return found;
 }
 
+std::vector<std::wstring> restorePlan_t::Touched() const
+{
+    std::vector<std::wstring> paths;
+    for (const auto& file : files)
+        paths.push_back(file.path);
+    for (const auto& path : {quickLinkFile, listFile})
+        if (!path.empty())
+            paths.push_back(path);
+    return paths;
+}
+
 restorePlan_t planRestore(const CBackupView& backup)
 {
     restorePlan_t plan;
     plan.folder = personalFolder();
     plan.quickLinkFile = settings_getpath(L"path_quicklink_filename");
-    plan.deleted = deletedByRestore(plan.folder, plan.quickLinkFile);
-    for (const auto& file : backup.files) {
+    std::unordered_map<std::wstring, size_t> places; // of the paths, in plan.files
+    for (size_t i = 0; i < backup.files.size(); ++i) {
+        const auto& file = backup.files[i];
         const std::wstring target = wideFromUtf8(file.target);
-        plan.written.push_back(file.alien || target.empty() ? target : plan.folder + target);
+        if (target.empty())
+            continue;
+        const std::wstring path = file.alien ? target : plan.folder + target;
+        const std::wstring key = fileKey(path);
+        const auto [place, isNew] = places.emplace(key, plan.files.size());
+        if (isNew)
+            plan.files.push_back({path});
+        plannedFile_t& planned = plan.files[place->second];
+        planned.action = !isThere(path)                  ? fileAction_t::add
+                         : fileHolds(path, file.content) ? fileAction_t::same
+                                                         : fileAction_t::change;
+        planned.bytes = file.content.size();
+        planned.source = i;
     }
+    for (const auto& path : deletedByRestore(plan.folder, L""))
+        if (places.emplace(fileKey(path), 0).second)
+            plan.files.push_back(
+                {path, fileAction_t::remove, fileAt(path).value_or(fileState_t()).size});
+    for (const BackupFile* const file : backup.MarkedOutside(namedFolders()))
+        plan.strays.push_back(file->target);
     plan.categories = backup.elementCount >= 3;
     plan.settings = backup.elementCount == 4;
     if (plan.settings && !backup.settings.dontPromptList.empty())
@@ -156,27 +187,46 @@ restorePlan_t planRestore(const CBackupView& backup)
     return plan;
 }
 
-Json::Value jsonOfPlan(const restorePlan_t& plan)
+Json::Value jsonOfFiles(const std::vector<plannedFile_t>& files)
 {
+    Json::Value list(Json::arrayValue);
+    for (const auto& file : files) {
+        Json::Value one(Json::objectValue);
+        one["action"] = actionNames[static_cast<size_t>(file.action)];
+        one["bytes"] = file.bytes;
+        one["path"] = utf8FromWide(file.path);
+        list.append(std::move(one));
+    }
+    return list;
+}
+
+Json::Value jsonOfPlan(const restorePlan_t& plan, const CBackupView& backup)
+{
+    const auto ofFile = [](const std::wstring& path, bool written) {
+        const bool there = isThere(path);
+        Json::Value json(Json::objectValue);
+        json["path"] = utf8FromWide(path);
+        json["action"] = !written ? (there ? "delete" : "none") : (there ? "change" : "add");
+        return json;
+    };
     Json::Value json(Json::objectValue);
-    json["deletes"] = Json::Value(Json::arrayValue);
-    for (const auto& path : plan.deleted)
-        json["deletes"].append(utf8FromWide(path));
-    json["writes"] = Json::Value(Json::arrayValue);
-    for (const auto& path : plan.written)
-        if (!path.empty())
-            json["writes"].append(utf8FromWide(path) + (isThere(path) ? " (is there now)" : ""));
+    json["files"] = jsonOfFiles(plan.files);
+    json["quickLinks"] = ofFile(plan.quickLinkFile, !backup.links.empty());
+    json["quickLinks"]["count"] = backup.links.size();
     if (!plan.listFile.empty())
-        json["writes"].append(utf8FromWide(plan.listFile));
-    json["quickLinkFile"] = utf8FromWide(plan.quickLinkFile);
-    json["replacesCategories"] = plan.categories;
+        json["doNotPromptList"] = ofFile(plan.listFile, true);
+    if (plan.categories) {
+        const auto now = readDashboard().categories;
+        json["categories"]["count"] = backup.categories.size();
+        json["categories"]["now"] = now ? now->size() : 0;
+    }
     json["appliesSettings"] = plan.settings;
     return json;
 }
 
-std::vector<std::string> compareRestored(const CBackupView& backup, const restorePlan_t& plan)
+std::vector<difference_t> compareRestored(const CBackupView& backup, const restorePlan_t& plan)
 {
-    std::vector<std::string> differences;
+    std::vector<difference_t> differences;
     compareFiles(backup, plan, differences);
     if (plan.categories)
         compareCategories(backup, differences);

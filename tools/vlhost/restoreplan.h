@@ -12,22 +12,49 @@
 inline constexpr const wchar_t* restoredSettings[] = {L"show_training_prompt",
                                                       L"open_guard_desk_qa", L"useGrabbingCreds"};
 
-// restorePlan_t is what a restore of one backup does to this user's data.
-struct restorePlan_t {
-    std::wstring folder;               // the personal folder, as the settings name it
-    std::wstring quickLinkFile;        // empty if the settings name none
-    std::vector<std::wstring> deleted; // full paths that are there and go
-    std::vector<std::wstring> written; // full paths that are written, in the order of the backup
-    std::wstring listFile;             // the list of addresses never asked about, if it is written
-    bool categories = false;           // whether the categories are replaced
-    bool settings = false;             // whether the settings are applied
+// fileAction_t is what becomes of a file.
+enum class fileAction_t {
+    add,    // it isn't there
+    change, // it is there with other bytes
+    same,   // it is there with the same bytes; a restore writes it all the same
+    remove,
 };
 
-// planRestore looks at the settings and the folder.
+// plannedFile_t is one file that a restore or its undoing has to do with.
+struct plannedFile_t {
+    std::wstring path; // full
+    fileAction_t action = fileAction_t::remove;
+    uint64_t bytes = 0; // that it will have; of a file that goes, that it has
+    size_t source = 0;  // the place in the list that the bytes come from; not of a file that goes
+};
+Json::Value jsonOfFiles(const std::vector<plannedFile_t>& files);
+
+// difference_t is something that isn't as it should be after the work. UTF-8
+struct difference_t {
+    std::string item; // a path, a name
+    std::string what;
+};
+
+// restorePlan_t is what a restore of one backup does to this user's data.
+struct restorePlan_t {
+    std::wstring folder;              // the personal folder, as the settings name it
+    std::vector<plannedFile_t> files; // templates and data files, each once: written, then removed
+    std::wstring quickLinkFile;       // empty if the settings name none
+    std::wstring listFile;   // the list of addresses never asked about, if it is written; or empty
+    bool categories = false; // whether the categories are replaced
+    bool settings = false;   // whether the settings are applied
+    std::vector<std::string> strays; // marked paths that leave the folders of the settings; UTF-8
+
+    // Touched is every path whose file a restore may delete or replace.
+    std::vector<std::wstring> Touched() const;
+};
+
+// planRestore looks at the settings and the folders. Of several files with one target the last
+// stays, as in a restore.
 //
 // Errors: CToolError without a personal folder
 restorePlan_t planRestore(const CBackupView& backup);
-Json::Value jsonOfPlan(const restorePlan_t& plan);
+Json::Value jsonOfPlan(const restorePlan_t& plan, const CBackupView& backup);
 
 // deletedByRestore lists the files that any restore deletes now, by full path.
 std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
@@ -39,4 +66,4 @@ std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
 std::wstring personalFolder();
 
 // compareRestored looks at what a restore left and lists what isn't as the backup has it.
-std::vector<std::string> compareRestored(const CBackupView& backup, const restorePlan_t& plan);
+std::vector<difference_t> compareRestored(const CBackupView& backup, const restorePlan_t& plan);

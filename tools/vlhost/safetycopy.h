@@ -1,28 +1,87 @@
 #pragma once
 
-#include "pluginhost.h"
-#include "restoreplan.h"
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
-// The safety copy is a folder below the user's local data with all that a restore may delete or
-// replace: the plug-in's own backup where it gives one, and, since a backup does not carry all of
-// them, the files as they are, the categories with their types, and the settings. The secret is not
-// in it. There is one; a new one takes its place once it is complete.
+#include "dashboardstate.h"
+#include "files.h"
 
-// safetyCopyFolder is where it lies.
+// Safety copies are numbered folders below the user's local data. Each holds all that one restore,
+// or one undoing of a restore, was about to delete or replace: the files as they were, the
+// categories with their types, and the settings. The secret is in none.
+//
+// A copy is complete before anything is touched. The newest five stay, and of the older ones those
+// that hold something which is nowhere else.
+
+// copiedFile_t is one file that a copy knows of.
+struct copiedFile_t {
+    std::wstring path;                // full
+    std::optional<std::wstring> copy; // full path of the copy; none for a file that wasn't there
+    fileState_t state;                // of the file then
+};
+
+// copiedSetting_t is one setting.
+struct copiedSetting_t {
+    std::wstring key;
+    std::wstring value;
+};
+
+// safetyCopy_t is one complete copy.
+struct safetyCopy_t {
+    unsigned number = 0;
+    std::string made;             // UTC, as in 2026-11-21T20:15:02Z
+    bool finished = false;        // whether the work that it was made for ran to its end
+    unsigned continues = 0;       // the copy before, if its work wasn't finished then: this one has
+                                  // what that work left; 0 for none
+    std::vector<unsigned> undoes; // the copies that the work puts back; empty for a restore
+    std::string folder;           // the personal folder then
+    std::vector<copiedFile_t> files;
+    dashboardState_t dashboard;
+    std::vector<copiedSetting_t> settings;
+
+    uint64_t Bytes() const; // of all files
+};
+
+// safetyCopiesFolder is where they lie.
 //
 // Errors: CToolError
-std::wstring safetyCopyFolder();
+std::wstring safetyCopiesFolder();
 
-// makeSafetyCopy copies what the plan touches.
+// listSafetyCopies reads the complete ones, the oldest first.
 //
-// Errors: CToolError, with the old copy still in place
-void makeSafetyCopy(const CPluginHost& host, const restorePlan_t& plan);
+// damaged: receives the folders of those that can't be read
+// Errors:  CToolError, std::filesystem::filesystem_error
+std::vector<safetyCopy_t> listSafetyCopies(std::vector<std::wstring>& damaged);
 
-// undoRestore puts the safety copy back: through the plug-in first, so that the agent hears of it,
-// then file by file. What the restore wrote and wasn't there before goes, and so do templates that
-// came since. What it replaces becomes the safety copy, so that a second undo brings it back.
+// CSafetyCopies changes them, and keeps others from doing so as long as it lives. It takes over the
+// one copy of earlier versions, and removes what work that was killed left unfinished.
 //
-// dryRun:  tells what would be put back and removed, and touches nothing
-// Returns: what was put back and removed, for people
-// Errors:  CToolError; the copy stays
-Json::Value undoRestore(const CPluginHost& host, bool dryRun);
+// Errors: CToolError, of every operation
+class CSafetyCopies
+{
+public:
+    CSafetyCopies();
+    CSafetyCopies(const CSafetyCopies&) = delete;
+    CSafetyCopies& operator=(const CSafetyCopies&) = delete;
+
+    // Make copies the files of these paths, the categories and the settings. It is complete and on
+    // the disk when it returns; when it raises, nothing of it stays.
+    //
+    // undoes:  see safetyCopy_t
+    // Returns: the number
+    unsigned Make(const std::vector<std::wstring>& paths, const std::vector<unsigned>& undoes);
+
+    // Finish marks that the work which the copy was made for ran to its end.
+    void Finish(unsigned number);
+
+    // Prune removes copies beyond the newest five that hold nothing of their own, but not pinned.
+    void Prune(unsigned pinned);
+
+private:
+    void TakeOverFormer();
+
+    CFileHandle m_lock;
+    unsigned m_next = 1; // never a number that was there before
+};
