@@ -180,6 +180,52 @@ CFileHandle held(const wchar_t* path)
     return CFileHandle(CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
+TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
+{
+    const std::string good = fileBytes(L"good.vlb");
+    EXPECT_EQ(1u, host(L"backup good.vlb").status); // not without --force
+    const auto [status, bytes, summary] = host(L"backup -");
+    EXPECT_EQ(good, bytes);
+    EXPECT_TRUE(has(summary, "2 templates and 1 data file, equal to the disk; 1 quick link; "
+                             "1 category; settings"))
+        << summary;
+    const std::pair<const char*, std::function<CFileHandle()>> faults[] = {
+        {"bank.vlm", [] { return held(L"own\\bank.vlm"); }},
+        {"links.txt", [] { return held(L"links.txt"); }},
+        {"never.txt", [] { return held(L"never.txt"); }},
+        {"Work", // behind one that is no text
+         [] {
+             setValue(HKEY_CURRENT_USER, categoriesKey, L"Odd", L"odd", REG_DWORD, 4);
+             return CFileHandle();
+         }},
+        {"folder.vlm",
+         [] {
+             fs::create_directory(L"own\\folder.vlm");
+             return CFileHandle();
+         }},
+        {"VloSet.dll",
+         [] {
+             for (const wchar_t* key : binKeys)
+                 setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", L"C:\\none");
+             return CFileHandle();
+         }},
+        {"vlhost trace on",
+         [] {
+             setBin();
+             fs::remove_all(L"own");
+             return CFileHandle();
+         }},
+    };
+    for (const auto& [told, make] : faults) {
+        SCOPED_TRACE(told);
+        const CFileHandle fault = make();
+        const result_t result = host(L"backup good.vlb --force");
+        EXPECT_EQ(1u, result.status);
+        EXPECT_TRUE(has(result.err, told)) << result.err;
+        EXPECT_EQ(good, fileBytes(L"good.vlb"));
+    }
+}
+
 TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
 {
     std::string bytes = fileBytes(L"good.vlb");

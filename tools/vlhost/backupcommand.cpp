@@ -2,37 +2,113 @@
 
 #include <iostream>
 
+#include "backupcheck.h"
+#include "common/backupinput.h"
 #include "common/commandline.h"
 #include "common/outputfile.h"
-#include "takebackup.h"
+#include "common/printable.h"
 #include "print.h"
-#include "secretstore.h"
+#include "takebackup.h"
 
-void addBackupCommand(CLI::App& app, const options_t& options)
+namespace {
+
+struct arguments_t {
+    std::string file;
+    bool force = false;
+};
+
+std::string counted(size_t count, const char* thing, const char* things)
 {
-    CLI::App* const command =
-        app.add_subcommand("backup", "Take a backup of the user's stored logons");
-    struct arguments_t {
-        std::string file;
-        bool force = false;
-    };
-    const auto arguments = std::make_shared<arguments_t>();
-    command->add_option("file", arguments->file, "Where the bytes go")->required();
-    command->add_flag("--force", arguments->force, "Replace the file");
-    command->callback([arguments, &options] {
-        refuseExisting(arguments->file, arguments->force);
-        const CPluginHost host(options.plugin);
-        const backup_t backup = takeBackup(host);
-        COutputFile file(arguments->file, arguments->force, {}, std::cout);
+    return std::to_string(count) + ' ' + (count == 1 ? thing : things);
+}
+
+std::string contentsText(const backupContents_t& contents, const backup_t& backup)
+{
+    std::string text = counted(contents.templates, "template", "templates") + " and " +
+                       counted(contents.dataFiles, "data file", "data files") +
+                       ", equal to the disk; " +
+                       counted(contents.quickLinks, "quick link", "quick links") + "; " +
+                       counted(contents.categories, "category", "categories") + "; settings";
+    for (const auto& name : backup.secretNames)
+        text += "; the secret is not inside: store " + printable(name) + " apart";
+    return text;
+}
+
+Json::Value jsonOf(const backupContents_t& contents, const backup_t& backup)
+{
+    Json::Value json(Json::objectValue);
+    json["bytes"] = backup.bytes.size();
+    json["templates"] = contents.templates;
+    json["dataFiles"] = contents.dataFiles;
+    json["quickLinks"] = contents.quickLinks;
+    json["categories"] = contents.categories;
+    json["secrets"] = Json::Value(Json::arrayValue);
+    for (const auto& name : backup.secretNames)
+        json["secrets"].append(name);
+    return json;
+}
+
+void report(Json::Value& json, const std::string& where, const std::string& what, bool asJson)
+{
+    Json::Value one(Json::objectValue);
+    one["item"] = where;
+    one["what"] = what;
+    json["findings"].append(one);
+    if (!asJson)
+        std::cerr << "vlhost: " << printable(where) << ": " << printable(what) << '\n';
+}
+
+void takeAndCheck(const arguments_t& arguments, const options_t& options)
+{
+    const bool toOutput = arguments.file == "-";
+    if (toOutput && options.json)
+        throw CToolError("standard output can't take the backup and the JSON text",
+                         "name a file, or leave --json out", exitStatus::wrongUsage);
+    refuseExisting(arguments.file, arguments.force);
+    refuseBackupOfNothing();
+    const CPluginHost host(options.plugin);
+    const backup_t backup = takeBackup(host);
+    CBackupView view;
+    decodeBackup(backup.bytes, view);
+    backupContents_t contents;
+    const std::vector<difference_t> differences = compareWithDisk(view, contents);
+    Json::Value json = jsonOf(contents, backup);
+    json["file"] = arguments.file;
+    json["findings"] = Json::Value(Json::arrayValue);
+    for (const auto& finding : view.findings) // the warnings are of what is on the disk as well
+        if (finding.grade == BackupFinding::Grade::error)
+            report(json, finding.where, finding.what, options.json);
+    for (const auto& difference : differences)
+        report(json, difference.item, difference.what, options.json);
+    const bool good = json["findings"].empty();
+    json["written"] = good;
+    if (good) {
+        COutputFile file(arguments.file, arguments.force, {}, std::cout);
         file.Stream().write(reinterpret_cast<const char*>(backup.bytes.data()),
                             static_cast<std::streamsize>(backup.bytes.size()));
         file.Complete();
-        Json::Value json(Json::objectValue);
-        json["file"] = arguments->file;
-        json["bytes"] = backup.bytes.size();
-        json["secrets"] = Json::Value(Json::arrayValue);
-        for (const auto& name : backup.secretNames)
-            json["secrets"].append(name);
-        printResult(json, options.json);
-    });
+    }
+    if (options.json)
+        printResult(json, true);
+    if (!good)
+        throw CToolError("the plug-in gave a backup that is not whole",
+                         "nothing was written to " + arguments.file +
+                             "; mend what is listed, and try again");
+    if (!options.json)
+        (toOutput ? std::cerr : std::cout)
+            << "file: " << printable(arguments.file) << "\nbytes: " << backup.bytes.size()
+            << "\ncontents: " << contentsText(contents, backup) << '\n';
+}
+
+} // namespace
+
+void addBackupCommand(CLI::App& app, const options_t& options)
+{
+    CLI::App* const command = app.add_subcommand(
+        "backup", "Take a backup of the user's stored logons, and compare it with the disk");
+    const auto arguments = std::make_shared<arguments_t>();
+    command->add_option("file", arguments->file, "Where the bytes go; - is standard output")
+        ->required();
+    command->add_flag("--force", arguments->force, "Replace the file");
+    command->callback([arguments, &options] { takeAndCheck(*arguments, options); });
 }
