@@ -6,9 +6,10 @@ SECONDS ?= 60
 
 export CCACHE_DIR ?= $(CURDIR)/build/ccache
 export CCACHE_BASEDIR := $(CURDIR)
+compile = cmake --build --preset $(1) $(if $(2),--target $(2))
+# A user's compiler may know more warnings than ours: only continuous integration stops at them here.
 configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
-    >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
-compile = cmake --build --preset $(1) --parallel 2
+    $(if $(CI),-D VL_WERROR=ON) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 
 .PHONY: build demo test bench fuzz lint coverage package package-test clean
 set-up = @mkdir -p build && scripts/setup.sh
@@ -17,23 +18,29 @@ build:
 	$(set-up) build
 	@$(call configure,release)
 	@$(call configure,native-release)
-	@$(call compile,release)
-	@$(call compile,native-release)
+	@$(call compile,release,vl_product)
+	@$(call compile,native-release,vl_product)
 	@rm -rf build/dist
 	@cmake --install build/release --prefix build/dist --component dist >/dev/null
 	@cmake --install build/native-release --prefix build/dist --component dist >/dev/null
 
 demo: build
+	$(set-up) demo
 	@scripts/base-prefix.sh
 	@scripts/demo.sh
 
 test: build
+	$(set-up) test
+	@$(call configure,release)
+	@$(call compile,release)
 	@$(call configure,native)
 	@$(call compile,native)
 	@scripts/base-prefix.sh
 	@scripts/run_tests.py native release
 
 bench: build
+	$(set-up) bench
+	@$(call compile,release,vl_bench)
 	@scripts/base-prefix.sh
 	@scripts/bench.sh
 
@@ -43,13 +50,13 @@ lint:
 	@scripts/lint.sh
 
 fuzz:
-	$(set-up) build fuzz
+	$(set-up) build test fuzz
 	@$(call configure,fuzz)
 	@$(call compile,fuzz)
 	@scripts/fuzz.sh $(SECONDS)
 
 coverage:
-	$(set-up) build coverage
+	$(set-up) build test coverage
 	@$(call configure,coverage)
 	@$(call compile,coverage)
 	@scripts/base-prefix.sh

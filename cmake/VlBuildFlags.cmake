@@ -3,7 +3,7 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 add_library(vl_build_flags INTERFACE)
 target_include_directories(vl_build_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
 target_compile_options(vl_build_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
+  -Wall -Wextra -Wpedantic $<$<BOOL:${VL_WERROR}>:-Werror> -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
   -Wcast-align -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Wextra-semi
   -Wzero-as-null-pointer-constant -Wundef -fstack-protector-strong)
 target_link_options(vl_build_flags INTERFACE -fstack-protector-strong)

@@ -2,9 +2,14 @@
 include(FetchContent)
 set(vl_third_party ${CMAKE_SOURCE_DIR}/build/third-party)
 
-set(BUILD_GMOCK OFF)
-set(INSTALL_GTEST OFF)
-add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+# Only the tests need GoogleTest: without its package there are none, and the product builds all the same.
+set(vl_googletest /usr/src/googletest)
+if(EXISTS ${vl_googletest}/CMakeLists.txt)
+  set(VL_TESTS ON)
+  set(BUILD_GMOCK OFF)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(${vl_googletest} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+endif()
 
 add_library(vl_cli11 INTERFACE)
 target_include_directories(vl_cli11 SYSTEM INTERFACE ${vl_third_party}/include)

@@ -11,7 +11,7 @@ git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run -Werror || status=1
 cmake --build build/release --target vl_product_picture >/dev/null || exit 1
 include=$(x86_64-w64-mingw32-g++-posix -print-file-name=include)
 git ls-files 'src/*.cpp' 'tools/*.cpp' 'standins/*.cpp' 'examples/*.cpp' |
-    xargs -P 2 -n 4 clang-tidy-14 -p build/release --quiet --warnings-as-errors='*' \
+    xargs -P "$(nproc)" -n 4 clang-tidy-14 -p build/release --quiet --warnings-as-errors='*' \
         --extra-arg=--target=x86_64-w64-mingw32 --extra-arg="-isystem$include/c++" \
         --extra-arg="-isystem$include/c++/x86_64-w64-mingw32" --extra-arg=-Wno-unknown-warning-option \
         --extra-arg=-Wno-unused-command-line-argument >build/clang-tidy.log 2>&1 || {

@@ -4,6 +4,7 @@
 The last line is "N passed, N failed". A program that crashes, hangs or leaves no result counts as one failure.
 Exit status: 0 only if nothing failed and something passed.
 """
+import os
 import re
 import subprocess
 import sys
@@ -26,7 +27,7 @@ def run(preset):
     for old in results.glob("*.xml"):
         old.unlink()
     subprocess.run(["ctest", "--preset", preset, "--output-on-failure", "--output-junit", results / "ctest.junit"],
-                   cwd=ROOT, check=False)
+                   cwd=ROOT, check=False, env=os.environ | {"CTEST_PARALLEL_LEVEL": str(os.cpu_count())})
     outcome = {case.get("name"): case.get("status")
                for case in ET.parse(results / "ctest.junit").iter("testcase")}
     passed = failed = 0
