@@ -4,6 +4,10 @@ set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 base="$root/build/wine/base"
 [ -f "$base/.ready" ] && exit 0
+mkdir -p "$root/build/wine"
+exec 9>"$root/build/wine/base.lock" # two test programs may come here at once
+flock 9
+[ -f "$base/.ready" ] && exit 0
 echo "wine: making the base prefix"
 rm -rf "$base"
 mkdir -p "$base" "$root/build/wine/home"
