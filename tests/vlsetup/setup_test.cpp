@@ -10,7 +10,7 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "support/files.h"
-#include "support/patchimport.h"
+#include "support/importhooks.h"
 #include "support/registry.h"
 
 namespace fs = std::filesystem;
@@ -113,44 +113,14 @@ protected:
     const installation_t m_replacing{medium, root, L"remove.exe", standIns_t::all, true};
 };
 
-int countdown; // calls until one fails; negative when it did
-bool failsNow()
+std::string refusal(const installation_t& asked)
 {
-    return countdown-- == 0;
-}
-
-// failing_t makes one call of a function fail.
-struct failing_t {
-    const char* name;
-    void* replacement;
-    void** original;
-};
-template <auto Function, auto Failure> struct failingCall;
-template <class R, class... A, R(WINAPI* Function)(A...), auto Failure>
-struct failingCall<Function, Failure> {
-    inline static void* original;
-    static R WINAPI call(A... arguments)
-    {
-        if (!failsNow())
-            return reinterpret_cast<R(WINAPI*)(A...)>(original)(arguments...);
-        SetLastError(ERROR_WRITE_PROTECT);
-        return static_cast<R>(Failure);
+    try {
+        install(asked);
+    } catch (const CToolError& error) {
+        return error.what();
     }
-};
-#define FAILING(function, failure)                                                                 \
-    failing_t                                                                                      \
-    {                                                                                              \
-#function, reinterpret_cast < void*>(failingCall <&function, failure>::call),              \
-            &failingCall < &function, failure> ::original                                          \
-    }
-
-// failCall runs an action with the n-th call of a function failing.
-void failCall(const failing_t& failing, int n, const std::function<void()>& action)
-{
-    countdown = n;
-    const importPatch_t patch(GetModuleHandleW(nullptr), failing.name, failing.replacement);
-    *failing.original = patch.original();
-    action();
+    return "installed";
 }
 
 } // namespace
@@ -251,80 +221,62 @@ TEST_F(setupTest, RefusesBeforeTheFirstChange)
         SetUp();
         c.prepare();
         const state_t before = state();
-        try {
-            install({c.from, c.to, {}, standIns_t::missing, false});
-            ADD_FAILURE() << "installed";
-        } catch (const CToolError& error) {
-            EXPECT_NE(std::string(error.what()).find(c.says), std::string::npos) << error.what();
-        }
+        const std::string said = refusal({c.from, c.to, {}, standIns_t::missing, false});
+        EXPECT_NE(said.find(c.says), std::string::npos) << said;
         EXPECT_EQ(difference(before, state()), "");
     }
     EXPECT_THROW(uninstall(root / L"nothing"), CToolError);
     const importPatch_t noRights(
         "RegOpenKeyExW", +[] { return ERROR_ACCESS_DENIED; });
-    EXPECT_THROW(
-        try { install(m_asked); } catch (const CToolError& error) {
-            EXPECT_NE(std::string(error.what()).find("administrator"), std::string::npos);
-            throw;
-        },
-        CToolError);
+    EXPECT_NE(refusal(m_asked).find("administrator"), std::string::npos);
 }
 
 TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
 {
-    const failing_t ofInstall[] = {FAILING(CreateDirectoryW, FALSE),
-                                   FAILING(CopyFileW, FALSE),
-                                   FAILING(MoveFileExW, FALSE),
-                                   FAILING(RegCreateKeyExW, ERROR_WRITE_PROTECT),
-                                   FAILING(RegSetValueExW, ERROR_WRITE_PROTECT),
-                                   FAILING(LoadLibraryExW, nullptr)};
-    for (const failing_t& failing : ofInstall) {
+    static int left; // calls until one fails; negative when it did
+    static const char* function;
+    constexpr ULONGLONG noMemory = ERROR_NOT_ENOUGH_MEMORY;
+    const std::vector<hookedFunction_t> ofInstall = {
+        {"CopyFileW"},   {"CreateDirectoryW"},          {"LoadLibraryExW"},
+        {"MoveFileExW"}, {"RegCreateKeyExW", noMemory}, {"RegSetValueExW", noMemory}};
+    const std::vector<hookedFunction_t> ofRemoval = {{"DeleteFileW"},
+                                                     {"LoadLibraryExW"},
+                                                     {"MoveFileExW"},
+                                                     {"RegDeleteKeyW", noMemory},
+                                                     {"RegDeleteValueW", noMemory},
+                                                     {"RegSetValueExW", noMemory},
+                                                     {"RemoveDirectoryW"}};
+    for (const bool removal : {false, true}) {
         bool failed = true;
         for (int n = 0; failed && !HasFailure(); ++n) {
-            SCOPED_TRACE(std::string(failing.name) + ' ' + std::to_string(n));
+            SCOPED_TRACE(n);
             SetUp();
             foreign();
             const state_t before = state();
-            failed = false;
-            failCall(failing, n, [&] {
-                try {
+            if (removal)
+                install(m_replacing);
+            left = n, failed = false;
+            try {
+                const importHooks_t hooks(
+                    GetModuleHandleW(nullptr), removal ? ofRemoval : ofInstall,
+                    +[](const hookedCall_t& call) {
+                        if (left == 0)
+                            function = call.function;
+                        return left-- == 0;
+                    });
+                if (removal)
+                    failed = !uninstall(root).complete;
+                else
                     install(m_replacing);
-                } catch (const CToolError& error) {
-                    failed = true;
-                    EXPECT_NE(std::string(error.what()).find("as it was"), std::string::npos)
-                        << error.what();
-                }
-            });
-            EXPECT_EQ(failed, countdown < 0);
-            EXPECT_TRUE(!failed || difference(before, state()).empty())
-                << difference(before, state());
-        }
-    }
-}
-
-TEST_F(setupTest, ARemovalThatFailsCanBeRunAgain)
-{
-    const failing_t ofRemoval[] = {FAILING(DeleteFileW, FALSE),
-                                   FAILING(MoveFileExW, FALSE),
-                                   FAILING(RemoveDirectoryW, FALSE),
-                                   FAILING(RegDeleteValueW, ERROR_WRITE_PROTECT),
-                                   FAILING(RegDeleteKeyW, ERROR_WRITE_PROTECT),
-                                   FAILING(RegSetValueExW, ERROR_WRITE_PROTECT),
-                                   FAILING(LoadLibraryExW, nullptr)};
-    for (const failing_t& failing : ofRemoval) {
-        bool complete = false;
-        for (int n = 0; !complete && !HasFailure(); ++n) {
-            SCOPED_TRACE(std::string(failing.name) + ' ' + std::to_string(n));
-            SetUp();
-            foreign();
-            const state_t before = state();
-            install(m_replacing);
-            failCall(failing, n, [&] { complete = uninstall(root).complete; });
-            EXPECT_EQ(complete, countdown >= 0);
-            if (!complete && fs::exists(bin / L"VLOnlineIDs.installed.json")) {
-                EXPECT_TRUE(uninstall(root).complete);
+            } catch (const CToolError& error) {
+                failed = true;
+                EXPECT_NE(std::string(error.what()).find("as it was"), std::string::npos)
+                    << error.what();
             }
-            EXPECT_EQ(difference(before, state()), "");
+            EXPECT_EQ(failed, left < 0) << function;
+            const bool again = removal && fs::exists(bin / L"VLOnlineIDs.installed.json");
+            EXPECT_TRUE(!again || uninstall(root).complete) << function;
+            EXPECT_EQ(removal || failed ? difference(before, state()) : "", "") << function;
         }
     }
 }
