@@ -1,11 +1,11 @@
 #include "commands.h"
 #include "backup/blob/backupview.h"
 #include "support/backupbytes.h"
+#include "support/toolrun.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -35,17 +35,9 @@ bytes with(size_t position, const bytes& element)
     return seq(changed);
 }
 
-struct run {
-    int status;
-    std::string out, err;
-};
-
-run vlbackup(std::vector<std::string> arguments, const bytes& input)
+toolRun_t vlbackup(std::vector<std::string> arguments, const bytes& input)
 {
-    std::istringstream in(std::string(input.begin(), input.end()));
-    std::ostringstream out, err;
-    const int status = runVlbackup(std::move(arguments), in, out, err);
-    return {status, out.str(), err.str()};
+    return runTool(runVlbackup, std::move(arguments), input);
 }
 
 TEST(Vlbackup, CommandsAnswerWithStatusAndText)
@@ -77,12 +69,11 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
          with(0, seq({})),
          0,
          "sound, with warnings (errors 0, warnings 1, notes 0)"},
-        {{"verify", "-", "--json"}, {}, 1, "\"verdict\": \"error\""},
         {{"diff", "-", "-"}, {}, 2, "both"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
-        const run result = vlbackup(c.arguments, c.input);
+        const toolRun_t result = vlbackup(c.arguments, c.input);
         EXPECT_EQ(result.status, c.status);
         EXPECT_NE((result.out + result.err).find(c.part), std::string::npos)
             << result.out << result.err;
@@ -164,7 +155,7 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.verdict) + ' ' + c.finding);
-        const run text = vlbackup({"verify", "-"}, c.backup);
+        const toolRun_t text = vlbackup({"verify", "-"}, c.backup);
         EXPECT_NE((text.out + text.err).find(c.finding), std::string::npos) << text.out << text.err;
         EXPECT_EQ(text.status, c.verdict == std::string("error") ? 1 : 0) << text.out;
         EXPECT_EQ(vlbackup({"verify", "-", "--strict"}, c.backup).status,
@@ -215,10 +206,10 @@ TEST(Diff, NamesEachDifference)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.out);
-        const run plain = vlbackup({"diff", path.string(), "-"}, c.second);
+        const toolRun_t plain = vlbackup({"diff", path.string(), "-"}, c.second);
         EXPECT_EQ(plain.status, 1);
         EXPECT_EQ(plain.out, c.out);
-        const run restored = vlbackup({"diff", path.string(), "-", "--restored"}, c.second);
+        const toolRun_t restored = vlbackup({"diff", path.string(), "-", "--restored"}, c.second);
         EXPECT_EQ(restored.status, c.reason ? 0 : 1);
         EXPECT_EQ(restored.out.ends_with("equal except for that\n"), c.reason);
     }

@@ -3,12 +3,12 @@
 #include <fstream>
 #include <functional>
 #include <random>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "common/printable.h"
 #include "support/backupbytes.h"
+#include "support/toolrun.h"
 #include "vlbackup/commands.h"
 #include "vltrace/commands.h"
 #include "tracebytes.h"
@@ -17,21 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct result_t {
-    int status;
-    std::string out, err;
-};
-
 using tool_t =
     std::function<int(std::vector<std::string>, std::istream&, std::ostream&, std::ostream&)>;
-
-result_t run(const tool_t& tool, std::vector<std::string> arguments, const std::string& input = {})
-{
-    std::istringstream in(input);
-    std::ostringstream out, err;
-    const int status = tool(std::move(arguments), in, out, err);
-    return {status, out.str(), err.str()};
-}
 
 int vltrace(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
             std::ostream& err)
@@ -39,7 +26,7 @@ int vltrace(std::vector<std::string> arguments, std::istream& in, std::ostream& 
     return vltrace::runVltrace(std::move(arguments), in, out, err, [] { return false; });
 }
 
-void expectOneLine(const result_t& result, int status, const std::string& part)
+void expectOneLine(const toolRun_t& result, int status, const std::string& part)
 {
     EXPECT_EQ(result.status, status);
     EXPECT_EQ(result.out, "");
@@ -109,8 +96,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
                 SCOPED_TRACE(tool.name + (' ' + command[0]) + ' ' + reason);
                 auto arguments = command;
                 std::ranges::replace(arguments, "*", name(file));
-                const result_t result =
-                    run(tool.tool, arguments, std::string(backup.begin(), backup.end()));
+                const toolRun_t result = runTool(tool.tool, arguments, backup);
                 // A table of nothing is a table still.
                 expectOneLine({result.status, command[0] == "stats" ? "" : result.out, result.err},
                               1, reason);
@@ -118,12 +104,13 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
             SCOPED_TRACE(tool.name + (' ' + command[0]));
             auto wrong = command;
             wrong.emplace_back("--w\xFFrong\x1B");
-            expectOneLine(run(tool.tool, wrong), 2, "\\xFF");
+            expectOneLine(runTool(tool.tool, wrong, backup), 2, "\\xFF");
         }
-        expectOneLine(run(tool.tool, {}), 2, "--help");
-        expectOneLine(run(tool.tool, {"what\n"}), 2, "what\\n");
+        expectOneLine(runTool(tool.tool, {}, backup), 2, "--help");
+        expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");
     }
-    const result_t damaged = run(vltrace, {"stats", name(write("cut.trc3", cut(trace)))});
+    const toolRun_t damaged =
+        runTool(vltrace, {"stats", name(write("cut.trc3", cut(trace)))}, backup);
     EXPECT_EQ(damaged.status, 0);
     EXPECT_NE(damaged.err.find("is cut at byte " + std::to_string(sampleTrace().starts.back())),
               std::string::npos)

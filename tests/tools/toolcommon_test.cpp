@@ -1,18 +1,9 @@
-#include <random>
-#include <sstream>
-
 #include <gtest/gtest.h>
 
-#include "common/commandline.h"
-#include "common/filesystem.h"
-#include "common/inputfile.h"
 #include "common/jsontext.h"
-#include "common/outputfile.h"
 #include "common/printable.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(Printable, NothingSteersATerminal)
 {
@@ -36,67 +27,6 @@ TEST(Printable, NothingSteersATerminal)
     }
     EXPECT_EQ(printable("a\r\nb"), "a\\r\\nb");
     EXPECT_EQ(printableLines("a\r\nb\n\x1B\r"), "a\nb\n\\x1B\\r");
-}
-
-class OutputFile : public testing::Test
-{
-protected:
-    OutputFile() { fs::create_directories(m_folder); }
-    ~OutputFile() override { fs::remove_all(m_folder); }
-    std::string Name(const std::string& file) const
-    {
-        const auto path = (m_folder / fs::path(std::u8string(file.begin(), file.end()))).u8string();
-        return {path.begin(), path.end()};
-    }
-    std::string Content(const std::string& name)
-    {
-        const auto bytes = readInput(name, m_none);
-        return {bytes.begin(), bytes.end()};
-    }
-    // Writes as a command does that fails in the middle, or not.
-    std::string Write(const std::string& name, bool replace, bool fail,
-                      const std::vector<std::string>& inputs = {})
-    {
-        try {
-            COutputFile file(name, replace, inputs, m_standard);
-            file.Stream() << "new";
-            if (!fail)
-                file.Complete();
-        } catch (const CToolError& error) {
-            return error.what();
-        }
-        return {};
-    }
-
-    std::istringstream m_none;
-    std::ostringstream m_standard;
-    const fs::path m_folder =
-        fs::temp_directory_path() / ("output-" + std::to_string(std::random_device()()));
-};
-
-TEST_F(OutputFile, IsTheNewOneWholeOrTheOldOneAndLeavesNothingBeside)
-{
-    const std::string names[] = {Name("plain"), Name("Größe-日"), Name(std::string(240, 'x'))};
-    for (const std::string& name : names) {
-        SCOPED_TRACE(name);
-        Write(name, false, true);
-        EXPECT_TRUE(fs::is_empty(m_folder));
-        EXPECT_EQ(Write(name, false, false), "");
-        EXPECT_EQ(Content(name), "new");
-        std::ofstream(pathOf(name)) << "old";
-        EXPECT_NE(Write(name, false, false).find("exists already"), std::string::npos);
-        EXPECT_NE(Write(name, true, false, {name}).find("is what is read"), std::string::npos);
-        Write(name, true, true);
-        EXPECT_EQ(Content(name), "old");
-        EXPECT_EQ(Write(name, true, false), "");
-        EXPECT_EQ(Content(name), "new");
-        EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 1);
-        fs::remove(pathOf(name));
-    }
-    EXPECT_NE(Write(Name(""), true, false).find("is a folder"), std::string::npos);
-    EXPECT_NE(Write(Name("none/x"), true, false).find("folder does not exist"), std::string::npos);
-    EXPECT_EQ(Write("-", false, false), "");
-    EXPECT_EQ(m_standard.str(), "new");
 }
 
 } // namespace

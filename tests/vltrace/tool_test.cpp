@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "exports.h"
+#include "support/toolrun.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -16,22 +17,9 @@ using namespace vltrace;
 
 namespace {
 
-std::filesystem::path pathFrom(const std::string& name)
+toolRun_t run(std::vector<std::string> arguments, const std::vector<uint8_t>& input = {})
 {
-    return {std::u8string(name.begin(), name.end())};
-}
-
-struct result_t {
-    int status;
-    std::string out, err;
-};
-
-result_t run(std::vector<std::string> arguments, const std::vector<uint8_t>& input = {})
-{
-    std::istringstream in(std::string(input.begin(), input.end()));
-    std::ostringstream out, err;
-    const int status = runVltrace(std::move(arguments), in, out, err, [] { return false; });
-    return {status, out.str(), err.str()};
+    return runTool(runVltrace, std::move(arguments), input, [] { return false; });
 }
 
 Json::Value parsed(const std::string& text)
@@ -54,12 +42,12 @@ protected:
 
     std::string name(const std::string& file) const
     {
-        const auto path = (m_folder / pathFrom(file)).u8string();
+        const auto path = (m_folder / file).u8string();
         return {path.begin(), path.end()};
     }
     void write(const std::string& file, const traceBytes_t& trace) const
     {
-        std::ofstream(m_folder / pathFrom(file), std::ios::binary | std::ios::app)
+        std::ofstream(m_folder / file, std::ios::binary | std::ios::app)
             << std::string(trace.bytes.begin(), trace.bytes.end());
     }
 
@@ -67,7 +55,7 @@ protected:
     // thread's time goes forward, and each B has its E, of the same name.
     std::string goodChrome(const std::vector<uint8_t>& bytes) const
     {
-        std::filesystem::remove(m_folder / pathFrom(sample));
+        std::filesystem::remove(m_folder / sample);
         write(sample, traceBytes_t({bytes.begin(), bytes.end()}));
         std::map<unsigned, std::vector<std::string>> open;
         std::map<unsigned, int64_t> last;
@@ -101,14 +89,14 @@ protected:
     const std::string sample = "host.x64.vlonlineids.dll~~07.14.17_at_15.59.04.123~~1.4242.trc3";
     const std::filesystem::path m_folder =
         std::filesystem::temp_directory_path() /
-        pathFrom("vltrace-Größe-日-" + std::to_string(std::random_device()()));
+        (std::filesystem::path(u8"vltrace-Größe-日-") += std::to_string(std::random_device()()));
 };
 
 TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
 {
     const auto linesOf = [this](std::vector<std::string> options) {
         options.insert(options.begin(), {"cat", name(sample)});
-        const result_t result = run(std::move(options));
+        const toolRun_t result = run(std::move(options));
         EXPECT_EQ(std::to_string(result.status) + result.err, "0");
         return result.out.substr(result.out.find("2017-"));
     };
@@ -164,29 +152,37 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
 
 TEST_F(VltraceTool, OutputIsWholeOrUntouched)
 {
-    const std::string target = name("old.txt"), none = name("none.trc3");
-    write("old.txt", traceBytes_t("old"));
-    const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
-        {{"cat", "--output", target, name(sample)}, 1, "--force"},
-        {{"cat", "--force", "--output", name(sample), name(sample)}, 1, "is what is read"},
-        {{"cat", "--force", "--output", target, none}, 1, "does not exist"},
-        {{"stats", "--force", "--output", target, name(sample), none}, 1, "is not written"},
-        {{"cat", "--force", "--from", "2017-02-30", "--output", target, name(sample)},
-         2,
-         "no time"},
-        {{"tail", "-f", "--force", "--output", target, name(sample)}, 2, "redirect"},
-    };
-    const auto before = fileBytes(m_folder / pathFrom(sample));
-    for (const auto& [arguments, status, hint] : cases) {
-        SCOPED_TRACE(testing::PrintToString(arguments));
-        const result_t result = run(arguments);
-        EXPECT_EQ(result.status, status);
-        EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
-        EXPECT_EQ(fileBytes(m_folder / "old.txt"), "old");
+    const std::string in = name(sample), none = name("none.trc3");
+    const auto before = fileBytes(m_folder / sample);
+    for (const std::string& file : {std::string("old.txt"), std::string(240, 'x')}) {
+        const std::string target = name(file);
+        const auto written = [&] { return fileBytes(m_folder / file); };
+        const std::tuple<std::vector<std::string>, int, const char*> cases[] = {
+            {{"stats", "--output", target, in, none}, 1, "is not written"}, // there is none yet
+            {{"stats", "--output", target, in}, 0, ""},
+            {{"cat", "--output", target, in}, 1, "--force"},
+            {{"cat", "--force", "--output", in, in}, 1, "is what is read"},
+            {{"cat", "--force", "--output", name(""), in}, 1, "is a folder"},
+            {{"cat", "--output", name("none/x"), in}, 1, "folder does not exist"},
+            {{"cat", "--force", "--output", target, none}, 1, "does not exist"},
+            {{"stats", "--force", "--output", target, in, none}, 1, "is not written"},
+            {{"cat", "--force", "--from", "2017-02-30", "--output", target, in}, 2, "no time"},
+            {{"tail", "-f", "--force", "--output", target, in}, 2, "redirect"},
+        };
+        for (const auto& [arguments, status, hint] : cases) {
+            SCOPED_TRACE(testing::PrintToString(arguments));
+            const toolRun_t result = run(arguments);
+            EXPECT_EQ(result.status, status);
+            EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
+            const bool made = &arguments != &std::get<0>(cases[0]);
+            EXPECT_EQ(written(), made ? run({"stats", in}).out : "");
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder), {}), 1 + made);
+        }
+        EXPECT_EQ(run({"cat", "--force", "--output", target, in}).status, 0);
+        EXPECT_EQ(written(), run({"cat", "--output", "-", in}).out);
+        std::filesystem::remove(m_folder / file);
     }
-    EXPECT_EQ(fileBytes(m_folder / pathFrom(sample)), before);
-    EXPECT_EQ(run({"cat", "--force", "--output", target, name(sample)}).status, 0);
-    EXPECT_EQ(fileBytes(m_folder / "old.txt"), run({"cat", name(sample)}).out);
+    EXPECT_EQ(fileBytes(m_folder / sample), before);
     // On standard output one that can't be read doesn't keep the next one back.
     EXPECT_EQ(run({"cat", none, "-"}, sampleTrace().bytes).out,
               run({"cat", "-"}, sampleTrace().bytes).out);
@@ -199,7 +195,7 @@ TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
     int looks = 0;
     runVltrace({"tail", "-n1", "-f", name(sample)}, in, out, err, [&] {
         if (looks == 1)
-            std::filesystem::remove(m_folder / pathFrom(sample));
+            std::filesystem::remove(m_folder / sample);
         write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
                           .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
         return ++looks < 4;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct toolRun_t {
+    int status;
+    std::string out, err;
+};
+
+// runTool runs the main function of a tool on streams in memory: runTool(runVlbackup, {"ls", "-"},
+// backup). More are the arguments that the function takes behind its streams.
+template <class Tool, class... More>
+toolRun_t runTool(Tool tool, std::vector<std::string> arguments, const auto& input, More... more)
+{
+    std::istringstream in(std::string(input.begin(), input.end()));
+    std::ostringstream out, err;
+    const int status = tool(std::move(arguments), in, out, err, more...);
+    return {status, out.str(), err.str()};
+}
