@@ -1,7 +1,7 @@
 #include "resources/strings.h"
 #include "resources/resourceids.h"
 #include "installation.h"
-#include "tracecore/tracer.h"
+#include "support/importhooks.h"
 
 namespace {
 
@@ -46,23 +46,21 @@ TEST(ResourceString, IsReadFromItsBlock)
 
 TEST(ResourceString, ThatHasNoBlockIsThePlatformsToFindAndToCut)
 {
-    static std::wstring asked;
+    static std::string asked;
     asked.clear();
-    const importPatch_t byLanguage(
-        "FindResourceExW", +[](HMODULE, LPCWSTR type, LPCWSTR name, WORD language) -> HRSRC {
-            asked += tracecore::formatWide(L"%d %d %d, ", type, name, language);
-            return nullptr;
-        });
-    const importPatch_t byName(
-        "FindResourceW", +[](HMODULE, LPCWSTR name, LPCWSTR type) -> HRSRC {
-            asked += tracecore::formatWide(L"%d %d", type, name);
-            return nullptr;
+    const importHooks_t search(
+        GetModuleHandleW(nullptr), {{"FindResourceExW"}, {"FindResourceW"}},
+        +[](const hookedCall_t& call) {
+            const bool byName = call.function == std::string_view("FindResourceW");
+            asked += call.shown(byName ? "-nn" : "-nnn") + ", ";
+            return true;
         });
     const uiLanguages_t languages(0x0807);
     std::wstring text;
     EXPECT_EQ(LoadStringFromModule(stringFile({std::wstring(300, L'x')}).get(), 1024, text), 259);
     EXPECT_EQ(text, std::wstring(259, L'x'));
-    EXPECT_EQ(asked, L"6 65 0, 6 65 7, 65 6"); // the last with its arguments reversed
+    EXPECT_EQ(asked, "FindResourceExW 6 41 0, FindResourceExW 6 41 7, " // the last reversed
+                     "FindResourceW 6 41, ");
 }
 
 TEST(ProductName, TakesThePlaceOfEveryMarker)

@@ -2,6 +2,9 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <sstream>
+
+#include "common/text.h"
 
 namespace {
 
@@ -56,6 +59,27 @@ void writeCode(stub_t& stub)
 }
 
 } // namespace
+
+std::string hookedCall_t::shown(std::string_view kinds) const
+{
+    std::ostringstream line;
+    line << function << std::hex;
+    for (size_t i = 0; i < kinds.size(); ++i) {
+        const auto number = static_cast<uint32_t>(argument(i));
+        if (kinds[i] == 't')
+            line << ' ' << (argument(i) ? utf8FromWide(text(i)) : "-");
+        else if (kinds[i] == 'k')
+            line << (number == 0x80000001 ? " HKCU" : number == 0x80000002 ? " HKLM" : " key");
+        else if (kinds[i] == 's' && argument(i))
+            line << " inherit:"
+                 << reinterpret_cast<const SECURITY_ATTRIBUTES*>(argument(i))->bInheritHandle;
+        else if (kinds[i] == 'n')
+            line << ' ' << number;
+        else if (kinds[i] == 'p' && argument(i))
+            line << " pointer";
+    }
+    return line.str();
+}
 
 importHooks_t::importHooks_t(HMODULE module, const std::vector<hookedFunction_t>& functions,
                              see_t see)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include <windows.h>
@@ -18,6 +20,11 @@ struct hookedCall_t {
         const auto given = reinterpret_cast<const wchar_t*>(argument(index));
         return given ? given : L"";
     }
+
+    // shown gives the function and its arguments by their kinds, each a letter: t a text, k a key of
+    // the registry, s whether handles are inherited by the security attributes, n a number of 32
+    // bits, p a pointer that isn't null; a dash is none of them.
+    std::string shown(std::string_view kinds) const;
 };
 
 // hookedFunction_t is a function and how it fails: what it returns, and the last error then.

@@ -13,8 +13,7 @@ namespace {
 
 using Calls = installedTest;
 
-// The arguments that are shown: t a text, k a key of the registry, s whether handles are inherited by
-// the security attributes, n a number of 32 bits; a dash is none of them.
+// The arguments that are shown, by their kinds.
 const std::map<std::string, const char*> shown = {
     {"CreateDirectoryW", "ts"},
     {"CreateFileMappingW", "-snnnt"},
@@ -128,22 +127,7 @@ std::vector<std::string> seen;
 
 bool note(const hookedCall_t& call)
 {
-    std::ostringstream line;
-    line << call.function << std::hex;
-    const std::string kinds = shown.at(call.function);
-    for (size_t i = 0; i < kinds.size(); ++i) {
-        const auto number = static_cast<uint32_t>(call.argument(i));
-        if (kinds[i] == 't')
-            line << ' ' << (call.argument(i) ? utf8FromWide(call.text(i)) : "-");
-        else if (kinds[i] == 'k')
-            line << (number == 0x80000001 ? " HKCU" : number == 0x80000002 ? " HKLM" : " key");
-        else if (kinds[i] == 's' && call.argument(i))
-            line << " inherit:"
-                 << reinterpret_cast<const SECURITY_ATTRIBUTES*>(call.argument(i))->bInheritHandle;
-        else if (kinds[i] == 'n')
-            line << ' ' << number;
-    }
-    seen.push_back(line.str());
+    seen.push_back(call.shown(shown.at(call.function)));
     return std::string_view("ShellExecuteW") == call.function; // opens nothing
 }
 

@@ -1,8 +1,28 @@
 #include "tracefixture.h"
 
+#include "support/importhooks.h"
+
 using namespace tracecore;
 
-using LineSink = tracingFixture;
+class LineSink : public tracingFixture
+{
+protected:
+    // What the console shows in a row, the colour of its end, and the size of its buffer.
+    static std::tuple<std::wstring, WORD, int> shownIn(SHORT row)
+    {
+        std::wstring text(240, L'\0');
+        WORD colours[240] = {};
+        DWORD got = 0;
+        const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
+                                             OPEN_EXISTING, 0, nullptr));
+        ReadConsoleOutputCharacterW(screen.get(), text.data(), 240, {0, row}, &got);
+        ReadConsoleOutputAttribute(screen.get(), colours, 240, {0, row}, &got);
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        GetConsoleScreenBufferInfo(screen.get(), &info);
+        text.erase(text.find_last_not_of(L' ') + 1);
+        return {text, colours[text.size() - 1], info.dwSize.X * info.dwSize.Y};
+    }
+};
 
 const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThreadId());
 
@@ -35,20 +55,7 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
     };
     for (SHORT row = 0; const auto& [message, line, colour] : cases) {
         console->write(static_cast<char>(*message), message + 1, "f");
-        const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
-                                             OPEN_EXISTING, 0, nullptr));
-        std::wstring shown(240, L'\0');
-        WORD colours[240] = {};
-        DWORD got = 0;
-        ReadConsoleOutputCharacterW(screen.get(), shown.data(), 240, {0, row}, &got);
-        ReadConsoleOutputAttribute(screen.get(), colours, 240, {0, row}, &got);
-        shown.erase(shown.find_last_not_of(L' ') + 1);
-        EXPECT_EQ(shown, prefix + line);
-        EXPECT_EQ(colours[shown.size() - 1], colour);
-        CONSOLE_SCREEN_BUFFER_INFO info{};
-        GetConsoleScreenBufferInfo(screen.get(), &info);
-        EXPECT_EQ(info.dwSize.X * info.dwSize.Y, 240 * 2048);
-        ++row;
+        EXPECT_EQ(shownIn(row++), std::tuple(prefix + line, colour, 240 * 2048));
     }
     ASSERT_NE(handler, nullptr);
     std::wstring expected, beeps; // more of them each time
@@ -67,38 +74,25 @@ TEST_F(LineSink, PresentConsoleStaysAsItIs)
 {
     FreeConsole();
     AllocConsole();
-    static int calls;
-    calls = 0;
-    const importPatch_t alloc{"AllocConsole", +[] { return ++calls; }};
-    const importPatch_t size{"SetConsoleScreenBufferSize", +[] { return ++calls; }};
-    const importPatch_t window{"SetConsoleWindowInfo", +[] { return ++calls; }};
-    const importPatch_t title{"SetConsoleTitleW", +[] { return ++calls; }};
-    static BOOL added;
-    added = FALSE;
-    const importPatch_t control{"SetConsoleCtrlHandler",
-                                +[](PHANDLER_ROUTINE, BOOL add) { added |= add; }};
-    static std::wstring asked;
+    static std::string calls;
+    calls.clear();
     std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
     {
-        const importPatch_t file{"CreateFileW",
-                                 +[](const wchar_t* name, DWORD access, DWORD share,
-                                     SECURITY_ATTRIBUTES*, DWORD how, DWORD, HANDLE) {
-                                     asked = formatWide(L"%s %x %d %d", name, access, share, how);
-                                     return CreateFile2(name, access, share, how, nullptr);
-                                 }};
+        const std::vector<hookedFunction_t> functions = {
+            {"AllocConsole"},          {"CreateFileW"},
+            {"SetConsoleCtrlHandler"}, {"SetConsoleScreenBufferSize"},
+            {"SetConsoleTitleW"},      {"SetConsoleWindowInfo"}};
+        const importHooks_t hooks(
+            GetModuleHandleW(nullptr), functions, +[](const hookedCall_t& call) {
+                const bool file = call.function == std::string_view("CreateFileW");
+                calls += call.shown(file ? "tnn-n" : "-n") + "; ";
+                return false;
+            });
         console->write('T', L"12:00:00.000", "f");
         console->write('U', L"text", "f");
     }
-    EXPECT_EQ(asked, L"CONOUT$ 40000000 2 3");
-    EXPECT_EQ(calls, 0);
-    EXPECT_FALSE(added);
-    const CFileHandle screen(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, 3, nullptr,
-                                         OPEN_EXISTING, 0, nullptr));
-    std::wstring shown((prefix + L"text").size(), L'\0');
-    DWORD got = 0;
-    ReadConsoleOutputCharacterW(screen.get(), shown.data(), static_cast<DWORD>(shown.size()),
-                                {0, 0}, &got);
-    EXPECT_EQ(shown, prefix + L"text");
+    EXPECT_EQ(calls, "CreateFileW CONOUT$ 40000000 2 3; ");
+    EXPECT_EQ(std::get<0>(shownIn(0)), prefix + L"text");
 }
 
 TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)

@@ -2,6 +2,7 @@
 
 #include "common/module.h"
 #include "common/text.h"
+#include "support/importhooks.h"
 #include "tracecore/tracefilename.h"
 
 #include <algorithm>
@@ -121,13 +122,11 @@ TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)
     }
     EXPECT_EQ(marked, 0);
     setNumber(L"DoTrace", 0);
-    const importPatch_t open{
-        "RegOpenKeyExW",
-        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
-            return access == KEY_READ
-                       ? real(&RegOpenKeyExW, "RegOpenKeyExW")(root, name, options, access, key)
-                       : ERROR_ACCESS_DENIED;
-        }};
+    const importHooks_t denied(
+        GetModuleHandleW(nullptr), {{"RegOpenKeyExW", ERROR_ACCESS_DENIED}},
+        +[](const hookedCall_t& call) {
+            return static_cast<REGSAM>(call.argument(3)) != KEY_READ;
+        });
     EXPECT_TRUE(theTracer().expire()); // was there, and stays
     EXPECT_TRUE(theTracer().expire());
 }

@@ -3,8 +3,10 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "support/growth.h"
+#include "support/importhooks.h"
 #include "tracecore/tracefilename.h"
 
+#include <map>
 #include <set>
 
 using namespace tracecore;
@@ -78,66 +80,35 @@ TEST_F(TraceFile, WritersOfOneFileLeaveEachOthersRecordsWhole)
 
 TEST_F(TraceFile, SwitchingOnAndOffKeepsNothing)
 {
-    setNumber(L"NewFileAlways", 0);
-    const auto cycle = [this] {
-        traceTo(L"t.trc3");
-        traceText("x");
-        setNumber(L"DoTrace", 0);
-        follow();
-    };
-    cycle();
-    cycle();
+    const auto records = [this] { return traced([] { traceText("x"); }).records.size(); };
+    records();
+    EXPECT_EQ(records(), 1u);
     const heldResources_t before;
-    for (int i = 0; i < 1000; ++i)
-        cycle();
-    EXPECT_EQ(heldResources_t().grownSince(before, 1000), "");
-    const strings lines = decodeTrace(fileBytes(folder / "t.trc3")).lines();
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "U x"), 1002);
+    for (int i = 0; i < 200; ++i)
+        EXPECT_EQ(records(), 1u);
+    EXPECT_EQ(heldResources_t().grownSince(before, 200), "");
 }
 
 // Rights, sharing, dispositions and inheritance: what a call may do is in its numbers alone.
 TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
 {
-    static std::set<std::wstring> calls;
+    static const std::map<std::string, const char*> shown = {
+        {"CreateFileW", "-nnsnn"}, {"CreateMutexW", "snt"},    {"OpenMutexW", "nnt"},
+        {"RegOpenKeyExW", "-tnn"}, {"SetFilePointer", "-npn"}, {"WaitForSingleObject", "-n"}};
+    static std::set<std::string> calls;
     calls.clear();
     static bool denied;
-    const importPatch_t file{
-        "CreateFileW", +[](const wchar_t* name, DWORD access, DWORD share,
-                           SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags, HANDLE from) {
-            calls.insert(formatWide(L"file %x %x %d %d %x after %d", access, share,
-                                    security != nullptr, how, flags, GetLastError()));
-            SetLastError(0);
-            return real(&CreateFileW, "CreateFileW")(name, access, share, security, how, flags,
-                                                     from);
-        }};
-    const importPatch_t seek{
-        "SetFilePointer", +[](HANDLE object, LONG by, LONG* high, DWORD from) {
-            calls.insert(formatWide(L"seek %d %d %d", by, high != nullptr, from));
-            return real(&SetFilePointer, "SetFilePointer")(object, by, high, from);
-        }};
-    const importPatch_t key{
-        "RegOpenKeyExW",
-        +[](HKEY root, const wchar_t* name, DWORD options, REGSAM access, HKEY* out) {
-            calls.insert(formatWide(L"key %s %x %x", name, options, access));
-            return real(&RegOpenKeyExW, "RegOpenKeyExW")(root, name, options, access, out);
-        }};
-    const importPatch_t make{
-        "CreateMutexW", +[](SECURITY_ATTRIBUTES* security, BOOL owned, const wchar_t* name) {
-            calls.insert(formatWide(L"make %.16s %d %d", name, owned,
-                                    security ? security->bInheritHandle : -1));
-            SetLastError(ERROR_ACCESS_DENIED);
-            return denied ? nullptr : real(&CreateMutexW, "CreateMutexW")(security, owned, name);
-        }};
-    const importPatch_t open{
-        "OpenMutexW", +[](DWORD access, BOOL inherited, const wchar_t* name) -> HANDLE {
-            calls.insert(formatWide(L"open %.16s %x %d", name, access, inherited));
-            return nullptr;
-        }};
-    const importPatch_t wait{"WaitForSingleObject", +[](HANDLE object, DWORD time) {
-                                 calls.insert(formatWide(L"wait %d", time));
-                                 return real(&WaitForSingleObject, "WaitForSingleObject")(object,
-                                                                                          time);
-                             }};
+    std::vector<hookedFunction_t> functions;
+    for (const auto& [name, kinds] : shown)
+        functions.push_back({name.c_str(), 0, ERROR_ACCESS_DENIED});
+    const importHooks_t hooks(
+        GetModuleHandleW(nullptr), functions, +[](const hookedCall_t& call) {
+            const DWORD error = GetLastError();
+            const std::string function = call.function;
+            calls.insert(call.shown(shown.at(function)) +
+                         (function == "CreateFileW" ? " after " + std::to_string(error) : ""));
+            return function == "OpenMutexW" || (denied && function == "CreateMutexW");
+        });
     for (const bool mine : {true, false}) {
         setNumber(L"NewFileAlways", mine);
         denied = !mine;
@@ -148,18 +119,20 @@ TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
         realTracer_t another;
         EXPECT_EQ(static_cast<bool>(another.mutex), mine);
     }
-    EXPECT_EQ(calls, (std::set<std::wstring>{
-                         L"file 40000000 3 0 2 8000080 after 0",
-                         L"file 40000000 3 0 4 8000080 after 0",
-                         L"key SOFTWARE\\Veltrano\\Tracing 0 20006",
-                         L"key SOFTWARE\\Veltrano\\Tracing 0 20019",
-                         L"key ComponentsNOT 0 20019",
-                         L"make Global\\VLMAX_tra 0 0",
-                         L"make {32FA2EA5-DF93-4 0 -1",
-                         L"open Global\\VLMAX_tra 80000000 0",
-                         L"seek 0 1 2",
-                         L"wait -1",
-                         L"wait 0",
+    const std::string global =
+        utf8FromWide(formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId()));
+    EXPECT_EQ(calls, (std::set<std::string>{
+                         "CreateFileW 40000000 3 2 8000080 after 0",
+                         "CreateFileW 40000000 3 4 8000080 after 0",
+                         "CreateMutexW 0 {32FA2EA5-DF93-459d-8F49-C1DC80404214}",
+                         "CreateMutexW inherit:0 0 " + global,
+                         "OpenMutexW 80000000 0 " + global,
+                         "RegOpenKeyExW ComponentsNOT 0 20019",
+                         "RegOpenKeyExW SOFTWARE\\Veltrano\\Tracing 0 20006",
+                         "RegOpenKeyExW SOFTWARE\\Veltrano\\Tracing 0 20019",
+                         "SetFilePointer 0 pointer 2",
+                         "WaitForSingleObject 0",
+                         "WaitForSingleObject ffffffff",
                      }));
 }
 

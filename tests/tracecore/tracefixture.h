@@ -17,15 +17,6 @@
 inline std::atomic<DWORD> testTicks{1000000}; // what GetTickCount tells the program under test
 inline SYSTEMTIME testTime{};                 // what all its clocks tell, local
 
-// real gives the platform's own function while the program's import of it is patched.
-template <class Function> inline Function real(Function, const char* name)
-{
-    for (const wchar_t* const library : {L"kernel32.dll", L"advapi32.dll"})
-        if (const auto found = GetProcAddress(GetModuleHandleW(library), name))
-            return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
-    return nullptr;
-}
-
 // tracingFixture gives each test the tracer as it is when a process starts, an empty configuration
 // in the registry, a folder of its own, and stopped clocks.
 class tracingFixture : public testing::Test
