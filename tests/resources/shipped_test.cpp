@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
 #include <set>
 
 // The DLL and its language files as they are shipped, read back whole.
@@ -194,21 +193,18 @@ TEST(Shipped, ThePictureComesInEverySize)
     const CLoadedModule dll = loadAsData(builtFile(dllName));
     const std::string group =
         resourceBytes(dll.get(), MAKEINTRESOURCEW(14), MAKEINTRESOURCEW(IDI_PLUGIN));
-    std::map<int, size_t> images; // side, and size of the data by the group
+    std::set<uint8_t> sides; // 0 is 256
     for (size_t at = 6; at + 14 <= group.size(); at += 14) {
         const auto* const entry = reinterpret_cast<const uint8_t*>(group.data()) + at;
         const std::string image =
             resourceBytes(dll.get(), MAKEINTRESOURCEW(3), MAKEINTRESOURCEW(entry[12]));
-        const int side = entry[0] ? entry[0] : 256;
-        images[side] = image.size();
-        EXPECT_EQ(entry[0], entry[1]);
-        EXPECT_EQ(entry[6], 32) << side; // bits
-        EXPECT_EQ(entry[8] | entry[9] << 8 | entry[10] << 16, static_cast<int>(image.size()))
-            << side;
-        EXPECT_EQ(image.substr(0, 4), side == 256 ? "\x89PNG" : std::string("\x28\0\0\0", 4))
-            << side;
+        SCOPED_TRACE(entry[0]);
+        EXPECT_TRUE(sides.insert(entry[0]).second && entry[0] == entry[1]);
+        EXPECT_EQ(entry[6], 32); // bits
+        EXPECT_EQ(entry[8] | entry[9] << 8 | entry[10] << 16, static_cast<int>(image.size()));
+        EXPECT_EQ(image.substr(0, 4), entry[0] ? std::string("\x28\0\0\0", 4) : "\x89PNG");
     }
-    EXPECT_EQ(images.size(), 9u);
+    EXPECT_EQ(sides.size(), 9u);
     for (const auto& [id, side] :
          {std::pair(IDB_PLUGIN_SMALL, 16), std::pair(IDB_PLUGIN_LARGE, 32)}) {
         BITMAP bitmap{};
