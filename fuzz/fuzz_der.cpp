@@ -1,6 +1,7 @@
 #include "backup/blob/backupview.h"
 #include "backup/blob/dernode.h"
 #include "require.h"
+#include "support/backupbytes.h"
 
 #include <vector>
 
@@ -44,11 +45,36 @@ std::vector<uint8_t> copyOf(std::span<const uint8_t> bytes)
     return node.Encode();
 }
 
+// A backup as it is made now, and one of all the older forms.
+std::vector<bytes> goodBackups()
+{
+    const bytes file = filePair(L"a.vlm", "AB");
+    const bytes link = seq({wide(L"Mail"), wide(L"https://mail.test/"), wide(L"a.vlm"), integer(3),
+                            wide(L"id"), integer(1)});
+    const bytes categories = seq({seq({wide(L"Work"), wide(L"1")})});
+    const bytes document = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K"}}})")});
+    std::vector<bytes> others; // other types of text
+    for (const uint8_t tag : bytes{0x0C, 0x13, 0x16, 0x1A})
+        others.push_back(seq({tlv(tag, {'a', 'a', 'b', 'b'}), octets("")}));
+    const bytes oldLink =
+        seq({narrow("Mail"), narrow("http://x/"), narrow("a.vlm"), integer(3), narrow("id")});
+    const bytes legacy = seq({integer(1), wide(L"Ctrl+Win+72"), octets("list")});
+    return {seq({seq({file}), seq({link}), categories, document}),
+            seq({seq(others), seq({oldLink}), categories, legacy, integer(0)})};
+}
+
 } // namespace
 
+// The first byte says which good backup the rest changes; the rest is the input itself if there is
+// none of that number.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const std::span<const uint8_t> input(data, size);
+    if (size == 0)
+        return 0;
+    const std::span<const uint8_t> rest(data + 1, size - 1);
+    static const std::vector<bytes> good = goodBackups();
+    const auto input =
+        data[0] < good.size() ? changed(good[data[0]], rest) : bytes(rest.begin(), rest.end());
     CBackupView view;
     require(view.Decode(input) ? view.elementCount >= 2 : !view.Sound());
 
