@@ -13,8 +13,8 @@ namespace {
 
 std::atomic<bool> firstAgentMiss{true};
 
-// registeredMessage_t registers its message on first use. A number of 0, which a failure gives, is
-// kept as well.
+// registeredMessage_t registers its message on first use. The 0 that a failure gives is kept as
+// well.
 class registeredMessage_t
 {
 public:

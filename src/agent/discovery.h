@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// findAgentWindow finds the top-level window of the running agent, anew at each call.
+// findAgentWindow searches for the top-level window of the running agent at each call.
 //
 // Returns: null if there is none. That is traced: in full once per process, then in short, and as
 //          an error only when the windows couldn't be searched.

@@ -10,7 +10,7 @@ inline constexpr wchar_t restoreDoneName[] = L"WM_VL_AGENT_PMRESTOREDONE";
 inline constexpr wchar_t restore2DoneName[] = L"WM_VL_AGENT_PMRESTORE2DONE";
 
 // linkNames_t is one set of object names. The agent makes the first four objects; the plug-in makes
-// the payload block anew for each request.
+// a new payload block for each request.
 struct linkNames_t {
     const wchar_t* admission;    // semaphore, 1 of 1: the client that holds it is the one inside
     const wchar_t* acknowledge;  // event, the agent's answer

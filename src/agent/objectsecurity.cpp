@@ -28,7 +28,7 @@ struct aceRow_t {
     DWORD mask;
 };
 
-// The first two rows stand in a different order in the two lists. Both are meant as they are.
+// The first two rows are in a different order in the two lists. Intended.
 constexpr aceRow_t mappingRows[] = {
     {account::authenticatedUsers, mappingReadWrite},
     {account::users, mappingReadWrite},
@@ -59,7 +59,7 @@ CSid accountSid(account who)
     return CSid(ntAuthority, {SECURITY_LOCAL_SYSTEM_RID});
 }
 
-// Callers go by the last error, and nobody promises what the unwinding leaves there.
+// Callers read the last error, which stack unwinding may have changed.
 void restoreLastError(const ATL::CAtlException& exception)
 {
     SetLastError(HRESULT_FACILITY(exception.m_hr) == FACILITY_WIN32

@@ -11,8 +11,8 @@
 // authenticated user, processes of low integrity and processes in application containers are let in
 // on purpose.
 
-// sharedObjectSecurity_t is what a create call is given. It stays where it was made: attributes
-// points into it.
+// sharedObjectSecurity_t is what a create call is given. It must not be moved: attributes points
+// into it.
 struct sharedObjectSecurity_t {
     SECURITY_ATTRIBUTES attributes{};
     ATL::CSecurityDesc descriptor;

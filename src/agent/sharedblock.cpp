@@ -22,7 +22,7 @@ void mapWhole(mappedBlock_t& block)
         traceStatus("IPC.MapViewOfFile", statusFromError(GetLastError()));
 }
 
-// Only the first is an error; the colour asks for notice without being one.
+// Only the first is an error; later ones are messages in a colour that stands out.
 void traceMissingBlock(const std::wstring& name)
 {
     if (firstMissingBlock.exchange(false, std::memory_order_relaxed))
@@ -121,7 +121,7 @@ HANDLE openLinkSemaphore(const std::wstring& name)
                       name.c_str());
     if (error == ERROR_ACCESS_DENIED) {
         SetLastError(ERROR_SUCCESS);
-        // A mutex is asked for where a semaphore is meant, so this mostly gives null. Intended.
+        // This opens a mutex where a semaphore is meant, so it mostly gives null. Intended.
         semaphore = OpenMutexW(waitAndModify, FALSE, name.c_str());
         if (!semaphore)
             traceLastError(cantOpen);

@@ -22,19 +22,19 @@ struct mappedBlock_t {
 // Source:  CreateFileMappingW on the paging file, MapViewOfFile
 mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size);
 
-// openSharedBlock opens a block that another process made. Returns and errors are as above, but
+// openSharedBlock opens a block that another process made. Returns and errors are as above, except
 // that a missing block is traced as an error only the first time in a process.
 mappedBlock_t openSharedBlock(const std::wstring& name);
 
 // closeSharedBlock releases what there is of a block and nulls both fields.
 void closeSharedBlock(mappedBlock_t& block) noexcept;
 
-// sharedBlockSize tells how many bytes may be written from a view's start: the object's size,
-// rounded up to whole pages. 0 for a null view, and for one that isn't backed by memory.
+// sharedBlockSize gives the number of bytes that may be written from a view's start: the object's
+// size, rounded up to whole pages. 0 for a null view, and for one that isn't backed by memory.
 size_t sharedBlockSize(const void* view) noexcept;
 
 // openLinkSemaphore opens the named semaphore, or makes it with a count of 1 of 1.
 //
 // Returns: a handle with the rights to wait and to release, the caller's; null on failure
-// Errors:  traced at level E with their status; the last error tells why null came back
+// Errors:  traced at level E with their status; the last error says why null came back
 HANDLE openLinkSemaphore(const std::wstring& name);

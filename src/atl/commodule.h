@@ -49,7 +49,7 @@ public:
     // GetClassObject is DllGetClassObject over the object map.
     HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** out);
 
-    // ExecuteObjectMain tells every class that the module starts or ends.
+    // ExecuteObjectMain notifies every class that the module starts or ends.
     void ExecuteObjectMain(bool starting);
 
     void Term() noexcept;

@@ -134,7 +134,7 @@ CSid CDacl::GetAceSid(UINT index) const
     constexpr size_t sidHeader = offsetof(SID, SubAuthority);
     if (offset == 0 || entry.size() < offset + sidHeader)
         return {};
-    // The count of sub-authorities is the identifier's own word: it must stay within the entry.
+    // The identifier itself says how many sub-authorities it has: they must fit into the entry.
     const BYTE count = entry[offset + offsetof(SID, SubAuthorityCount)];
     if (entry.size() - offset - sidHeader < count * sizeof(DWORD))
         return {};

@@ -45,7 +45,7 @@ public:
 
     void SetNull() noexcept { m_null = true; }
 
-    // AddAllowedAce adds an allowed-access entry behind the last one.
+    // AddAllowedAce adds an allowed-access entry after the last one.
     //
     // Returns: false for an invalid identifier, with nothing added
     bool AddAllowedAce(const CSid& sid, ACCESS_MASK mask, BYTE flags);
@@ -55,7 +55,7 @@ public:
     // GetAceSid reads the identifier of entry number index; none for a type of entry without one.
     CSid GetAceSid(UINT index) const;
 
-    // GetPACL hands out the raw list, a loan that the next addition ends. Null for a null list.
+    // GetPACL hands out the raw list, a loan until the next addition. Null for a null list.
     // Raises when the entries don't fit into one list.
     const ACL* GetPACL() const;
 

@@ -10,7 +10,7 @@
 class CCurrentUser
 {
 public:
-    // Reads the thread's token; the thread ends with the identity it had, whatever comes of it.
+    // Reads the thread's token. The thread keeps its identity, also when this fails.
     //
     // Errors: raises the last error of a failed token call, E_INVALIDARG for a damaged identifier,
     //         E_OUTOFMEMORY

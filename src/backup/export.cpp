@@ -22,7 +22,7 @@ namespace {
 constexpr wchar_t dataFile[] = L"updata.vls";
 constexpr wchar_t temporaryDataFile[] = L"updata_temp.vls";
 
-// Up to this size a copy is cheaper than the mapping, of which a process can't hold any number.
+// Up to this size a copy is cheaper than a mapping, and a process can hold only so many mappings.
 constexpr size_t largestCopiedFile = 0x10000;
 
 constexpr uint32_t webLink = 1;

@@ -62,14 +62,14 @@ void RestoreFromSafeArray(const CVLByteArray& array)
     void* data = nullptr;
     const bool accessed = SUCCEEDED(SafeArrayAccessData(array.Get(), &data));
     std::span<const uint8_t> bytes;
-    // An array of several dimensions may hold less than its first one tells.
+    // An array of several dimensions may hold less than its first one says.
     if (last != 0xFFFFFFFF && data)
         bytes = array.Bytes().first(std::min(array.Bytes().size(), size_t{last} + 1));
     try {
         RestoreBackup(bytes);
     } catch (...) {
-        // Not by SafeArrayUnaccessData, which is for a restore that ran to its end. Still locked
-        // once more than its holder knows, the array could not be destroyed.
+        // SafeArrayUnaccessData is for a restore that ran to its end. Without this unlock the array
+        // would stay locked once more than its holder knows, and could not be destroyed.
         if (accessed)
             SafeArrayUnlock(array.Get());
         throw;

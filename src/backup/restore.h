@@ -6,11 +6,11 @@
 #include "backup/blob/safearray.h"
 
 // RestoreBackup puts the contents of a backup back: files, quick links, categories and settings.
-// The count of its elements tells its version: of two it reads quick links in the old form, of
-// three also categories, of four also settings, of more no settings again.
+// The number of its elements gives its version: from two it reads quick links in the old form, from
+// three also categories, from four also settings, from more than four no settings.
 //
-// A restore is neither atomic nor undone: what was done before a failure stays done. The one check
-// ahead of the first deletion is that there are two elements at least.
+// A restore is neither atomic nor undone: what was done before a failure stays done. The only check
+// before the first deletion is that there are at least two elements.
 //
 // bytes:   the encoded backup, a loan; walked in place
 // Errors:  raises E_UNEXPECTED for bytes that are no backup, with everything untouched;

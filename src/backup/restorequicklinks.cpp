@@ -46,7 +46,7 @@ void CStorageData::RestoreQuickLinks(const CDerElement& element, TextForm form)
     const std::wstring dir = settings_getstring(L"path_localstorage_dir", L"");
     if (dir.empty())
         return;
-    // The backup holds bare file names: behind the prefix, in the case they have, they name this
+    // The backup holds bare file names: with the prefix in front, their case kept, they name this
     // machine's files.
     const std::string prefix = utf8FromWide(lowerpath(unifyslashes(dir)));
     if (prefix.empty())

@@ -11,8 +11,8 @@ using namespace tracecore;
 
 namespace {
 
-// DeleteMatching deletes every file of a mask and hands the path of each failure on. The mask finds
-// what the file system finds by it, names that match by their short form included.
+// DeleteMatching deletes every file that matches a mask and passes the path of each failure on. The
+// file system does the matching: names whose short form matches are included.
 template <class OnFailure>
 void DeleteMatching(const std::wstring& dir, const wchar_t* mask, OnFailure onFailure)
 {

@@ -5,7 +5,7 @@
 // The one secret that a host keeps beside a backup.
 inline constexpr wchar_t secretName[] = L"KRS Protected Storage";
 
-// DoesSecretExist tells whether the calling user has that secret. When the outside authentication
+// DoesSecretExist is true if the calling user has that secret. When the outside authentication
 // service is in use, the secret counts as existing and the library is not asked.
 //
 // library: VLFPApi.dll, a loan

@@ -22,7 +22,7 @@ std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
 {
     if (!data.pbData)
         return {};
-    const auto* const end = data.pbData + (data.cbData & ~1u); // half a unit is none
+    const auto* const end = data.pbData + (data.cbData & ~1u); // half a unit doesn't count
     const auto* zero = data.pbData;
     while (zero != end && (zero[0] != 0 || zero[1] != 0))
         zero += sizeof(wchar_t);
@@ -32,7 +32,7 @@ std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
     return text;
 }
 
-// TakeSecret gives whether the item is the one; its value goes into body.
+// TakeSecret is true if the item is the secret, whose value it puts into body.
 bool TakeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
 {
     CSecretSeq item;

@@ -9,7 +9,7 @@
 //
 // list:    an encoded sequence of pairs of a name and a value in UTF-16; a loan. Anything else
 //          holds no secret.
-// Returns: the value up to its first zero; empty if the list hasn't got it. Of the value this text
-//          alone is left in memory: the copies made on the way are overwritten.
+// Returns: the value up to its first zero; empty if the list doesn't have it. This text is the only
+//          copy of the value left in memory: those made on the way are overwritten.
 // Errors:  raises E_OUTOFMEMORY
 std::wstring SecretFromList(std::span<const uint8_t> list);

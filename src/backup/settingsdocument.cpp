@@ -89,7 +89,7 @@ std::wstring TextOf(const Json::Value& value)
     return wideFromUtf8(UpToZero(value.asString()));
 }
 
-// MemberOf gives null for a member of a value that has nothing in it, an array as well.
+// MemberOf gives null for a member of a value that has nothing in it, even of an array.
 const Json::Value& MemberOf(const Json::Value& value, const char* member)
 {
     return value.empty() ? Json::Value::nullSingleton() : value[member];
@@ -165,7 +165,8 @@ void WriteListFile(const std::wstring& path, const std::wstring& text)
                                        FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file)
         return;
-    // The count is in characters where the call takes bytes: the first half arrives. Intended.
+    // The count is in characters where the call takes bytes: only the first half is written.
+    // Intended.
     DWORD written = 0;
     if (WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
         traceFormat(0, "file name='%ls', dataLen = %d.", path.c_str(), written);

@@ -5,19 +5,19 @@
 #include "backup/blob/dernode.h"
 #include "backup/blob/derview.h"
 
-// TextForm tells how the text elements of a quick link record are stored.
+// TextForm is the form in which the text elements of a quick link record are stored.
 enum class TextForm {
     Wide,  // BMPString
-    Octets // OCTET STRING, UTF-8 already: so have it backups of two elements
+    Octets // OCTET STRING, UTF-8 already: the form in backups of two elements
 };
 
 // CStorageData gathers the user's templates, quick links, categories and settings into the elements
 // of a backup, and puts templates and quick links back. It holds no state: each operation reads
-// files, registry and settings anew.
+// files, registry and settings again.
 class CStorageData
 {
 public:
-    // IsStorageDataPresent tells whether the personal folder has data worth a backup: an updata.vls
+    // IsStorageDataPresent is true if the personal folder has data worth a backup: an updata.vls
     // with content, or an updata_temp.vls with or without.
     static bool IsStorageDataPresent();
 

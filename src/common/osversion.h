@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-// osVersion_t is the system's version as it tells this process. A program without a compatibility
-// manifest reads 6.2 on every later system.
+// osVersion_t is the version that the system reports to this process. A program without a
+// compatibility manifest reads 6.2 on every later system.
 struct osVersion_t {
     DWORD platform = 0; // 2 is the NT family
     DWORD major = 0;
@@ -16,7 +16,7 @@ struct osVersion_t {
     }
 };
 
-// readOsVersion asks the system anew.
+// readOsVersion asks the system at each call.
 //
 // Returns: all zero when that fails
 // Source:  GetVersionExW

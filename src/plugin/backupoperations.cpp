@@ -128,7 +128,7 @@ STDMETHODIMP CVLKTPages::SetPluginData(ULONG secretsSize, const BYTE* secrets, U
             raiseStatus(E_INVALIDARG);
         const std::wstring body = SecretFromList({secrets, secrets ? secretsSize : 0});
         RestoreBackup({storage, storageSize});
-        // The agent is told the name even when there is no secret; it hears nothing else.
+        // The agent gets the name even when there is no secret, and no other notice of the restore.
         if (const HWND window = findAgentWindow())
             sendToAgent(window, restore2DoneMessage(), utf8FromWide(secretName),
                         utf8FromWide(body));

@@ -4,9 +4,9 @@
 
 #include <windows.h>
 
-// AddCleanupLine appends one line to Cleanup.txt in the installation folder, which tells the
-// uninstaller what user data to remove. The file is UTF-16 with a byte order mark; one without the
-// mark loses its contents.
+// AddCleanupLine appends one line to Cleanup.txt in the installation folder, which lists the user
+// data that the uninstaller has to remove. The file is UTF-16 with a byte order mark; one without
+// the mark loses its contents.
 //
 // kind, path: must not be null or empty
 // flags:      written in decimal; their meaning is the uninstaller's

@@ -10,7 +10,7 @@
 
 namespace {
 
-// tag_t is the operation's name with the clause's suffix; a closed tracer spares the formatting.
+// tag_t is the operation's name with the clause's suffix. A disabled tracer needs no text.
 struct tag_t {
     char text[64] = {};
     tag_t(const char* operation, const char* clause) noexcept

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 // frameStatus ends an operation that raised: call it inside a catch (...) clause. It traces under
-// the operation's name with the clause's suffix behind it.
+// the operation's name followed by the clause's suffix.
 //
 // Returns: what the operation returns
 //          "[std]" std::exception: E_UNEXPECTED

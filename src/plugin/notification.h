@@ -11,10 +11,10 @@
 // classIdentifierText is the plug-in's class identifier in braces, in upper case.
 std::wstring classIdentifierText();
 
-// Dismissals of messages, one value a level. Anything but a REG_DWORD other than 0 counts as shown.
+// Dismissals of messages, one value per level. Only a REG_DWORD other than 0 counts as dismissed.
 //
 // classId: the plug-in's class identifier in braces
-// Errors:  a failed read counts as shown, a failed write is not told
+// Errors:  a failed read counts as shown, a failed write is not reported
 // Source:  HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\DismissMessages
 bool IsMessageShown(const wchar_t* classId, LONG level);
 void SetMessageShown(const wchar_t* classId, LONG level, bool shown);

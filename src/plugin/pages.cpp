@@ -33,7 +33,7 @@ const _ATL_INTMAP_ENTRY* CVLKTPages::GetEntries() noexcept
     return entries;
 }
 
-// The plug-in offers no pages of its own: the call says so in the trace and is done.
+// The plug-in offers no pages of its own: there is nothing to add.
 STDMETHODIMP CVLKTPages::AddPages()
 {
     const traceScope_t scope("CVLKTPages::AddPages");

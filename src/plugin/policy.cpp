@@ -12,7 +12,7 @@ using tracecore::traceScope_t;
 
 namespace {
 
-// policyRecord_t is what the policy library exchanges, one setting a call, in the library's layout.
+// policyRecord_t is what the policy library exchanges, one setting per call, in its layout.
 struct policyRecord_t {
     const wchar_t* name = L"CommonSettings\\{42F9948B-B690-4325-A073-63A8BF31FF32}\\DisableApps";
     uint32_t status = 0; // on read: 0 or 1 with a value, 0x80070002 without
@@ -46,7 +46,7 @@ void callPolicyLibrary(const char* function, policyRecord_t& record)
         raiseStatus(status);
 }
 
-// The status input is reset when the application is switched off; a failure is not looked at.
+// The status input is reset when the application is switched off; a failure is ignored.
 void forgetStatusInput() noexcept
 {
     CRegistryKey key;
@@ -100,7 +100,7 @@ STDMETHODIMP CVLKTPages::DisableLocal(ULONG disable)
     } catch (...) {
         result = E_UNEXPECTED;
     }
-    traceIfFailed("", result); // a failed policy write has its second line here
+    traceIfFailed("", result); // a failed policy write is traced again here
     return result;
 }
 

@@ -65,7 +65,7 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
         const VARTYPE type = typeOf(id);
         if (type == VT_EMPTY)
             return unknownProperty;
-        // The tag stands before the payload is computed, and stays if that raises; the payload is
+        // The tag is set before the payload is computed, and stays if that raises; the payload is
         // then null, and not what the caller's cleared value left there.
         value->vt = type;
         value->byref = nullptr;

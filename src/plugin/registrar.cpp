@@ -15,12 +15,12 @@ namespace {
 
 constexpr wchar_t rootPath[] = L"SOFTWARE\\Veltrano\\VLKT\\Plugins";
 
-// Each string with its terminator, and one more behind the last.
+// Each string with its terminator, and one more after the last.
 constexpr wchar_t shellVersions[] = L"6.0\0007.0\0008.0\0";
 
 HRESULT statusFromResult(LSTATUS result) noexcept
 {
-    return HRESULT_FROM_WIN32(result); // of a positive one the low 16 bits, whatever is above
+    return HRESULT_FROM_WIN32(result); // a positive one keeps only its low 16 bits
 }
 
 DWORD bytesWithTerminator(const wchar_t* text) noexcept
@@ -123,7 +123,7 @@ HRESULT CUnregisterComponents::RemoveKeyChain(const wchar_t* first, const wchar_
                     return statusFromResult(result);
             }
             if (subkeys != 0)
-                return S_OK; // somebody else's; values alone would not keep the key
+                return S_OK; // still in use by others; values alone don't keep the key
             const LSTATUS result = RegDeleteKeyW(m_root.get(), path.c_str());
             if (result != ERROR_SUCCESS)
                 return statusFromResult(result);

@@ -32,7 +32,7 @@ public:
     // RegisterComponent makes the key of one role and class, with the DLL's path and the versions
     // of the shell that it is for.
     //
-    // Returns: the first failure's status; one of writing the shell's versions is not noticed
+    // Returns: the first failure's status; a failure to write the shell's versions is ignored
     HRESULT RegisterComponent(const wchar_t* role, const wchar_t* classId,
                               const wchar_t* path) noexcept;
 };

@@ -14,7 +14,7 @@ constexpr wchar_t roleAppControl[] = L"UIElements\\AppControl";
 constexpr wchar_t roleBackupRestore[] = L"UIElements\\BackupRestore";
 constexpr wchar_t roleTrayIcon[] = L"TrayIcon";
 
-// What the uninstaller has to remove of a user's data. The flags are in its language.
+// What the uninstaller has to remove of a user's data. The meaning of the flags is its own.
 struct cleanupRow_t {
     const wchar_t* kind;
     const wchar_t* path;
@@ -71,7 +71,7 @@ STDAPI DllRegisterServer()
 
 STDAPI DllUnregisterServer()
 {
-    // Nothing here stops the unregistering.
+    // No failure here stops the unregistering.
     for (const auto& row : cleanupRows)
         AddCleanupLine(row.kind, row.path, row.flags, row.name);
     VLKT_SDK::CUnregisterComponents registrar;

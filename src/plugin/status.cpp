@@ -51,14 +51,14 @@ status_t statusFromInput(DWORD input) noexcept
 
 } // namespace
 
-// Of IVLKSecurityStatus. Disabled by policy is told by status 0, a text and a failure all at once.
+// Of IVLKSecurityStatus. Disabled by policy shows as status 0, a text and a failure all at once.
 STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
 {
     const traceScope_t scope("CVLKTPages::GetStatus");
     try {
         *status = 0;
         ULONG disabled = 0;
-        GetGPOSettings(&disabled); // a policy that can't be asked is no policy
+        GetGPOSettings(&disabled); // a policy that can't be read counts as none
         if (disabled) {
             *text = CComBSTR(GetBrandedString(IDS_STATUS_DISABLED)).Detach();
             raiseStatus(E_NOTIMPL);
@@ -125,7 +125,7 @@ void CVLKTPages::GetNotifications(SAFEARRAY** notices)
 {
     const traceScope_t scope("CVLKTPages::GetNotifications");
     *notices = nullptr;
-    // Both ask for the status anew: two looks at policy and registry.
+    // Each of the two asks for the status itself: policy and registry are read twice.
     CComBSTR explanation;
     GetExplanation(&explanation);
     const LONG level = GetSecurityLevel();

@@ -19,7 +19,7 @@ class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public VLONLINEIDSLib::IVLKTBackupRestore3
 {
 public:
-    virtual ~CVLKTPages() = default; // declared first: its place in the table is behind AddPages
+    virtual ~CVLKTPages() = default; // declared first: its place in the table is after AddPages
 
     HRESULT FinalConstruct();
     void FinalRelease();

@@ -5,8 +5,8 @@
 struct _CRYPTOAPI_BLOB;
 
 // The user's quick link categories: names and texts that the dashboard keeps as string values in
-// HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\QLCategories. They are carried, and
-// not looked into. Neither operation traces anything.
+// HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\QLCategories. They are passed on
+// without being looked into. Neither operation traces anything.
 
 // qlcategories_backup makes the list of the categories, in the order of enumeration. It ends at the
 // first value that isn't a terminated string.
@@ -22,5 +22,5 @@ bool qlcategories_backup(CDerNode* out);
 // nothing.
 //
 // Errors: std::bad_alloc
-// Source: RegDeleteKeyW, RegCreateKeyExW, RegSetValueExW; their failures are passed over
+// Source: RegDeleteKeyW, RegCreateKeyExW, RegSetValueExW; their failures are ignored
 void qlcategories_restore(const _CRYPTOAPI_BLOB* blob);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// isown tells whether a manifest, in its short form, lies in the user's roaming templates folder.
+// isown is true if a manifest, in its short form, lies in the user's roaming templates folder.
 bool isown(std::wstring_view shortManifest)
 {
     return asciiequal<wchar_t>(shortManifest.substr(0, 5), L"kri::");

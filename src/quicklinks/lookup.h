@@ -22,7 +22,7 @@ public:
     // or any.
     size_t first(const std::vector<QLRecord>& records, std::string_view file, uint32_t profile);
 
-    // clear is due when records were replaced.
+    // clear must be called when records were replaced.
     void clear() noexcept;
 
 private:
@@ -33,5 +33,5 @@ private:
     size_t m_followed = 0; // records that stand in m_positions
 };
 
-// qlfilepart is the text behind the last \, / or : of a path; all of it if there is none.
+// qlfilepart is the text after the last \, / or : of a path; all of it if there is none.
 std::string_view qlfilepart(std::string_view path) noexcept;

@@ -65,7 +65,7 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
         return;
     }
     QLRecord* record = find(file, profile);
-    // Traced ahead of the next test: the line doesn't mean yet that anything happens.
+    // Traced before the next test: the line doesn't mean that anything happens.
     if (tracing)
         traceText(record ? "  QL updated" : "  QL created");
     if (target.empty() || name.empty())

@@ -11,10 +11,10 @@
 #include "storage/textfile.h"
 
 // QL is the user's quick link file in memory. It belongs to the operation that built it: no locks,
-// and two writers of the file overwrite each other. Nothing here raises but for want of memory.
+// and two writers of the file overwrite each other. Nothing here raises unless memory runs out.
 //
 // A quick link is looked up by the file name of its manifest and its profile; the manifest's folder
-// takes no part, so that a template which moved still finds its quick link.
+// doesn't count, so that a template that has moved keeps its quick link.
 class QL
 {
 public:
@@ -24,7 +24,7 @@ public:
 
     // add makes a quick link, or updates the first one with that manifest's file name and profile.
     //
-    // target:   an address or a dialog path, told apart by isdlgpath
+    // target:   an address or a dialog path; isdlgpath decides which
     // manifest: the template's full path; a found record keeps the path that it has
     // Errors:   a manifest without a file name is refused with a trace, an empty name or target
     //           without one
@@ -33,12 +33,12 @@ public:
 
     // find gives the first record of that file name and profile.
     //
-    // manifestfile: a path or a bare file name; its file name counts, and the case of it
+    // manifestfile: a path or a bare file name; only its file name counts, case included
     // profile:      all ones for any
     // Returns:      a loan until records changes; null when there is none
     QLRecord* find(std::string_view manifestfile, uint32_t profile);
 
-    // flush saves the file when dirty, and then takes the save's success for dirty.
+    // flush saves the file when dirty, and then sets dirty to save's result.
     void flush();
 
     // removefile deletes the file. Returns: true when it was there and is gone.
@@ -62,7 +62,7 @@ public:
     void render(const std::string& urls, const std::string& dlgpaths, std::ostream& out) const;
 
     // save renders everything and then writes the file, with CR LF. A failure to render leaves the
-    // old file; there is no way back from one to write, which leaves a short or empty file.
+    // old file as it was; a failure to write leaves a short or empty one.
     //
     // fileName: at most 260 characters
     // traced:   whether the name is traced
@@ -72,7 +72,7 @@ public:
     std::vector<QLRecord> records;  // changed by parse and add; others may append or cut
     std::string krsurls;            // items separated by commas, from the file
     std::string krsdlgpaths;        // likewise
-    bool dirty = false;             // records changed since the load; see flush for its odd end
+    bool dirty = false;             // records changed since the load; for its end see flush
     std::vector<QLRecord> filtered; // copies of the records that a backup carries; from the load
     bool tracing = true;
 
@@ -84,11 +84,11 @@ private:
 // path_quicklink_filename.
 std::wstring qlfilename();
 
-// isdlgpath tells a dialog link from an address by its text: it names iexplore.exe anywhere, or
-// ends in .exe.
+// isdlgpath is true for the target of a dialog link, which names iexplore.exe anywhere or ends in
+// .exe. Any other target is an address.
 bool isdlgpath(std::string_view target);
 
-// splitdlgpath splits a dialog link behind the browser's program name; any other text is all head.
+// splitdlgpath splits a dialog link after the browser's program name; any other text is all head.
 //
 // head, tail: replaced, both in lower case
 void splitdlgpath(const std::wstring& text, std::wstring& head, std::wstring& tail);

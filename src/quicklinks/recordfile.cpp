@@ -49,8 +49,8 @@ Key keyof(std::string_view text)
     return Key::none;
 }
 
-// integer reads as a stream does: digits behind blanks and a sign, 0 without digits, the largest
-// when too large.
+// integer reads as a stream does: digits after blanks and a sign, 0 without digits, the largest
+// number for one that is too large.
 uint32_t integer(const std::string& text)
 {
     uint32_t value = 0;
@@ -71,7 +71,7 @@ bool manifestexists(const QLRecord& record)
     return fileexists(stripalienmark(expandenv(wideFromUtf8(record.manifest)), hadMark));
 }
 
-// programexists tells whether a dialog link's program is there. References are not expanded.
+// programexists is true if a dialog link's program is there. References are not expanded.
 bool programexists(const std::string& dlgpath)
 {
     std::wstring head;
@@ -100,7 +100,7 @@ void openfolder(const std::wstring& fileName)
 
 void write(const std::wstring& fileName, const std::string& text)
 {
-    // Text by name: the program that loaded us may have made binary its default.
+    // The mode says text: the program that loaded us may have made binary the default.
     CStream stream(_wfopen(fileName.c_str(), L"w+t"));
     if (!stream)
         throw std::runtime_error("_wopen failed.");

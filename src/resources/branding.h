@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
-// CBranding is the resource-only DLL that carries the product's name and icon. It is loaded at the
-// first need, as a data file, and stays until the process ends.
+// CBranding is the resource-only DLL that carries the product's name and icon. It is loaded when
+// first needed, as a data file, and stays until the process ends.
 class CBranding
 {
 public:

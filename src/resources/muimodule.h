@@ -4,7 +4,7 @@
 
 #include "common/osversion.h"
 
-// systemRedirectsResources tells whether look-ups on a DLL's own handle reach its language file by
+// systemRedirectsResources is true if look-ups on a DLL's own handle reach its language file by
 // themselves.
 inline bool systemRedirectsResources(const osVersion_t& version) noexcept
 {

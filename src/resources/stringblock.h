@@ -32,5 +32,5 @@ constexpr unsigned stringBlockIndex(uint32_t id) noexcept
 //          above 15 or a block that ends before the entry does
 std::optional<std::u16string> findInStringBlock(std::span<const uint8_t> block, unsigned index);
 
-// stringBlockIsWhole tells whether all sixteen entries lie inside the block.
+// stringBlockIsWhole is true if all sixteen entries lie inside the block.
 bool stringBlockIsWhole(std::span<const uint8_t> block) noexcept;

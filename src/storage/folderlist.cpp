@@ -65,7 +65,7 @@ void addfurther(FolderSet& folders)
 }
 
 // A folder of the plug-in's own: it is made, and is in the list whether that succeeded or not. Its
-// path is the provider's text but for the separators: neither expanded nor closed by one.
+// path is the provider's text with unified separators: not expanded, and none added at its end.
 void addowned(FolderSet& folders, const FolderRec& folder, const wchar_t* made,
               const wchar_t* failed, const wchar_t* duplicate)
 {

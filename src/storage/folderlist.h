@@ -35,11 +35,11 @@ struct FileRec {
 // Source:  the settings provider
 void prepfolderlist(FolderSet& folders);
 
-// checkpath tells whether the folder may be used: on a fixed drive, a network drive or a share. It
+// checkpath is true if the folder may be used: on a fixed drive, a network drive or a share. It
 // sets fixeddrive, and tests whether a network folder can be read.
 bool checkpath(FolderRec& folder);
 
-// enumfnames appends what the search for the folder's path with "*.vlm" right behind it finds,
+// enumfnames appends what a search for the folder's path, directly followed by "*.vlm", finds,
 // folders included, in the file system's order. The path must end in a separator to be searched
 // inside.
 void enumfnames(const FolderRec& folder, std::vector<FileRec>& files);

@@ -26,7 +26,7 @@ std::wstring bindir_registry(bool nativeView);
 std::wstring bindir_default(bool nativeView);
 
 // bindir_discover is the whole chain: the registry, for the native view then the 32-bit view's
-// folder with "x64\" behind it, then bindir_default. Never empty.
+// folder followed by "x64\", then bindir_default. Never empty.
 std::wstring bindir_discover(bool nativeView);
 
 // bindir_file is a file of the native view's bin folder.
@@ -39,7 +39,7 @@ std::wstring bindir_file(const std::wstring& fileName);
 //          empty if it opens and has no good BinDir
 std::wstring bindir_plain();
 
-// templates_bindir is bindir_plain with "templates\" behind it.
+// templates_bindir is bindir_plain followed by "templates\".
 std::wstring templates_bindir();
 
 // bindir_view64 is the bin folder from which the console program is started, from the 64-bit view
@@ -80,9 +80,9 @@ std::wstring lowerpath(const std::wstring& path);
 
 // shortpath is path in lower case and with one separator, a known folder in it replaced by kri::,
 // krs::, usr::, dbg:: or bin::, the first of them that is found anywhere in path; forward slashes
-// in path count as backslashes there. For traces and comparing: no operation leads back. Each
-// folder is looked up when it is first needed and remembered until the module ends. A folder that
-// is not known is found in front of every path.
+// in path count as backslashes there. For traces and comparing: it can't be turned back into a
+// path. Each folder is looked up when it is first needed and remembered until the module ends. A
+// folder that is not known counts as found at the front of every path.
 std::wstring shortpath(const std::wstring& path);
 
 // shortpath_utf8 is shortpath of a path in UTF-8.
@@ -96,23 +96,23 @@ std::wstring expandenv(const std::wstring& text);
 
 // collapseenv is the form in which a path is stored: the first occurrence of the value of appdata,
 // or else of localappdata, becomes the reference. The comparison is exact in case; a variable that
-// is not set is found in front of every path.
+// is not set counts as found at the front of every path.
 std::wstring collapseenv(const std::wstring& path);
 
 // longform puts "\\?\" in front of a path of 249 characters or more, unless it has it already.
 std::wstring longform(const std::wstring& path);
 
-// hasalienmark tells whether a stored name starts with "alien|", exact in case.
+// hasalienmark is true if a stored name starts with "alien|", exact in case.
 bool hasalienmark(const std::wstring& text);
 
 // stripalienmark is text without that mark.
 std::wstring stripalienmark(const std::wstring& text, bool& hadMark);
 
-// direxists tells whether a search for everything in the folder finds anything. An empty path means
+// direxists is true if a search for everything in the folder finds anything. An empty path means
 // the current folder.
 bool direxists(const std::wstring& path);
 
-// fileexists tells whether a search for path finds an entry that is no folder.
+// fileexists is true if a search for path finds an entry that is no folder.
 bool fileexists(const std::wstring& path);
 
 // makedirs makes every missing level of a folder.

@@ -93,7 +93,7 @@ std::wstring expandenv(const std::wstring& text)
 
 std::wstring collapseenv(const std::wstring& path)
 {
-    // An unset variable is an empty text, which is found in front of every path. Intended.
+    // An unset variable is an empty text, which is found at the front of every path. Intended.
     std::wstring collapsed = path;
     if (!replacefirst(collapsed, envvalue(L"appdata"), L"%appdata%"))
         replacefirst(collapsed, envvalue(L"localappdata"), L"%localappdata%");

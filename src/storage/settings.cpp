@@ -43,8 +43,8 @@ void releaseprovider(SettingsProvider* provider)
 }
 
 // Runs when this module ends, before its static objects go. The provider depends on no code of this
-// module, so letting go of it under the loader's lock only counts it down; at the end of the
-// process the loader ignores it.
+// module, so releasing it under the loader's lock only lowers its count; at the end of the process
+// the loader ignores it.
 void atmoduleend()
 {
     releaseprovider(loaded.exchange(nullptr));
@@ -55,7 +55,7 @@ HMODULE loadprovider()
     const std::wstring first = bindir_file(L"VloSet.dll");
     if (HMODULE library = LoadLibraryW(first.c_str()))
         return library;
-    // The whole first path goes behind the plug-in's folder. That is meant for the relative
+    // The whole first path is appended to the plug-in's folder. That is meant for the relative
     // "x64\VloSet.dll"; an absolute path makes no valid one here.
     const std::wstring own = moduleFileName(thisModule());
     return LoadLibraryW((own.substr(0, own.find_last_of(LR"(\/)") + 1) + first).c_str());
@@ -66,7 +66,7 @@ SettingsCall findexport(HMODULE library, const char* name)
     return reinterpret_cast<SettingsCall>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-// Threads that meet at the first use each load the library; all but one count it down again.
+// Threads that meet at the first use each load the library; all but one release it again.
 const SettingsProvider& provider()
 {
     if (const SettingsProvider* inplace = replacement.load(std::memory_order_acquire))

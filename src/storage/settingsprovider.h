@@ -41,9 +41,8 @@ struct SettingsProvider {
 // Source:  bindir_file, LoadLibraryW
 SettingsProvider settings_load();
 
-// settings_replace puts a provider of this process in the place of the library; null gives way to
-// the library again. The provider is a loan: it must live as long as it is in place and any call
-// runs.
+// settings_replace puts a provider of this process in the place of the library; null goes back to
+// the library. The provider is a loan: it must live as long as it is in place and any call runs.
 //
 // Returns: what was in place before
 const SettingsProvider* settings_replace(const SettingsProvider* provider) noexcept;

@@ -62,8 +62,8 @@ std::wstring shortpath(const std::wstring& path)
     std::replace(backslashed.begin(), backslashed.end(), L'/', L'\\');
     for (size_t row = 0; row < prefixcount; ++row) {
         const std::wstring& folder = prefixcache.folder(row);
-        // A folder that could not be found out is an empty text, and that is found in front.
-        // Intended: the classes of quick links build on it.
+        // A folder that is not known is an empty text, which is found at the front. Intended: the
+        // classes of quick links build on it.
         size_t at = work.find(folder);
         if (at == std::wstring::npos) // a path written with forward slashes lies there all the same
             at = backslashed.find(folder);

@@ -70,7 +70,7 @@ MappedFile mapfile_open(const std::wstring& fileName)
         return {};
     SetLastError(NO_ERROR);
     mapped.size = GetFileSize(file.get(), nullptr);
-    // The value that says failure is also the low half of a size.
+    // The value that reports a failure can also be the low half of a size.
     if (mapped.size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) {
         mapfile_close(mapped);
         return {};

@@ -52,7 +52,7 @@ void decodetext(const MappedFile& mapped, std::string& text);
 // load_textlines gives the lines of a text file.
 //
 // lines:  cleared first
-// Errors: may raise, when memory runs out; the file is let go of then too
+// Errors: may raise when memory runs out; the file is released then too
 void load_textlines(const std::wstring& fileName, TextLines& lines);
 
 // load_textfile is load_textlines that raises nothing: an error is traced, and lines holds what was

@@ -15,7 +15,7 @@ void beep(DWORD frequency) noexcept
     Beep(frequency, 200);
 }
 
-// The tune before the process goes; the extra beeps at its end tell the event.
+// The tune before the process goes; the extra beeps at its end say which event it is.
 BOOL WINAPI playEvent(DWORD event)
 {
     static constexpr struct {

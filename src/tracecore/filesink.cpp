@@ -16,8 +16,8 @@ namespace {
 
 constexpr size_t shortText = 350; // texts below this many bytes are built on the stack
 
-// Builds a record of recordHeaderSize + utf8.size() bytes. Only the low 16 bits of the length are
-// told in it, and only that much of the text is in it.
+// Builds a record of recordHeaderSize + utf8.size() bytes. It states only the low 16 bits of the
+// length, and only that much of the text is in it.
 void buildRecord(uint8_t* record, char level, const std::string& utf8) noexcept
 {
     const uint32_t thread = GetCurrentThreadId();

@@ -63,8 +63,8 @@ public:
 // sinkHolder_t holds the sink that records go to. A writer shares its ownership for one record, so
 // that a sink which is replaced meanwhile lives until the record is out.
 //
-// A critical section guards the pointer. An atomic one of the library would spin, and for ever
-// after a thread that was stopped in the middle of it.
+// A critical section guards the pointer. The library's atomic one would spin, and for ever if a
+// thread was stopped in the middle of it.
 class sinkHolder_t
 {
 public:

@@ -11,7 +11,7 @@ namespace tracecore {
 inline constexpr size_t recordHeaderSize = 7;
 
 // scrambleText scrambles the text of one record in place; unscrambleText is its opposite. The
-// stream starts anew with each call, so equal texts have equal scrambled bytes.
+// stream restarts with each call, so equal texts have equal scrambled bytes.
 void scrambleText(uint8_t* buffer, size_t length) noexcept;
 void unscrambleText(uint8_t* buffer, size_t length) noexcept;
 

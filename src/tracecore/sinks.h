@@ -20,7 +20,7 @@ public:
 // file that can't be opened sets the tracer's fileFailed: no sink of this process tries again.
 //
 // fullName: where the file is
-// anew:     creates the file anew; otherwise it is appended to, behind a note of the new writer
+// anew:     replaces an existing file; otherwise it is appended to, after a note of the new writer
 class outputStorageFile_t final : public outputStorageInterface_i
 {
 public:
@@ -36,8 +36,8 @@ private:
     CFileHandle handle;
 };
 
-// outputStorageWindow_t turns messages into readable lines, and keeps the other records to itself
-// but for the time.
+// outputStorageWindow_t turns messages into readable lines. It drops all other records, but
+// remembers the time.
 class outputStorageWindow_t : public outputStorageInterface_i
 {
 public:

@@ -6,8 +6,8 @@
 
 namespace tracecore {
 
-// textCipher_t is the block cipher behind scrambleText and unscrambleText: 64-bit cipher feedback,
-// begun anew for each text. Its block holds the key stream after encipher(); the next one grows
+// textCipher_t is the block cipher of scrambleText and unscrambleText: 64-bit cipher feedback,
+// restarted for each text. Its block holds the key stream after encipher(); the next one grows
 // from the scrambled bytes put in its place.
 class textCipher_t
 {

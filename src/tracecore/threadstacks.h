@@ -14,11 +14,11 @@ namespace tracecore {
 // A system clock: UTC, in 100 ns since 1601.
 using systemClock_t = void(WINAPI*)(FILETIME*);
 
-// traceStackEntry_t is one open function. Asking the system for the local time is dear, so the
+// traceStackEntry_t is one open function. Asking the system for the local time is expensive, so the
 // entry time becomes local only when it is written.
 struct traceStackEntry_t {
     std::string name;     // UTF-8, a copy of the caller's
-    uint64_t entered = 0; // the push, as the system clocks tell it
+    uint64_t entered = 0; // the push, by the system clocks
     bool written = false; // the entry record was emitted; the main frame's is read by other threads
 
     bool isWritten() const noexcept;
@@ -39,10 +39,9 @@ struct threadFrames_t {
 
 // threadStacks_t is the table of open functions.
 //
-// A thread's stack is touched by that thread alone, so only finding it has to be safe: a thread
-// claims one of a few slots that its id leads to, and gives it back with its last frame. The lock
-// is for the threads that find all of theirs taken, whose stacks lie in the map, and for the main
-// frame.
+// A thread's stack is touched by that thread alone, so only finding it needs care: a thread claims
+// one of a few slots that its id leads to, and gives it back with its last frame. The lock is for
+// the threads that find all of theirs taken, whose stacks lie in the map, and for the main frame.
 class threadStacks_t
 {
 public:
@@ -54,7 +53,7 @@ public:
     void push(const char* name);
 
     // pop closes the calling thread's last function, if it has one. A thread without functions has
-    // no stack in the table, but for the thread that built it.
+    // no stack in the table, except the thread that built it.
     void pop() noexcept;
 
     // current is the calling thread's last open function, or the main frame.

@@ -83,8 +83,8 @@ std::wstring expandedOf(const CRegistryKey& key, const wchar_t* name)
     return expanded.substr(0, got - 1);
 }
 
-// named tells whether a subkey of the tracing key has a value of this name; false, too, if there is
-// no such key.
+// named is true if a subkey of the tracing key has a value of this name; false, too, if there is no
+// such key.
 bool named(const CRegistryKey& tracing, const wchar_t* subkey, const std::wstring& name)
 {
     CRegistryKey key;
@@ -257,7 +257,7 @@ void sweepOldTraces(const std::wstring& path, uint8_t flag)
     } release{turn.get()};
     const DWORD waited = WaitForSingleObject(turn.get(), 0);
     if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
-        return; // another process is at it: a later look tries again
+        return; // another process is sweeping: a later look tries again
     sweepDone = 1;
     const size_t dot = path.rfind(L'.');
     if (!flag || dot == std::wstring::npos)

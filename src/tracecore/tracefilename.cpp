@@ -47,7 +47,7 @@ std::wstring lowerCase(std::wstring text)
 
 void makeFolders(const std::wstring& folder)
 {
-    // What can't be made, or is there already, is no matter: the file's opening tells.
+    // Failures are ignored here: a folder that is missing shows when the file is opened.
     for (size_t end = folder.find_first_of(separators, 1); end != std::wstring::npos;
          end = folder.find_first_of(separators, end + 1))
         CreateDirectoryW(folder.substr(0, end).c_str(), nullptr);

@@ -14,7 +14,7 @@ namespace tracecore {
 // newFileAlways: stamps the name
 // ie1:           false stamps the name for one program, see the source
 // noTimestamp:   false stamps the name, too
-// fileName:      if not blank, the result, as it stands but for blanks around it
+// fileName:      if not blank, the result, as it stands except for blanks around it
 // tracePath:     the folder, made with its parents if it is missing; the module's own if blank
 std::wstring composeTraceFileName(HMODULE module, bool newFileAlways, bool ie1, bool noTimestamp,
                                   const std::wstring& fileName, const std::wstring& tracePath);

@@ -24,7 +24,7 @@ std::atomic<bool> ready{false}; // the tracer is built and not yet destroyed
 
 [[gnu::init_priority(initTracer)]] realTracer_t tracer;
 
-// Built behind the tracer, destroyed before it: calls from outside its life do nothing.
+// Built after the tracer, destroyed before it: calls outside its life do nothing.
 [[gnu::init_priority(initTracer)]] const struct readyMark_t {
     readyMark_t() noexcept { ready = true; }
     ~readyMark_t() { ready = false; }
@@ -35,8 +35,9 @@ bool closed() noexcept
     return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
 }
 
-// writerTurn_t is the right to write. The mutex may be missing, or be another's who grants no right
-// to wait: then the lock of the stacks, which is taken after it anyway, keeps the writers apart.
+// writerTurn_t is the right to write. The mutex may be missing, or belong to somebody who grants no
+// right to wait: then the lock of the stacks, which is taken after it anyway, keeps the writers
+// apart.
 class writerTurn_t
 {
 public:
@@ -113,7 +114,7 @@ void flushPending()
     }
 }
 
-// Narrow formats mean narrow arguments, which a wide format has to be told.
+// Narrow formats mean narrow arguments, which a wide format has to mark.
 void markNarrow(std::wstring& format, const wchar_t* conversion)
 {
     for (size_t at = format.find(conversion); at != std::wstring::npos;

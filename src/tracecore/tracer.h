@@ -11,11 +11,11 @@
 // entered.
 //
 // Every operation may be called on any thread, raises nothing by design and returns no failure.
-// Each leaves the thread's last error as it found it. Narrow texts are UTF-8 but for formats, which
+// Each leaves the thread's last error as it found it. Narrow texts are UTF-8 except formats, which
 // are in the active code page.
 namespace tracecore {
 
-// traceActive tells whether messages go anywhere; test it before building an expensive text.
+// traceActive is true if messages go anywhere; test it before building an expensive text.
 bool traceActive() noexcept;
 
 // traceEnter pushes a frame for the calling thread and looks at the configuration when that is due.
@@ -26,9 +26,9 @@ void traceEnter(const char* name);
 // traceLeave pops the calling thread's last frame, and writes its exit if its entry was written.
 void traceLeave();
 
-// traceText, traceFormat and traceFormatW write a plain message, level U. The latter two take printf
-// arguments and format nothing unless tracing is active. In traceFormat %s is narrow and %ls wide; a
-// text of more than 399 characters is cut there. ignored is always 0. traceFormatW follows
+// traceText, traceFormat and traceFormatW write a plain message, level U. The latter two take
+// printf arguments and format nothing unless tracing is active. In traceFormat %s is narrow and %ls
+// wide; a text of more than 399 characters is cut there. ignored is always 0. traceFormatW follows
 // formatWide and cuts nothing.
 void traceText(const char* text);
 void traceFormat(int ignored, const char* format, ...);
@@ -52,7 +52,7 @@ void traceNote(const char* text);
 void traceNoteW(const std::wstring& text);
 void traceNotePair(const char* first, const char* second);
 
-// traceException notes label and the exception's own text, one behind the other.
+// traceException notes label and the exception's own text, one after the other.
 //
 // Returns: E_UNEXPECTED, always
 HRESULT traceException(const char* label, const std::exception& exception);

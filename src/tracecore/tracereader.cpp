@@ -259,7 +259,7 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
         return std::nullopt;
     m_scan = m_at + 1;
     const size_t length = bytes.size() < recordHeaderSize ? 0 : textLength(bytes);
-    // Long texts that turn out wrong again and again use the patience up; then a glance has to do.
+    // Long texts that turn out wrong again and again use up the patience; then a glance has to do.
     const uint64_t patience = 4 * (m_base + m_at) + (1 << 20);
     const size_t limit = m_wasted + length <= patience ? std::max(length, glance) : glance;
     const look_t found = look(m_at, limit);
@@ -269,8 +269,8 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
         return std::nullopt;
     if (found == look_t::no) {
         m_wasted += limit == glance ? 0 : length;
-        // With a record right behind it, only the text is damaged. If there is one within it, its
-        // length is, which happens to end where another record begins.
+        // With a record right after it, only the text is damaged. If there is one within it, the
+        // length is damaged too, and happens to end where another record begins.
         const bool framed =
             bytes.size() >= recordHeaderSize && isKnown(static_cast<char>(bytes[4])) &&
             isLengthOf(static_cast<char>(bytes[4]), length) && length <= mendedLimit;
@@ -292,7 +292,7 @@ std::optional<traceItem_t> traceReader_t::nextRecord()
 }
 
 // search moves m_scan to the next record that makes sense, or to end. A short text may be chance,
-// so that the record behind it has to make sense too.
+// so the record after it has to make sense too.
 //
 // Returns: false if more bytes are needed
 bool traceReader_t::search(size_t end)

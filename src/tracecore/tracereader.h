@@ -25,7 +25,7 @@ struct traceRecord_t {
     bool mended = false; // bytes of the text that were no UTF-8 have been replaced by U+FFFD
 };
 
-// traceDamage_t tells of bytes that make no sense, or with bytes = 0 of something missing.
+// traceDamage_t describes bytes that make no sense or, with bytes = 0, something that is missing.
 struct traceDamage_t {
     uint64_t offset = 0;
     uint64_t bytes = 0; // skipped
@@ -35,9 +35,9 @@ struct traceDamage_t {
 using traceItem_t = std::variant<traceHeader_t, traceRecord_t, traceDamage_t>;
 
 // traceReader_t turns the bytes of a trace file into its header, its records and the damage between
-// them, in the order of the file. Bytes come in pieces of any size. It never fails: behind damage
-// it goes on with the next bytes that look like a record. A record has no mark to find it by, so
-// this is judged by its level, its length, its text and the record behind it. Time is linear in the
+// them, in the order of the file. Bytes come in pieces of any size. It never fails: after damage it
+// goes on with the next bytes that look like a record. A record has no mark to find it by, so this
+// is judged by its level, its length, its text and the record after it. Time is linear in the
 // file's size; memory is what was appended at once, and the record or the damage at hand.
 //
 //     while (read(piece)) { reader.append(piece); while (auto item = reader.next()) ... }

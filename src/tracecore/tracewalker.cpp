@@ -62,7 +62,7 @@ calendarDay_t calendarOf(int32_t day) noexcept
             static_cast<int>(static_cast<unsigned>(date.day()))};
 }
 
-// The date that a header tells holds until the first stamp; its time is that of no record.
+// The header's date holds until the first stamp; its time is that of no record.
 void traceWalker_t::takeHeader(const traceHeader_t& header)
 {
     for (const std::string& line : header.lines) {

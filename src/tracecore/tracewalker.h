@@ -54,9 +54,9 @@ struct traceStep_t {
 // traceWalker_t follows the items of one file: the stamps give each record its time, the entries
 // and exits of each thread its open functions.
 //
-// Damage may hide entries and exits. So it makes all threads forget their open functions, after
-// which what a thread opens anew is right again; an exit with no entry is passed over. A new writer
-// (N) makes its thread forget, since the system gives thread ids out again.
+// Damage may hide entries and exits. So it makes all threads forget their open functions; those
+// that a thread opens afterwards are right again, and an exit with no entry is passed over. A new
+// writer (N) makes its thread forget, since the system reuses thread ids.
 class traceWalker_t
 {
 public:

@@ -24,7 +24,7 @@ bool steers(const std::string& text)
     return false;
 }
 
-// Names that are one to a restore, which keeps the last.
+// Names that a restore takes for the same file. It keeps the last.
 class CNames
 {
 public:

@@ -241,7 +241,7 @@ void CBackupView::DecodeCategories(const CDerElement& element)
         const std::string where = placeText("categories", i);
         if (Sequence(list[i], where, pair) && pair.Count() != 2)
             Find(Grade::error, where, countText(pair.Count(), "element") + " in a pair");
-        BackupCategory category; // a missing item is an empty text, as a restore has it
+        BackupCategory category; // a missing item is an empty text, as in a restore
         if (pair.Count() > 0)
             category.name = Wide(pair[0], where + " name");
         if (pair.Count() > 1)

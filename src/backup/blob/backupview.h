@@ -47,11 +47,11 @@ struct BackupSettings {
     std::span<const uint8_t> dontPromptList; // the element as it is stored; empty if there is none
 };
 
-// BackupFinding is one thing that isn't as an export writes it, or that a reader should know before
-// a restore.
+// BackupFinding is one thing that an export would not write, or that a reader should know before a
+// restore.
 struct BackupFinding {
     enum class Grade {
-        note,    // read without harm: an earlier version's form, bytes behind the end
+        note,    // read without harm: an earlier version's form, bytes after the end
         warning, // restored as it is, but to a place or with a content that is worth a look
         error,   // a restore refuses, drops, misreads or replaces this part
     };
@@ -60,7 +60,7 @@ struct BackupFinding {
     std::string what;  // a clause; UTF-8, with names as they are stored
 };
 
-// CBackupView holds one decoded backup. Its bytes must stay.
+// CBackupView holds one decoded backup. The decoded bytes must outlive it.
 class CBackupView
 {
 public:
@@ -73,11 +73,11 @@ public:
     bool Restorable() const noexcept { return Verdict() != BackupFinding::Grade::error; }
     bool Sound() const noexcept { return Verdict() == BackupFinding::Grade::note; }
 
-    // MarkedOutside gives the files with a full path that lies in none of the folders, or deeper.
+    // MarkedOutside gives the files with a full path that isn't below any of the folders.
     // folders: full paths, UTF-8
     std::vector<const BackupFile*> MarkedOutside(std::span<const std::string> folders) const;
 
-    size_t elementCount = 0; // of the outer sequence: it alone tells the version
+    size_t elementCount = 0; // of the outer sequence: it alone gives the version
     bool oldLinks = false;   // quick link texts are narrow, as in backups of two elements
     size_t size = 0;         // bytes of the outer element
     std::vector<BackupFile> files;
@@ -102,6 +102,6 @@ private:
     void DecodeSettings(const CDerElement& element);
 };
 
-// backupVersionText tells what a backup of that many elements is and what a restore takes from it,
-// in one line.
+// backupVersionText says in one line what a backup of that many elements is and what a restore
+// takes from it.
 std::string backupVersionText(size_t elementCount);

@@ -92,7 +92,7 @@ bool blobcodec::encode(uint8_t tag, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_
             bytes = bytes.first(bytes.size() - 1);
         static constexpr uint8_t zero[] = {0};
         if (bytes.empty())
-            bytes = zero; // no bytes are the number 0, which has an octet
+            bytes = zero; // no bytes stand for 0, which takes one octet
     }
     BYTE* out = beginElement(tag, bytes.size(), slot);
     if (!out)
@@ -136,7 +136,7 @@ CVLWStrBlob::CVLWStrBlob(const wchar_t* text) noexcept : CVLAnyBlob(structAnyStr
 
 _CRYPTOAPI_BLOB* CVLWStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
 {
-    // Whole code units only; a blob filled by hand may have half of one behind them.
+    // Whole code units only; a blob filled by hand may have half of one after them.
     return blobcodec::encode(derTag::bmpString, {cbData & ~1U, pbData}, slot) ? &slot : nullptr;
 }
 

@@ -10,8 +10,8 @@
 #include "common/status.h"
 
 // The blobs that carry plain and encoded values, and the sequence of encoded elements that a backup
-// is at every level. The bytes are DER; derreader.h tells what is read besides. What can't
-// be decoded raises nothing: the blob shows it by what it holds.
+// is at every level. The bytes are DER; derreader.h says what else is read. Bytes that can't be
+// decoded raise nothing: what the blob then holds shows it.
 //
 // Errors: a failed allocation raises _com_error with E_OUTOFMEMORY, except in constructors, which
 //         leave the object empty or short
@@ -106,7 +106,7 @@ public:
         Forget();
     }
 
-    // Assign replaces the bytes by a copy of others than its own. No bytes leave it empty.
+    // Assign replaces the bytes by a copy of bytes that aren't its own. No bytes leave it empty.
     void Assign(const void* bytes, DWORD count)
     {
         Free();
@@ -125,8 +125,8 @@ public:
         return blobcodec::encode(blobcodec::tagOf(structType), *this, slot);
     }
 
-    // DecodeAs replaces the encoded bytes by the octet string's or the integer's own, the latter
-    // little-endian. False, with the encoded bytes kept, if they are none.
+    // DecodeAs replaces the encoded bytes by the contents of the octet string or integer, an
+    // integer's little-endian. False, with the encoded bytes kept, if they aren't one.
     bool DecodeAs(structType_t structType)
     {
         _CRYPTOAPI_BLOB contents{};
@@ -215,8 +215,8 @@ public:
 // Not sign-extended: what was written from 0xFFFFFFFF reads back as 0xFF. Intended.
 uint32_t readInteger(const _CRYPTOAPI_BLOB& element) noexcept;
 
-// CDataBlob_s holds a secret: its bytes are overwritten before they are freed, in a way that stays
-// in the program.
+// CDataBlob_s holds a secret: its bytes are overwritten before they are freed, in a way that the
+// compiler can't leave out.
 class CDataBlob_s : public CVLCryptBlob
 {
 public:
@@ -232,7 +232,7 @@ public:
 class CVLBlobSeq
 {
 public:
-    // n: empty slots to make, one after the other; short of memory a slot is skipped
+    // n: empty slots to make, one after the other; for lack of memory a slot is skipped
     explicit CVLBlobSeq(DWORD n = 0) noexcept;
     CVLBlobSeq(const CVLBlobSeq&) = delete;
     CVLBlobSeq& operator=(const CVLBlobSeq&) = delete;

@@ -44,8 +44,8 @@ constexpr uint8_t* derWriteHeader(uint8_t* out, uint8_t tag, size_t length) noex
     return out;
 }
 
-// derRepeatsSign tells whether an integer's first octet says no more than the sign of the next one
-// does, so that the shortest form leaves it out.
+// derRepeatsSign is true if an integer's first octet only repeats the sign of the next one, so that
+// the shortest form leaves it out.
 constexpr bool derRepeatsSign(uint8_t first, uint8_t next) noexcept
 {
     return first == ((next & 0x80) != 0 ? 0xFF : 0x00);

@@ -26,7 +26,7 @@ public:
     size_t Count() const noexcept; // children; 0 for anything but a sequence
 
     // SetOctets borrows the bytes: they must stay until the tree is written. keepAlive, if given,
-    // is held so long.
+    // is held by the node.
     void SetOctets(std::span<const uint8_t> bytes, std::shared_ptr<const void> keepAlive = {});
     // SetWide copies the text up to its first zero as a BMPString that ends in 00 00.
     void SetWide(std::u16string_view text);

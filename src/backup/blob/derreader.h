@@ -9,16 +9,16 @@
 //
 // The platform's decoder reads some forms that DER forbids, and hosts have backups from it, so
 // these are read too:
-//   - a length in more octets than it needs, up to four behind the first (04 81 01 41)
+//   - a length in more octets than it needs, up to four after the first (04 81 01 41)
 //   - an integer with needless octets in front, or with none at all (02 00)
-//   - bytes behind the outer element, as each operation on a whole element ignores them
+//   - bytes after the outer element, which each operation on a whole element ignores
 // and these are refused, as it refuses them:
 //   - indefinite length (80), the reserved first octet FF, five or more length octets
 //   - an element that is longer than what is left
 //   - a tag other than the one asked for, which for a sequence is 30 alone
-// It differs in these: an element of a tag number above 30, whose tag takes more octets, is stepped
-// over whole, and a string cut into segments (24) is refused, as the format never had either. There
-// is no limit to the size of an element but the 32 bits of a length of four octets.
+// It differs in two points: an element with a tag number above 30, whose tag takes more octets, is
+// stepped over whole, and a string cut into segments (24) is refused; the format never had either.
+// The only limit to an element's size is the 32 bits of a length of four octets.
 class CDerReader
 {
 public:
@@ -26,15 +26,15 @@ public:
 
     bool AtEnd() const noexcept { return m_rest.empty(); }
 
-    // Announced gives the size of the next element as its tag and length have it, whether or not so
-    // much is left; 0 if they can't be read.
+    // Announced gives the size of the next element as its tag and length state it, whether or not
+    // that much is left; 0 if they can't be read.
     size_t Announced() const noexcept;
 
     // Read takes an element of that tag.
     // contents: the content octets without tag and length, a view into the reader's bytes
     [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept;
 
-    // ReadAny takes an element of any tag; of a tag of several octets, the first is told.
+    // ReadAny takes an element of any tag; tag gets the first octet of a tag of several.
     [[nodiscard]] bool ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept;
 
     // ReadElement takes an element of any tag whole, with tag and length.

@@ -10,8 +10,8 @@
 // copy of its bytes. A view without bytes stands for a missing element. Portable.
 //
 // A Decode operation gives false and leaves its out argument alone when the element doesn't have
-// the form. The other readings then take it as a blob has it that refused to decode: as the encoded
-// bytes, which it still holds.
+// the form. The other readings then fall back to the encoded bytes, tag and length included, as a
+// blob that can't be decoded does.
 class CDerElement
 {
 public:
@@ -22,7 +22,7 @@ public:
 
     // DecodeWide reads a BMPString, leaving out an odd last octet, and a UTF8String. It also reads
     // NumericString, PrintableString, T61String, VideotexString, IA5String, GraphicString and
-    // VisibleString, whose octets stand as they are for UTF-16 in host order, two a unit.
+    // VisibleString, whose octets are taken as they are for UTF-16 in host order, two to a unit.
     //
     // units:  all of them, the stored terminator included
     // Errors: std::bad_alloc
@@ -54,9 +54,9 @@ private:
 class CDerSequenceView
 {
 public:
-    // Decode reads the sequence at the front of the bytes; what stands behind it is ignored. The
-    // elements themselves are not looked into. False if it isn't one or any element is cut short.
-    // The old elements are kept then, and when it raises.
+    // Decode reads the sequence at the front of the bytes and ignores what follows it. The elements
+    // themselves are not looked into. False if the bytes aren't a sequence or an element is cut
+    // short; the old elements are kept then, and also when it raises.
     //
     // Errors: std::bad_alloc
     [[nodiscard]] bool Decode(std::span<const uint8_t> bytes);

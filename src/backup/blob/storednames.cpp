@@ -53,7 +53,7 @@ std::vector<std::u16string_view> partsOf(std::u16string_view path)
     return parts;
 }
 
-// The names that stand for a device in every folder, whatever extension is behind them.
+// The names that stand for a device in every folder, whatever extension follows.
 bool isDevice(std::u16string_view name)
 {
     const std::u16string_view base = trimmedEnd(name.substr(0, name.find_first_of(u".:")));
@@ -74,7 +74,7 @@ std::string schemeOf(const std::string& target)
         const auto c = static_cast<unsigned char>(target[i]);
         if (c <= ' ')
             continue;
-        if (c == ':') { // behind a host a number is its port
+        if (c == ':') { // a number after a host is its port
             const bool host = scheme == "localhost" || scheme.find('.') != std::string::npos;
             return host && i + 1 < target.size() && target[i + 1] <= '9' ? std::string() : scheme;
         }

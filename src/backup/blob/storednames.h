@@ -6,22 +6,22 @@
 // What the names in a backup mean to a restore, judged by their text alone: on the machine where a
 // backup is looked at, its paths may not exist. Portable. Names are UTF-8.
 
-// fileNamePart gives what stands behind the last separator, which is what a restore keeps of a name
-// for the personal folder.
+// fileNamePart gives what follows the last separator, which is what a restore keeps of a name for
+// the personal folder.
 std::string fileNamePart(const std::string& path);
 
-// pathKey gives a full path, on a drive or a network share, so that two paths of one file have one
-// key: prefixes such as \\?\ are gone, separators are backslashes and single, "." and ".." are
-// resolved, dots and blanks at the ends of parts are dropped, letters are lower-case.
+// pathKey gives the key of a full path, on a drive or a network share; two paths of one file have
+// the same key: prefixes such as \\?\ are gone, separators are backslashes and single, "." and ".."
+// are resolved, dots and blanks at the ends of parts are dropped, letters are lower-case.
 //
 // Returns: empty for a path that isn't full
 std::u16string pathKey(const std::string& path);
 
-// nameKey does the same to a file name.
+// nameKey does the same for a file name.
 std::u16string nameKey(const std::string& name);
 
-// caseKey gives text so that texts which differ in case alone have one key: letters of the Latin,
-// Greek and Cyrillic alphabets are lower-case.
+// caseKey gives texts that differ only in case the same key: letters of the Latin, Greek and
+// Cyrillic alphabets are lower-case.
 std::u16string caseKey(const std::string& text);
 
 // isBelow is true for the key of a path in the folder of the other key, or deeper.
@@ -31,7 +31,8 @@ bool isBelow(std::u16string_view key, std::u16string_view folder) noexcept;
 // users, on any drive.
 bool isGuardedPlace(std::u16string_view key) noexcept;
 
-// nameFault says why the file system would not take a part of a path as it stands; null if it would.
+// nameFault says why the file system would not take a part of a path as it stands; null if it
+// would.
 const char* nameFault(const std::string& name);
 
 // targetWarning says what a quick link opens that is no web address; null if it is one.

@@ -14,8 +14,8 @@ std::string utf8FromUtf16(std::u16string_view text);
 // sequence is taken up to the octet that broke it, and gives U+FFFD.
 char32_t takeCharacter(std::string_view& text);
 
-// isSteering is true for a character that steers what shows it instead of being shown: controls,
-// the separators of lines and paragraphs, and the marks that change the direction of what follows.
+// isSteering is true for a character that acts on the display instead of being shown: controls, the
+// separators of lines and paragraphs, and the marks that change the direction of what follows.
 constexpr bool isSteering(char32_t c) noexcept
 {
     return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x61C || c == 0x200E || c == 0x200F ||
