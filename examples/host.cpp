@@ -37,7 +37,7 @@ template <class Interface> struct reference {
     void** put() { return reinterpret_cast<void**>(&object); }
 };
 
-// show prints what the dashboard shows of one plug-in.
+// show prints what the dashboard shows about one plug-in.
 HRESULT show(IUnknown* plugin)
 {
     reference<IVLKTElementUI> element;
@@ -73,7 +73,8 @@ HRESULT show(IUnknown* plugin)
     return status;
 }
 
-// load makes an object of the class in the DLL. It is no registered class: the DLL is asked itself.
+// load makes an object of the class in the DLL. The class isn't registered with COM, so the DLL
+// itself is asked for its factory.
 HRESULT load(const wchar_t* path, REFCLSID classId, IUnknown** plugin)
 {
     // Stays loaded until the process ends.

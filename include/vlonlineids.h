@@ -8,7 +8,7 @@
 #include <unknwn.h>
 #include <oaidl.h>
 
-// One compiler takes the identifier of an interface with its declaration, the other after it.
+// One compiler takes an interface's identifier in its declaration, the other one after it.
 #ifdef _MSC_VER
 #define VLONLINEIDS_UUID(identifier) __declspec(uuid(identifier)) __declspec(novtable)
 #else

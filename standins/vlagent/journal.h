@@ -24,8 +24,8 @@ private:
     std::string m_json;
 };
 
-// journal_t appends lines to a file that others may read meanwhile. Not opened, it keeps nothing.
-// Any thread may write: each line is one call of the system.
+// journal_t appends lines to a file that others may read meanwhile. Without a file it keeps
+// nothing. Any thread may write: each line is one call of the system.
 class journal_t
 {
 public:

@@ -28,7 +28,7 @@ struct request_t {
     std::optional<std::string> name; // none when it isn't terminated within the buffer
 };
 
-// The buffer is copied once: its client could change it while it is being looked at.
+// The buffer is copied once: its client could change it while it is being checked.
 request_t readRequest(const void* view)
 {
     std::vector<char> bytes(names.bufferSize);
@@ -70,8 +70,8 @@ bool isUtf8(std::string_view text)
                                                static_cast<int>(text.size()), nullptr, 0) > 0;
 }
 
-// check gives the reason for which a request is refused; null for a good one. The value is taken in
-// any case, so that it doesn't stay in the block.
+// check says why a request is refused; null for a good one. The value is taken in any case, so that
+// it doesn't stay in the block.
 const char* check(const request_t& request, std::string& value)
 {
     const char* const noPayload = readPayload(value);

@@ -46,7 +46,7 @@ std::wstring lastErrorText()
     return L" (error " + std::to_wstring(GetLastError()) + L")";
 }
 
-// Returns: none for words that can't be understood, which it has told already
+// Returns: none for words that can't be understood, after reporting them
 std::optional<options_t> readOptions()
 {
     int count = 0;

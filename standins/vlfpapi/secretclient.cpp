@@ -60,7 +60,7 @@ template <class Function> Function CSecretClient::Find(const char* name) noexcep
     return reinterpret_cast<Function>(found);
 }
 
-// Never from the current folder: another library of that name would be handed the secret.
+// Never from the current folder: another library of that name would get the secret.
 CSecretClient::CSecretClient()
     : m_library(LoadLibraryExW(L"VLFPApi.dll", nullptr,
                                LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32))

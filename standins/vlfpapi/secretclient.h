@@ -11,7 +11,7 @@
 // What a program needs to use the secret store of VLFPApi.dll for its own user.
 
 // CSecretBytes overwrites its bytes when they go. They are sized once and never grow, since a
-// vector that grows leaves copies behind.
+// vector that grows leaves copies in freed memory.
 struct CSecretBytes {
     std::vector<BYTE> bytes;
 

@@ -34,12 +34,12 @@ LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
 // VLFPSetPolicySettingsEx keeps the low 32 bits of each record's value for the machine and sets its
 // status.
 //
-// Returns: 0, or the first record's failure; the records behind it are not written. A caller who
+// Returns: 0, or the first record's failure; the records after it are not written. A caller who
 //          may not write there gets 0x80070005: a policy of the machine never becomes one user's.
 LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
 
-// VLFPDoesSecretExist tells whether the calling user's store has the secret: 1 or 0. The store is
-// the thread's user's; user is only a part of the name under which the secret is kept.
+// VLFPDoesSecretExist returns 1 if the calling user's store has the secret, else 0. The store is
+// that of the thread's user; user is only a part of the name under which the secret is kept.
 LONG VLFPDoesSecretExist(const wchar_t* user, uint32_t kind, const wchar_t* name);
 
 // VLFPStoreSecret keeps a secret in place of any former one. Names compare without regard to case.

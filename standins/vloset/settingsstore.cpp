@@ -15,7 +15,7 @@ std::optional<std::wstring> readtext(HKEY root, const wchar_t* key, const wchar_
         }
         if (error != ERROR_MORE_DATA)
             return std::nullopt;
-        text.resize(text.size() * 2); // the size told then is not the expanded text's everywhere
+        text.resize(text.size() * 2); // not every system reports the expanded text's size then
     }
 }
 

@@ -19,5 +19,5 @@ const SettingDef* findsetting(std::wstring_view key) noexcept;
 // defaulttext is the setting's text while none is stored.
 //
 // expanded: false keeps the references. With true, a text whose variable is not set is empty, so
-//           that no folder of that odd name comes into being
+//           that no folder with the reference in its name is ever made
 std::wstring defaulttext(const SettingDef& setting, bool expanded);

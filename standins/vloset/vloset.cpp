@@ -32,7 +32,7 @@ std::wstring diagnosis(const SettingDef& setting)
     return std::wstring(setting.key) + L" = '" + answer.text + L"' (" + source + L")";
 }
 
-// Nothing may pass the edge of the library but a status.
+// Only a status may leave the library, never an exception.
 template <class Operation>
 HRESULT checked(const SettingsRequest* request, const Operation& operation) noexcept
 {

@@ -7,8 +7,8 @@
 // reads as the key's default.
 //
 // All four take one SettingsRequest and raise nothing.
-// Returns: 0x80070057 for no request, a size other than 20, a null key, or an answer without a
-//          place; 0x80070002 for a key that isn't one, 0x8007000E out of memory
+// Returns: 0x80070057 for no request, a size other than 20, a null key, or nowhere to put
+//          the answer; 0x80070002 for a key that isn't one, 0x8007000E out of memory
 extern "C" {
 
 // api_settings_query answers with the value, references in it expanded.

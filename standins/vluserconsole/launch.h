@@ -17,7 +17,7 @@ struct launch_t {
     std::wstring complaint; // why the command line can't be followed; empty if it can
 };
 
-// readLaunch takes the command line apart. An option beats its environment variable.
+// readLaunch parses the command line. An option overrides its environment variable.
 //
 // Source: GetCommandLineW; the environment variables VLUSERCONSOLE_LOG and VLUSERCONSOLE_NO_WINDOW
 //         (not empty), for those who start the console through a plug-in; %LOCALAPPDATA%

@@ -9,7 +9,7 @@ namespace {
 
 using Grade = BackupFinding::Grade;
 
-// documentFault says at what a restore fails in a document that is JSON; null if at nothing. Its
+// documentFault says where a restore fails in a document that is JSON; null if it doesn't. The
 // files are written by then.
 const char* documentFault(const Json::Value& root)
 {

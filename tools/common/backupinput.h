@@ -34,5 +34,5 @@ const char* verdictText(const CBackupView& backup);
 std::string findingText(const BackupFinding& finding);
 
 // parseDocument reads a settings document as leniently as a restore does: it may have comments, and
-// text behind it. Nothing if it isn't JSON.
+// text after its end. Nothing if it isn't JSON.
 std::optional<Json::Value> parseDocument(const std::string& text);

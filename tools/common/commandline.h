@@ -10,7 +10,7 @@
 #include "common/toolerror.h"
 
 // runTool is the frame of every tool: it parses the arguments, runs the chosen command's callback
-// and then work, and makes one printable line on err of whatever failure they raise.
+// and then work, and reports whatever failure they raise in one printable line on err.
 //
 // arguments: UTF-8, without the program's name
 // out:       UTF-8, or bytes as they are; flushed at the end

@@ -23,7 +23,7 @@ std::error_code lastError() noexcept
     return {static_cast<int>(GetLastError()), std::system_category()};
 }
 
-// openEntry opens a file or folder without hindering anybody else.
+// openEntry opens a file or folder without getting in anybody's way.
 CFileHandle openEntry(const fs::path& path, DWORD access) noexcept
 {
     return CFileHandle(CreateFileW(path.c_str(), access,
@@ -151,7 +151,8 @@ std::error_code flushFile(const fs::path& path) noexcept
     return error;
 }
 
-// A file that is replaced was perhaps closed to others, and a link leads to it still.
+// The new file gets the old one's permissions, which may shut others out. A link keeps leading to
+// it.
 std::error_code moveFile(const fs::path& from, const fs::path& to, bool replace) noexcept
 {
     std::error_code error;

@@ -17,12 +17,12 @@ std::ifstream openInput(const std::string& name);
 // readInput reads a whole input.
 std::vector<uint8_t> readInput(const std::string& name, std::istream& standardInput);
 
-// checkRead raises if the last reading of the stream failed in another way than at its end.
+// checkRead raises if the last read of the stream failed for another reason than its end.
 void checkRead(const std::string& name, const std::istream& stream);
 
 // shownInput is the name for a message: "standard input" for "-".
 std::string shownInput(const std::string& name);
 
-// describeBytes says what the bytes of a file are that isn't what was wanted, as in "a ZIP archive",
-// "text", "nothing but zeros" or "bytes that begin 4D 5A 90 00".
+// describeBytes says what the bytes of an unsuitable file are, as in "a ZIP archive", "text",
+// "nothing but zeros" or "bytes that begin 4D 5A 90 00".
 std::string describeBytes(std::span<const uint8_t> bytes);

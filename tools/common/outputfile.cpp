@@ -42,7 +42,7 @@ void COutputFile::Create()
     if (entryKind(m_target) == EntryKind::other) {
         m_file.open(m_target, std::ios::binary);
     } else {
-        // Not the target's name with more behind: it may be as long as names can be.
+        // Not the target's name with a suffix: it may be as long as names can be.
         std::error_code error;
         int number = 0;
         std::filesystem::path path;

@@ -7,7 +7,7 @@
 #include <vector>
 
 // COutputFile is a file that is written beside its target and renamed when it is complete, so that
-// the target is whole or as it was. It goes again if it isn't completed.
+// the target is whole or as it was. Without completion it is removed.
 //
 // A device or a pipe is written directly, as there is nothing to keep.
 //

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-// printable gives text that a terminal only shows, whoever wrote it. These are written out:
+// printable gives text that can't control a terminal, whoever wrote it. These are written out:
 //
 //     \n \r \t         the line feed, the carriage return, the tab
 //     \x1B             every other control character below U+0020, and U+007F
@@ -15,5 +15,5 @@
 // text: UTF-8, or any bytes
 std::string printable(std::string_view text);
 
-// printableLines does the same to text of several lines: LF and CR LF stay, as LF.
+// printableLines does the same for text of several lines: LF and CR LF stay, as LF.
 std::string printableLines(std::string_view text);

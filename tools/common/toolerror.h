@@ -5,7 +5,7 @@
 
 #include "common/exitstatus.h"
 
-// CToolError ends a tool with one line on standard error: what is wrong, and a hint what to do
+// CToolError ends a tool with one line on standard error: what is wrong, and a hint on what to do
 // about it.
 class CToolError : public std::runtime_error
 {

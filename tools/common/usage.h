@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-// usageError tells what is wrong with a command line that app refused. A word that is no command is
+// usageError says what is wrong with a command line that app refused. A word that is no command is
 // named: the parser itself would only say that a command is required.
 inline std::string usageError(const CLI::App& app, const CLI::Error& error)
 {

@@ -32,7 +32,7 @@ struct openBackup_t {
     bool readable;
 };
 
-// CCommands holds one operation a verb. Each gives the exit status.
+// CCommands has one operation for each verb. Each gives the exit status.
 class CCommands
 {
 public:
@@ -77,7 +77,7 @@ public:
         return exitStatus::good;
     }
 
-    // What is no backup is a finding as well, in JSON; for a reader it has a better line.
+    // In JSON, bytes that are no backup are a finding as well; a reader gets a better line.
     int Verify() const
     {
         const openBackup_t backup(m_options.backup, m_in);
@@ -141,7 +141,7 @@ private:
 
     std::span<const uint8_t> ContentOf(const CBackupView& backup) const
     {
-        // The last of a name is what a restore leaves on the disk.
+        // Of files with the same name, a restore leaves the last on the disk.
         const auto file =
             std::find_if(backup.files.rbegin(), backup.files.rend(),
                          [&](const BackupFile& f) { return f.name == m_options.other; });

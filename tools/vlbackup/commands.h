@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// runVlbackup is the program but for main.
+// runVlbackup is the program except main.
 //
 // arguments: UTF-8, without the program's name
 // in:        binary; read when a backup is named "-"

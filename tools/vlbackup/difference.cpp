@@ -15,7 +15,7 @@ constexpr char encodedDifferently[] = "encoded differently";
 constexpr char onlyInTheFirst[] = "only in the first";
 constexpr char inAnotherOrder[] = "in another order";
 
-// One thing of an element: its name, and what is compared.
+// One item of an element: its name, and what is compared.
 struct item {
     std::string name;
     std::vector<std::pair<const char*, std::string>> fields;
@@ -154,7 +154,7 @@ std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBa
     both.compare("quicklinks", linksOf(first), linksOf(second));
     both.compare("categories", categoriesOf(first), categoriesOf(second));
     both.compare("settings", settingsOf(first), settingsOf(second));
-    // The same to a reader, yet maybe not the same bytes.
+    // The same for a reader, but maybe not the same bytes.
     constexpr std::array names = {"templates", "quicklinks", "categories", "settings"};
     const auto told = [&](size_t element) {
         return std::any_of(found.begin(), found.end(), [&](const BackupDifference& difference) {

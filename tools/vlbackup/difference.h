@@ -13,12 +13,12 @@ struct BackupDifference {
 };
 
 // compareBackups compares two backups element by element. Items are matched by name, and by their
-// order where a name comes twice; then the order of those that both have is compared, and at last
+// order where a name comes twice; then the order of those that both have is compared, and finally
 // the encoded bytes.
 //
-// Returns: empty only for backups that are equal byte for byte, bytes behind their ends left out
+// Returns: empty only for backups that are equal byte for byte, bytes after their ends left out
 std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBackupView& second);
 
-// reasonAfterRestore tells why the format itself makes such a difference between a backup and one
+// reasonAfterRestore says why the format itself makes such a difference between a backup and one
 // that was taken after restoring it elsewhere; empty for a difference that it does not explain.
 std::string reasonAfterRestore(const BackupDifference& difference);

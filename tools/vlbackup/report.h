@@ -6,7 +6,7 @@
 
 #include "backup/blob/backupview.h"
 
-// What the commands tell of a backup, as text for a reader and as JSON for a program.
+// What the commands report of a backup, as text for a reader and as JSON for a program.
 void listText(const CBackupView& backup, std::ostream& out);
 Json::Value listJson(const CBackupView& backup);
 

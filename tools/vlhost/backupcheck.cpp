@@ -21,7 +21,7 @@ struct storedFile_t {
     bool isTemplate = true;
 };
 
-// filesToStore lists what an export does, by the same look at the folders.
+// filesToStore lists the files that an export stores; it looks at the folders in the same way.
 std::vector<storedFile_t> filesToStore()
 {
     FolderSet folders;

@@ -5,8 +5,8 @@
 #include "backup/blob/backupview.h"
 #include "restoreplan.h"
 
-// The plug-in stores as empty what it can't read, and leaves out what it doesn't understand, without
-// a word. So a backup is compared with what is there.
+// The plug-in silently stores as empty what it can't read, and leaves out what it doesn't
+// understand. So a backup is compared with what is there.
 
 // refuseBackupOfNothing fails when the plug-in has no settings to find the user's data by.
 //

@@ -75,7 +75,7 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
     Json::Value json = jsonOf(contents, backup);
     json["file"] = arguments.file;
     json["findings"] = Json::Value(Json::arrayValue);
-    for (const auto& finding : view.findings) // the warnings are of what is on the disk as well
+    for (const auto& finding : view.findings) // warnings apply to what is on the disk as well
         if (finding.grade == BackupFinding::Grade::error)
             report(json, finding.where, finding.what, options.json);
     for (const auto& difference : differences)

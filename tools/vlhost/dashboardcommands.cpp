@@ -36,7 +36,7 @@ void tell(Json::Value& json, const char* name, int64_t number, const char* meani
     json[std::string(name) + "Meaning"] = meaning;
 }
 
-// property reads one property; what the plug-in refuses is told by its status in place of a value.
+// property reads one property; if the plug-in refuses it, its status takes the place of a value.
 Json::Value property(IVLKTElementUI* element, ULONG id)
 {
     CVariant value;
@@ -65,7 +65,7 @@ Json::Value statusOf(const CPluginHost& host)
     text.Get()->bstrVal = nullptr;
     const HRESULT result =
         host.Get<IVLKSecurityStatus>().get()->GetStatus(&status, &text.Get()->bstrVal);
-    const bool off = result == E_NOTIMPL; // how the plug-in tells that policy switched it off
+    const bool off = result == E_NOTIMPL; // how the plug-in says that policy switched it off
     if (FAILED(result) && !off)
         throw CToolError("the plug-in told no status: " + statusText(result));
     Json::Value json(Json::objectValue);
@@ -167,8 +167,8 @@ constexpr wchar_t dismissedKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard
                                    L"DismissMessages\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
 constexpr wchar_t dismissedLevel[] = L"2"; // the value that turns level 2 into level 4
 
-// undismiss takes the user's dismissal back. A dismissed notification can't: it is of level 4, and
-// writes its flag under that number.
+// undismiss takes the user's dismissal back. A dismissed notification can't do that itself: it is
+// of level 4, and writes its flag under that number.
 void undismiss()
 {
     const LSTATUS error = RegDeleteKeyValueW(HKEY_CURRENT_USER, dismissedKey, dismissedLevel);
@@ -178,7 +178,7 @@ void undismiss()
                          "it is the value 2 of HKCU\\" + utf8FromWide(dismissedKey));
 }
 
-// setShown shows or dismisses what the dashboard shows now, and asks the plug-in whether it is so.
+// setShown shows or dismisses what the dashboard shows now, and asks the plug-in if that worked.
 Json::Value setShown(const CPluginHost& host, bool shown)
 {
     CVariant flag;

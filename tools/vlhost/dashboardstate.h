@@ -5,7 +5,7 @@
 
 #include "registryvalue.h"
 
-// What a dashboard keeps of the quick link categories in the registry, and a restore replaces.
+// What a dashboard keeps about quick link categories in the registry, and a restore replaces.
 
 // dashboardState_t is empty where key or value isn't there.
 struct dashboardState_t {

@@ -13,10 +13,10 @@
 
 using bytes_t = std::vector<BYTE>;
 
-// The user's files as a backup and a restore have to do with them. Paths may be longer than
-// MAX_PATH, and need not be full.
+// The user's files as a backup and a restore use them. Paths may be longer than MAX_PATH, and need
+// not be full.
 
-// fileKey is equal for two names of one place: the full path in upper case.
+// fileKey is equal for two names of the same file: the full path in upper case.
 std::wstring fileKey(const std::wstring& path);
 
 // fileState_t is what a look at a file says.
@@ -24,7 +24,7 @@ struct fileState_t {
     DWORD attributes = 0;
     uint64_t size = 0; // bytes
 };
-// fileAt gives nothing where no file is, or a folder.
+// fileAt gives nothing if there is no file, or a folder.
 std::optional<fileState_t> fileAt(const std::wstring& path);
 
 // isThere is true for a file or folder.
@@ -53,7 +53,7 @@ bool fileEquals(const std::wstring& one, const std::wstring& other);
 
 // copyFile copies bytes and times over what may be there, read-only or not; the folder is made. The
 // copy's attributes are normal. settleFile waits until its bytes are on the disk, and gives it its
-// attributes. Many files are copied first and then settled: the first wait does for most of them.
+// attributes. Many files are copied first and then settled: the first wait covers most of them.
 //
 // Errors: CToolError
 void copyFile(const std::wstring& from, const std::wstring& to);

@@ -15,8 +15,8 @@ template <class Interface> struct interfaceReference {
 };
 template <class Interface> using CInterface = CScoped<interfaceReference<Interface>>;
 
-// CPluginHost is the plug-in as a dashboard has it: found in the registry, loaded, one object made.
-// Every failure is a CToolError with a hint.
+// CPluginHost is the plug-in as a dashboard uses it: found in the registry and loaded, with one
+// object made. Every failure is a CToolError with a hint.
 class CPluginHost
 {
 public:

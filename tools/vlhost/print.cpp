@@ -128,7 +128,7 @@ std::string objectText(IUnknown* object)
     return "an object with IVLKTElementUI";
 }
 
-// The order for people: what matters first. The parser's own is that of the alphabet.
+// The order for people: what matters first. The parser's own order is alphabetical.
 constexpr const char* memberOrder[] = {
     // of a plug-in and its notifications
     "file", "name", "number", "fixedName", "description", "caption", "explanation", "shown",
@@ -202,7 +202,7 @@ void append(std::string& text, const Json::Value& value, const std::string& inde
     }
     for (const auto& name : orderedMembers(value)) {
         if (name.ends_with(meaningSuffix))
-            continue; // stands behind what it explains
+            continue; // shown after what it explains
         text += indent + printable(labelOf(name)) + ':';
         appendMember(text, value[name], value[name + meaningSuffix].asString(), indent);
     }

@@ -16,8 +16,8 @@ std::string errorText(DWORD error);
 // statusText is "0x80070005 ERROR_ACCESS_DENIED: Access denied." with as much as is known.
 std::string statusText(HRESULT status);
 
-// jsonOfStatus and jsonOfVariant tell a status and a whole VARIANT, arrays and nested ones
-// included. Byte arrays are hexadecimal text; objects are told by what they are, not by their
+// jsonOfStatus and jsonOfVariant describe a status and a whole VARIANT, arrays and nested ones
+// included. Byte arrays are hexadecimal text; objects are shown by what they are, not by their
 // address.
 Json::Value jsonOfStatus(HRESULT status);
 Json::Value jsonOfVariant(const VARIANT& value);
@@ -25,11 +25,12 @@ Json::Value jsonOfVariant(const VARIANT& value);
 // hexText is bytes in lower-case hexadecimal.
 std::string hexText(const bytes_t& bytes);
 
-// plainText shows a value for people: one line a member, what matters first, nested ones indented.
-// A member named as another with "Meaning" behind stands in brackets behind that one.
+// plainText shows a value for people: one line per member, what matters first, nested ones
+// indented. A member that is named like another with "Meaning" added follows that one in brackets.
 std::string plainText(const Json::Value& value);
 
-// textOfPlan shows a plan in JSON, as restore and its undoing make them, for people: a line a file.
+// textOfPlan shows a plan in JSON, as restore and its undoing make them, for people: one line per
+// file.
 std::string textOfPlan(const Json::Value& plan);
 
 // printResult writes value to standard output, as JSON or for people.
@@ -40,7 +41,7 @@ class CProgress
 {
 public:
     CProgress(const char* what, size_t total);
-    ~CProgress(); // takes the line away
+    ~CProgress(); // removes the line
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
 

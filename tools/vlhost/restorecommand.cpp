@@ -56,7 +56,7 @@ HRESULT restore(const CPluginHost& host, const arguments_t& arguments, const byt
 }
 
 // readSecret takes the secret before anything is touched. The plug-in hands it to the agent, and
-// doesn't tell when there is none.
+// doesn't report that no agent is running.
 CSecretBytes readSecret(const arguments_t& arguments)
 {
     if (!arguments.secretFrom)
@@ -101,7 +101,7 @@ void compareLinks(const CPluginHost& host, const CBackupView& wanted,
                                               "template may be missing on this machine)"});
 }
 
-// CReport prints what is done, for people as it goes on, in JSON as one document at the end.
+// CReport prints what is done, for people as it happens, in JSON as one document at the end.
 class CReport
 {
 public:
@@ -289,7 +289,7 @@ std::string purposeText(const safetyCopy_t& copy)
 
 void listUndo(const options_t& options)
 {
-    const CSafetyCopies copies; // takes the copy of an earlier version over
+    const CSafetyCopies copies; // takes over the copy of an earlier version
     std::vector<std::wstring> damaged;
     std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
     warnOfDamaged(damaged);

@@ -20,11 +20,11 @@ enum class fileAction_t {
     remove,
 };
 
-// plannedFile_t is one file that a restore or its undoing has to do with.
+// plannedFile_t is one file that a restore or its undoing touches.
 struct plannedFile_t {
     std::wstring path; // full
     fileAction_t action = fileAction_t::remove;
-    uint64_t bytes = 0; // that it will have; of a file that goes, that it has
+    uint64_t bytes = 0; // that it will have; that it has, of a file that goes
     size_t source = 0;  // the place in the list that the bytes come from; not of a file that goes
 };
 Json::Value jsonOfFiles(const std::vector<plannedFile_t>& files);

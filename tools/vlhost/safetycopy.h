@@ -12,7 +12,7 @@
 // or one undoing of a restore, was about to delete or replace: the files as they were, the
 // categories with their types, and the settings. The secret is in none.
 //
-// A copy is complete before anything is touched. The newest five stay, and of the older ones those
+// A copy is complete before anything is touched. The newest five stay, and so do the older ones
 // that hold something which is nowhere else.
 
 // copiedFile_t is one file that a copy knows of.
@@ -55,8 +55,8 @@ std::wstring safetyCopiesFolder();
 // Errors:  CToolError, std::filesystem::filesystem_error
 std::vector<safetyCopy_t> listSafetyCopies(std::vector<std::wstring>& damaged);
 
-// CSafetyCopies changes them, and keeps others from doing so as long as it lives. It takes over the
-// one copy of earlier versions, and removes what work that was killed left unfinished.
+// CSafetyCopies changes them, and keeps others from doing so while it lives. It takes over the one
+// copy of earlier versions, and removes what killed programs left unfinished.
 //
 // Errors: CToolError, of every operation
 class CSafetyCopies
@@ -76,7 +76,7 @@ public:
     // Finish marks that the work which the copy was made for ran to its end.
     void Finish(unsigned number);
 
-    // Prune removes copies beyond the newest five that hold nothing of their own, but not pinned.
+    // Prune removes copies beyond the newest five that hold nothing of their own, except pinned.
     void Prune(unsigned pinned);
 
 private:

@@ -90,7 +90,7 @@ void CSecretStore::Delete(const std::wstring& name) const
 
 CSecretBytes readSecretBytes(int descriptor)
 {
-    _setmode(descriptor, _O_BINARY); // of one that isn't open, the read tells
+    _setmode(descriptor, _O_BINARY); // the read reports one that isn't open
     CSecretBytes value(largestSecret + 1);
     size_t size = 0;
     for (;;) {

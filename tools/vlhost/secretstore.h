@@ -25,14 +25,14 @@ private:
 inline constexpr wchar_t protectedStorage[] = L"KRS Protected Storage";
 
 // readSecretBytes reads all that a file descriptor, such as 0 for standard input, or a file has to
-// give, up to 1 MiB. Nothing of it stays behind elsewhere.
+// give, up to 1 MiB. No other copy of it stays in memory.
 //
 // Errors: CToolError
 CSecretBytes readSecretBytes(int descriptor);
 CSecretBytes readSecretFile(const std::string& path); // "-" is standard input
 
-// readSecretFrom reads a secret from a file descriptor: UTF-8 text, one line end behind it left
-// out. The value comes back as UTF-16 with its terminating zero, the form of a secret list.
+// readSecretFrom reads a secret from a file descriptor: UTF-8 text, without one line end after it.
+// The value comes back as UTF-16 with its terminating zero, the form of a secret list.
 CSecretBytes readSecretFrom(int descriptor);
 
 // writeSecretTo writes such a value as UTF-8 text and a line end.

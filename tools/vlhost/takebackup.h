@@ -14,5 +14,5 @@ struct backup_t {
 // Errors: CToolError for an output that wasn't filled, an empty array, or bytes that do not decode
 backup_t takeBackup(const CPluginHost& host);
 
-// takeBackupIfAny gives no bytes for all that is an error there: a user who has nothing yet.
+// takeBackupIfAny gives no bytes where takeBackup raises: the user may have nothing yet.
 bytes_t takeBackupIfAny(const CPluginHost& host);

@@ -129,7 +129,7 @@ Json::Value statusOf(const module_t& module)
     return json;
 }
 
-// processesToFollow gives those that --wait means. It refuses, before anything is switched, what
+// processesToFollow gives those that --wait means. Before anything is switched it refuses what
 // can't be waited for or can't be seen from outside.
 std::vector<DWORD> processesToFollow(const arguments_t& arguments, const module_t& module, bool on)
 {

@@ -127,7 +127,7 @@ void switchTraceOn(DWORD until, traceTarget_t target, const std::wstring& folder
 {
     const CRegistryKey key = openForChange("switch on");
     if (!folder.empty()) {
-        // The one that decides, so that the folder is the one asked for.
+        // The value that takes effect, so that the folder is the one asked for.
         const wchar_t* const name =
             expanded(textOf(L"TracePathLow")).empty() ? L"TracePath" : L"TracePathLow";
         check(RegSetValueExW(key.get(), name, 0, REG_EXPAND_SZ,

@@ -8,7 +8,7 @@
 #include "registryvalue.h"
 
 // The switch of tracing in the registry, as the plug-in reads it: SOFTWARE\Veltrano\Tracing of
-// HKEY_LOCAL_MACHINE. The values and what they mean are told in docs/trace-format.md.
+// HKEY_LOCAL_MACHINE. docs/trace-format.md says what the values mean.
 
 // traceSwitch_t is what is set. Empty texts and numbers are not set.
 struct traceSwitch_t {
@@ -29,14 +29,14 @@ struct traceSwitch_t {
 };
 traceSwitch_t readTraceSwitch();
 
-// excludedFromTracing tells whether the component, a module's name without extension, is listed as
-// one that writes no trace.
+// excludedFromTracing is true if the component, a module's name without extension, is listed as one
+// that writes no trace.
 bool excludedFromTracing(const std::wstring& component);
 
 enum class traceTarget_t : DWORD { file = 1, console = 3, debugger = 4 };
 
 // switchTraceOn sets the switch. until: seconds since 1970, or 1 for no end; folder: empty leaves
-// it as it is. switchTraceOff takes the switch away and leaves all else.
+// it as it is. switchTraceOff removes the switch and leaves the rest.
 //
 // Errors: CToolError, which explains a denied access
 void switchTraceOn(DWORD until, traceTarget_t target, const std::wstring& folder);
@@ -59,8 +59,8 @@ private:
     bool m_kept = false;
 };
 
-// noonOf gives the seconds of noon of a day such as 2026-12-31, local time, so that it is that day
-// by whatever rule of summer time.
+// noonOf gives the seconds of noon of a day such as 2026-12-31, local time: it stays that day with
+// any rule for summer time.
 //
 // Errors: CToolError for what is no day, today or past, or beyond what the switch can hold
 DWORD noonOf(const std::string& day);

@@ -19,7 +19,7 @@ std::wstring lower(std::wstring text)
     return text;
 }
 
-// The names end in the session, a full stop, the process, and the extension.
+// The names end with the session, a full stop, the process, and the extension.
 DWORD processOf(const std::wstring& name)
 {
     const size_t stamp = name.rfind(L"~~");

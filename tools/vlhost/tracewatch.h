@@ -12,7 +12,7 @@
 // traceFile_t is one trace file.
 struct traceFile_t {
     std::wstring name; // without the folder
-    DWORD process = 0; // as the name tells; 0 for a name without
+    DWORD process = 0; // as the name says; 0 for a name without
     uint64_t size = 0; // bytes
     FILETIME modified{};
     bool open = false; // a process writes it
@@ -25,8 +25,8 @@ std::vector<traceFile_t> traceFilesIn(const std::wstring& folder);
 // looked into.
 std::vector<DWORD> processesWith(const std::wstring& moduleName);
 
-// checkWatchable refuses a process that can't be waited for, or hasn't loaded a module of that file
-// name and so never follows.
+// checkWatchable refuses a process that can't be waited for, or that hasn't loaded a module of that
+// file name and so will never follow.
 //
 // Errors: CToolError
 void checkWatchable(DWORD process, const std::wstring& moduleName);

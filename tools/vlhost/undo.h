@@ -7,7 +7,7 @@
 
 // undoPlan_t is what the undoing of a restore does.
 struct undoPlan_t {
-    std::vector<unsigned> copies; // that are put back. Where several know a file, the first decides
+    std::vector<unsigned> copies; // that are put back. For a file in several, the first decides
     std::string folder;           // the personal folder that they are of
     std::vector<copiedFile_t> sources;
     std::vector<plannedFile_t> files; // those that are put back, then those that go

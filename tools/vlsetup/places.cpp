@@ -82,7 +82,7 @@ CRegistryKey openKey(const std::wstring& path, REGSAM access)
     return error ? CRegistryKey() : std::move(key);
 }
 
-// outward lists a path and what it lies in, innermost first, down to the shortest that counts.
+// outward lists a path and its parents, innermost first, down to the shortest that counts.
 std::vector<std::wstring> outward(const std::wstring& path, size_t shortest)
 {
     std::vector<std::wstring> all;

@@ -64,14 +64,14 @@ struct wanted_t {
     std::wstring source;    // of a file
     std::wstring former;    // where a file that is there goes; empty if it isn't kept
     std::string content;    // to be there afterwards
-    bool neighbour = false; // of the plug-in: where one is, it stays
+    bool neighbour = false; // of the plug-in: one that is there stays
     bool replace = false;   // takes the place of what isn't ours, which comes back at the removal
 };
 
 // plan_t is all that will happen.
 struct plan_t {
     std::vector<wanted_t> files, values; // to be written
-    record_t record;                     // with all of them, and what is still there of before
+    record_t record;                     // with all of them, and what an earlier version left
     lines_t left;                        // what stays as it is
 };
 
@@ -147,7 +147,7 @@ private:
                 all.push_back(one);
     }
 
-    // What an earlier version wrote and this one doesn't stays in the record, for the removal.
+    // What an earlier version wrote, and this one doesn't, stays in the record for the removal.
     static void keepRest(const std::vector<written_t>& before, std::vector<written_t>& now)
     {
         for (const written_t& entry : before)
@@ -340,9 +340,9 @@ void perform(plan_t& plan, const installation_t& wanted)
     writeRecord(recordOf(wanted.root), plan.record);
 }
 
-// unregister lets the plug-in take its registration back, so that it writes its list, unless another
-// one has it now. The plug-in removes keys that have values alone, also those of others: their
-// values go into the record before, as what was there, and come back with the rest.
+// unregister lets the plug-in take its registration back, so that it writes its list, unless
+// another one has it now. The plug-in also removes keys that hold nothing but values, even those of
+// others: these values go into the record first, as what was there, and come back with the rest.
 void unregister(const std::wstring& root, record_t& record)
 {
     const std::wstring plugin = pluginOf(root);

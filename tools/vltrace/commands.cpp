@@ -121,7 +121,7 @@ filter_t filterOf(const options_t& options)
     return filter;
 }
 
-// readAll reads the files one after the other; one that can't be read doesn't keep the others back.
+// readAll reads the files one after the other; one that can't be read doesn't stop the others.
 int readAll(const options_t& options, const streams_t& streams, traceConsumer_i& consumer)
 {
     int status = exitStatus::good;

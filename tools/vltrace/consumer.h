@@ -17,7 +17,7 @@ public:
     virtual void begin(const std::string& name) = 0;
     virtual void take(const tracecore::traceItem_t& item, const tracecore::traceStep_t& step) = 0;
 
-    // end is called behind each file, finish behind the last one.
+    // end is called after each file, finish after the last one.
     virtual void end() {}
     virtual void finish() {}
 };

@@ -35,9 +35,9 @@ private:
 // and speedscope open: functions as B and E, messages, errors and damage as instant events.
 //
 // ts is in microseconds since 1970-01-01 of the local clock. Each event of a thread comes at least
-// one microsecond after the one before, also where the trace's milliseconds don't tell them apart
-// or its clock goes back, so that viewers that sort keep the nesting. Every B has its E: a function
-// without an exit ends with the last that is known of its thread, and says "unfinished".
+// one microsecond after the one before, also where the trace's milliseconds are the same or its
+// clock goes back, so that viewers that sort keep the nesting. Every B has its E: a function
+// without an exit ends with the last known event of its thread, and says "unfinished".
 class chromeTrace_t : public traceConsumer_i
 {
 public:

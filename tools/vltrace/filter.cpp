@@ -26,7 +26,7 @@ bool containsAny(const std::string& text, const std::vector<std::string>& parts)
                        [&](const std::string& part) { return contains(text, part); });
 }
 
-// isBefore compares as far as both are known: an instant on any day with the time of day alone.
+// isBefore compares what both have: for an instant on any day, only the time of day.
 bool isBefore(const traceMoment_t& moment, const instant_t& instant)
 {
     if (instant.day && moment.day != instant.day)
@@ -41,7 +41,7 @@ bool isAfter(const traceMoment_t& moment, const instant_t& instant)
     return moment.msOfDay > instant.msOfDay;
 }
 
-// take reads a number of so many digits from the front of text; -1 if there is none.
+// take reads a number of that many digits from the front of text; -1 if there is none.
 int take(std::string_view& text, size_t digits)
 {
     int value = 0;

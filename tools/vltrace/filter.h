@@ -16,8 +16,8 @@ struct instant_t {
     int32_t msOfDay = 0;
 };
 
-// filter_t tells which records are wanted: those that meet each part which is set. Comparisons of
-// texts take no notice of the case of ASCII letters.
+// filter_t says which records are wanted: those that meet each part which is set. Texts are
+// compared without regard to the case of ASCII letters.
 struct filter_t {
     std::vector<uint32_t> threads;
     std::string levels;                 // level bytes; empty: all but the stamps T and t
@@ -33,10 +33,10 @@ struct filter_t {
 // parseInstant reads YYYY-MM-DD, HH:MM[:SS[.mmm]] or both with a blank or a T between. What is left
 // out is the beginning, or with latest the end of that day, minute or second.
 //
-// Returns: none if the text is no such thing
+// Returns: none for any other text
 std::optional<instant_t> parseInstant(const std::string& text, bool latest);
 
-// parseThread reads a thread id in decimal, or in hexadecimal behind 0x.
+// parseThread reads a thread id in decimal, or in hexadecimal after 0x.
 std::optional<uint32_t> parseThread(const std::string& text);
 
 // innermost gives the last functions of a chain, at most as many as are worth showing and

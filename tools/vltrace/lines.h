@@ -15,7 +15,7 @@ struct lineOptions_t {
 };
 
 // linePrinter_t makes readable lines of a file: date, time, thread, level and text, with nesting.
-// Damage and, in front, the header stand between them with a mark of their own.
+// The header, in front, and damage, in its place, have a mark of their own.
 class linePrinter_t : public traceConsumer_i
 {
 public:

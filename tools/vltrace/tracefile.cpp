@@ -103,7 +103,7 @@ traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
 traceFollower_t::traceFollower_t(std::string name, traceConsumer_i& consumer)
     : m_name(std::move(name)), m_consumer(consumer)
 {
-    openInput(m_name); // fails at once for a name that is wrong from the start
+    openInput(m_name); // fails at once for a name that is wrong
 }
 
 bool traceFollower_t::isSameFile(std::istream& file) const

@@ -12,8 +12,8 @@
 
 namespace vltrace {
 
-// traceFeed_t leads the bytes of one file through reader and walker to a consumer. The consumer gets
-// nothing until they prove to be a trace, by the header's mark or by a record.
+// traceFeed_t leads the bytes of one file through reader and walker to a consumer. The consumer
+// gets nothing until they prove to be a trace, by the header's mark or by a record.
 class traceFeed_t
 {
 public:
@@ -52,7 +52,7 @@ traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
                       traceConsumer_i& consumer);
 
 // traceFollower_t reads a growing file. It is opened for each look and never held, so that it can
-// be made anew or removed meanwhile; that it was is seen by a smaller size or another beginning.
+// be replaced or removed meanwhile; a smaller size or another beginning shows a new file.
 class traceFollower_t
 {
 public:
@@ -72,7 +72,7 @@ private:
     std::string m_name;
     traceConsumer_i& m_consumer;
     std::optional<traceFeed_t> m_feed; // of the file that has the name now
-    std::vector<uint8_t> m_beginning;  // of what was read: as much as tells two files apart
+    std::vector<uint8_t> m_beginning;  // of what was read: enough to recognise another file
 };
 
 } // namespace vltrace
