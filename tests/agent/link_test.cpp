@@ -9,6 +9,7 @@
 #include "agent/linknames.h"
 #include "agent/objectsecurity.h"
 #include "linkfixture.h"
+#include "support/agentstub.h"
 #include "support/freshprocess.h"
 #include "support/tracerecorder.h"
 
@@ -37,7 +38,7 @@ TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
         {"", std::string(5000, 'b')},
         {std::string(0x1000 - 17, 'n'), ""}}; // fills the buffer to its last byte
     traceRecorder_t trace;
-    const agentObjects_t agent;
+    const agentStub_t agent;
     const blockView_t buffer(L"VLMAX_NIPC_BUFFER");
     for (const auto& [first, second] : cases) {
         const std::string &name = first, &body = second; // bindings stay out of lambdas for clang
@@ -105,11 +106,13 @@ TEST(Transfer, BrokenLinkEndsTheExchangeAndKeepsNothing)
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.errors);
         {
-            const CKernelHandle taken(c.size ? newBlock(c.taken, c.size)
-                                             : CreateMutexW(nullptr, FALSE, c.taken));
+            const CKernelHandle taken(c.size
+                                          ? CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
+                                                               PAGE_READWRITE, 0, c.size, c.taken)
+                                          : CreateMutexW(nullptr, FALSE, c.taken));
             const CKernelHandle both( // with the one event the other, of which nothing is said
                 CreateMutexW(nullptr, FALSE, c.taken == acknowledge ? ready : nullptr));
-            const agentObjects_t agent;
+            const agentStub_t agent;
             if (c.wait == 1) // another client's, so that giving it back would show
                 WaitForSingleObject(agent.semaphore.get(), 0);
             const std::string before = blockView_t(buffer).text(16), name(c.nameSize, 'n');

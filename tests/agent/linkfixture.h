@@ -35,16 +35,3 @@ struct blockView_t {
     CKernelHandle handle;
     char* bytes = static_cast<char*>(MapViewOfFile(handle.get(), FILE_MAP_WRITE, 0, 0, 0));
 };
-
-inline HANDLE newBlock(const wchar_t* name, DWORD size)
-{
-    return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name);
-}
-
-// agentObjects_t holds the agent's four objects, by their literal names.
-struct agentObjects_t {
-    CKernelHandle semaphore{CreateSemaphoreW(nullptr, 1, 1, L"VLMAX_NIPC_MUTEX")};
-    CKernelHandle acknowledge{CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_BUFFER_READY")};
-    CKernelHandle dataReady{CreateEventW(nullptr, FALSE, FALSE, L"VLMAX_NIPC_DATA_READY")};
-    CKernelHandle buffer{newBlock(L"VLMAX_NIPC_BUFFER", 0x1000)};
-};

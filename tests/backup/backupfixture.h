@@ -18,6 +18,7 @@
 #include "common/text.h"
 #include "plugin/vlktpages.h"
 #include "quicklinks/quicklinks.h"
+#include "support/agentstub.h"
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/patchimport.h"
@@ -27,25 +28,12 @@
 using fileMap = std::map<std::wstring, std::string>; // name and content
 using postings = std::vector<std::pair<WPARAM, LPARAM>>;
 
-// backupTest has the plug-in's object, folders and settings of one user, and an agent's window.
+// backupTest has the plug-in's object, folders and settings of one user, and an agent.
 class backupTest : public testing::Test
 {
 protected:
-    backupTest()
-    {
-        clear();
-        WNDCLASSW windowClass = {};
-        windowClass.lpfnWndProc = DefWindowProcW;
-        windowClass.lpszClassName = agentWindowName;
-        RegisterClassW(&windowClass);
-        m_agent = CreateWindowExW(0, agentWindowName, agentWindowName, 0, 0, 0, 1, 1, nullptr,
-                                  nullptr, nullptr, nullptr);
-    }
-    ~backupTest() override
-    {
-        DestroyWindow(m_agent);
-        std::filesystem::remove_all(m_root);
-    }
+    backupTest() { clear(); }
+    ~backupTest() override { std::filesystem::remove_all(m_root); }
 
     void clear() // to empty folders, no categories and the first settings
     {
@@ -89,7 +77,7 @@ protected:
     {
         postings found;
         const UINT number = RegisterWindowMessageW(restoreDoneName);
-        for (MSG message = {}; PeekMessageW(&message, m_agent, number, number, PM_REMOVE);)
+        for (MSG message = {}; PeekMessageW(&message, m_agent.window, number, number, PM_REMOVE);)
             found.emplace_back(message.wParam, message.lParam);
         return found;
     }
@@ -100,6 +88,6 @@ protected:
     const std::wstring m_cache = m_root + L"cache\\";
     fakeSettings_t m_settings;
     traceRecorder_t m_trace;
-    HWND m_agent = nullptr;
+    const agentStub_t m_agent;
     CComObject<CVLKTPages> m_plugin;
 };

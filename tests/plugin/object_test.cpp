@@ -79,23 +79,18 @@ TEST(Object, AnswersForItsEightInterfacesAndNoOther)
 
 TEST(ErrorFrame, EachKindOfFailureHasItsStatusAndLine)
 {
-    const struct {
-        void (*raise)();
-        HRESULT status;
-        std::vector<std::wstring> lines;
-    } cases[] = {
-        {[] { throw std::runtime_error("why"); }, E_UNEXPECTED, {L"E 0 Call[std]why"}},
-        {[] { raiseStatus(S_FALSE); }, S_FALSE, {}}, // no failure: passes through without a line
-        {[] { raiseError(ERROR_ACCESS_DENIED); }, E_ACCESSDENIED, {L"E -2147024891 Call[com]"}},
-        {[] { ATL::AtlThrow(E_OUTOFMEMORY); }, E_FAIL, {L"E 0 Calloo"}}, // its status is lost
-    };
-    for (const auto& c : cases) {
+    const std::tuple<void (*)(), HRESULT, const wchar_t*> cases[] = {
+        {[] { throw std::runtime_error("why"); }, E_UNEXPECTED, L"|E 0 Call[std]why"},
+        {[] { raiseStatus(S_FALSE); }, S_FALSE, L""}, // no failure: passes through without a line
+        {[] { raiseError(ERROR_ACCESS_DENIED); }, E_ACCESSDENIED, L"|E -2147024891 Call[com]"},
+        {[] { ATL::AtlThrow(E_OUTOFMEMORY); }, E_FAIL, L"|E 0 Calloo"}}; // its status is lost
+    for (const auto& [raise, status, lines] : cases) {
         traceRecorder_t trace;
         try {
-            c.raise();
+            raise();
         } catch (...) {
-            EXPECT_EQ(frameStatus("Call"), c.status);
+            EXPECT_EQ(frameStatus("Call"), status);
         }
-        EXPECT_EQ(trace.messages(), c.lines);
+        EXPECT_EQ(trace.joined(), lines);
     }
 }

@@ -43,23 +43,23 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
             // Of a positive error only the low half counts.
             return failing == path ? 0x10005 : RegCreateKeyW(root, path, key);
         });
-    const struct {
-        std::wstring failing;
-        HRESULT status;
-        int registered; // the first so many roles
-    } cases[] = {{rootPath, E_ACCESSDENIED, 0},
-                 {appControl, E_ACCESSDENIED, 0},
-                 {backupRestore, E_ACCESSDENIED, 1},
-                 {trayIcon, S_OK, 2}};
-    for (const auto& c : cases) {
+    const std::tuple<std::wstring, HRESULT, int> cases[] = {
+        // The first so many roles are registered.
+        {rootPath, E_ACCESSDENIED, 0},
+        {appControl, E_ACCESSDENIED, 0},
+        {backupRestore, E_ACCESSDENIED, 1},
+        {trayIcon, S_OK, 2},
+        {L"", S_OK, 3}};
+    for (const auto& [path, status, registered] : cases) {
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, rootPath.c_str());
-        failing = c.failing;
-        EXPECT_EQ(DllRegisterServer(), c.status);
-        EXPECT_EQ(has(appControl) + has(backupRestore) + has(trayIcon), c.registered) << c.failing;
+        failing = path;
+        EXPECT_EQ(DllRegisterServer(), status);
+        EXPECT_EQ(has(appControl) + has(backupRestore) + has(trayIcon), registered) << path;
     }
     setValue(HKEY_LOCAL_MACHINE, rootPath + L"\\UIElements", L"", L"");
     EXPECT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_FALSE(has(L"UIElements")); // values alone don't keep a key
+    // Values alone don't keep a key.
+    EXPECT_FALSE(has(L"UIElements") || has(appControl) || has(trayIcon));
     const std::wstring other = L"TrayIcon\\other\\" + classText;
     for (const std::wstring& key : {other, std::wstring(L"TrayIcon\\own")})
         setValue(HKEY_LOCAL_MACHINE, (rootPath + L'\\').append(key), L"", L"");
@@ -86,23 +86,19 @@ TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
     }
     EXPECT_EQ(AddCleanupLine(nullptr, L"p", 1, nullptr), E_INVALIDARG);
     EXPECT_EQ(AddCleanupLine(L"K", L"", 1, nullptr), E_INVALIDARG);
-    const struct {
-        const wchar_t* folder;
-        DWORD type, size;
-        uint32_t status;
-    } folders[] = {
+    const std::tuple<const wchar_t*, DWORD, DWORD, uint32_t> folders[] = {
         // Odd length, no text, not terminated, nothing at all, not there.
         {L"C:\\x", REG_SZ, 9, 0x8007000D},          {L"C:\\", REG_BINARY, 8, 0x8007000D},
         {L"C:\\xX", REG_SZ, 8, 0x8007000D},         {nullptr, REG_SZ, 0, 0x8007000D},
         {L"C:\\no", REG_EXPAND_SZ, 12, 0x80070003},
     };
-    for (const auto& c : folders) {
-        SCOPED_TRACE(&c - folders);
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", L"VeltranoPath", c.type,
-                        c.folder, c.size);
+    for (const auto& [folder, type, size, code] : folders) {
+        SCOPED_TRACE(code);
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", L"VeltranoPath", type, folder,
+                        size);
         traceRecorder_t trace;
-        const auto status = static_cast<HRESULT>(c.status);
+        const auto status = static_cast<HRESULT>(code);
         EXPECT_EQ(AddCleanupLine(L"K", L"p", 1, nullptr), status);
-        EXPECT_EQ(trace.messages(), std::vector{L"E " + std::to_wstring(status) + L" "});
+        EXPECT_EQ(trace.joined(), L"|E " + std::to_wstring(status) + L" ");
     }
 }

@@ -1,5 +1,6 @@
 #include "importhooks.h"
 
+#include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <sstream>
@@ -24,6 +25,15 @@ const void* decide(const stub_t* stub, const ULONGLONG* saved)
     const bool fails = stub->see({stub->function.name, saved});
     SetLastError(fails ? stub->function.error : error);
     return fails ? static_cast<const void*>(stub->fail) : stub->original;
+}
+
+std::string registryData(ULONGLONG type, ULONGLONG data, DWORD size)
+{
+    if (type == REG_DWORD)
+        return std::to_string(*reinterpret_cast<const DWORD*>(data));
+    std::string text = utf8FromWide({reinterpret_cast<const wchar_t*>(data), size / 2});
+    std::replace(text.begin(), text.end(), '\0', ';');
+    return text;
 }
 
 void put(uint8_t*& at, std::initializer_list<uint8_t> code)
@@ -75,6 +85,9 @@ std::string hookedCall_t::shown(std::string_view kinds) const
                  << reinterpret_cast<const SECURITY_ATTRIBUTES*>(argument(i))->bInheritHandle;
         else if (kinds[i] == 'n')
             line << ' ' << number;
+        else if (kinds[i] == 'd')
+            line << ' '
+                 << registryData(argument(3), argument(i), static_cast<DWORD>(argument(i + 1)));
         else if (kinds[i] == 'p' && argument(i))
             line << " pointer";
     }

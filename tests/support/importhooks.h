@@ -23,7 +23,8 @@ struct hookedCall_t {
 
     // shown gives the function and its arguments by their kinds, each a letter: t a text, k a key of
     // the registry, s whether handles are inherited by the security attributes, n a number of 32
-    // bits, p a pointer that isn't null; a dash is none of them.
+    // bits, p a pointer that isn't null, d the data of RegSetValueExW, with a semicolon for a zero;
+    // a dash is none of them.
     std::string shown(std::string_view kinds) const;
 };
 

@@ -40,20 +40,12 @@ traceRecorder_t::~traceRecorder_t()
     tracer.nextPoll = m_nextPoll;
 }
 
-std::vector<std::wstring> traceRecorder_t::messages()
-{
-    std::vector<std::wstring> texts;
-    for (const traceRecord_t& record : all())
-        if (record.level == 'E' || record.level == 'U')
-            texts.push_back((record.level == 'E' ? L"E " : L"U ") + record.text);
-    return texts;
-}
-
 std::wstring traceRecorder_t::joined()
 {
     std::wstring text;
-    for (const std::wstring& message : messages())
-        text += L'|' + message;
+    for (const traceRecord_t& record : all())
+        if (record.level == 'E' || record.level == 'U')
+            text += (record.level == 'E' ? L"|E " : L"|U ") + record.text;
     return text;
 }
 

@@ -23,11 +23,8 @@ struct traceRecorder_t {
     ~traceRecorder_t();
     traceRecorder_t(traceRecorder_t&&) = delete;
 
-    // messages gives the E and U records as "E text" and "U text", oldest first, and forgets all
-    // records.
-    std::vector<std::wstring> messages();
-
-    // joined gives the messages in one text, each with a bar in front of it.
+    // joined gives the E and U records as "|E text" and "|U text" in one text, oldest first, and
+    // forgets all records.
     std::wstring joined();
 
     // all gives every record but the time stamps (T and t), oldest first, and forgets them.

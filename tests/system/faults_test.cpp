@@ -5,10 +5,10 @@
 #include <functional>
 #include <set>
 
-#include "agentstub.h"
-#include "installation.h"
+#include "operations.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
+#include "support/memorysearch.h"
 
 // Each call of the platform and each allocation that an operation makes fails once, one after the
 // other, in a process of its own, so that a crash or a hang doesn't end the test. After each one the
@@ -92,222 +92,31 @@ bool countAndFail(const hookedCall_t& call)
     return true;
 }
 
-// outcome_t is what an operation returned: its statuses, and all that it gave in one text.
-struct outcome_t {
-    std::vector<HRESULT> statuses;
-    std::string given;
-
-    void add(HRESULT status) { statuses.push_back(status); }
-    void add(HRESULT status, const VARIANT& value)
-    {
-        add(status);
-        given += std::to_string(value.vt) + ' ';
-        if (value.vt == (VT_ARRAY | VT_UI1)) {
-            const bytes data = bytesOf(value);
-            given.append(data.begin(), data.end());
-        } else if (value.vt == VT_BSTR && value.bstrVal) {
-            given += utf8FromWide(value.bstrVal);
-        }
-    }
-    bool operator==(const outcome_t&) const = default;
-};
-
 // behindSecret is what an octet string holds behind its text: it is in a copy of the element, and in
 // no copy of the text. Two items of a list have it, put in place, so that nothing else has; and many
 // times each, so that a freed block which is used again doesn't hide what it held.
-const std::string& behindSecret()
-{
-    static const std::string octets = [] {
-        std::string made(40, ' ');
-        for (size_t i = 0; i < made.size(); ++i)
-            made[i] = static_cast<char>(i * 37 % 89 + 0x21);
-        return made;
-    }();
-    return octets;
-}
-
+const std::string behindSecret = unusualOctets(40);
 constexpr size_t timesBehind = 200;
 
 bytes secretList()
 {
-    const std::string& behind = behindSecret();
-    const std::string value =
-        std::string("s\0\0\0", 4) + std::string(timesBehind * behind.size(), '#');
+    const auto value = std::string("s\0\0\0", 4) + std::string(timesBehind * 40, '#');
     bytes list = seq({seq({wide(L"other"), octets(value)}),
                       seq({wide(L"KRS Protected Storage"), octets(value)})});
-    for (auto at = list.begin(); at != list.end();) {
-        at = std::search_n(at, list.end(), behind.size(), '#');
-        if (at != list.end())
-            at = std::copy(behind.begin(), behind.end(), at);
-    }
+    fillIn(list, behindSecret);
     return list;
 }
 constexpr size_t ownCopies = 2 * timesBehind + 1; // of the list, and the octets themselves
 
-size_t copiesOf(std::string_view text) // in all memory of the process that can be written
-{
-    size_t count = 0;
-    MEMORY_BASIC_INFORMATION region = {};
-    for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
-         at += region.RegionSize) {
-        if (region.State != MEM_COMMIT || region.Protect != PAGE_READWRITE)
-            continue;
-        const char* const end = at + region.RegionSize - text.size();
-        for (const char* found = at; found < end; ++found) {
-            found = static_cast<const char*>(
-                std::memchr(found, text[0], static_cast<size_t>(end - found)));
-            if (!found)
-                break;
-            count += std::equal(text.begin(), text.end(), found);
-        }
-    }
-    return count;
-}
-
 const fs::path reportFile = L"C:\\faults.txt";
 
-class Faults : public installedTest
+class Faults : public operationsTest
 {
 protected:
-    outcome_t information(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        for (const ULONG id : {1u, 2u, 3u, 4u, 8u, 100u, 101u, 103u, 7u}) {
-            value_t value;
-            const HRESULT status = plugin.as<IVLKTElementUI>()->GetProperty(id, &value);
-            outcome.add(status, value);
-            if (FAILED(status))
-                value.vt = VT_EMPTY; // its payload may never have been stored
-        }
-        value_t value;
-        outcome.add(plugin.as<IVLKTPluginInfo>()->GetInfo(0, &value), value);
-        outcome.add(plugin.as<IVLKTPages>()->AddPages());
-        outcome.add(plugin.as<IVLKTTraySubscribe>()->Subscribe());
-        return outcome;
-    }
-    outcome_t status(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        ULONG number = 0;
-        value_t text;
-        text.vt = VT_BSTR;
-        text.bstrVal = nullptr;
-        outcome.add(plugin.as<IVLKSecurityStatus>()->GetStatus(&number, &text.bstrVal), text);
-        outcome.given += std::to_string(number);
-        outcome.add(plugin.as<IVLKTDisableApp>()->GetStatus(&number));
-        outcome.given += std::to_string(number);
-        for (const ULONG disabled : {1u, 0u})
-            outcome.add(plugin.as<IVLKTDisableApp>()->DisableLocal(disabled));
-        return outcome;
-    }
-    outcome_t notification(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        value_t notices;
-        outcome.add(plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &notices));
-        if (FAILED(outcome.statuses[0]))
-            notices.vt = VT_EMPTY; // its payload may never have been stored
-        if (notices.vt != (VT_ARRAY | VT_VARIANT) || !notices.parray ||
-            notices.parray->rgsabound[0].cElements == 0)
-            return outcome;
-        const auto& element = *static_cast<VARIANT*>(notices.parray->pvData);
-        IVLKTElementUI* notice = nullptr;
-        if (element.vt != VT_UNKNOWN || !element.punkVal ||
-            FAILED(element.punkVal->QueryInterface(__uuidof(IVLKTElementUI),
-                                                   reinterpret_cast<void**>(&notice))))
-            return outcome;
-        value_t shown;
-        shown.vt = VT_BOOL;
-        shown.boolVal = VARIANT_TRUE;
-        outcome.add(notice->SetProperty(commandSetShown, &shown));
-        outcome.add(notice->SetProperty(commandOpenConsole, nullptr));
-        for (const ULONG id : {notificationCaption, notificationShown, notificationActions,
-                               propertySecurityLevel, propertyExplanation}) {
-            value_t value;
-            const HRESULT result = notice->GetProperty(id, &value);
-            outcome.add(result, value);
-        }
-        notice->Release();
-        return outcome;
-    }
-    outcome_t backup(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        value_t names, data;
-        outcome.add(plugin.as<IVLKTBackupRestore2>()->GetStorageData(&names, &data), data);
-        return outcome;
-    }
-    outcome_t restored(HRESULT status)
-    {
-        outcome_t outcome;
-        outcome.add(status);
-        for (const auto& [name, content] : userFiles())
-            outcome.given += name + '=' + content + '\n';
-        return outcome;
-    }
-    outcome_t restore(const plugin_t& plugin)
-    {
-        value_t data(logon);
-        const auto with = plugin.as<IVLKTBackupRestore2>();
-        outcome_t outcome = restored(with->SetStorageData2(0x10002, &data));
-        if (data.parray->cLocks != 0)
-            outcome.given += "the host's array is locked";
-        return outcome;
-    }
-    outcome_t pluginData(const plugin_t& plugin)
-    {
-        m_agentStub->answer();
-        return restored(plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-            static_cast<ULONG>(secrets.size()), secrets.data(), static_cast<ULONG>(logon.size()),
-            logon.data()));
-    }
-    outcome_t registration(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        for (const char* entry : {"DllRegisterServer", "DllUnregisterServer"})
-            outcome.add(plugin.entry<HRESULT WINAPI()>(entry)());
-        return outcome;
-    }
-    outcome_t creation(const plugin_t& plugin)
-    {
-        outcome_t outcome;
-        void *factory = nullptr, *object = nullptr;
-        outcome.add(plugin.entry<decltype(DllGetClassObject)>("DllGetClassObject")(
-            CLSID_CVLKTPages, IID_IClassFactory, &factory));
-        if (!factory)
-            return outcome;
-        const auto made = static_cast<IClassFactory*>(factory);
-        outcome.add(made->CreateInstance(nullptr, IID_IUnknown, &object));
-        made->Release();
-        if (object)
-            static_cast<IUnknown*>(object)->Release();
-        return outcome;
-    }
-    outcome_t run(const plugin_t& plugin, const std::string& scenario)
-    {
-        const std::pair<const char*, outcome_t (Faults::*)(const plugin_t&)> operations[] = {
-            {"information", &Faults::information},   {"status", &Faults::status},
-            {"notification", &Faults::notification}, {"backup", &Faults::backup},
-            {"restore", &Faults::restore},           {"pluginData", &Faults::pluginData},
-            {"registration", &Faults::registration}, {"creation", &Faults::creation}};
-        for (const auto& [name, operation] : operations)
-            if (scenario.starts_with(name))
-                return (this->*operation)(plugin);
-        return {};
-    }
+    Faults() { m_secrets = secretList(); }
 
     // sweep runs in the child, from that call on.
     void sweep(const std::string& scenario, size_t first, std::ostream& report);
-
-    const bytes logon = seq({seq({filePair(L"new.vlm", "new"), filePair(L"bank.vlm", "bank"),
-                                  filePair(L"updata.vls", "state")}),
-                             seq({seq({wide(L"New"), wide(L"https://new.example"), wide(L"new.vlm"),
-                                       integer(7), wide(L"m-7"), integer(1)})}),
-                             seq({seq({wide(L"Fun"), wide(L"new")})}),
-                             seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
-                                         R"("show_training_prompt":true}}})")})});
-    const bytes secrets = secretList();
-    const agentStub_t* m_agentStub = nullptr;
 };
 
 // The tracing mutex is a thread's own, so that another one has to ask.
@@ -360,7 +169,7 @@ void Faults::sweep(const std::string& scenario, size_t first, std::ostream& repo
                 if (!allowed.count(outcome.statuses[i]) && outcome.statuses[i] != whole.statuses[i])
                     report << "BAD status " << std::hex << outcome.statuses[i] << std::dec
                            << " of call " << i << '\n';
-            if (hasSecret && copiesOf(behindSecret()) != ownCopies)
+            if (hasSecret && copiesOf(behindSecret) != ownCopies)
                 report << "BAD secret bytes are left\n";
             // Without the environment a quick link is stored by another path.
             for (const auto& [name, content] : userFiles())
@@ -398,12 +207,8 @@ TEST_F(Faults, DISABLED_Child)
     const std::string scenario = getenv("VL_SCENARIO");
     const auto first = static_cast<size_t>(atoi(getenv("VL_FIRST")));
     stride = static_cast<size_t>(atoi(getenv("VL_STRIDE")));
-    const DWORD tracing = scenario.ends_with("+trace");
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano\Tracing)", L"DoTrace", REG_DWORD,
-                    &tracing, sizeof tracing);
+    setTracing(scenario.ends_with("+trace"));
     std::ofstream report(reportFile);
-    const agentStub_t agent;
-    m_agentStub = &agent;
     sweep(scenario, first, report);
 }
 

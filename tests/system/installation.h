@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -20,13 +21,14 @@
 namespace fs = std::filesystem;
 using namespace VLONLINEIDSLib;
 
-// A backup of one logon, one quick link and one category.
-inline bytes newLogon()
+// A backup of one logon, one quick link and one category, and of settings if there are any.
+inline bytes newLogon(const std::vector<bytes>& files = {filePair(L"new.vlm", "new")},
+                      const bytes& settings = {})
 {
-    return seq({seq({filePair(L"new.vlm", "new")}),
+    return seq({seq(files),
                 seq({seq({wide(L"New"), wide(L"https://new.example"), wide(L"new.vlm"), integer(7),
                           wide(L"m-7"), integer(1)})}),
-                seq({seq({wide(L"Fun"), wide(L"new")})})});
+                seq({seq({wide(L"Fun"), wide(L"new")})}), settings});
 }
 
 // value_t is a value that passes an interface.
@@ -89,32 +91,16 @@ inline void callAnything(const plugin_t& plugin, unsigned which)
     value_t names, data(newLogon()), value;
     ULONG status = 0;
     const auto restore = plugin.as<IVLKTBackupRestore2>();
-    switch (which % 8) {
-    case 0:
-        restore->GetStorageData(&names, &data);
-        break;
-    case 1:
-        restore->SetStorageData(&data);
-        break;
-    case 2:
-        restore->SetStorageData2(0, &names);
-        break;
-    case 3:
-        plugin.as<IVLKTElementUI>()->GetProperty(propertyExplanation, &value);
-        break;
-    case 4:
-        plugin.as<IVLKTDisableApp>()->GetStatus(&status);
-        break;
-    case 5:
-        plugin.as<IVLKTPluginInfo>()->GetInfo(1, &value);
-        break;
-    case 6:
-        plugin.make()->Release();
-        break;
-    default:
-        callAndFail(plugin);
-        break;
-    }
+    const std::function<void()> calls[] = {
+        [&] { restore->GetStorageData(&names, &data); },
+        [&] { restore->SetStorageData(&data); },
+        [&] { restore->SetStorageData2(0, &names); },
+        [&] { plugin.as<IVLKTElementUI>()->GetProperty(propertyExplanation, &value); },
+        [&] { plugin.as<IVLKTDisableApp>()->GetStatus(&status); },
+        [&] { plugin.as<IVLKTPluginInfo>()->GetInfo(1, &value); },
+        [&] { plugin.make()->Release(); },
+        [&] { callAndFail(plugin); }};
+    calls[which % 8]();
 }
 
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a
@@ -136,9 +122,7 @@ protected:
         setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Applications)", L"BinDir", m_built);
         setValue(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", m_built / L"Branding.dll");
         setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", m_traceFile);
-        const DWORD on = 1;
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano\Tracing)", L"DoTrace", REG_DWORD,
-                        &on, sizeof on);
+        setTracing(1);
         setValue(HKEY_CURRENT_USER, m_key + LR"(\Settings)", L"path_bin_dir", m_root);
         writeFile(m_krs / L"Templates" / L"bank.vlm", "bank");
         writeFile(m_krs / L"Templates" / L"updata.vls", "state");
@@ -151,6 +135,11 @@ protected:
     {
         stopAgent();
         fs::remove(m_policyLibrary);
+    }
+    void setTracing(DWORD on) const
+    {
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (m_key + LR"(\Tracing)").c_str(), L"DoTrace", REG_DWORD,
+                        &on, sizeof on);
     }
     void startAgent()
     {

@@ -17,7 +17,7 @@ struct host_t {
     const plugin_t plugin;
     std::atomic<bool> enough{false};
     std::atomic<unsigned> calls{0};
-    std::atomic<bool> failed{false}; // at least once
+    std::atomic<bool> called{false}; // at least once
 };
 
 HANDLE startThread(DWORD(WINAPI* body)(void*), host_t& host)
@@ -25,21 +25,13 @@ HANDLE startThread(DWORD(WINAPI* body)(void*), host_t& host)
     return CreateThread(nullptr, 0, body, &host, 0, nullptr);
 }
 
-// Its thread may be terminated, so it loads nothing: one that dies in the system's loader lets no
-// process end.
-DWORD WINAPI keepFailing(void* context)
+// A thread that may be terminated only fails, and so loads nothing: one that dies in the system's
+// loader lets no process end.
+template <bool onlyFails> DWORD WINAPI keepCalling(void* context)
 {
     auto& host = *static_cast<host_t*>(context);
-    for (; !host.enough; host.failed = true)
-        callAndFail(host.plugin);
-    return 0;
-}
-
-DWORD WINAPI keepCalling(void* context)
-{
-    auto& host = *static_cast<host_t*>(context);
-    while (!host.enough)
-        callAnything(host.plugin, host.calls += 3);
+    for (; !host.enough; host.called = true)
+        onlyFails ? callAndFail(host.plugin) : callAnything(host.plugin, host.calls += 3);
     return 0;
 }
 
@@ -50,14 +42,15 @@ void endAtAnyTime(unsigned number)
     std::srand(number);
     auto* const host = new host_t; // not ours to free once the process ends
     host->calls = number;
-    std::vector<HANDLE> threads{startThread(keepFailing, *host)};
+    std::vector<HANDLE> threads{startThread(keepCalling<true>, *host)};
     // After a terminated thread the others load nothing either: they could wait for the heap's lock
     // with the loader's taken, which the end of the process needs.
     while (threads.size() < 3)
-        threads.push_back(startThread(number % 3 == 1 ? keepFailing : keepCalling, *host));
+        threads.push_back(
+            startThread(number % 3 == 1 ? keepCalling<true> : keepCalling<false>, *host));
     Sleep(static_cast<DWORD>(std::rand() % 15));
     if (number % 3 == 1) {
-        while (!host->failed) // the loader starts a thread, too
+        while (!host->called) // the loader starts a thread, too
             Sleep(1);
         TerminateThread(threads[0], 0);
         Sleep(static_cast<DWORD>(std::rand() % 5));
@@ -99,7 +92,7 @@ void endAfterAStop(unsigned number)
                                       SetEvent(stopped);
                                       Sleep(INFINITE);
                                   }));
-        thread = startThread(keepFailing, *host);
+        thread = startThread(keepCalling<true>, *host);
         if (WaitForSingleObject(stopped, 10000) != WAIT_OBJECT_0)
             TerminateProcess(GetCurrentProcess(), 4);
     }
@@ -164,9 +157,7 @@ TEST_F(Lifetime, LoadsKeepNothing)
         EXPECT_TRUE(CLoadedModule(LoadLibraryW((m_built / name).c_str())));
     };
     const std::pair<size_t, std::function<void()>> rows[] = {
-        {1200, [&] { loaded(libraries[0]); }},
-        {1200, [&] { loaded(libraries[1]); }},
-        {1200, [&] { loaded(libraries[2]); }},
+        {1200, [&] { std::for_each(std::begin(libraries), std::end(libraries), loaded); }},
         {1200, [] { callAndFail({}); }},
         {50,
          [] {
@@ -195,6 +186,7 @@ TEST_F(Lifetime, LoadsKeepNothing)
         for (size_t i = 0; i < loads; ++i)
             load();
         EXPECT_EQ("", heldResources_t().grownSince(before, loads));
+        EXPECT_FALSE(GetModuleHandleW(libraries[1]) || GetModuleHandleW(libraries[2]));
     }
 }
 

@@ -11,8 +11,7 @@ TEST_F(Tracing, OffFormatsTakesAndMarksNothing)
 {
     static DWORD passed = 0; // milliseconds, more than a look at the switch waits for
     const auto turn = [this](DWORD on) {
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (m_key + L"\\Tracing").c_str(), L"DoTrace", REG_DWORD,
-                        &on, sizeof on);
+        setTracing(on);
         passed += 40000;
     };
     turn(0);

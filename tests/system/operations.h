@@ -1,0 +1,173 @@
+#pragma once
+
+#include "installation.h"
+#include "support/agentstub.h"
+
+// outcome_t is what an operation returned: its statuses, and all that it gave in one text.
+struct outcome_t {
+    std::vector<HRESULT> statuses;
+    std::string given;
+
+    void add(HRESULT status) { statuses.push_back(status); }
+    void add(HRESULT status, const VARIANT& value)
+    {
+        add(status);
+        given += std::to_string(value.vt) + ' ';
+        if (value.vt == (VT_ARRAY | VT_UI1)) {
+            const bytes data = bytesOf(value);
+            given.append(data.begin(), data.end());
+        } else if (value.vt == VT_BSTR && value.bstrVal) {
+            given += utf8FromWide(value.bstrVal);
+        }
+    }
+    bool operator==(const outcome_t&) const = default;
+};
+
+// operationsTest has what hosts ask of the plug-in, by name, and an agent that answers.
+class operationsTest : public installedTest
+{
+protected:
+    // run: the scenario begins with the name
+    outcome_t run(const plugin_t& plugin, const std::string& scenario)
+    {
+        const std::pair<const char*, outcome_t (operationsTest::*)(const plugin_t&)> operations[] =
+            {{"information", &operationsTest::information},
+             {"status", &operationsTest::status},
+             {"notification", &operationsTest::notification},
+             {"backup", &operationsTest::backup},
+             {"restore", &operationsTest::restore},
+             {"pluginData", &operationsTest::pluginData},
+             {"registration", &operationsTest::registration},
+             {"creation", &operationsTest::creation}};
+        for (const auto& [name, operation] : operations)
+            if (scenario.starts_with(name))
+                return (this->*operation)(plugin);
+        return {};
+    }
+
+    bytes m_secrets = seq({seq({wide(L"KRS Protected Storage"), octets("s")})});
+
+private:
+    outcome_t information(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        for (const ULONG id : {1u, 2u, 3u, 4u, 8u, 100u, 101u, 103u, 7u}) {
+            value_t value;
+            const HRESULT status = plugin.as<IVLKTElementUI>()->GetProperty(id, &value);
+            outcome.add(status, value);
+            if (FAILED(status))
+                value.vt = VT_EMPTY; // its payload may never have been stored
+        }
+        value_t value;
+        outcome.add(plugin.as<IVLKTPluginInfo>()->GetInfo(0, &value), value);
+        outcome.add(plugin.as<IVLKTPages>()->AddPages());
+        outcome.add(plugin.as<IVLKTTraySubscribe>()->Subscribe());
+        return outcome;
+    }
+    outcome_t status(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        ULONG number = 0;
+        value_t text;
+        text.vt = VT_BSTR;
+        text.bstrVal = nullptr;
+        outcome.add(plugin.as<IVLKSecurityStatus>()->GetStatus(&number, &text.bstrVal), text);
+        outcome.given += std::to_string(number);
+        outcome.add(plugin.as<IVLKTDisableApp>()->GetStatus(&number));
+        outcome.given += std::to_string(number);
+        for (const ULONG disabled : {1u, 0u})
+            outcome.add(plugin.as<IVLKTDisableApp>()->DisableLocal(disabled));
+        return outcome;
+    }
+    outcome_t notification(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        value_t notices;
+        outcome.add(plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &notices));
+        if (FAILED(outcome.statuses[0]))
+            notices.vt = VT_EMPTY; // its payload may never have been stored
+        if (notices.vt != (VT_ARRAY | VT_VARIANT) || !notices.parray ||
+            notices.parray->rgsabound[0].cElements == 0)
+            return outcome;
+        const auto& element = *static_cast<VARIANT*>(notices.parray->pvData);
+        IVLKTElementUI* notice = nullptr;
+        if (element.vt != VT_UNKNOWN || !element.punkVal ||
+            FAILED(element.punkVal->QueryInterface(__uuidof(IVLKTElementUI),
+                                                   reinterpret_cast<void**>(&notice))))
+            return outcome;
+        value_t shown;
+        shown.vt = VT_BOOL;
+        shown.boolVal = VARIANT_TRUE;
+        outcome.add(notice->SetProperty(commandSetShown, &shown));
+        outcome.add(notice->SetProperty(commandOpenConsole, nullptr));
+        for (const ULONG id : {notificationCaption, notificationShown, notificationActions,
+                               propertySecurityLevel, propertyExplanation}) {
+            value_t value;
+            const HRESULT result = notice->GetProperty(id, &value);
+            outcome.add(result, value);
+        }
+        notice->Release();
+        return outcome;
+    }
+    outcome_t backup(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        value_t names, data;
+        outcome.add(plugin.as<IVLKTBackupRestore2>()->GetStorageData(&names, &data), data);
+        return outcome;
+    }
+    outcome_t restored(HRESULT status)
+    {
+        outcome_t outcome;
+        outcome.add(status);
+        for (const auto& [name, content] : userFiles())
+            outcome.given += name + '=' + content + '\n';
+        return outcome;
+    }
+    outcome_t restore(const plugin_t& plugin)
+    {
+        value_t data(newLogon(m_files, m_settings));
+        const auto with = plugin.as<IVLKTBackupRestore2>();
+        outcome_t outcome = restored(with->SetStorageData2(0x10002, &data));
+        if (data.parray->cLocks != 0)
+            outcome.given += "the host's array is locked";
+        return outcome;
+    }
+    outcome_t pluginData(const plugin_t& plugin)
+    {
+        m_agentStub.answer();
+        const bytes logon = newLogon(m_files, m_oldSettings);
+        return restored(plugin.as<IVLKTBackupRestore3>()->SetPluginData(
+            static_cast<ULONG>(m_secrets.size()), m_secrets.data(),
+            static_cast<ULONG>(logon.size()), logon.data()));
+    }
+    outcome_t registration(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        for (const char* entry : {"DllRegisterServer", "DllUnregisterServer"})
+            outcome.add(plugin.entry<HRESULT WINAPI()>(entry)());
+        return outcome;
+    }
+    outcome_t creation(const plugin_t& plugin)
+    {
+        outcome_t outcome;
+        void *factory = nullptr, *object = nullptr;
+        outcome.add(plugin.entry<decltype(DllGetClassObject)>("DllGetClassObject")(
+            CLSID_CVLKTPages, IID_IClassFactory, &factory));
+        if (!factory)
+            return outcome;
+        const auto made = static_cast<IClassFactory*>(factory);
+        outcome.add(made->CreateInstance(nullptr, IID_IUnknown, &object));
+        made->Release();
+        if (object)
+            static_cast<IUnknown*>(object)->Release();
+        return outcome;
+    }
+
+    const std::vector<bytes> m_files = {filePair(L"new.vlm", "new"), filePair(L"bank.vlm", "bank"),
+                                        filePair(L"updata.vls", "state")};
+    const bytes m_settings = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
+                                         R"("show_training_prompt":true}}})")});
+    const bytes m_oldSettings = seq({integer(1), wide(L"K"), octets("list")});
+    const agentStub_t m_agentStub;
+};
