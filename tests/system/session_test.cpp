@@ -95,8 +95,9 @@ void pluginData(const plugin_t& plugin)
 
 TEST_F(Session, IsTracedRecordByRecord)
 {
+    const std::wstring many(5000, L'|'); // empty ones
     setValue(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
-             LR"(%SystemDrive%\VL\shared|C:\VL\shared\|rel)", REG_EXPAND_SZ);
+             many + LR"(%SystemDrive%\VL\shared|C:\VL\shared\|rel)");
     setValue(HKEY_CURRENT_USER, m_key + L"\\Settings", L"useGrabbingCreds", L"1");
     writeFile(m_root / L"shared" / L"s.vlm", "shared");
     value_t names, own, threeData(newLogon()), oneData(seq({}));
