@@ -80,13 +80,9 @@ BOOL WINAPI FailingInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, P
 TEST_F(Export, TheOutputsAreFilledBySecretAndData)
 {
     constexpr VARTYPE untouched = VT_I4, secrets = VT_ARRAY | VT_BSTR, octetArray = 0x2011;
-    const struct {
-        DWORD error;
-        int32_t answer;
-        const wchar_t* outside; // the setting intelauthenticate
-        std::vector<std::pair<const wchar_t*, const char*>> data;
-        VARTYPE names, bytes;
-    } cases[] = {
+    // The error or the answer of the library, the setting intelauthenticate and the files.
+    using files_t = std::vector<std::pair<const wchar_t*, const char*>>;
+    const std::tuple<DWORD, int32_t, const wchar_t*, files_t, VARTYPE, VARTYPE> cases[] = {
         {0, 0, L"0", {{L"a.vlm", "not alone"}, {L"updata.vls", ""}}, untouched, untouched},
         {0, 2, L"0", {{L"updata_temp.vls", ""}}, untouched, octetArray}, // which needs no content
         {0, 0, L"-1", {{L"updata.vls", "x"}}, untouched, octetArray},
@@ -96,21 +92,22 @@ TEST_F(Export, TheOutputsAreFilledBySecretAndData)
     };
     const importPatch_t patch("GetProcAddress", &AnsweredExport);
     originalExport = importOriginal<decltype(&GetProcAddress)>(patch);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
+    for (const auto& row : cases) {
+        SCOPED_TRACE(&row - cases);
+        const auto& [error, answer, outside, files, namesType, bytesType] = row;
         clear();
-        for (const auto& [name, content] : c.data)
+        for (const auto& [name, content] : files)
             write(std::wstring(L"personal\\") + name, content);
         m_settings.values[L"path_localstorage_dir"].pop_back(); // the separator is added
-        m_settings.values[L"intelauthenticate"] = c.outside;
-        exportError = c.error;
-        libraryAnswer = c.answer;
+        m_settings.values[L"intelauthenticate"] = outside;
+        exportError = error;
+        libraryAnswer = answer;
         ATL::CComVariant names, data;
         names.vt = data.vt = untouched;
         EXPECT_EQ(m_plugin.GetStorageData(&names, &data), S_OK);
-        EXPECT_EQ(traced(L"E -2147024769 GetStorageData[com]"), c.error && c.bytes == untouched);
-        ASSERT_EQ(names.vt, c.names);
-        ASSERT_EQ(data.vt, c.bytes);
+        EXPECT_EQ(traced(L"E -2147024769 GetStorageData[com]"), error && bytesType == untouched);
+        ASSERT_EQ(names.vt, namesType);
+        ASSERT_EQ(data.vt, bytesType);
         EXPECT_TRUE(data.vt == VT_I4 || (bytesOf(data) == backupOf() && data.parray->cLocks == 0));
         EXPECT_TRUE(names.vt == VT_I4 || *static_cast<BSTR*>(names.parray->pvData) ==
                                              std::wstring(L"KRS Protected Storage"));

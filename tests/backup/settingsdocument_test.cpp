@@ -74,10 +74,7 @@ TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
 
 TEST_F(SettingsDocument, MembersOfEachTypeAreAppliedOrNone)
 {
-    const struct {
-        std::string value;
-        std::wstring flag, text;
-    } cases[] = {
+    const std::tuple<std::string, std::wstring, std::wstring> cases[] = {
         {"true", L"1", L"true"}, {"false", L"-1", L"false"},
         {"null", L"", L""},      {"[]", L"", L""},
         {"{}", L"", L""},        {"\"\"", L"-1", L""},
@@ -86,16 +83,16 @@ TEST_F(SettingsDocument, MembersOfEachTypeAreAppliedOrNone)
         {"-1", L"1", L"!"},      {"0.5", L"1", L"!"},
         {"[0]", L"1", L"!"},     {"{\"a\":null}", L"1", L"!"},
     };
-    for (const auto& c : cases) {
-        const std::wstring flag = c.flag.empty() ? L"" : L"|useGrabbingCreds=" + c.flag;
-        const std::wstring text = c.text.empty() ? L"" : L"|open_guard_desk_qa=" + c.text;
-        const std::wstring end = c.text == L"!" ? L"Type is not convertible to string" : L"true";
-        const std::string member = R"("useGrabbingCreds":)" + c.value;
+    for (const auto& [value, asFlag, asText] : cases) {
+        const std::wstring flag = asFlag.empty() ? L"" : L"|useGrabbingCreds=" + asFlag;
+        const std::wstring text = asText.empty() ? L"" : L"|open_guard_desk_qa=" + asText;
+        const std::wstring end = asText == L"!" ? L"Type is not convertible to string" : L"true";
+        const std::string member = R"("useGrabbingCreds":)" + value;
         EXPECT_EQ(restored(documentOf(member)), L"true" + flag);
         const std::string texts = member + R"(,"show_training_prompt":2,"open_guard_desk_qa":)";
-        EXPECT_EQ(restored(documentOf(texts + c.value)),
+        EXPECT_EQ(restored(documentOf(texts + value)),
                   end == L"true" ? L"true" + text + L"|show_training_prompt=1" + flag : end);
-        const std::string list = member + R"(,"path_dontpromptlist_filename":)" + c.value;
+        const std::string list = member + R"(,"path_dontpromptlist_filename":)" + value;
         EXPECT_EQ(restored(documentOf(list)), end == L"true" ? L"true" + flag : end);
     }
 }
@@ -120,27 +117,23 @@ TEST_F(SettingsDocument, OtherShapesAreRefusedOrSetNothing)
 
 TEST_F(SettingsDocument, LegacyElementsSetPromptAndHotKeyAndHalfTheList)
 {
-    const struct {
-        bytes encoded;
-        std::wstring prompt;
-        std::string list; // as written
-    } cases[] = {
+    const std::tuple<bytes, std::wstring, std::string> cases[] = {
         {seq({integer(2), wide(L"K")}), L"-1", ""},
         {seq({integer(1), wide(L"K"), octets(""), octets("")}), L"1", ""},
         {seq({integer(1), wide(L"K"), octets("ab\0c"s)}), L"1", "\4\0\4\0"s},
         {seq({integer(1), wide(L"K"), octets("")}), L"1", "\4"},
     };
     const std::wstring file = listFile.wstring();
-    for (const auto& c : cases) {
+    for (const auto& [encoded, prompt, list] : cases) { // the list as it is written
         std::filesystem::remove(listFile);
         settings.values = {{L"path_dontpromptlist_filename", listFile}};
         std::wstring told = L"true";
-        if (!c.list.empty())
+        if (!list.empty())
             told +=
-                L"|U file name='" + file + L"', dataLen = " + std::to_wstring(c.list.size()) + L".";
+                L"|U file name='" + file + L"', dataLen = " + std::to_wstring(list.size()) + L".";
         told += L"|open_guard_desk_qa=K|path_dontpromptlist_filename=" + file;
-        EXPECT_EQ(restored(c.encoded), told + L"|show_training_prompt=" + c.prompt);
-        EXPECT_EQ(fileBytes(listFile), c.list);
+        EXPECT_EQ(restored(encoded), told + L"|show_training_prompt=" + prompt);
+        EXPECT_EQ(fileBytes(listFile), list);
     }
 }
 
