@@ -80,25 +80,6 @@ TEST(CVLByteArray, AppendsRunsAndResizes)
     EXPECT_EQ(array.Release(), DISP_E_ARRAYISLOCKED);
 }
 
-TEST(CVLByteArray, CopiesOnlyBytes)
-{
-    for (const VARTYPE type : {VT_BSTR, VT_I1, VT_UI1}) {
-        SCOPED_TRACE(type);
-        ATL::CComVariant source;
-        source.vt = static_cast<VARTYPE>(VT_ARRAY | type);
-        SAFEARRAYBOUND bound{3, 5};
-        source.parray = SafeArrayCreate(type, 1, &bound);
-        CVLByteArray holder;
-        holder.Add(bytes{42});
-        const HRESULT status = raised([&] { EXPECT_EQ(holder.CopyFrom(source.parray), S_OK); });
-        EXPECT_EQ(status, type == VT_UI1 ? S_OK : E_INVALIDARG);
-        EXPECT_EQ(holder.Get()->cLocks, 1u);
-        EXPECT_EQ(holder.LowerBound(), type == VT_UI1 ? 5 : 0);
-        EXPECT_EQ(bytesOf(holder), type == VT_UI1 ? bytes(3) : bytes{42}); // refused before it goes
-    }
-    EXPECT_EQ(raised([] { CVLByteArray().CopyFrom(nullptr); }), E_INVALIDARG);
-}
-
 TEST(HandOver, LeavesAnOutputThatCannotBeCleared)
 {
     ATL::CComVariant local(L"text");

@@ -3,7 +3,6 @@
 #include "atl/comutil.h"
 #include "common/scoped.h"
 #include "common/status.h"
-#include "common/text.h"
 
 TEST(Status, ErrorsBecomeStatusesAndStatusesStay)
 {
@@ -31,11 +30,4 @@ TEST(Scoped, ClosingKeepsTheLastErrorAndHappensOnce)
     second.reset();
     EXPECT_EQ(GetLastError(), 1234u);
     EXPECT_FALSE(first || CloseHandle(raw)); // it was closed
-}
-
-TEST(Text, ConvertsBothWaysWithZerosInside)
-{
-    const std::wstring wide(L"a\0\u00e9\U0001F600", 5);
-    EXPECT_EQ(utf8FromWide(wide), std::string("a\0\xC3\xA9\xF0\x9F\x98\x80", 8));
-    EXPECT_EQ(wideFromUtf8(utf8FromWide(wide)), wide);
 }
