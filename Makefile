@@ -1,4 +1,4 @@
-# Every command sets up what it needs, and is quick when that is there. Nothing is written outside build/ but for
+# Every command sets up what it needs, and is quick when that is there. Nothing is written outside build/ except
 # installed packages.
 .DEFAULT_GOAL := build
 SHELL := /bin/sh

@@ -10,7 +10,7 @@ endmacro()
 # vl_version_resource(SCRIPT FILE name DESCRIPTION text [LANGID 0x0409] [PROGRAM])
 #
 # Writes a script with the version information of one of our files into the current binary folder. The language is
-# neutral if none is given; FILE is the name of the file, a library unless PROGRAM is said.
+# neutral if none is given; FILE is the name of the file, a library unless PROGRAM is given.
 function(vl_version_resource script)
   cmake_parse_arguments(arg "PROGRAM" "FILE;DESCRIPTION;LANGID" "" ${ARGN})
   if(NOT arg_LANGID)

@@ -1,7 +1,7 @@
 # vl_add_test(NAME SOURCES file... LIBS library... [ARGS argument...])
 #
-# One GoogleTest program. A Windows program runs under Wine in a clone of the base prefix of its own, so that
-# its registry, files, objects and windows are nobody else's. Its cases are counted from build/<preset>/results.
+# One GoogleTest program. A Windows program runs under Wine in its own clone of the base prefix, so that no other
+# program sees its registry, files, objects and windows. Its cases are counted from build/<preset>/results.
 function(vl_add_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS;ARGS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})

@@ -14,7 +14,7 @@ endif()
 add_library(vl_cli11 INTERFACE)
 target_include_directories(vl_cli11 SYSTEM INTERFACE ${vl_third_party}/include)
 
-# The settings document's parser. The one release is asked for by its hash: number and text conversions differ
+# The settings document's parser, in exactly this release, checked by its hash: number and text conversions differ
 # between releases, and a document must read the same everywhere.
 foreach(option WITH_TESTS WITH_POST_BUILD_UNITTEST WITH_PKGCONFIG_SUPPORT WITH_CMAKE_PACKAGE)
   set(JSONCPP_${option} OFF CACHE INTERNAL "")

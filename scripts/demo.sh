@@ -1,5 +1,5 @@
 #!/bin/bash
-# demo.sh goes the whole road on the stand-ins: a throw-away profile, what a dashboard shows, a backup, a restore
+# demo.sh runs the whole system on the stand-ins: a throw-away profile, what a dashboard shows, a backup, a restore
 # into a second, empty profile with another folder layout, and a comparison. Exit status 0 only if everything came
 # back. What it leaves lies in build/demo.
 set -u

@@ -1,5 +1,5 @@
 #!/bin/sh
-# fuzz.sh SECONDS runs every fuzzer for so long; what they learn is kept in build/corpus.
+# fuzz.sh SECONDS runs each fuzzer for that long; what they learn is kept in build/corpus.
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 status=0

@@ -1,6 +1,6 @@
 #!/bin/bash
 # package-test.sh runs the installer of build/package under Wine: a silent installation, the entry among the installed
-# programs, and a silent removal, after which only Cleanup.txt is left. Exit status: 0 only if all is as meant.
+# programs, and a silent removal, after which only Cleanup.txt is left. Exit status: 0 only if all is as expected.
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 prefix=$(mktemp -d "$root/build/wine/run-XXXXXX") || exit 1
@@ -25,7 +25,7 @@ run 'C:\Product\bin\vlhost.exe' info || fail "the plug-in does not answer"
 key='HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall\VLOnlineIDs'
 run reg query "$key" /v QuietUninstallString || fail "no entry among the installed programs"
 run 'C:\Product\bin\VLOnlineIDs-uninstall.exe' /S || fail "the removal failed"
-# The copy that works goes on after the uninstaller has ended.
+# The copy that does the work runs on after the uninstaller has ended.
 for _ in $(seq 100); do
     [ -e "$prefix/drive_c/Product/bin" ] || break
     sleep 0.2

@@ -1,6 +1,6 @@
 #!/bin/sh
 # setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the source of
-# JsonCpp. Everything but the packages goes below build/. A second run finds its work done and needs no network.
+# JsonCpp. Everything except the packages goes below build/. A second run finds its work done and needs no network.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 third_party="$root/build/third-party"
