@@ -8,7 +8,7 @@
 #include "registryvalue.h"
 
 // The switch of tracing in the registry, as the plug-in reads it: SOFTWARE\Veltrano\Tracing of
-// HKEY_LOCAL_MACHINE. docs/trace-format.md says what the values mean.
+// HKEY_LOCAL_MACHINE. The values and what they mean are in docs/tracing.md.
 
 // traceSwitch_t is what is set. Empty texts and numbers are not set.
 struct traceSwitch_t {
