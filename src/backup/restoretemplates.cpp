@@ -76,7 +76,7 @@ void CStorageData::RestoreTemplates(const CDerElement& element)
         traceFormat(0, "Invalid BLOB pointer.");
         return;
     }
-    // A text prefix as it stands: without a separator at its end it misses the folder, as the
+    // A text prefix, used as it is: without a separator at its end it misses the folder, as the
     // folder list does; empty, it means the current folder. Intended.
     const std::wstring dir = settings_getpath(L"path_localstorage_dir");
     EmptyPersonalFolder(dir);

@@ -256,7 +256,7 @@ void jv2s(const Json::Value& value, std::string& text)
         builder["emitUTF8"] = true; // bytes that are no UTF-8 pass too
         const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
         std::ostringstream line;
-        line.exceptions(std::ios::badbit); // out of memory, it would only stop writing
+        line.exceptions(std::ios::badbit); // else it would only stop when memory runs out
         writer->write(value, &line);
         text = line.str();
     } catch (...) {

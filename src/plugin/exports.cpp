@@ -1,6 +1,6 @@
 #include "atl/commodule.h"
 
-// There is no DllCanUnloadNow: a host lets the DLL go when it likes, and the module's locks only
+// There is no DllCanUnloadNow: a host frees the DLL when it likes, and the module's locks only
 // count.
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** out)
 {

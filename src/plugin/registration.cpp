@@ -14,7 +14,7 @@ constexpr wchar_t roleAppControl[] = L"UIElements\\AppControl";
 constexpr wchar_t roleBackupRestore[] = L"UIElements\\BackupRestore";
 constexpr wchar_t roleTrayIcon[] = L"TrayIcon";
 
-// What the uninstaller has to remove of a user's data. The meaning of the flags is its own.
+// The user data that the uninstaller has to remove. Only it knows what the flags mean.
 struct cleanupRow_t {
     const wchar_t* kind;
     const wchar_t* path;

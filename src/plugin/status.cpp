@@ -72,8 +72,8 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
     }
 }
 
-// Of IVLKTDisableApp, with the same entry in the trace. What is raised is traced and the result
-// stays 0.
+// Of IVLKTDisableApp, with the same entry in the trace. An exception is traced, and the result
+// stays S_OK.
 STDMETHODIMP CVLKTPages::GetStatus(ULONG* status)
 {
     const traceScope_t scope("CVLKTPages::GetStatus");
@@ -99,7 +99,7 @@ LONG CVLKTPages::GetSecurityLevel()
     auto status = static_cast<ULONG>(-1);
     CComBSTR text;
     IVLKSecurityStatus* const self = this;
-    self->GetStatus(&status, &text); // a disabled application goes on as status 0
+    self->GetStatus(&status, &text); // a disabled application counts as status 0
     switch (status) {
     case 0:
         return IsLevelTwoDismissed() ? 4 : 2;

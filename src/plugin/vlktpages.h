@@ -4,7 +4,7 @@
 #include "vlonlineids.h"
 
 // CVLKTPages is the one component class. It has no state: each operation reads what it needs at the
-// moment of the call and forgets it. The operations stand in files of their own by subject:
+// moment of the call and forgets it. The operations are in files of their own by subject:
 // pages.cpp (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp and
 // backupoperations.cpp.
 class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,

@@ -17,7 +17,7 @@ struct _CRYPTOAPI_BLOB;
 // Source:  RegEnumValueW, RegQueryValueExW
 bool qlcategories_backup(CDerNode* out);
 
-// qlcategories_restore replaces the categories by those of an encoded list, all of type REG_SZ,
+// qlcategories_restore replaces the categories with those of an encoded list, all of type REG_SZ,
 // and empties the text of the category last used. An undecodable list is an empty one; null does
 // nothing.
 //

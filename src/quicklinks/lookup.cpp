@@ -27,7 +27,8 @@ size_t QLLookup::first(const std::vector<QLRecord>& records, std::string_view fi
     const auto found = m_positions.find(keyof(file, profile));
     if (found == m_positions.end())
         return none;
-    // A record that got another profile still stands under its old one: drop it when it turns up.
+    // A record that got another profile is still listed under its old one: drop it when it turns
+    // up.
     auto& positions = found->second;
     const auto match = std::find_if(positions.begin(), positions.end(), [&](size_t position) {
         return matches(records[position], file, profile);

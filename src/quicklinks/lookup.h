@@ -28,9 +28,9 @@ public:
 private:
     void follow(const std::vector<QLRecord>& records);
 
-    // Each record stands under its own profile and under anyprofile; positions ascend.
+    // Each record is listed under its own profile and under anyprofile; positions ascend.
     std::unordered_map<std::string, std::vector<size_t>> m_positions;
-    size_t m_followed = 0; // records that stand in m_positions
+    size_t m_followed = 0; // records that are in m_positions
 };
 
 // qlfilepart is the text after the last \, / or : of a path; all of it if there is none.

@@ -52,13 +52,13 @@ public:
     // keep: replaced by copies, in the order of records
     void filter(const std::string& list, std::vector<QLRecord>& keep) const;
 
-    // parse replaces records and both lists by what the lines hold. Lines that are no key and value
-    // are traced and skipped, unknown keys are ignored, records whose manifest isn't there now are
-    // dropped.
+    // parse replaces records and both lists with what the lines hold. Lines that are no key and
+    // value are traced and skipped, unknown keys are ignored, records whose manifest isn't there
+    // now are dropped.
     void parse(const TextLines& lines);
 
     // render writes the records that have a kind, then the lists that aren't empty, each line with
-    // one line feed. Out of memory, the stream says so in its own way.
+    // one line feed. If memory runs out, the stream reports it as it is set to.
     void render(const std::string& urls, const std::string& dlgpaths, std::ostream& out) const;
 
     // save renders everything and then writes the file, with CR LF. A failure to render leaves the

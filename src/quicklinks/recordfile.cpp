@@ -217,7 +217,7 @@ bool QL::save(const std::wstring& fileName, bool traced) const
     }
     try {
         std::ostringstream text;
-        text.exceptions(std::ios::badbit); // out of memory, it would only stop writing
+        text.exceptions(std::ios::badbit); // else it would only stop when memory runs out
         render(krsurls, krsdlgpaths, text);
         const std::string whole = text.str();
         openfolder(fileName);

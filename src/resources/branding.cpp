@@ -90,7 +90,7 @@ HMODULE CBranding::LoadResourceDLL()
     auto own = std::make_unique<const loadedBranding_t>(loadedBranding_t{dll.get(), path});
     const loadedBranding_t* first = nullptr;
     if (!published.record.compare_exchange_strong(first, own.get(), std::memory_order_acq_rel))
-        return first->module; // another thread was quicker: ours goes
+        return first->module; // another thread was quicker: ours is freed
     static_cast<void>(dll.release());
     return own.release()->module;
 }

@@ -18,7 +18,7 @@ struct mappedView {
 constexpr LANGID englishUs = 1033;
 constexpr LONGLONG maxFileSize = 1 << 28;
 
-// checkedFile_t keeps a file from being written while what was read of it still has to hold.
+// checkedFile_t keeps a file from being written as long as what was read from it must stay true.
 struct checkedFile_t {
     CFileHandle file;
     muiFile_t contents;

@@ -24,7 +24,7 @@ HRSRC findStringBlock(HMODULE module, WORD number)
         found = FindResourceExW(module, type, block,
                                 static_cast<WORD>(GetUserDefaultUILanguage() & primaryLanguage));
     if (!found)
-        found = FindResourceW(module, type, block); // name and type stand reversed. Intended.
+        found = FindResourceW(module, type, block); // name and type are swapped. Intended.
     return found;
 }
 

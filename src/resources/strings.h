@@ -20,8 +20,8 @@ std::wstring GetBrandedString(UINT id);
 // Source:  FindResourceExW, FindResourceW, LoadStringW
 int LoadStringFromModule(HMODULE module, UINT id, std::wstring& out);
 
-// ExpandProductName puts the product's name in the place of every "<<%PN%>>". The name is not
-// searched for markers.
+// ExpandProductName replaces every "<<%PN%>>" with the product's name. The name is not searched for
+// markers.
 void ExpandProductName(std::wstring& text);
 
 // GetProductName is string 103 of the branding DLL, at most 259 characters. With no branding DLL

@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-// What a DLL of ours has in place of parts of the static C++ runtime.
+// What our DLLs use in place of parts of the static C++ runtime.
 //
 // The toolchain makes those parts for programs, which start once and end with their process. In a
 // DLL they kept four handles, a thread-local index and 76 KB for each load, and the 1,084th load
-// found no index left and ended the host. With these nothing is kept:
+// found no index left and ended the host. With these replacements nothing is kept:
 //
 //   entry.cpp          start and end of the DLL: none of its code runs when the process ends
 //   exceptionpool.cpp  frees the memory that is set aside for exceptions when there is no other

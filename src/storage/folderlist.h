@@ -5,7 +5,7 @@
 #include <vector>
 
 // The folders that hold template files (*.vlm) on this machine, and the files in the local ones.
-// Set and vector are built afresh for one export. Nothing here raises: a folder in trouble is
+// Set and vector are built afresh for one export. Nothing here raises: a folder that fails is
 // traced, and dropped or kept as its role asks.
 
 // FolderRec is one template folder. Two paths that differ only in case are two folders.

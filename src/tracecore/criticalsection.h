@@ -4,7 +4,7 @@
 
 namespace tracecore {
 
-// criticalSection_t is the platform's critical section as std::lock_guard wants it.
+// criticalSection_t is the platform's critical section in the form that std::lock_guard takes.
 class criticalSection_t
 {
 public:

@@ -18,7 +18,7 @@ uint64_t timeOf(systemClock_t clock) noexcept
     return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
 
-// The precise clock is a mere read of memory on every system that has it, the other one isn't. It
+// The precise clock is a mere read of memory on every system that has it, unlike the other one. It
 // came with version 6.2: an earlier system doesn't load a module that imports it.
 systemClock_t entryClock() noexcept
 {

@@ -251,7 +251,7 @@ void sweepOldTraces(const std::wstring& path, uint8_t flag)
         CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
     if (!turn)
         return;
-    const struct release_t { // when it isn't free, too: what isn't owned stays as it is
+    const struct release_t { // harmless when another process has it
         HANDLE mutex;
         ~release_t() { ReleaseMutex(mutex); }
     } release{turn.get()};

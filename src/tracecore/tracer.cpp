@@ -150,7 +150,7 @@ void traceLeave()
     if (tracer.mode.load(std::memory_order_relaxed) > sinkNowhere) {
         try {
             traceWrite('<', {});
-        } catch (...) { // out of memory: the frame goes all the same
+        } catch (...) { // out of memory: the frame is popped all the same
         }
     }
     tracer.stacks.pop();

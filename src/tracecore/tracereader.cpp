@@ -14,7 +14,7 @@ constexpr size_t headerLineLimit = 1024; // the tracer's own lines have at most 
 constexpr size_t headerLimit = 1 << 16;
 constexpr size_t mendedLimit = 4096;  // longest text that is mended rather than searched through
 constexpr size_t glance = 256;        // bytes of text that decide whether a search ends at a record
-constexpr size_t keptBytes = 1 << 16; // taken bytes are let go of in pieces of at least this size
+constexpr size_t keptBytes = 1 << 16; // used bytes are released in pieces of at least this size
 
 // sequenceAt gives the length of the UTF-8 sequence at the front of bytes, which aren't empty: 0 if
 // there can be none, more than there is if it is cut.
@@ -168,7 +168,7 @@ std::optional<traceItem_t> traceReader_t::nextHeader()
         const bool ended = behind.size() >= 2 && behind[0] == '\r' && behind[1] == '\n';
         if (!ended && !m_ended && bytes.size() < headerLineLimit &&
             (behind.empty() || (behind.size() == 1 && behind[0] == '\r')))
-            return std::nullopt; // the line goes on in bytes that are to come
+            return std::nullopt; // the line continues in bytes that are still to come
         if (m_phase == phase_t::mark) {
             m_phase = phase_t::header;
             if (m_bytes.empty()) { // an empty file has nothing wrong with it
@@ -191,7 +191,7 @@ std::optional<traceItem_t> traceReader_t::nextHeader()
     }
 }
 
-// What there is of the header comes first, then what is missing of it.
+// The lines that there are come first, then what is missing from the header.
 traceItem_t traceReader_t::endHeader(std::string missing)
 {
     const bool hasLines = !m_header.lines.empty();

@@ -152,8 +152,8 @@ void agentLink_t::servePending(HWND window)
     }
 }
 
-// A client that is inside is answered first. The buffer goes before the semaphore is free, so that
-// the next one finds no agent and returns.
+// A client that is inside is answered first. The buffer is closed before the semaphore is free, so
+// that the next client finds no agent and returns.
 void agentLink_t::leave(HWND window)
 {
     const HANDLE awaited[] = {m_dataReady.get(), m_admission.get()};

@@ -50,7 +50,7 @@ public:
     CSecretClient();
 
     // Status is 0, or why the store can't be used: library, function or user not found. The
-    // operations are of use only when it is 0.
+    // operations may be used only when it is 0.
     LONG Status() const noexcept { return m_status; }
 
     bool Exists(const std::wstring& name) const;

@@ -308,7 +308,7 @@ void callPlugin(const std::wstring& path, const char* function)
         failed("the dashboard's registration failed:", path, static_cast<DWORD>(status));
 }
 
-// noteRegistration makes the registration that is there ours in the record, if it is of this DLL.
+// noteRegistration records the current registration as ours if it is that of this DLL.
 void noteRegistration(const std::wstring& root, record_t& record)
 {
     const std::string ours = textValue(pluginOf(root), REG_EXPAND_SZ);

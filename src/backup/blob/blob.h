@@ -106,7 +106,8 @@ public:
         Forget();
     }
 
-    // Assign replaces the bytes by a copy of bytes that aren't its own. No bytes leave it empty.
+    // Assign replaces the bytes with a copy of others, which aren't its own. Without any the blob
+    // is empty.
     void Assign(const void* bytes, DWORD count)
     {
         Free();
@@ -125,7 +126,7 @@ public:
         return blobcodec::encode(blobcodec::tagOf(structType), *this, slot);
     }
 
-    // DecodeAs replaces the encoded bytes by the contents of the octet string or integer, an
+    // DecodeAs replaces the encoded bytes with the contents of the octet string or integer, an
     // integer's little-endian. False, with the encoded bytes kept, if they aren't one.
     bool DecodeAs(structType_t structType)
     {
@@ -183,9 +184,9 @@ public:
     // can't be encoded.
     _CRYPTOAPI_BLOB* Encode(_CRYPTOAPI_BLOB& slot) const;
 
-    // Decode replaces an encoded text of any kind that CDerElement::DecodeWide reads by its code
-    // units. Anything else keeps its encoded bytes; the result is true all the same. A stored text
-    // without a terminator has none here.
+    // Decode replaces an encoded text, of any kind that CDerElement::DecodeWide reads, with its
+    // code units. Anything else keeps its encoded bytes; the result is true all the same. A stored
+    // text without a terminator has none here either.
     bool Decode();
 };
 
@@ -199,8 +200,8 @@ public:
     // they can't be encoded.
     _CRYPTOAPI_BLOB* Encode(_CRYPTOAPI_BLOB& slot) const;
 
-    // Decode replaces an encoded OCTET STRING by its bytes. Anything else keeps its encoded bytes;
-    // true all the same.
+    // Decode replaces an encoded OCTET STRING with its bytes. Anything else keeps its encoded
+    // bytes; the result is true all the same.
     bool Decode();
 };
 
@@ -241,17 +242,17 @@ public:
     void Clear() noexcept;
     void SecureClear() noexcept; // overwrites every element's bytes first
 
-    // Assign replaces the list by copies of the elements, none of them its own, and puts the cursor
-    // at 0. One without bytes stays an empty slot. Out of memory, the list holds the first ones.
+    // Assign replaces the list with copies of elements that aren't its own, and puts the cursor at
+    // 0. One without bytes stays an empty slot. Out of memory, the list holds the first ones.
     void Assign(const CRYPT_SEQUENCE_OF_ANY& elements);
 
     // Encode writes the sequence over the destination, whatever it pointed at. An empty slot adds
     // nothing, an empty list gives 30 00.
     void Encode(_CRYPTOAPI_BLOB& destination) const;
 
-    // Decode replaces the list by the elements of the source's sequence, which aren't looked into;
-    // the source's bytes are not the list's own. False, with the list unchanged, if the source is
-    // null or no well-formed sequence.
+    // Decode replaces the list with the elements of the source's sequence, which aren't looked
+    // into; the source's bytes are not the list's own. False, with the list unchanged, if the
+    // source is null or no well-formed sequence.
     bool Decode(const _CRYPTOAPI_BLOB* source);
 
     // Slot gives an element's record for an encoder to fill or a reader to view; null past the end.

@@ -85,7 +85,7 @@ public:
     // SetAt returns E_FAIL when empty, E_INVALIDARG outside the bounds.
     HRESULT SetAt(LONG index, uint8_t value);
 
-    // Add appends all the bytes at once. No bytes make the array if there is none, and add nothing.
+    // Add appends all the bytes at once. Even without any it makes the array if there is none.
     HRESULT Add(std::span<const uint8_t> bytes);
 
     // Extend appends zero bytes and gives their place, which stays until the next change, so that a

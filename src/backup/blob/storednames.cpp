@@ -190,7 +190,7 @@ const char* targetWarning(const std::string& target)
     std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
-    // What a restore takes for a program, whatever stands in front.
+    // What a restore takes for a program, whatever comes before it.
     if (lower.ends_with(".exe") || lower.find("iexplore.exe") != std::string::npos)
         return "opens a program";
     const std::string scheme = schemeOf(target);
