@@ -9,6 +9,7 @@ out="$root/build/demo"
 first="$out/first"
 second="$out/second"
 agent_pid=
+language= # the locale of the profile's programs; empty leaves this machine's
 
 say() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 fail() {
@@ -27,7 +28,8 @@ trap cleanup EXIT
 in_profile() {
     local prefix=$1
     shift
-    HOME="$root/build/wine/home" WINEPREFIX="$prefix" timeout 120 "$root/scripts/wine-run.sh" "$@"
+    env HOME="$root/build/wine/home" WINEPREFIX="$prefix" ${language:+LC_ALL="$language"} \
+        timeout 120 "$root/scripts/wine-run.sh" "$@"
 }
 host() {
     local prefix=$1
@@ -98,7 +100,7 @@ host "$first" enable >/dev/null || fail "enable"
 say "... to a user who reads German"
 # The language is that of the environment in which the prefix's server starts.
 "$root/scripts/stop-prefix.sh" "$first"
-(LC_ALL=de_DE.UTF-8 2>/dev/null && export LC_ALL && host "$first" status) || fail "the German status"
+language=de_DE.UTF-8 host "$first" status || fail "the German status"
 "$root/scripts/stop-prefix.sh" "$first"
 
 say "A backup"
