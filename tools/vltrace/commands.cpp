@@ -136,8 +136,8 @@ int readAll(const options_t& options, const streams_t& streams, traceConsumer_i&
                          ": the rest is no whole record (is it still being written?)");
             else if (feed.damages > 0)
                 complain(shownInput(name) + " is damaged in " + std::to_string(feed.damages) +
-                         " places, " + std::to_string(feed.skipped) +
-                         " bytes skipped (vltrace cat shows where)");
+                         (feed.damages == 1 ? " place, " : " places, ") +
+                         std::to_string(feed.skipped) + " bytes skipped (vltrace cat shows where)");
         } catch (const CToolError& error) {
             complain(error.what());
             status = error.ExitStatus();
