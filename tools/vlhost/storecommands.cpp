@@ -46,12 +46,16 @@ void addSecretCommands(CLI::App& app, const options_t& options)
         writeSecretTo(*target, CSecretStore().Read(wideFromUtf8(arguments->name)));
     });
 
-    secret->add_subcommand("exists", "Tell whether it is there")->callback([arguments, &options] {
-        Json::Value json(Json::objectValue);
-        json["name"] = arguments->name;
-        json["exists"] = CSecretStore().Exists(wideFromUtf8(arguments->name));
-        printResult(json, options.json);
-    });
+    secret->add_subcommand("exists", "Check whether it is there; exit status 1 if not")
+        ->callback([arguments, &options] {
+            Json::Value json(Json::objectValue);
+            json["name"] = arguments->name;
+            const bool exists = CSecretStore().Exists(wideFromUtf8(arguments->name));
+            json["exists"] = exists;
+            printResult(json, options.json);
+            if (!exists)
+                throw CToolError("there is no secret '" + arguments->name + "'");
+        });
     secret->add_subcommand("delete", "Remove it")->callback([arguments, &options] {
         CSecretStore().Delete(wideFromUtf8(arguments->name));
         printResult(done("deleted", arguments->name), options.json);

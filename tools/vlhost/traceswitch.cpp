@@ -1,5 +1,6 @@
 #include "traceswitch.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 
@@ -182,7 +183,10 @@ DWORD noonOf(const std::string& day)
         fields.tm_year + 1900 != asked.tm_year || fields.tm_mon + 1 != asked.tm_mon ||
         fields.tm_mday != asked.tm_mday)
         throw CToolError("'" + day + "' is no day", "such as --until 2026-12-31", 2);
-    if (noon > MAXDWORD)
+    // The plug-in counts the seconds from today's midnight to that day's in 31 bits: a day that is
+    // further away is a past one to it.
+    constexpr int64_t oneDay = 86400;
+    if (noon > std::min<int64_t>(MAXDWORD, std::time(nullptr) + INT32_MAX - oneDay))
         throw CToolError(day + " is further away than the switch can tell",
                          "leave --until out for no end", 2);
     if (!dayIsToCome(static_cast<DWORD>(noon)))
