@@ -14,7 +14,7 @@ mkdir -p "$base" "$root/build/wine/home"
 HOME="$root/build/wine/home"
 WINEPREFIX="$base"
 export HOME WINEPREFIX
-"$root/scripts/wine-run.sh" wineboot -i >/dev/null 2>&1
+"$root/scripts/wine-run.sh" wineboot -i >/dev/null 2>&1 9>&-
 # No windows on a screen, no sound, and a crash ends its process instead of starting the debugger.
 cat >"$base/drive_c/setup.reg" <<'REG'
 REGEDIT4
@@ -30,7 +30,7 @@ REGEDIT4
 "Auto"="1"
 "Debugger"="false"
 REG
-"$root/scripts/wine-run.sh" regedit /S 'C:\setup.reg'
+"$root/scripts/wine-run.sh" regedit /S 'C:\setup.reg' 9>&-
 "$root/scripts/stop-prefix.sh" "$base"
 rm -f "$base/drive_c/setup.reg"
 touch "$base/.ready"
