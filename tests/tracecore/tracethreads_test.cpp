@@ -22,7 +22,8 @@ TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsTha
                 formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
             theTracer().mutex.reset(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
         }
-        const std::filesystem::path path = traceTo(L"t.trc3");
+        // Of its own: a file that is appended to has a note of the writer who opens it.
+        const std::filesystem::path path = traceTo(std::to_wstring(writers).c_str());
         threadStacks_t& stacks = theTracer().stacks;
         const size_t before = stacks.threads(); // this thread's is among them, and stays
         meeting_t inside(writers + 1);
@@ -51,6 +52,8 @@ TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsTha
         enough = true;
         threads.clear();
         EXPECT_EQ(stacks.threads(), before);
+        setNumber(L"DoTrace", 0);
+        follow();
         const decodedTrace_t trace = decodeTrace(fileBytes(path));
         for (int writer = 0; flips == 0 && writer < writers; ++writer) {
             const std::string name = std::to_string(writer);
