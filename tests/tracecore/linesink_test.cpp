@@ -47,11 +47,11 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
     console->write('>', L"f", "f");
     const std::tuple<const wchar_t*, std::wstring, WORD> cases[] = {
         {L"U'`I04`'SA: x", L"SA: x", 4},
-        {L"U'`I10`'above", L"'`I10`'above", 7},
         {L"D'`I0A`'debug", L"debug", 10},
         {L"E-2147024891 rest", L"*ERR* " + denied + L" rest", 12},
         {L"E0 '`I04`'N/A", L"*ERR* '`I04`'N/A", 12},
         {L"E-2147418113 dropped", L"*ERR* 8000FFFF", 12},
+        {L"U'`I10`'above", L"'`I10`'above", 7},
     };
     for (SHORT row = 0; const auto& [message, line, colour] : cases) {
         console->write(static_cast<char>(*message), message + 1, "f");
@@ -79,20 +79,23 @@ TEST_F(LineSink, PresentConsoleStaysAsItIs)
     std::unique_ptr<outputStorageInterface_i> console = createSink(sinkConsole);
     {
         const std::vector<hookedFunction_t> functions = {
-            {"AllocConsole"},          {"CreateFileW"},
-            {"SetConsoleCtrlHandler"}, {"SetConsoleScreenBufferSize"},
-            {"SetConsoleTitleW"},      {"SetConsoleWindowInfo"}};
+            {"AllocConsole"},     {"CloseHandle"},           {"CreateFileW"},
+            {"FreeConsole"},      {"SetConsoleCtrlHandler"}, {"SetConsoleScreenBufferSize"},
+            {"SetConsoleTitleW"}, {"SetConsoleWindowInfo"}};
         const importHooks_t hooks(
             GetModuleHandleW(nullptr), functions, +[](const hookedCall_t& call) {
                 const bool file = call.function == std::string_view("CreateFileW");
-                calls += call.shown(file ? "tnn-n" : "-n") + "; ";
+                calls += call.shown(file ? "tnn-n" : "") + "; ";
                 return false;
             });
         console->write('T', L"12:00:00.000", "f");
         console->write('U', L"text", "f");
+        EXPECT_EQ(calls, "CreateFileW CONOUT$ 40000000 2 3; ");
+        EXPECT_EQ(std::get<0>(shownIn(0)), prefix + L"text");
+        calls.clear();
+        console.reset();
     }
-    EXPECT_EQ(calls, "CreateFileW CONOUT$ 40000000 2 3; ");
-    EXPECT_EQ(std::get<0>(shownIn(0)), prefix + L"text");
+    EXPECT_EQ(calls, "SetConsoleCtrlHandler; CloseHandle; FreeConsole; ");
 }
 
 TEST_F(LineSink, DebuggerGetsTheLinesWithTheDirectivesInThem)

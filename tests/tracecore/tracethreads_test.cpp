@@ -16,10 +16,12 @@ using TraceThreads = tracingFixture;
 TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsThanSlots)
 {
     setNumber(L"NewFileAlways", 0);
+    CKernelHandle own;
     for (const auto& [writers, flips] : {std::pair(90, 0u), {8, 40u}, {20, 0u}}) {
         if (writers == 20) { // the mutex is another's, who lets nobody wait for it
             const std::wstring name =
                 formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
+            own.reset(theTracer().mutex.release());
             theTracer().mutex.reset(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
         }
         // Of its own: a file that is appended to has a note of the writer who opens it.
@@ -64,4 +66,17 @@ TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsTha
             EXPECT_EQ(traceTree(trace, ids[writer]), expected);
         }
     }
+    theTracer().mutex = std::move(own);
+}
+
+TEST_F(TraceThreads, ThreadThatEndedWithTheMutexKeepsNobodyOut)
+{
+    const HANDLE mutex = theTracer().mutex.get();
+    traceTo(L"ended");
+    std::thread([mutex] { WaitForSingleObject(mutex, INFINITE); }).join();
+    traceText("by the next one");
+    std::thread([mutex] {
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        ReleaseMutex(mutex);
+    }).join();
 }
