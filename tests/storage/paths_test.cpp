@@ -56,6 +56,8 @@ TEST_F(Paths, AreMadeLevelByLevel)
     EXPECT_FALSE(makedirs(m_root + L"q?\\x") || GetLastError() != ERROR_INVALID_NAME);
     // The server of a network path can't be made, and need not.
     const importPatch_t calls("CreateDirectoryW", notePath<FALSE, ERROR_BAD_PATHNAME>);
-    EXPECT_FALSE(makedirs(LR"(\\none\share\x)") || makedirs(deep + L"\\new"));
-    EXPECT_EQ(noted, LR"(\\none|\\none\share|\\?\)" + deep + L"\\new|");
+    EXPECT_FALSE(makedirs(LR"(\\none\share\x)") || makedirs(deep + L"\\new") ||
+                 makedirs(deep + L"\\new\\x"));
+    const std::wstring level = LR"(\\?\)" + deep + L"\\new|"; // as the last one, and above it
+    EXPECT_EQ(noted, LR"(\\none|\\none\share|)" + level + level);
 }
