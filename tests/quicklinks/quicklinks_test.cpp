@@ -150,13 +150,13 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
         {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"}};
     QL ql;
     for (const auto& [name, target, manifest, shortManifest, told] : cases) {
-        ql.add(name, target, manifest, 7, "i", true);
+        ql.add(name, target, manifest, 7, name, name == "m"); // the update changes all
         EXPECT_EQ(traced(), "|U QL for: " + shortManifest + "|U   prof:  7|U   " + told);
         EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.
     EXPECT_EQ(shown(ql.records), "-1 k2 ua.exe. db.EXE m%appdata%\\Veltrano\\KRS\\Templates\\A "
-                                 "nm p7 ii w1;-1 k2 u dIExplore.exe? ma nm p7 ii w1;");
+                                 "nm p7 im w1;-1 k2 u dIExplore.exe? ma nm p7 im w1;");
     ql.flush();
     EXPECT_EQ(fileBytes(file).find("\nKRS"), std::string::npos); // both lists are empty
     EXPECT_TRUE(ql.dirty && QL::removefile());                   // dirty of a save that worked
