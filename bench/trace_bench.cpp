@@ -1,9 +1,9 @@
 #include "ratio.h"
 
 #include "tracecore/realtracer.h"
-#include "tracecore/recordformat.h"
+#include "formats/trace/recordformat.h"
 #include "tracecore/sinks.h"
-#include "tracecore/textcipher.h"
+#include "formats/trace/textcipher.h"
 #include "tracecore/tracer.h"
 
 #include <atomic>

@@ -1,5 +1,5 @@
-#include "backup/blob/backupview.h"
-#include "backup/blob/dernode.h"
+#include "formats/backup/backupview.h"
+#include "formats/der/dernode.h"
 #include "require.h"
 #include "support/backupbytes.h"
 

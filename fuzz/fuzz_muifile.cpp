@@ -1,7 +1,7 @@
 // The check of a language file.
 #include "require.h"
-#include "resources/muifile.h"
-#include "resources/sampleimage.h"
+#include "formats/resource/muifile.h"
+#include "support/sampleimage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -3,7 +3,7 @@
 #include <span>
 
 #include "require.h"
-#include "resources/stringblock.h"
+#include "formats/resource/stringblock.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -1,8 +1,8 @@
-#include "common/printable.h"
-#include "exports.h"
-#include "lines.h"
+#include "formats/text/printable.h"
+#include "vltrace/exports.h"
+#include "vltrace/lines.h"
 #include "require.h"
-#include "tracefile.h"
+#include "vltrace/tracefile.h"
 
 #include <map>
 #include <optional>

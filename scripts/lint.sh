@@ -1,11 +1,12 @@
 #!/bin/sh
-# lint.sh checks the layout of every C++ file, the static checks of every translation unit, what integrators get,
-# and the scripts.
+# lint.sh checks the layout of every C++ file, the direction of every include, the static checks of every translation
+# unit, what integrators get, and the scripts.
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root" || exit 1
 status=0
 git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run -Werror || status=1
+scripts/check-layers.py || status=1
 
 # The build must be configured, and what it generates there.
 cmake --build build/release --target vl_product_picture >/dev/null || exit 1

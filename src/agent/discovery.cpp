@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "agent/linknames.h"
+#include "neighbours/linknames.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"
 

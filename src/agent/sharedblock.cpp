@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "agent/objectsecurity.h"
+#include "security/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"

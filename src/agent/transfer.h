@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include "agent/linknames.h"
+#include "neighbours/linknames.h"
 #include "agent/sharedblock.h"
 
 // sendToAgent hands name and body to the agent through named shared memory. It blocks the calling

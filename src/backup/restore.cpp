@@ -6,7 +6,7 @@
 #include <windows.h>
 #include <wincrypt.h>
 
-#include "backup/blob/derview.h"
+#include "formats/der/derview.h"
 #include "backup/settingsdocument.h"
 #include "backup/storagedata.h"
 #include "common/status.h"

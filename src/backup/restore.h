@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "backup/blob/safearray.h"
+#include "atl/safearray.h"
 
 // RestoreBackup puts the contents of a backup back: files, quick links, categories and settings.
 // The number of its elements gives its version: from two it reads quick links in the old form, from

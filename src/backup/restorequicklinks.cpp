@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "backup/blob/unicode.h"
+#include "formats/text/unicode.h"
 #include "common/text.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/paths.h"

@@ -4,7 +4,7 @@
 #include <cwchar>
 #include <new>
 
-#include "backup/blob/blob.h"
+#include "backup/blob.h"
 #include "backup/secretexistence.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"

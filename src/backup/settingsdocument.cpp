@@ -9,7 +9,7 @@
 
 #include <json/json.h>
 
-#include "backup/blob/derview.h"
+#include "formats/der/derview.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "storage/settings.h"

@@ -4,7 +4,7 @@
 
 #include <json/forwards.h>
 
-#include "backup/blob/dernode.h"
+#include "formats/der/dernode.h"
 
 struct _CRYPTOAPI_BLOB;
 

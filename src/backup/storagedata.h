@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include "backup/blob/dernode.h"
-#include "backup/blob/derview.h"
+#include "formats/der/dernode.h"
+#include "formats/der/derview.h"
 
 // TextForm is the form in which the text elements of a quick link record are stored.
 enum class TextForm {

@@ -5,7 +5,7 @@
 
 #include "agent/discovery.h"
 #include "agent/transfer.h"
-#include "backup/blob/safearray.h"
+#include "atl/safearray.h"
 #include "backup/restore.h"
 #include "backup/secretexistence.h"
 #include "backup/secretlist.h"

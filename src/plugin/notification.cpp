@@ -2,7 +2,7 @@
 
 #include <shellapi.h>
 
-#include "backup/blob/safearray.h"
+#include "atl/safearray.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "resources/resourceids.h"

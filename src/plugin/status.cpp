@@ -1,5 +1,5 @@
 #include "atl/comutil.h"
-#include "backup/blob/safearray.h"
+#include "atl/safearray.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "plugin/errorframe.h"

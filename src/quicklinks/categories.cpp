@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "backup/blob/derview.h"
+#include "formats/der/derview.h"
 #include "common/scoped.h"
 
 namespace {

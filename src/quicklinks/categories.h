@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backup/blob/dernode.h"
+#include "formats/der/dernode.h"
 
 struct _CRYPTOAPI_BLOB;
 

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "agent/objectsecurity.h"
+#include "security/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "quicklinks/ascii.h"

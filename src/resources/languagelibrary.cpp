@@ -5,7 +5,7 @@
 
 #include "common/scoped.h"
 #include "resources/languagenames.h"
-#include "resources/muifile.h"
+#include "formats/resource/muifile.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "resources/branding.h"
 #include "resources/resourceids.h"
 #include "resources/resourcemodule.h"
-#include "resources/stringblock.h"
+#include "formats/resource/stringblock.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <comdef.h>
 
-#include "agent/objectsecurity.h"
+#include "security/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "storage/paths.h"

@@ -1,5 +1,5 @@
 #include "storage/settings.h"
-#include "storage/settingsprovider.h"
+#include "neighbours/settingsprovider.h"
 
 #include <atomic>
 #include <cstdlib>

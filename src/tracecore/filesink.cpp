@@ -3,7 +3,7 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "tracecore/realtracer.h"
-#include "tracecore/recordformat.h"
+#include "formats/trace/recordformat.h"
 #include "tracecore/traceheader.h"
 #include "tracecore/tracer.h"
 

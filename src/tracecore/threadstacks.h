@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tracecore/criticalsection.h"
+#include "common/criticalsection.h"
 
 #include <array>
 #include <atomic>

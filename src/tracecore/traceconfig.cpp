@@ -3,7 +3,7 @@
 #include "common/module.h"
 #include "common/osversion.h"
 #include "common/scoped.h"
-#include "tracecore/lasterror.h"
+#include "common/lasterror.h"
 #include "tracecore/realtracer.h"
 #include "tracecore/sinks.h"
 #include "tracecore/tracefilename.h"

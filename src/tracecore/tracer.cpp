@@ -3,7 +3,7 @@
 #include "common/initorder.h"
 #include "common/status.h"
 #include "common/text.h"
-#include "tracecore/lasterror.h"
+#include "common/lasterror.h"
 #include "tracecore/realtracer.h"
 
 #include <cstdarg>

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "agent/discovery.h"
-#include "agent/linknames.h"
-#include "agent/objectsecurity.h"
+#include "neighbours/linknames.h"
+#include "security/objectsecurity.h"
 #include "common/text.h"
 #include "vlagent/secretstore.h"
 

@@ -7,7 +7,7 @@
 #include <shellapi.h>
 
 #include "agent/discovery.h"
-#include "agent/linknames.h"
+#include "neighbours/linknames.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "vlagent/journal.h"

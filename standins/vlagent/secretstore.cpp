@@ -4,7 +4,7 @@
 
 #include <bcrypt.h>
 
-#include "vlfpapi/secretclient.h"
+#include "neighbours/secretclient.h"
 
 LONG storeSecret(const std::wstring& name, std::string_view value)
 {

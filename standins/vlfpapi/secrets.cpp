@@ -1,4 +1,4 @@
-#include "vlfpapi/vlfpapi.h"
+#include "neighbours/vlfpapi.h"
 
 #include <cstring>
 #include <new>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/settingsprovider.h"
+#include "neighbours/settingsprovider.h"
 
 // VloSet.dll, the settings provider: the keys of settingstable.cpp, kept per user in the registry
 // (settingsstore.h). A value of any other type than text counts as absent, and an absent value

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "agent/discovery.h"
-#include "agent/linknames.h"
-#include "agent/objectsecurity.h"
-#include "linkfixture.h"
+#include "neighbours/linknames.h"
+#include "security/objectsecurity.h"
+#include "support/linkfixture.h"
 #include "support/agentstub.h"
 #include "support/freshprocess.h"
 #include "support/tracerecorder.h"

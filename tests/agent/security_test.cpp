@@ -1,10 +1,10 @@
-#include "agent/objectsecurity.h"
+#include "security/objectsecurity.h"
 
 #include <aclapi.h>
 #include <sddl.h>
 #include <gtest/gtest.h>
 
-#include "linkfixture.h"
+#include "support/linkfixture.h"
 #include "agent/sharedblock.h"
 #include "support/tracerecorder.h"
 

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "agent/linknames.h"
+#include "neighbours/linknames.h"
 #include "atl/comutil.h"
 #include "backup/restore.h"
 #include "backup/storagedata.h"

@@ -1,7 +1,7 @@
 #include "backupfixture.h"
 
 #include "agent/discovery.h"
-#include "agent/linkfixture.h"
+#include "support/linkfixture.h"
 #include "support/memorysearch.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "surroundings.h"
+#include "support/surroundings.h"
 
 using BinDir = Surroundings;
 

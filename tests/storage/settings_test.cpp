@@ -1,9 +1,9 @@
-#include "surroundings.h"
+#include "support/surroundings.h"
 
 #include <comdef.h>
 
 #include "storage/settings.h"
-#include "storage/settingsprovider.h"
+#include "neighbours/settingsprovider.h"
 #include "support/fakesettings.h"
 
 using Settings = Surroundings;

@@ -1,4 +1,4 @@
-#include "surroundings.h"
+#include "support/surroundings.h"
 
 #include "storage/textfile.h"
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "agent/linknames.h"
+#include "neighbours/linknames.h"
 #include "common/scoped.h"
 
 // agentStub_t is an agent in this process: its window, and its objects by their literal names. answer

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "backup/blob/derheader.h"
+#include "formats/der/derheader.h"
 
 bytes tlv(uint8_t tag, const bytes& content)
 {

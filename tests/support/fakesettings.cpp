@@ -1,6 +1,6 @@
 #include "fakesettings.h"
 
-#include "storage/settingsprovider.h"
+#include "neighbours/settingsprovider.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/module.h"
 #include "common/text.h"
 #include "support/files.h"

@@ -1,7 +1,7 @@
-#include "tracebytes.h"
+#include "support/tracebytes.h"
 
-#include "commands.h"
-#include "exports.h"
+#include "vltrace/commands.h"
+#include "vltrace/exports.h"
 #include "support/toolrun.h"
 
 #include <gtest/gtest.h>

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <functional>
 
-#include "common/backupinput.h"
-#include "common/commandline.h"
-#include "common/inputfile.h"
-#include "common/jsontext.h"
-#include "common/printable.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "shared/jsontext.h"
+#include "formats/text/printable.h"
 #include "difference.h"
 #include "report.h"
 

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "common/backupinput.h"
-#include "common/jsontext.h"
+#include "shared/backupinput.h"
+#include "shared/jsontext.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "backup/blob/backupview.h"
+#include "formats/backup/backupview.h"
 
 // BackupDifference is one thing that two backups don't share.
 struct BackupDifference {

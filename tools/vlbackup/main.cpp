@@ -1,5 +1,5 @@
 #include "commands.h"
-#include "common/toolmain.h"
+#include "shared/toolmain.h"
 
 #include <iostream>
 

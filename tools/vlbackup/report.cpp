@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iomanip>
 
-#include "common/backupinput.h"
-#include "common/printable.h"
+#include "shared/backupinput.h"
+#include "formats/text/printable.h"
 
 namespace {
 

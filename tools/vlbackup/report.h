@@ -4,7 +4,7 @@
 
 #include <json/json.h>
 
-#include "backup/blob/backupview.h"
+#include "formats/backup/backupview.h"
 
 // What the commands report of a backup, as text for a reader and as JSON for a program.
 void listText(const CBackupView& backup, std::ostream& out);

@@ -3,7 +3,7 @@
 #include <map>
 #include <unordered_map>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "files.h"
 #include "print.h"

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "backup/blob/backupview.h"
+#include "formats/backup/backupview.h"
 #include "restoreplan.h"
 
 // The plug-in silently stores as empty what it can't read, and leaves out what it doesn't

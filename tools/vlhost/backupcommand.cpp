@@ -3,10 +3,10 @@
 #include <iostream>
 
 #include "backupcheck.h"
-#include "common/backupinput.h"
-#include "common/commandline.h"
-#include "common/outputfile.h"
-#include "common/printable.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
+#include "shared/outputfile.h"
+#include "formats/text/printable.h"
 #include "print.h"
 #include "takebackup.h"
 

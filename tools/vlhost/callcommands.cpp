@@ -2,8 +2,8 @@
 
 #include <iostream>
 
-#include "common/commandline.h"
-#include "common/inputfile.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
 #include "pluginhost.h"
 #include "print.h"
 #include "secretstore.h"

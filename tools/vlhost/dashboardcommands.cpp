@@ -4,7 +4,7 @@
 #include <functional>
 #include <iostream>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "pluginhost.h"
 #include "print.h"

@@ -1,6 +1,6 @@
 #include "dashboardstate.h"
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "print.h"
 

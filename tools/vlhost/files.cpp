@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "common/commandline.h"
-#include "common/filesystem.h"
+#include "shared/commandline.h"
+#include "shared/filesystem.h"
 #include "common/text.h"
 #include "print.h"
 #include "storage/paths.h"

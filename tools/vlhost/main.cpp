@@ -1,5 +1,5 @@
 #include "commands.h"
-#include "common/commandline.h"
+#include "shared/commandline.h"
 
 #include <objbase.h>
 

@@ -1,6 +1,6 @@
 #include "pluginhost.h"
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
 

@@ -5,11 +5,11 @@
 #include <iostream>
 #include <sstream>
 
-#include "common/jsontext.h"
-#include "common/printable.h"
+#include "shared/jsontext.h"
+#include "formats/text/printable.h"
 #include "common/scoped.h"
 #include "common/text.h"
-#include "common/statusnames.h"
+#include "shared/statusnames.h"
 #include "variants.h"
 #include "vlonlineids.h"
 

@@ -9,10 +9,10 @@
 #include <tuple>
 
 #include "agent/discovery.h"
-#include "common/backupinput.h"
-#include "common/commandline.h"
-#include "common/inputfile.h"
-#include "common/printable.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "formats/text/printable.h"
 #include "common/text.h"
 #include "print.h"
 #include "restoreplan.h"

@@ -4,8 +4,8 @@
 #include <map>
 #include <unordered_map>
 
-#include "common/backupinput.h"
-#include "common/commandline.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "files.h"

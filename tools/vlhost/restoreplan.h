@@ -5,7 +5,7 @@
 
 #include <json/value.h>
 
-#include "backup/blob/backupview.h"
+#include "formats/backup/backupview.h"
 #include "dashboardstate.h"
 
 // The settings that a restore applies, in its order.

@@ -9,10 +9,10 @@
 
 #include <json/reader.h>
 
-#include "common/commandline.h"
-#include "common/jsontext.h"
-#include "common/inputfile.h"
-#include "common/outputfile.h"
+#include "shared/commandline.h"
+#include "shared/jsontext.h"
+#include "shared/inputfile.h"
+#include "shared/outputfile.h"
 #include "common/text.h"
 #include "print.h"
 #include "restoreplan.h"

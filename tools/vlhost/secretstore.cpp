@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "backup/blob/dernode.h"
-#include "common/commandline.h"
+#include "formats/der/dernode.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
 

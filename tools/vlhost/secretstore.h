@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "vlfpapi/secretclient.h"
+#include "neighbours/secretclient.h"
 
 // CSecretStore is the secret store of the policy library for the calling user.
 //

@@ -1,6 +1,6 @@
 #include "commands.h"
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
 #include "secretstore.h"

@@ -1,7 +1,7 @@
 #include "takebackup.h"
 
-#include "backup/blob/backupview.h"
-#include "common/commandline.h"
+#include "formats/backup/backupview.h"
+#include "shared/commandline.h"
 #include "print.h"
 #include "variants.h"
 

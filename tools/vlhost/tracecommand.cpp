@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "files.h"
 #include "pluginhost.h"

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "print.h"
 #include "storage/paths.h"

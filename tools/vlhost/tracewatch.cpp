@@ -4,7 +4,7 @@
 
 #include <tlhelp32.h>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "print.h"

@@ -4,7 +4,7 @@
 #include <functional>
 #include <unordered_map>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
 #include "storage/paths.h"

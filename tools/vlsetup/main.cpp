@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/module.h"
 #include "common/text.h"
 #include "setup.h"

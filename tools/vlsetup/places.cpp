@@ -1,6 +1,6 @@
 #include "places.h"
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
 

@@ -11,7 +11,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/text.h"
 #include "places.h"
 

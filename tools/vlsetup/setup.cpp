@@ -6,7 +6,7 @@
 
 #include <windows.h>
 
-#include "common/commandline.h"
+#include "shared/commandline.h"
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"

@@ -5,10 +5,10 @@
 #include <istream>
 #include <ostream>
 
-#include "common/commandline.h"
-#include "common/inputfile.h"
-#include "common/outputfile.h"
-#include "common/printable.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "shared/outputfile.h"
+#include "formats/text/printable.h"
 #include "exports.h"
 #include "filter.h"
 #include "lines.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tracecore/tracewalker.h"
+#include "formats/trace/tracewalker.h"
 
 #include <optional>
 #include <string>

@@ -5,8 +5,8 @@
 #include <ostream>
 #include <utility>
 
-#include "common/jsontext.h"
-#include "common/statusnames.h"
+#include "shared/jsontext.h"
+#include "shared/statusnames.h"
 
 using namespace tracecore;
 

@@ -1,7 +1,7 @@
 #include "lines.h"
 
-#include "common/printable.h"
-#include "common/statusnames.h"
+#include "formats/text/printable.h"
+#include "shared/statusnames.h"
 
 #include <algorithm>
 #include <utility>

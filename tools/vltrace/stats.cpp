@@ -5,7 +5,7 @@
 #include <ostream>
 #include <utility>
 
-#include "common/printable.h"
+#include "formats/text/printable.h"
 
 using namespace tracecore;
 

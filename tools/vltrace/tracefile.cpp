@@ -6,9 +6,9 @@
 #include <system_error>
 #include <utility>
 
-#include "common/filesystem.h"
-#include "common/inputfile.h"
-#include "common/toolerror.h"
+#include "shared/filesystem.h"
+#include "shared/inputfile.h"
+#include "shared/toolerror.h"
 
 using namespace tracecore;
 

@@ -1,0 +1,141 @@
+#include "formats/trace/tracewalker.h"
+
+#include <chrono>
+#include <iterator>
+
+namespace tracecore {
+
+namespace {
+
+int number(const std::string& text, size_t at, size_t digits)
+{
+    int value = 0;
+    for (size_t i = at; i < at + digits && i < text.size(); ++i)
+        value = value * 10 + (text[i] - '0');
+    return value;
+}
+
+// hasShape compares text with a pattern in which 0 stands for any digit.
+bool hasShape(const std::string& text, const std::string& pattern)
+{
+    if (text.size() != pattern.size())
+        return false;
+    for (size_t i = 0; i < text.size(); ++i)
+        if (pattern[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != pattern[i])
+            return false;
+    return true;
+}
+
+std::optional<int32_t> timeOf(const std::string& text)
+{
+    if (!hasShape(text, "00:00:00.000"))
+        return std::nullopt;
+    const int hour = number(text, 0, 2);
+    const int minute = number(text, 3, 2);
+    const int second = number(text, 6, 2);
+    if (hour > 23 || minute > 59 || second > 59)
+        return std::nullopt;
+    return ((hour * 60 + minute) * 60 + second) * 1000 + number(text, 9, 3);
+}
+
+} // namespace
+
+int64_t traceMoment_t::milliseconds() const noexcept
+{
+    return int64_t{day.value_or(0)} * 86'400'000 + msOfDay.value_or(0);
+}
+
+std::optional<int32_t> dayOf(int year, int month, int day) noexcept
+{
+    const std::chrono::year_month_day date{std::chrono::year{year},
+                                           std::chrono::month{static_cast<unsigned>(month)},
+                                           std::chrono::day{static_cast<unsigned>(day)}};
+    if (!date.ok())
+        return std::nullopt;
+    return static_cast<int32_t>(std::chrono::sys_days{date}.time_since_epoch().count());
+}
+
+calendarDay_t calendarOf(int32_t day) noexcept
+{
+    const std::chrono::year_month_day date{std::chrono::sys_days{std::chrono::days{day}}};
+    return {static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+            static_cast<int>(static_cast<unsigned>(date.day()))};
+}
+
+// The header's date holds until the first stamp; its time is that of no record.
+void traceWalker_t::takeHeader(const traceHeader_t& header)
+{
+    for (const std::string& line : header.lines) {
+        if (!hasShape(line, "00/00/0000 00:00:00.000"))
+            continue;
+        m_year = number(line, 6, 4);
+        m_now.day = dayOf(m_year, number(line, 0, 2), number(line, 3, 2));
+    }
+}
+
+void traceWalker_t::takeStamp(const traceRecord_t& record)
+{
+    const std::string& text = record.text;
+    if (record.level == 'T') {
+        m_now.msOfDay = timeOf(text);
+    } else if (record.level == 't' && hasShape(text, "00/00/00")) {
+        // The year nearest to the last one known: a file may run over the turn of a century.
+        int year = m_year - m_year % 100 + number(text, 6, 2);
+        year += year < m_year - 50 ? 100 : year > m_year + 50 ? -100 : 0;
+        m_now.day = dayOf(year, number(text, 0, 2), number(text, 3, 2));
+    } else if (record.level == 'N' && hasShape(text, "00-00-0000")) {
+        m_year = number(text, 6, 4);
+        m_now.day = dayOf(m_year, number(text, 0, 2), number(text, 3, 2));
+    }
+}
+
+void traceWalker_t::forget(uint32_t thread, std::vector<openFunction_t>& open, traceStep_t& step)
+{
+    for (; !open.empty(); open.pop_back())
+        step.lost.push_back({thread, std::move(open.back())});
+}
+
+// Only threads with an open function are held: a damaged file may name millions.
+const std::vector<openFunction_t>& traceWalker_t::takeCall(const traceRecord_t& record,
+                                                           traceStep_t& step)
+{
+    static const std::vector<openFunction_t> none;
+    auto place = m_open.find(record.thread);
+    if (record.level == '>') {
+        if (place == m_open.end())
+            place = m_open.try_emplace(record.thread).first;
+        place->second.push_back({record.text, m_now});
+        return place->second;
+    }
+    if (place == m_open.end())
+        return none;
+    if (record.level == 'N') {
+        forget(record.thread, place->second, step);
+    } else if (record.level == '<') {
+        step.left = std::move(place->second.back());
+        place->second.pop_back();
+    }
+    if (!place->second.empty())
+        return place->second;
+    m_open.erase(place);
+    return none;
+}
+
+traceStep_t traceWalker_t::take(const traceItem_t& item)
+{
+    traceStep_t step;
+    if (const auto* header = std::get_if<traceHeader_t>(&item)) {
+        takeHeader(*header);
+    } else if (const auto* damage = std::get_if<traceDamage_t>(&item); damage && damage->bytes) {
+        for (auto& [thread, open] : m_open)
+            forget(thread, open, step);
+        m_open.clear();
+    } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
+        takeStamp(*record);
+        step.open = &takeCall(*record, step);
+    }
+    step.moment = m_now;
+    return step;
+}
+
+} // namespace tracecore

@@ -1,0 +1,213 @@
+#include "backup/blob.h"
+
+#include "formats/der/dernode.h"
+#include "support/patchimport.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using bytes = std::vector<uint8_t>;
+
+bytes bytesOf(const _CRYPTOAPI_BLOB& blob)
+{
+    return {blobView(blob).begin(), blobView(blob).end()};
+}
+
+_CRYPTOAPI_BLOB viewOf(const bytes& from)
+{
+    return {static_cast<DWORD>(from.size()), const_cast<BYTE*>(from.data())};
+}
+
+// The platform's encoder and decoder are the oracle of this file. No bytes stand for a failure.
+template <class Convert> bytes platform(uintptr_t type, Convert convert)
+{
+    constexpr DWORD encodings = X509_ASN_ENCODING | PKCS_7_ASN_ENCODING;
+    bytes out;
+    DWORD size = 0;
+    while (convert(encodings, reinterpret_cast<LPCSTR>(type), out.empty() ? nullptr : out.data(),
+                   &size) &&
+           out.empty())
+        out.resize(size);
+    out.resize(size);
+    return out;
+}
+
+bytes platformEncode(uintptr_t type, const void* value)
+{
+    return platform(type, [value](DWORD encodings, LPCSTR name, BYTE* out, DWORD* size) {
+        return CryptEncodeObject(encodings, name, value, out, size);
+    });
+}
+
+bytes platformDecode(uintptr_t type, _CRYPTOAPI_BLOB der)
+{
+    return platform(type, [der](DWORD encodings, LPCSTR name, BYTE* out, DWORD* size) {
+        return CryptDecodeObject(encodings, name, der.pbData, der.cbData, 0, out, size);
+    });
+}
+
+template <class T> const T& as(const bytes& decoded)
+{
+    return *reinterpret_cast<const T*>(decoded.data());
+}
+
+// Gives a random value to the slot, the node and the platform, whose bytes it returns.
+bytes encodeEach(std::mt19937& random, unsigned depth, _CRYPTOAPI_BLOB& slot, CDerNode& node)
+{
+    const uint32_t number = random() >> random() % 32;
+    const CVLIntBlob integer(number);
+    const std::wstring wide(number % 200, static_cast<wchar_t>(1 + random() % 0xFFFF));
+    const CVLWStrBlob wideBlob(wide.c_str());
+    const std::string narrow(number % 70000, 'x');
+    const CVLStrBlob narrowBlob(narrow.c_str());
+    const auto kept = std::make_shared<bytes>(bytesOf(integer));
+    switch (random() % (depth > 0 ? 5 : 4)) {
+    case 0: {
+        node.SetWide(wide);
+        EXPECT_EQ(wideBlob.Encode(slot), &slot);
+        const CERT_NAME_VALUE value{CERT_RDN_BMP_STRING, {wideBlob.cbData, wideBlob.pbData}};
+        return platformEncode(structAnyString, &value);
+    }
+    case 1: {
+        node.SetNarrow(narrow);
+        EXPECT_EQ(narrowBlob.Encode(slot), &slot);
+        const CERT_NAME_VALUE value{CERT_RDN_OCTET_STRING, {narrowBlob.cbData, narrowBlob.pbData}};
+        return platformEncode(structAnyString, &value);
+    }
+    case 2:
+        node.SetInteger(number);
+        EXPECT_TRUE(integer.EncodeAs(structMultiByteInt, slot));
+        return platformEncode(structMultiByteInt, static_cast<const _CRYPTOAPI_BLOB*>(&integer));
+    case 3:
+        node.SetOctets(*kept, kept);
+        EXPECT_TRUE(integer.EncodeAs(structOctetString, slot));
+        return platformEncode(structOctetString, static_cast<const _CRYPTOAPI_BLOB*>(&integer));
+    default: {
+        CVLBlobSeq list(number % 7);
+        node.SetSequence(list.count);
+        std::vector<bytes> parts;
+        std::vector<CRYPT_DER_BLOB> records;
+        for (DWORD i = 0; i < list.count; ++i) {
+            parts.push_back(encodeEach(random, depth - 1, *list.Slot(i), node.Child(i)));
+            records.push_back(viewOf(parts[i]));
+        }
+        list.Encode(slot);
+        const CRYPT_SEQUENCE_OF_ANY value{list.count, records.data()};
+        return platformEncode(34, &value);
+    }
+    }
+}
+
+TEST(Blob, EncodesAsThePlatformDoes)
+{
+    std::mt19937 random(7);
+    for (int round = 0; round < 150; ++round) {
+        CVLBlobSeq slots(1);
+        CDerNode node;
+        const bytes expected = encodeEach(random, 4, slots.items[0], node);
+        ASSERT_FALSE(expected.empty());
+        ASSERT_EQ(bytesOf(slots.items[0]), expected);
+        ASSERT_EQ(node.Encode(), expected);
+    }
+}
+
+// What each class reads from an element, against the platform's decoder and the class's rule.
+void expectReadAsThePlatformDoes(const bytes& der)
+{
+    const _CRYPTOAPI_BLOB source = viewOf(der);
+    CVLCryptBlob blob;
+    for (const structType_t type : {structOctetString, structMultiByteInt}) {
+        blob.Assign(der.data(), source.cbData);
+        const bytes decoded = platformDecode(type, source);
+        ASSERT_EQ(blob.DecodeAs(type), !decoded.empty());
+        ASSERT_EQ(bytesOf(blob), decoded.empty() ? der : bytesOf(as<CRYPT_DATA_BLOB>(decoded)));
+    }
+    const bytes octets = platformDecode(structOctetString, source);
+    ASSERT_EQ(blob.DecodeOctetsFrom(&source), !octets.empty());
+    ASSERT_EQ(bytesOf(blob), octets.empty() ? octets : bytesOf(as<CRYPT_DATA_BLOB>(octets)));
+    const bytes text = platformDecode(structAnyString, source);
+    const DWORD kind = text.empty() ? 0 : as<CERT_NAME_VALUE>(text).dwValueType;
+    const bytes value = text.empty() ? der : bytesOf(as<CERT_NAME_VALUE>(text).Value);
+    CVLWStrBlob wide;
+    wide.Assign(der.data(), source.cbData);
+    ASSERT_TRUE(wide.Decode());
+    ASSERT_EQ(bytesOf(wide), (kind >= 3 && kind <= 9) || kind == 12 || kind == 13 ? value : der);
+    CVLStrBlob narrow;
+    narrow.Assign(der.data(), source.cbData);
+    ASSERT_TRUE(narrow.Decode());
+    ASSERT_EQ(bytesOf(narrow), kind == 2 ? value : der);
+
+    CVLBlobSeq list(3);
+    const bytes sequence = platformDecode(34, source);
+    ASSERT_EQ(list.Decode(&source), !sequence.empty());
+    ASSERT_EQ(list.count, sequence.empty() ? 3 : as<CRYPT_SEQUENCE_OF_ANY>(sequence).cValue);
+    for (DWORD i = 0; i < list.count && !sequence.empty(); ++i)
+        ASSERT_EQ(bytesOf(list.items[i]), bytesOf(as<CRYPT_SEQUENCE_OF_ANY>(sequence).rgValue[i]));
+}
+
+TEST(Blob, DecodesAsThePlatformDoes)
+{
+    // Even sizes and valid UTF-8, since systems differ in the rest.
+    const bytes contents[] = {{},           {'A', 0},           {0xC3, 0xA9},   {0, 0xC3, 0xA9, 0},
+                              {2, 1, 5, 4}, {2, 1, 5, 4, 1, 9}, bytes(300, 'u')};
+    for (const uint8_t tag : bytes{2, 4, 5, 12, 18, 19, 20, 21, 22, 25, 26, 27, 28, 30, 48}) {
+        for (const bytes& content : contents) {
+            for (size_t form = content.empty() ? 10 : 0; form < 12; ++form) {
+                const size_t octets = 5 - form / 2; // of the length behind its first
+                bytes der{tag, static_cast<uint8_t>(octets ? 0x80 | octets : content.size() & 127)};
+                for (size_t i = octets; i-- > 0;)
+                    der.push_back(static_cast<uint8_t>(content.size() >> 8 * i));
+                der.insert(der.end(), content.begin(), content.end());
+                der.resize(der.size() + form % 2); // one behind
+                SCOPED_TRACE(testing::PrintToString(der));
+                ASSERT_NO_FATAL_FAILURE(expectReadAsThePlatformDoes(der));
+            }
+        }
+    }
+}
+
+decltype(&HeapReAlloc) originalReAlloc = nullptr;
+int growths = 0;
+
+void* WINAPI failFourthGrowth(HANDLE heap, DWORD flags, void* memory, SIZE_T size)
+{
+    return ++growths == 4 ? nullptr : originalReAlloc(heap, flags, memory, size);
+}
+
+TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
+{
+    CVLBlobSeq outer(1), list(4);
+    CVLWStrBlob(L"one").Encode(*list.Slot(0));
+    CVLWStrBlob(L"").Encode(*list.Slot(2)); // slot 1 stays empty and is gone when read back
+    CVLStrBlob("refused").Encode(*list.Slot(3));
+    list.Encode(outer.items[0]);
+    CVLBlobSeq inner(7);
+    ASSERT_TRUE(inner.Decode(outer.ReadNext()));
+
+    _auto_heap_mem<wchar_t> text;
+    for (const wchar_t* expected : {L"one", L"", L"\x0804\x6572\x7566\x6573\x64"}) {
+        EXPECT_EQ(&inner.ReadNextWStr(text), &inner);
+        EXPECT_STREQ(text.get(), expected); // the last as it is encoded
+    }
+    inner.ReadNextWStr(text);
+    EXPECT_EQ(text.get(), nullptr);
+    EXPECT_EQ(inner.cursor, 3u);
+
+    // Short of memory, only constructors come out with less.
+    const importPatch_t grow("HeapReAlloc", failFourthGrowth);
+    originalReAlloc = importOriginal<decltype(&HeapReAlloc)>(grow);
+    EXPECT_EQ(CVLBlobSeq(9).count, 8u) << "one failure costs one slot";
+    const importPatch_t patch(
+        "HeapAlloc", +[]() -> void* { return nullptr; });
+    EXPECT_EQ(CVLBlobSeq(3).count, 0u);
+    EXPECT_EQ(CVLWStrBlob(L"x").pbData, nullptr);
+    EXPECT_THROW(inner.Assign({4, list.items}), _com_error);
+    EXPECT_EQ(inner.count, 0u) << "the old ones go first";
+    EXPECT_THROW(list.Encode(*list.Slot(1)), _com_error);
+    EXPECT_THROW(list.ReadNextWStr(text), _com_error);
+}
+
+} // namespace

@@ -1,0 +1,122 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "formats/text/printable.h"
+#include "support/backupbytes.h"
+#include "support/toolrun.h"
+#include "vlbackup/commands.h"
+#include "vltrace/commands.h"
+#include "support/tracebytes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using tool_t =
+    std::function<int(std::vector<std::string>, std::istream&, std::ostream&, std::ostream&)>;
+
+int vltrace(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
+            std::ostream& err)
+{
+    return vltrace::runVltrace(std::move(arguments), in, out, err, [] { return false; });
+}
+
+void expectOneLine(const toolRun_t& result, int status, const std::string& part)
+{
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.out, "");
+    ASSERT_TRUE(result.err.ends_with("\n"));
+    const std::string line = result.err.substr(0, result.err.size() - 1);
+    EXPECT_EQ(line, printable(line));
+    EXPECT_NE(line.find(part), std::string::npos) << line;
+    EXPECT_TRUE(line.ends_with(")")) << line; // the hint
+}
+
+TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
+{
+    const fs::path folder =
+        fs::temp_directory_path() / ("bad\u202Einput-" + std::to_string(std::random_device()()));
+    fs::create_directories(folder);
+    const auto name = [&](const char* file) {
+        const auto path = (folder / file).u8string();
+        return std::string(path.begin(), path.end());
+    };
+    const bytes backup = seq({seq({filePair(L"a.vlm", std::string(300, 'x'))}), seq({})});
+    const std::vector<uint8_t> trace = sampleTrace().bytes;
+    const auto write = [&](const char* file, const auto& content) {
+        std::ofstream(folder / file, std::ios::binary)
+            << std::string(content.begin(), content.end());
+        return file;
+    };
+    const auto cut = [](const auto& all) { return std::string(all.begin(), all.end() - 3); };
+    std::vector<std::pair<const char*, std::string>> shared = {
+        {"none\x1B[31m", "does not exist"},
+        {"", "is a folder"},
+        {write("empty", std::string()), "it is empty"},
+        {write("text", std::string("0123 plain\r\n")), "it is text"},
+        {write("json", std::string(" {\"a\":1}")), "it is JSON text"},
+        {write("zip", std::string("PK\3\4....")), "it is a ZIP archive"},
+        {write("zeros", std::string(5000, '\0')), "it is nothing but zeros"},
+        {write("noise", std::string("\xFE\1\2\3")), "it is bytes that begin FE 01 02 03"},
+    };
+    fs::permissions(folder / write("locked", backup), fs::perms::none);
+    if (!std::ifstream(folder / "locked")) // an administrator may read it
+        shared.emplace_back("locked", "permission denied");
+    const struct {
+        const char* name;
+        tool_t tool;
+        std::vector<std::vector<std::string>> commands; // "*" is the file
+        std::vector<std::pair<const char*, std::string>> more;
+    } tools[] = {
+        {"vlbackup",
+         runVlbackup,
+         {{"ls", "*"},
+          {"info", "--json", "*"},
+          {"cat", "*", "a.vlm"},
+          {"verify", "*"},
+          {"diff", "*", "-"},
+          {"diff", "-", "*"}},
+         {{write("cut", cut(backup)), "cut at byte " + std::to_string(backup.size() - 3) + " of "},
+          {write("trace", trace), "it is a trace, which vltrace reads"}}},
+        {"vltrace",
+         vltrace,
+         {{"cat", "*"}, {"tail", "*"}, {"stats", "*"}, {"export", "*"}, {"cat", "--errors", "*"}},
+         {{write("backup", backup), "it is a backup, which vlbackup reads"}}},
+    };
+    for (const auto& tool : tools) {
+        auto inputs = tool.more;
+        inputs.insert(inputs.end(), shared.begin(), shared.end());
+        for (const auto& command : tool.commands) {
+            for (const auto& [file, reason] : inputs) {
+                SCOPED_TRACE(tool.name + (' ' + command[0]) + ' ' + reason);
+                auto arguments = command;
+                std::ranges::replace(arguments, "*", name(file));
+                const toolRun_t result = runTool(tool.tool, arguments, backup);
+                // A table of nothing is a table still.
+                expectOneLine({result.status, command[0] == "stats" ? "" : result.out, result.err},
+                              1, reason);
+            }
+            SCOPED_TRACE(tool.name + (' ' + command[0]));
+            auto wrong = command;
+            wrong.emplace_back("--w\xFFrong\x1B");
+            expectOneLine(runTool(tool.tool, wrong, backup), 2, "\\xFF");
+        }
+        expectOneLine(runTool(tool.tool, {}, backup), 2, "--help");
+        expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");
+    }
+    const toolRun_t damaged =
+        runTool(vltrace, {"stats", name(write("cut.trc3", cut(trace)))}, backup);
+    EXPECT_EQ(damaged.status, 0);
+    EXPECT_NE(damaged.err.find("is cut at byte " + std::to_string(sampleTrace().starts.back())),
+              std::string::npos)
+        << damaged.err;
+    fs::permissions(folder / "locked", fs::perms::owner_all);
+    fs::remove_all(folder);
+}
+
+} // namespace

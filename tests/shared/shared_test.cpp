@@ -1,0 +1,32 @@
+#include <gtest/gtest.h>
+
+#include "shared/jsontext.h"
+#include "formats/text/printable.h"
+
+namespace {
+
+TEST(Printable, NothingSteersATerminal)
+{
+    const struct {
+        std::string text, shown, json;
+    } cases[] = {
+        {"C:\\Größe\\日 \U0001F600", "C:\\Größe\\日 \U0001F600",
+         "\"C:\\\\Größe\\\\日 \U0001F600\""},
+        {"\x1B[31m\x7F\t", "\\x1B[31m\\x7F\\t", "\"\\u001b[31m\\u007f\\t\""},
+        {"\u0085\u009B\u00A0", "\\u{85}\\u{9B}\u00A0", "\"\\u0085\\u009b\u00A0\""},
+        {"\u061C\u200E\u200F\u202E\u2069\u2028x",
+         "\\u{61C}\\u{200E}\\u{200F}\\u{202E}\\u{2069}\\u{2028}x",
+         "\"\\u061c\\u200e\\u200f\\u202e\\u2069\\u2028x\""},
+        {"\xFF\xE6\x97\xC0\xAF\uFFFD", "\\xFF\\xE6\\x97\\xC0\\xAF\uFFFD",
+         "\"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.shown);
+        EXPECT_EQ(printable(c.text), c.shown);
+        EXPECT_EQ(jsonText(c.text, false), c.json);
+    }
+    EXPECT_EQ(printable("a\r\nb"), "a\\r\\nb");
+    EXPECT_EQ(printableLines("a\r\nb\n\x1B\r"), "a\nb\n\\x1B\\r");
+}
+
+} // namespace

@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+
+#include "agent/discovery.h"
+#include "agent/transfer.h"
+#include "support/linkfixture.h"
+#include "support/files.h"
+
+namespace {
+
+TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
+{
+    const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vl-ready"));
+    STARTUPINFOW startup{};
+    PROCESS_INFORMATION process{};
+    wchar_t line[] = L"vlagent --ready-event vl-ready --journal C:\\vlagent.json";
+    ASSERT_TRUE(CreateProcessW(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                               &startup, &process));
+    const CKernelHandle agent(process.hProcess), thread(process.hThread);
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), limit));
+    const UINT done = restore2DoneMessage();
+    const std::tuple<const char*, UINT, const char*, const char*> cases[] = {
+        {"c3e66f1f3e4922891fbf81f6143f4094ca5d2073f709033c047ee62981e6fcc8\",\"outcome\":\"stored",
+         done, "kept", "S\xC3\xA9/cret"},
+        {"outcome\":\"nothing to store", done, "kept", ""},
+        {"reason\":\"unknown message", restoreDoneMessage(), "refused", "b"},
+        {"reason\":\"name is not UTF-8", done, "\xFF", "b"},
+        {"reason\":\"payload is not UTF-8", done, "refused", "\xC3"},
+        {"reason\":\"value without a name", done, "", "b"}};
+    for (const auto& [told, message, name, body] : cases) {
+        EXPECT_TRUE(sendToAgent(findAgentWindow(), message, name, body));
+        EXPECT_NE(std::string::npos, fileBytes("C:\\vlagent.json").find(told)) << told;
+    }
+    DWORD code = STILL_ACTIVE;
+    PostMessageW(findAgentWindow(), WM_CLOSE, 0, 0);
+    WaitForSingleObject(agent.get(), limit);
+    EXPECT_TRUE(GetExitCodeProcess(agent.get(), &code) && code == 0);
+}
+
+} // namespace

@@ -1,0 +1,220 @@
+#include "vlbackup/commands.h"
+#include "formats/backup/backupview.h"
+#include "support/backupbytes.h"
+#include "support/toolrun.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+bytes link(const std::wstring& name, const std::wstring& manifest = L"a.vlm", uint8_t profile = 7)
+{
+    return seq({wide(name), wide(L"t"), wide(manifest), integer(profile), wide(L"id"), integer(1)});
+}
+
+bytes settings(const std::string& members)
+{
+    return seq({narrow("{\"settings\":{\"current\":{" + members + "}}}")});
+}
+
+const bytes none = seq({}), a = filePair(L"a.vlm", "AB"), b = filePair(L"b.vlm", {});
+const std::vector<bytes> parts = {seq({a, b}), seq({link(L"l")}),
+                                  seq({seq({wide(L"c"), wide(L"1")})}),
+                                  settings(R"("a":1,"path_dontpromptlist_filename":"x")")};
+const bytes example = seq(parts);
+
+// A backup with one of its elements replaced.
+bytes with(size_t position, const bytes& element)
+{
+    std::vector<bytes> changed = parts;
+    changed[position] = element;
+    return seq(changed);
+}
+
+toolRun_t vlbackup(std::vector<std::string> arguments, const bytes& input)
+{
+    return runTool(runVlbackup, std::move(arguments), input);
+}
+
+TEST(Vlbackup, CommandsAnswerWithStatusAndText)
+{
+    const std::vector<std::string> ls = {"ls", "-"};
+    const bytes odd = filePair(L"\u00e9.vlm", {"\0\r\n\x1A\xFF", 5});
+    const bytes oldLink =
+        seq({narrow("n\xC3\xA9"), narrow("t"), narrow("m"), integer(0xFF), narrow("i")});
+    const bytes two = seq({none, seq({oldLink})}), three = seq({none, parts[1], parts[2]});
+    const bytes legacy = with(3, seq({integer(1), wide(L"Alt+1"), octets("x")}));
+    const struct {
+        std::vector<std::string> arguments;
+        bytes input;
+        int status;
+        std::string part; // of the output, or of the one line of a failure
+    } cases[] = {
+        {ls, example, 0, "         2  a.vlm\n"},
+        {ls, with(1, seq({link(L"\u001b[31m\u202e")})), 0, "  \\x1B[31m\\u{202E} -> "},
+        {ls, two, 0, "n\xC3\xA9 -> t  (m, profile 255, id i)\n"},
+        {ls, three, 0, "without credentials)\ncategories\n  c = 1\nsettings (absent)\n"},
+        {ls, seq({none, none, none, parts[3], none}), 0, "settings (absent)"}, // of five
+        {ls, legacy, 0, "prompt: show\n  hot key: Alt+1\n  do-not-prompt list: 3 bytes"},
+        {{"ls", "-", "--json"}, seq({seq({odd}), none}), 0, "\"name\": \"\xC3\xA9.vlm\""},
+        {{"cat", "-", "\xC3\xA9.vlm"}, with(0, seq({odd, odd})), 0, {"\0\r\n\x1A\xFF", 5}},
+        {{"cat", "-", "a.vlm"}, with(0, seq({filePair(L"a.vlm", {}), a})), 0, "AB"}, // the last one
+        {{"cat", "-", "settings"}, example, 0, "_filename\":\"x\"}}}"},
+        {{"cat", "-", "\x9B"}, example, 1, "no \\x9B in standard input"},
+        {{"info", "-"},
+         with(0, seq({})),
+         0,
+         "sound, with warnings (errors 0, warnings 1, notes 0)"},
+        {{"diff", "-", "-"}, {}, 2, "both"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const toolRun_t result = vlbackup(c.arguments, c.input);
+        EXPECT_EQ(result.status, c.status);
+        EXPECT_NE((result.out + result.err).find(c.part), std::string::npos)
+            << result.out << result.err;
+    }
+}
+
+TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
+{
+    const std::wstring longName(252, L'x');
+    const auto files = [](const std::vector<bytes>& pairs) { return seq({seq(pairs), none}); };
+    const auto stored = [&](const std::wstring& name) { return files({filePair(name, "x")}); };
+    const auto links = [](const std::vector<bytes>& records) {
+        return seq({seq({a}), seq(records), none, parts[3]});
+    };
+    const auto opens = [&](const std::wstring& target) {
+        return links({seq({wide(L"l"), wide(target), wide(L"a.vlm"), integer(7), wide(L"id")})});
+    };
+    const struct {
+        bytes backup;
+        const char* verdict;
+        const char* finding; // a part of it
+    } cases[] = {
+        {{example.begin(), example.end() - 1}, "error", "cut at byte 174 of 175"},
+        {tlv(0x30, {0x30, 0, 0x30, 9}), "error", "element at byte 4 is damaged"},
+        {with(0, seq({integer(1)})), "error", "templates[0]: not a sequence"},
+        {with(0, seq({a, seq({wide(L"")})})), "error", "templates[1]: 1 element in a pair"},
+        {files({seq({tlv(0x1E, {0, 'a', 0, 0, 0, 'b'}), none})}), "error",
+         "more than a restore takes"},
+        {files({seq({tlv(0x1E, {0, 'a', 0, '.', 0, 'v', 0, 'l', 0, 'm'}), octets("x")})}),
+         "warning", "terminating zero"},
+        {files({filePair(L"updata.vls", {}), filePair(L"a.VLM", "x")}), "sound", ""},
+        {files({b}), "warning", "is empty"},
+        {files({a, filePair(L"A.vlm.", "x")}), "error", "the same file as templates[0]"},
+        {files({filePair(L"\u00c4.vlm", "x"), filePair(L"\u00e4.vlm", "x")}), "error", "same file"},
+        {files({filePair(L"alien|C:\\a\\b.vlm", "x"), filePair(L"alien|c:/A/.//B.vlm", "x")}),
+         "error", "same file"},
+        {stored(L"C:\\x\\y.vlm"), "error", "holds a path"},
+        {stored(L"CON.vlm"), "error", "device"},
+        {stored(L"nul .vlm"), "error", "device"},
+        {stored(L"alien|C:\\com\u00b9\\y.vlm"), "error", "device"},
+        {stored(L"a.vlm "), "error", "blank or a dot"},
+        {stored(L"a?.vlm"), "error", "character"},
+        {stored(L"ALIEN|C.vlm"), "error", "character"},
+        {stored(longName + L".vlm"), "error", "longer than a file name"},
+        {stored(L"a.exe"), "error", "is no template"},
+        {stored(L"a.vlmx"), "warning", "is no template"},
+        {stored(L"\u202emlv.vlm"), "warning", "direction marks"},
+        {stored(L"alien|C:\\a\\b.vlm"), "sound", ""},
+        {stored(L"alien|C:\\userspace\\b.vlm"), "sound", ""},
+        {stored(L"alien|C:\\a.exe:b.vlm"), "error", "stream"},
+        {stored(L"alien|a\\b.vlm"), "error", "no full path"},
+        {stored(L"alien|C:\\a\\..\\b.vlm"), "error", "climbs"},
+        {stored(L"alien|C:\\Windows\\System32\\b.vlm"), "warning", "folder of the system"},
+        {stored(L"alien|d:/PROGRAM FILES (x86)/b.vlm"), "warning", "folder of the system"},
+        {stored(L"alien|\\\\?\\C:\\Users\\x\\b.vlm"), "warning", "folder of the system"},
+        {stored(L"alien|C:\\\\.\\Users. \\b.vlm"), "error", "folder of the system"},
+        {stored(L"alien|\\\\server\\share\\b.vlm"), "warning", "network share"},
+        {stored(L"alien|C:\\" + longName + L"\\abcd.vlm"), "warning", "most hosts"},
+        {links({seq({wide(L"")})}), "error", "quicklinks[0]: 1 element; a restore drops"},
+        {links({link(L"n", L"..\\a.vlm")}), "error", "template with a path"},
+        {links({link(L"n", L"none.vlm")}), "warning", "no template of the personal folder"},
+        {links({link(L"l"), link(L"m")}), "error", "template and profile of quicklinks[0]"},
+        {links({link(L"l"), link(L"m", L"a.vlm", 8)}), "sound", ""},
+        {links({link(L"l\r\nUrl=x")}), "error", "line end in the name"},
+        {links({link(L"")}), "error", "no name or no target"},
+        {opens(L"HTTPS://x.example:80/javascript:"), "sound", ""},
+        {opens(L"x.example:8080/a"), "sound", ""},
+        {opens(L" java\tscript:1/alert(1)"), "warning", "not one of the web"},
+        {opens(L"data:text/html,x"), "warning", "not one of the web"},
+        {opens(L"file:///c:/x"), "warning", "not one of the web"},
+        {opens(L"c:\\windows\\NOTEPAD.exe"), "warning", "opens a program"},
+        {opens(L"iexplore.exe -x"), "warning", "opens a program"},
+        {opens(L"\\\\server\\x.txt"), "warning", "opens a file"},
+        {with(2, seq({seq({wide(L"\u0416"), wide(L"1")}), seq({wide(L"\u0436"), wide(L"2")})})),
+         "error", "same category as categories[0]"},
+        {with(3, seq({narrow("{")})), "error", "settings: the document isn't JSON"},
+        {with(3, settings("\"open_guard_desk_qa\":1")), "error", "must be a text"},
+        {with(3, seq({narrow("[1]")})), "error", "no object"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.verdict) + ' ' + c.finding);
+        const toolRun_t text = vlbackup({"verify", "-"}, c.backup);
+        EXPECT_NE((text.out + text.err).find(c.finding), std::string::npos) << text.out << text.err;
+        EXPECT_EQ(text.status, c.verdict == std::string("error") ? 1 : 0) << text.out;
+        EXPECT_EQ(vlbackup({"verify", "-", "--strict"}, c.backup).status,
+                  c.verdict == std::string("sound") ? 0 : 1)
+            << text.out;
+        EXPECT_NE(vlbackup({"verify", "-", "--json"}, c.backup)
+                      .out.find(std::string("\"verdict\": \"") + c.verdict),
+                  std::string::npos);
+    }
+}
+
+TEST(BackupView, NamesTheMarkedFilesOutsideOfFolders)
+{
+    const auto file = [](const std::wstring& name) { return filePair(name, "x"); };
+    const bytes backup =
+        seq({seq({a, file(L"alien|C:\\Logons\\a.vlm"), file(L"alien|c:/logons/x/b.vlm"),
+                  file(L"alien|C:\\Logons\\..\\c.vlm"), file(L"alien|C:\\LogonsX\\d.vlm"),
+                  file(L"alien|\\\\?\\C:\\LOGONS\\e.vlm"), file(L"alien|D:\\Logons\\f.vlm")}),
+             none});
+    CBackupView view;
+    ASSERT_TRUE(view.Decode(backup));
+    const std::vector<std::string> folders = {"C:\\Logons\\", ""};
+    std::string outside;
+    for (const BackupFile* marked : view.MarkedOutside(folders))
+        outside += std::to_string(marked->place);
+    EXPECT_EQ(outside, "346");
+}
+
+TEST(Diff, NamesEachDifference)
+{
+    const auto path = std::filesystem::temp_directory_path() / "vlbackup-diff-test.bin";
+    std::ofstream(path, std::ios::binary) << std::string(example.begin(), example.end());
+    const bytes longer = filePair(L"b.vlm", "123");
+    const struct {
+        bytes second;
+        bool reason; // why a restore makes it
+        std::string out;
+    } cases[] = {
+        {with(0, seq({a, longer})), false, "templates b.vlm: content: 0 and 3 bytes that differ\n"},
+        {with(0, seq({a})), false, "templates b.vlm: only in the first\n"},
+        {with(0, seq({b, a})), true, "templates: in another order\n"},
+        {with(1, seq({link(L"l", L"a.vlm", 8)})), false,
+         "quicklinks l: profile: \"7\" and \"8\"\n"},
+        {with(3, settings(R"("a":1)")), true,
+         "settings settings.current.path_dontpromptlist_filename: only in the first\n"},
+        {with(3, settings(R"("path_dontpromptlist_filename":"x","a":1)")), false,
+         "backup element 3: encoded differently\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.out);
+        const toolRun_t plain = vlbackup({"diff", path.string(), "-"}, c.second);
+        EXPECT_EQ(plain.status, 1);
+        EXPECT_EQ(plain.out, c.out);
+        const toolRun_t restored = vlbackup({"diff", path.string(), "-", "--restored"}, c.second);
+        EXPECT_EQ(restored.status, c.reason ? 0 : 1);
+        EXPECT_EQ(restored.out.ends_with("equal except for that\n"), c.reason);
+    }
+    EXPECT_EQ(vlbackup({"diff", path.string(), "-"}, example).out, "equal\n");
+    std::filesystem::remove(path);
+}
+
+} // namespace

@@ -1,0 +1,112 @@
+#include "shared/backupinput.h"
+
+#include <json/reader.h>
+
+#include "shared/inputfile.h"
+#include "shared/toolerror.h"
+
+namespace {
+
+using Grade = BackupFinding::Grade;
+
+// documentFault says where a restore fails in a document that is JSON; null if it doesn't. The
+// files are written by then.
+const char* documentFault(const Json::Value& root)
+{
+    static constexpr char noObject[] = "a member that holds others is no object";
+    if (!root.isNull() && !root.isObject())
+        return noObject;
+    const Json::Value* value = &root;
+    for (const char* const member : {"settings", "current"}) {
+        value = &(*value)[member];
+        if (value->empty())
+            return nullptr; // with nothing to restore
+        if (!value->isObject())
+            return noObject;
+    }
+    for (const char* const member : {"open_guard_desk_qa", "path_dontpromptlist_filename"}) {
+        const Json::Value& text = (*value)[member];
+        if (!text.empty() && !text.isString() && !text.isBool())
+            return "a member that must be a text is none";
+    }
+    return nullptr;
+}
+
+void judgeDocument(CBackupView& backup)
+{
+    const BackupSettings& settings = backup.settings;
+    if (settings.form != SettingsForm::document || settings.document.empty())
+        return;
+    const std::optional<Json::Value> document = parseDocument(settings.document);
+    if (!document)
+        backup.findings.push_back(
+            {Grade::error, "settings",
+             "the document isn't JSON; a restore leaves the settings as they are"});
+    else if (const char* const fault = documentFault(*document))
+        backup.findings.push_back(
+            {Grade::error, "settings",
+             fault + std::string("; a restore fails there, with the files replaced by then")});
+}
+
+} // namespace
+
+bool decodeBackup(std::span<const uint8_t> bytes, CBackupView& view)
+{
+    if (!view.Decode(bytes))
+        return false;
+    judgeDocument(view);
+    return true;
+}
+
+void refuseBackup(const std::string& name, std::span<const uint8_t> bytes, const CBackupView& view)
+{
+    // A digit 0 is the octet that begins a backup.
+    const bool begun =
+        bytes.size() > 1 && bytes[0] == 0x30 && (bytes[1] >= 0x80 || bytes[1] < 0x20);
+    if (begun)
+        throw CToolError(shownInput(name) + " is no whole backup: " + view.findings.back().what,
+                         "copy it again, or take another");
+    throw CToolError(shownInput(name) + " is no backup: it is " + describeBytes(bytes),
+                     "a backup is what 'vlhost backup' writes");
+}
+
+const char* gradeName(Grade grade)
+{
+    switch (grade) {
+    case Grade::error:
+        return "error";
+    case Grade::warning:
+        return "warning";
+    default:
+        return "note";
+    }
+}
+
+const char* verdictText(const CBackupView& backup)
+{
+    switch (backup.Verdict()) {
+    case Grade::error:
+        return "not sound";
+    case Grade::warning:
+        return "sound, with warnings";
+    default:
+        return "sound";
+    }
+}
+
+std::string findingText(const BackupFinding& finding)
+{
+    return std::string(gradeName(finding.grade)) + ": " + finding.where + ": " + finding.what;
+}
+
+std::optional<Json::Value> parseDocument(const std::string& text)
+{
+    Json::Value value;
+    try {
+        if (Json::Reader().parse(text, value))
+            return value;
+    } catch (const Json::Exception&) {
+        // nested too deeply to be read
+    }
+    return std::nullopt;
+}

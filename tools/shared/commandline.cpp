@@ -1,0 +1,44 @@
+#include "shared/commandline.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "formats/text/printable.h"
+#include "shared/toolmain.h"
+#include "shared/usage.h"
+
+int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
+            const std::function<int()>& work)
+{
+    const auto failed = [&](const std::string& what, int status) {
+        out.flush();
+        err << app.get_name() << ": " << printable(what) << '\n';
+        return status;
+    };
+    try {
+        std::reverse(arguments.begin(), arguments.end()); // the order that the parser takes them in
+        app.parse(std::move(arguments));
+        const int status = work ? work() : exitStatus::good;
+        if (!out.flush()) // a full disk shows only when the last block goes out
+            throw CToolError("standard output can't be written",
+                             "is the disk full, or the reader gone?");
+        return status;
+    } catch (const CLI::Success& help) {
+        return app.exit(help, out, err);
+    } catch (const CLI::ParseError& error) {
+        return failed(usageError(app, error) + " (see " + app.get_name() + " --help)",
+                      exitStatus::wrongUsage);
+    } catch (const CToolError& error) {
+        return failed(error.what(), error.ExitStatus());
+    } catch (const std::bad_alloc&) {
+        return failed("out of memory (close other programs and try again)", exitStatus::failed);
+    } catch (const std::exception& error) {
+        return failed(error.what(), exitStatus::failed);
+    }
+}
+
+int runTool(CLI::App& app, int argc, char** argv)
+{
+    const CToolStreams streams;
+    return runTool(app, toolArguments(argc, argv), std::cout, std::cerr);
+}
