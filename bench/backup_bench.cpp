@@ -1,13 +1,13 @@
-#include <cstring>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "common/scoped.h"
 #include "plugin/vlktpages.h"
 #include "ratio.h"
 #include "storage/textfile.h"
 #include "support/fakesettings.h"
+
+#include <cstring>
+#include <span>
+#include <string>
+#include <vector>
 
 // The operations as a host calls them: export against mapping and copying the same files once,
 // restore against copying the array once, as it belongs to the host, and deleting and writing the

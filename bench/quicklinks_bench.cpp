@@ -1,9 +1,9 @@
-#include <string>
-
 #include "common/text.h"
 #include "quicklinks/quicklinks.h"
 #include "ratio.h"
 #include "storage/paths.h"
+
+#include <string>
 
 namespace {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <vector>
-
-#include <windows.h>
 
 // A benchmark is a ratio of two bodies measured in one run: their rounds alternate, so that
 // whatever else the machine does meets both alike, and the median of the rounds decides.

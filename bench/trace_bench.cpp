@@ -1,9 +1,8 @@
-#include "ratio.h"
-
-#include "tracecore/realtracer.h"
 #include "formats/trace/recordformat.h"
-#include "tracecore/sinks.h"
 #include "formats/trace/textcipher.h"
+#include "ratio.h"
+#include "tracecore/realtracer.h"
+#include "tracecore/sinks.h"
 #include "tracecore/tracer.h"
 
 #include <atomic>

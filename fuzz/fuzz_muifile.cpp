@@ -1,6 +1,6 @@
 // The check of a language file.
-#include "require.h"
 #include "formats/resource/muifile.h"
+#include "require.h"
 #include "support/sampleimage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -1,9 +1,9 @@
 // The walk of a string block: a whole block has every entry readable, and an entry that is found
 // lies in the block.
-#include <span>
-
-#include "require.h"
 #include "formats/resource/stringblock.h"
+#include "require.h"
+
+#include <span>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -1,7 +1,7 @@
 #include "formats/text/printable.h"
+#include "require.h"
 #include "vltrace/exports.h"
 #include "vltrace/lines.h"
-#include "require.h"
 #include "vltrace/tracefile.h"
 
 #include <map>

@@ -5,8 +5,8 @@
 // thread, in any order, any number of times.
 
 #include <windows.h>
-#include <unknwn.h>
 #include <oaidl.h>
+#include <unknwn.h>
 
 // One compiler takes an interface's identifier in its declaration, the other one after it.
 #ifdef _MSC_VER

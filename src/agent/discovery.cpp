@@ -1,11 +1,11 @@
 #include "agent/discovery.h"
 
+#include "common/status.h"
+#include "neighbours/linknames.h"
+#include "tracecore/tracer.h"
+
 #include <atomic>
 #include <cstdint>
-
-#include "neighbours/linknames.h"
-#include "common/status.h"
-#include "tracecore/tracer.h"
 
 using namespace tracecore;
 

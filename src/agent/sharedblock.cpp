@@ -1,11 +1,11 @@
 #include "agent/sharedblock.h"
 
-#include <atomic>
-
-#include "security/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/status.h"
+#include "security/objectsecurity.h"
 #include "tracecore/tracer.h"
+
+#include <atomic>
 
 using namespace tracecore;
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <windows.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-#include <windows.h>
 
 // mappedBlock_t owns one named block of memory, released with closeSharedBlock. It can be half
 // made: handle set, view null.

@@ -1,10 +1,10 @@
 #include "agent/transfer.h"
 
-#include <cstring>
-#include <stdexcept>
-
 #include "common/status.h"
 #include "tracecore/tracer.h"
+
+#include <cstring>
+#include <stdexcept>
 
 using namespace tracecore;
 

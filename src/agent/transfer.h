@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "agent/sharedblock.h"
+#include "neighbours/linknames.h"
 
 #include <windows.h>
 
-#include "neighbours/linknames.h"
-#include "agent/sharedblock.h"
+#include <cstdint>
+#include <string>
 
 // sendToAgent hands name and body to the agent through named shared memory. It blocks the calling
 // thread, without a time limit, until the agent has acknowledged.

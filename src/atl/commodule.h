@@ -1,9 +1,9 @@
 #pragma once
 
-#include <atomic>
-
 #include <windows.h>
 #include <objidl.h>
+
+#include <atomic>
 
 // The module records of the component model. Each is not ready, then ready, then not ready again;
 // what made one fail at start is remembered in CAtlBaseModule::m_bInitFailed.

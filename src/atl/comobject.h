@@ -1,11 +1,11 @@
 #pragma once
 
-#include <new>
+#include "atl/commodule.h"
 
 #include <windows.h>
 #include <unknwn.h>
 
-#include "atl/commodule.h"
+#include <new>
 
 // Objects of the component model: reference counts, interface tables, creation, and the class
 // factory. Counts are atomic; the lock of an object exists for classes that want it and is never

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
+#include "atl/exception.h"
 
 #include <windows.h>
 #include <oleauto.h>
 
-#include "atl/exception.h"
+#include <string>
 
 namespace ATL {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <utility>
+#include "atl/comutil.h"
 
 #include <windows.h>
 #include <oleauto.h>
 
-#include "atl/comutil.h"
+#include <cstdint>
+#include <span>
+#include <utility>
 
 // The arrays that pass the interface: one-dimensional safe arrays, made with lower bound 0. A
 // holder has one pointer, null while empty; while it isn't, the array carries one lock that the

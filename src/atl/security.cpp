@@ -1,9 +1,9 @@
 #include "atl/security.h"
 
+#include "common/status.h"
+
 #include <cstddef>
 #include <cstring>
-
-#include "common/status.h"
 
 namespace ATL {
 

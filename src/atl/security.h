@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <initializer_list>
-#include <vector>
+#include "atl/exception.h"
+#include "common/scoped.h"
 
 #include <windows.h>
 
-#include "atl/exception.h"
-#include "common/scoped.h"
+#include <cstdint>
+#include <initializer_list>
+#include <vector>
 
 // The security wrappers of the platform's template library, with the operations that this system
 // uses. They own copies of what they are given. A failed platform call raises CAtlException with

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <utility>
+#include "common/status.h"
 
 #include <windows.h>
 #include <wincrypt.h>
 
-#include "common/status.h"
+#include <cstdint>
+#include <span>
+#include <utility>
 
 // The blobs that carry plain and encoded values, and the sequence of encoded elements that a backup
 // is at every level. The bytes are DER; derreader.h says what else is read. Bytes that can't be

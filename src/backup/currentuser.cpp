@@ -1,10 +1,10 @@
 #include "backup/currentuser.h"
 
-#include <algorithm>
-#include <new>
-
 #include "common/scoped.h"
 #include "common/status.h"
+
+#include <algorithm>
+#include <new>
 
 namespace {
 

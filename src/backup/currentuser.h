@@ -1,9 +1,9 @@
 #pragma once
 
+#include <windows.h>
+
 #include <memory>
 #include <string>
-
-#include <windows.h>
 
 // CCurrentUser is the user in whose name the calling thread runs: the impersonated one, else that
 // of the process.

@@ -1,13 +1,6 @@
-#include "backup/storagedata.h"
-
-#include <algorithm>
-#include <memory>
-#include <new>
-#include <string>
-#include <vector>
-
 #include "backup/filename.h"
 #include "backup/settingsdocument.h"
+#include "backup/storagedata.h"
 #include "common/status.h"
 #include "common/text.h"
 #include "quicklinks/categories.h"
@@ -16,6 +9,12 @@
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "storage/textfile.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,17 +1,17 @@
 #include "backup/restore.h"
 
-#include <algorithm>
-#include <new>
+#include "backup/settingsdocument.h"
+#include "backup/storagedata.h"
+#include "common/status.h"
+#include "formats/der/derview.h"
+#include "quicklinks/categories.h"
+#include "tracecore/tracer.h"
 
 #include <windows.h>
 #include <wincrypt.h>
 
-#include "formats/der/derview.h"
-#include "backup/settingsdocument.h"
-#include "backup/storagedata.h"
-#include "common/status.h"
-#include "quicklinks/categories.h"
-#include "tracecore/tracer.h"
+#include <algorithm>
+#include <new>
 
 using namespace tracecore;
 

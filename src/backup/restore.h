@@ -1,9 +1,9 @@
 #pragma once
 
+#include "atl/safearray.h"
+
 #include <cstdint>
 #include <span>
-
-#include "atl/safearray.h"
 
 // RestoreBackup puts the contents of a backup back: files, quick links, categories and settings.
 // The number of its elements gives its version: from two it reads quick links in the old form, from

@@ -1,13 +1,12 @@
 #include "backup/storagedata.h"
-
-#include <string>
-
-#include "formats/text/unicode.h"
 #include "common/text.h"
+#include "formats/text/unicode.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "tracecore/tracer.h"
+
+#include <string>
 
 using namespace tracecore;
 

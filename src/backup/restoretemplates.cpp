@@ -1,6 +1,5 @@
-#include "backup/storagedata.h"
-
 #include "backup/filename.h"
+#include "backup/storagedata.h"
 #include "common/scoped.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/paths.h"

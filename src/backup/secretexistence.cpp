@@ -1,10 +1,10 @@
 #include "backup/secretexistence.h"
 
-#include <cstdint>
-
 #include "backup/currentuser.h"
 #include "common/status.h"
 #include "storage/settings.h"
+
+#include <cstdint>
 
 namespace {
 

@@ -1,13 +1,13 @@
 #include "backup/secretlist.h"
 
-#include <cstring>
-#include <cwchar>
-#include <new>
-
 #include "backup/blob.h"
 #include "backup/secretexistence.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"
+
+#include <cstring>
+#include <cwchar>
+#include <new>
 
 namespace {
 

@@ -1,20 +1,20 @@
 #include "backup/settingsdocument.h"
 
-#include <memory>
-#include <sstream>
-
-#include <windows.h>
-#include <wincrypt.h>
-#include <comdef.h>
-
-#include <json/json.h>
-
-#include "formats/der/derview.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "formats/der/derview.h"
 #include "storage/settings.h"
 #include "storage/textfile.h"
 #include "tracecore/tracer.h"
+
+#include <windows.h>
+#include <comdef.h>
+#include <wincrypt.h>
+
+#include <memory>
+#include <sstream>
+
+#include <json/json.h>
 
 using namespace tracecore;
 

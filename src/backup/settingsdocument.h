@@ -1,10 +1,10 @@
 #pragma once
 
+#include "formats/der/dernode.h"
+
 #include <string>
 
 #include <json/forwards.h>
-
-#include "formats/der/dernode.h"
 
 struct _CRYPTOAPI_BLOB;
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <windows.h>
-
 #include "formats/der/dernode.h"
 #include "formats/der/derview.h"
+
+#include <windows.h>
 
 // TextForm is the form in which the text elements of a quick link record are stored.
 enum class TextForm {

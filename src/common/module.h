@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // thisModule is the module that this code is linked into: the DLL, or a test or tool program.
 HMODULE thisModule() noexcept;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <span>
-
 #include <windows.h>
+
+#include <span>
 
 // queryText reads a text value of the registry as it stands: no environment strings are expanded.
 //

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <utility>
-
 #include <windows.h>
+
+#include <utility>
 
 // CScoped owns one handle of the kind that Traits describes: value_type, empty() and close(value).
 // Move-only. Closing keeps the thread's last error, since a destructor often runs just before the

@@ -1,9 +1,9 @@
 #include "common/text.h"
 
+#include <windows.h>
+
 #include <limits>
 #include <new>
-
-#include <windows.h>
 
 namespace {
 

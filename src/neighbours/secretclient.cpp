@@ -1,11 +1,11 @@
 #include "neighbours/secretclient.h"
 
-#include <array>
-
 #include "atl/exception.h"
 #include "atl/security.h"
 #include "common/status.h"
 #include "neighbours/vlfpapi.h"
+
+#include <array>
 
 namespace {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-#include <string_view>
-#include <vector>
+#include "common/scoped.h"
 
 #include <windows.h>
 
-#include "common/scoped.h"
+#include <string>
+#include <string_view>
+#include <vector>
 
 // What a program needs to use the secret store of VLFPApi.dll for its own user.
 

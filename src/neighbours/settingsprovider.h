@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include <windows.h>
 #include <oleauto.h>
+
+#include <cstddef>
+#include <cstdint>
 
 // The settings provider's side of the link: what VloSet.dll exports and what passes through it.
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include <windows.h>
+
+#include <cstdint>
 
 // VLFPApi.dll stands in for the product's policy and secret library, with lasting storage. Every
 // function may be called on any thread and raises nothing; all are found by name with

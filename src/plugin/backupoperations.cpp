@@ -1,8 +1,3 @@
-#include "plugin/vlktpages.h"
-
-#include <span>
-#include <string>
-
 #include "agent/discovery.h"
 #include "agent/transfer.h"
 #include "atl/safearray.h"
@@ -14,7 +9,11 @@
 #include "common/status.h"
 #include "common/text.h"
 #include "plugin/errorframe.h"
+#include "plugin/vlktpages.h"
 #include "tracecore/tracer.h"
+
+#include <span>
+#include <string>
 
 using namespace tracecore;
 

@@ -1,14 +1,14 @@
 #include "plugin/cleanup.h"
 
-#include <string>
-
-#include <shlwapi.h>
-
 #include "common/osversion.h"
 #include "common/registrytext.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"
+
+#include <shlwapi.h>
+
+#include <string>
 
 using tracecore::traceFormat;
 using tracecore::traceIfFailed;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include <windows.h>
+
+#include <cstdint>
 
 // AddCleanupLine appends one line to Cleanup.txt in the installation folder, which lists the user
 // data that the uninstaller has to remove. The file is UTF-16 with a byte order mark; one without

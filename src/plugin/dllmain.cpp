@@ -1,8 +1,8 @@
-#include <windows.h>
-
 #include "common/osversion.h"
 #include "resources/muimodule.h"
 #include "resources/resourcemodule.h"
+
+#include <windows.h>
 
 // Current systems redirect resource look-ups to the language file by themselves; on older ones the
 // file is chosen here, once. No thread, no trace: the loader's lock is held.

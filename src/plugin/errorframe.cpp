@@ -1,12 +1,12 @@
 #include "plugin/errorframe.h"
 
-#include <cstdio>
-#include <exception>
+#include "tracecore/realtracer.h"
+#include "tracecore/tracer.h"
 
 #include <comdef.h>
 
-#include "tracecore/realtracer.h"
-#include "tracecore/tracer.h"
+#include <cstdio>
+#include <exception>
 
 namespace {
 

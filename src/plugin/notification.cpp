@@ -1,13 +1,13 @@
 #include "plugin/notification.h"
 
-#include <shellapi.h>
-
 #include "atl/safearray.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "storage/paths.h"
+
+#include <shellapi.h>
 
 using namespace VLONLINEIDSLib;
 using ATL::CComBSTR;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <atomic>
-#include <string>
+#include "atl/comutil.h"
+#include "vlonlineids.h"
 
 #include <windows.h>
 
-#include "atl/comutil.h"
-#include "vlonlineids.h"
+#include <atomic>
+#include <string>
 
 // classIdentifierText is the plug-in's class identifier in braces, in upper case.
 std::wstring classIdentifierText();

@@ -1,5 +1,4 @@
 #include "plugin/vlktpages.h"
-
 #include "tracecore/tracer.h"
 
 using namespace VLONLINEIDSLib;

@@ -1,11 +1,11 @@
-#include <cstdint>
-
 #include "common/scoped.h"
 #include "common/status.h"
 #include "plugin/errorframe.h"
 #include "plugin/vlktpages.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
+
+#include <cstdint>
 
 using tracecore::traceIfFailed;
 using tracecore::traceScope_t;

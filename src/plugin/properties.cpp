@@ -1,5 +1,3 @@
-#include <cwchar>
-
 #include "atl/comutil.h"
 #include "common/status.h"
 #include "plugin/errorframe.h"
@@ -9,6 +7,8 @@
 #include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "tracecore/tracer.h"
+
+#include <cwchar>
 
 using namespace VLONLINEIDSLib;
 using ATL::CComBSTR;

@@ -1,13 +1,13 @@
 #include "plugin/registrar.h"
 
+#include "common/status.h"
+
+#include <objbase.h>
+
 #include <cwchar>
 #include <memory>
 #include <new>
 #include <string>
-
-#include <objbase.h>
-
-#include "common/status.h"
 
 namespace VLKT_SDK {
 

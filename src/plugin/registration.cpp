@@ -1,10 +1,10 @@
-#include <objbase.h>
-
 #include "atl/commodule.h"
 #include "common/module.h"
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
 #include "vlonlineids.h"
+
+#include <objbase.h>
 
 using VLONLINEIDSLib::CLSID_CVLKTPages;
 

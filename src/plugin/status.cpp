@@ -1,7 +1,8 @@
+#include "common/status.h"
+
 #include "atl/comutil.h"
 #include "atl/safearray.h"
 #include "common/scoped.h"
-#include "common/status.h"
 #include "plugin/errorframe.h"
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"

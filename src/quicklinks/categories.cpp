@@ -1,13 +1,13 @@
 #include "quicklinks/categories.h"
 
+#include "common/scoped.h"
+#include "formats/der/derview.h"
+
 #include <windows.h>
 #include <wincrypt.h>
 
 #include <cstring>
 #include <string>
-
-#include "formats/der/derview.h"
-#include "common/scoped.h"
 
 namespace {
 

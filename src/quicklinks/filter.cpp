@@ -1,11 +1,10 @@
+#include "common/text.h"
+#include "quicklinks/ascii.h"
 #include "quicklinks/quicklinks.h"
+#include "storage/paths.h"
 
 #include <algorithm>
 #include <unordered_set>
-
-#include "common/text.h"
-#include "quicklinks/ascii.h"
-#include "storage/paths.h"
 
 namespace {
 

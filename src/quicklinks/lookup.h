@@ -1,13 +1,13 @@
 #pragma once
 
+#include "quicklinks/record.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-
-#include "quicklinks/record.h"
 
 // QLLookup finds the first record of a file name and profile without a walk through all of them. It
 // follows a list that grows at its end, shrinks or is cleared. A profile that changes may only

@@ -1,12 +1,12 @@
 #include "quicklinks/quicklinks.h"
 
-#include <windows.h>
-
 #include "common/text.h"
 #include "quicklinks/ascii.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "tracecore/tracer.h"
+
+#include <windows.h>
 
 using namespace tracecore;
 

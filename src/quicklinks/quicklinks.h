@@ -1,14 +1,14 @@
 #pragma once
 
+#include "quicklinks/lookup.h"
+#include "quicklinks/record.h"
+#include "storage/textfile.h"
+
 #include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "quicklinks/lookup.h"
-#include "quicklinks/record.h"
-#include "storage/textfile.h"
 
 // QL is the user's quick link file in memory. It belongs to the operation that built it: no locks,
 // and two writers of the file overwrite each other. Nothing here raises unless memory runs out.

@@ -1,4 +1,10 @@
+#include "common/scoped.h"
+#include "common/text.h"
+#include "quicklinks/ascii.h"
 #include "quicklinks/quicklinks.h"
+#include "security/objectsecurity.h"
+#include "storage/paths.h"
+#include "tracecore/tracer.h"
 
 #include <windows.h>
 #include <shlwapi.h>
@@ -7,13 +13,6 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
-
-#include "security/objectsecurity.h"
-#include "common/scoped.h"
-#include "common/text.h"
-#include "quicklinks/ascii.h"
-#include "storage/paths.h"
-#include "tracecore/tracer.h"
 
 using namespace tracecore;
 

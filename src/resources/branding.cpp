@@ -1,14 +1,14 @@
 #include "resources/branding.h"
 
-#include <atomic>
-#include <cstring>
-#include <memory>
-
 #include "common/initorder.h"
 #include "common/registrytext.h"
 #include "common/scoped.h"
 #include "resources/resourceids.h"
 #include "tracecore/tracer.h"
+
+#include <atomic>
+#include <cstring>
+#include <memory>
 
 using namespace tracecore;
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // CBranding is the resource-only DLL that carries the product's name and icon. It is loaded when
 // first needed, as a data file, and stays until the process ends.

@@ -1,11 +1,11 @@
 #include "resources/languagelibrary.h"
 
+#include "common/scoped.h"
+#include "formats/resource/muifile.h"
+#include "resources/languagenames.h"
+
 #include <cwchar>
 #include <span>
-
-#include "common/scoped.h"
-#include "resources/languagenames.h"
-#include "formats/resource/muifile.h"
 
 namespace {
 

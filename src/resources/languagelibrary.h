@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // LoadLanguageLibrary loads the language file of a DLL: "<folder>\<language>\<file>.mui".
 //

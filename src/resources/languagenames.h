@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include <windows.h>
+
+#include <string_view>
 
 // languageName is the name of a language, such as "en-US" for 1033 and the neutral "en" for 9.
 //

@@ -1,11 +1,11 @@
 #include "resources/muimodule.h"
 
+#include "resources/languagelibrary.h"
+#include "resources/languagenames.h"
+
 #include <exception>
 #include <iterator>
 #include <string>
-
-#include "resources/languagelibrary.h"
-#include "resources/languagenames.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <windows.h>
-
 #include "common/osversion.h"
+
+#include <windows.h>
 
 // systemRedirectsResources is true if look-ups on a DLL's own handle reach its language file by
 // themselves.

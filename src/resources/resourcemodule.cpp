@@ -1,9 +1,9 @@
 #include "resources/resourcemodule.h"
 
-#include <atomic>
-
 #include "common/initorder.h"
 #include "common/module.h"
+
+#include <atomic>
 
 namespace {
 

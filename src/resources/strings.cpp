@@ -1,13 +1,13 @@
 #include "resources/strings.h"
 
-#include <iterator>
-#include <span>
-#include <string_view>
-
+#include "formats/resource/stringblock.h"
 #include "resources/branding.h"
 #include "resources/resourceids.h"
 #include "resources/resourcemodule.h"
-#include "formats/resource/stringblock.h"
+
+#include <iterator>
+#include <span>
+#include <string_view>
 
 namespace {
 

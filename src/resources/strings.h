@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // GetBrandedString is a numbered string of the resource module with the product's name in the
 // places marked "<<%PN%>>". The branding DLL is loaded for strings with "<<%" alone.

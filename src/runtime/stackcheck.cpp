@@ -1,8 +1,8 @@
 #include "runtime/runtime.h"
 
-#include <cstdint>
-
 #include <ntsecapi.h>
+
+#include <cstdint>
 
 // What the compiler's stack protection asks for. The toolchain's library asks the platform for a
 // cryptographic provider at each load, which takes longer than all the rest of a small DLL's load.

@@ -1,11 +1,11 @@
 #include "runtime/runtime.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-
-#include <malloc.h>
 
 namespace {
 

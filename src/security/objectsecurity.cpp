@@ -1,12 +1,12 @@
 #include "security/objectsecurity.h"
 
-#include <aclapi.h>
-#include <sddl.h>
-
 #include "common/osversion.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"
+
+#include <aclapi.h>
+#include <sddl.h>
 
 using namespace tracecore;
 using ATL::CAccessToken;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "atl/security.h"
 
 #include <windows.h>
 
-#include "atl/security.h"
+#include <cstdint>
+#include <string>
 
 // Who may reach the objects and folders that are shared across accounts and integrity levels: any
 // authenticated user, processes of low integrity and processes in application containers are let in

@@ -1,7 +1,6 @@
-#include "storage/paths.h"
-
 #include "common/registrytext.h"
 #include "common/scoped.h"
+#include "storage/paths.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
 #include "storage/folderlist.h"
 
-#include <algorithm>
-
-#include <comdef.h>
-
-#include "security/objectsecurity.h"
 #include "common/scoped.h"
 #include "common/status.h"
+#include "security/objectsecurity.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "tracecore/tracer.h"
+
+#include <comdef.h>
+
+#include <algorithm>
 
 using namespace tracecore;
 

@@ -1,16 +1,15 @@
+#include "common/osversion.h"
+#include "common/scoped.h"
 #include "storage/paths.h"
+
+#include <windows.h>
+#include <shlwapi.h>
 
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
 #include <new>
 #include <string_view>
-
-#include <windows.h>
-#include <shlwapi.h>
-
-#include "common/osversion.h"
-#include "common/scoped.h"
 
 namespace {
 

@@ -1,19 +1,19 @@
 #include "storage/settings.h"
+
+#include "common/module.h"
+#include "common/scoped.h"
+#include "common/status.h"
 #include "neighbours/settingsprovider.h"
+#include "storage/paths.h"
+#include "tracecore/tracer.h"
+
+#include <comdef.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <cwchar>
 #include <memory>
 #include <new>
-
-#include <comdef.h>
-
-#include "common/module.h"
-#include "common/scoped.h"
-#include "common/status.h"
-#include "storage/paths.h"
-#include "tracecore/tracer.h"
 
 namespace {
 

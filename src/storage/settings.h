@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // The link to the settings provider, VloSet.dll (settingsprovider.h). The library is loaded at
 // first use and stays until the module ends; a load that failed is not tried again. Without it

@@ -1,12 +1,11 @@
+#include "common/initorder.h"
+#include "common/text.h"
 #include "storage/paths.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <memory>
-
-#include "common/initorder.h"
-#include "common/text.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
 #include "storage/textfile.h"
 
-#include <iterator>
-#include <string_view>
-#include <utility>
-
-#include <windows.h>
-
 #include "common/scoped.h"
 #include "common/text.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
+
+#include <windows.h>
+
+#include <iterator>
+#include <string_view>
+#include <utility>
 
 using namespace tracecore;
 

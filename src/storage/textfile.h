@@ -1,10 +1,10 @@
 #pragma once
 
+#include "formats/text/textlines.h"
+
 #include <cstdint>
 #include <exception>
 #include <string>
-
-#include "formats/text/textlines.h"
 
 // Whole files through a read-only mapping, and text files as lines. A file that can't be read,
 // because it is missing, empty or held open by a writer, reads as nothing. Nothing is shared

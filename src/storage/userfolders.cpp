@@ -1,9 +1,8 @@
 #include "storage/paths.h"
+#include "tracecore/tracer.h"
 
 #include <windows.h>
 #include <shlobj.h>
-
-#include "tracecore/tracer.h"
 
 namespace {
 

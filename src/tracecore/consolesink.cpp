@@ -1,5 +1,4 @@
 #include "tracecore/sinks.h"
-
 #include "tracecore/tracer.h"
 
 #include <algorithm>

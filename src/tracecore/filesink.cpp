@@ -1,9 +1,8 @@
-#include "tracecore/sinks.h"
-
 #include "common/module.h"
 #include "common/text.h"
-#include "tracecore/realtracer.h"
 #include "formats/trace/recordformat.h"
+#include "tracecore/realtracer.h"
+#include "tracecore/sinks.h"
 #include "tracecore/traceheader.h"
 #include "tracecore/tracer.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/scoped.h"
 #include "common/criticalsection.h"
+#include "common/scoped.h"
 #include "tracecore/sink.h"
 #include "tracecore/threadstacks.h"
 

@@ -1,9 +1,9 @@
 #include "tracecore/traceconfig.h"
 
+#include "common/lasterror.h"
 #include "common/module.h"
 #include "common/osversion.h"
 #include "common/scoped.h"
-#include "common/lasterror.h"
 #include "tracecore/realtracer.h"
 #include "tracecore/sinks.h"
 #include "tracecore/tracefilename.h"

@@ -1,9 +1,9 @@
 #include "tracecore/tracer.h"
 
 #include "common/initorder.h"
+#include "common/lasterror.h"
 #include "common/status.h"
 #include "common/text.h"
-#include "common/lasterror.h"
 #include "tracecore/realtracer.h"
 
 #include <cstdarg>

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <windows.h>
+
 #include <cstdarg>
 #include <exception>
 #include <string>
-
-#include <windows.h>
 
 // The process-wide diagnostic tracer as its callers see it. Entering a function writes nothing: its
 // record is written late, when something inside it is traced, with the time at which it was really

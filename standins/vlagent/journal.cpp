@@ -1,8 +1,8 @@
 #include "vlagent/journal.h"
 
-#include <cstdio>
-
 #include "common/text.h"
+
+#include <cstdio>
 
 namespace {
 

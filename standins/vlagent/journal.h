@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
+#include "common/scoped.h"
 
 #include <windows.h>
 
-#include "common/scoped.h"
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 // journalLine_t builds one JSON object; it begins with the time and the name of the event.
 class journalLine_t

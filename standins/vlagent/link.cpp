@@ -1,16 +1,16 @@
 #include "vlagent/link.h"
 
+#include "agent/discovery.h"
+#include "common/text.h"
+#include "neighbours/linknames.h"
+#include "security/objectsecurity.h"
+#include "vlagent/secretstore.h"
+
 #include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "agent/discovery.h"
-#include "neighbours/linknames.h"
-#include "security/objectsecurity.h"
-#include "common/text.h"
-#include "vlagent/secretstore.h"
 
 namespace {
 

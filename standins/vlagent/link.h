@@ -1,10 +1,10 @@
 #pragma once
 
-#include <windows.h>
-
 #include "agent/sharedblock.h"
 #include "common/scoped.h"
 #include "vlagent/journal.h"
+
+#include <windows.h>
 
 // agentLink_t is the agent's end of the link: it makes the four named objects that clients need,
 // and answers their requests.

@@ -1,17 +1,17 @@
-#include <cstdio>
-#include <optional>
-#include <string>
-#include <thread>
+#include "agent/discovery.h"
+#include "common/scoped.h"
+#include "common/text.h"
+#include "neighbours/linknames.h"
+#include "vlagent/journal.h"
+#include "vlagent/link.h"
 
 #include <windows.h>
 #include <shellapi.h>
 
-#include "agent/discovery.h"
-#include "neighbours/linknames.h"
-#include "common/scoped.h"
-#include "common/text.h"
-#include "vlagent/journal.h"
-#include "vlagent/link.h"
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <thread>
 
 namespace {
 

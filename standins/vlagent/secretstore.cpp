@@ -1,10 +1,10 @@
 #include "vlagent/secretstore.h"
 
-#include <array>
+#include "neighbours/secretclient.h"
 
 #include <bcrypt.h>
 
-#include "neighbours/secretclient.h"
+#include <array>
 
 LONG storeSecret(const std::wstring& name, std::string_view value)
 {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <string_view>
-
-#include <windows.h>
 
 // wipedText_t is a text that is overwritten when it goes. It is sized once and never grows.
 struct wipedText_t {

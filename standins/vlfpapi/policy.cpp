@@ -1,7 +1,6 @@
-#include "neighbours/vlfpapi.h"
-
 #include "common/scoped.h"
 #include "common/status.h"
+#include "neighbours/vlfpapi.h"
 
 namespace {
 

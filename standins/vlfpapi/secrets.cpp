@@ -1,14 +1,13 @@
+#include "common/scoped.h"
+#include "common/status.h"
 #include "neighbours/vlfpapi.h"
+
+#include <wincrypt.h>
 
 #include <cstring>
 #include <new>
 #include <string>
 #include <vector>
-
-#include <wincrypt.h>
-
-#include "common/scoped.h"
-#include "common/status.h"
 
 namespace {
 

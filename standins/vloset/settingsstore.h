@@ -1,9 +1,9 @@
 #pragma once
 
+#include <windows.h>
+
 #include <optional>
 #include <string>
-
-#include <windows.h>
 
 // Where the provider keeps what was set: text values below HKEY_CURRENT_USER, named by their keys.
 inline constexpr wchar_t settingsKey[] = LR"(SOFTWARE\Veltrano\Settings)";

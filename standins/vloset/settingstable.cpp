@@ -1,9 +1,9 @@
 #include "settingstable.h"
 
+#include "settingsstore.h"
+
 #include <algorithm>
 #include <iterator>
-
-#include "settingsstore.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 #include "vluserconsole/launch.h"
 
-#include <cstdio>
-#include <iterator>
+#include "common/scoped.h"
+#include "common/text.h"
 
 #include <windows.h>
 #include <shellapi.h>
 
-#include "common/scoped.h"
-#include "common/text.h"
+#include <cstdio>
+#include <iterator>
 
 namespace {
 

@@ -3,13 +3,13 @@
 //
 // Exit status: 0; 1 if the log couldn't be written; 2 for a command line that can't be followed
 
-#include <string>
-
-#include <windows.h>
-
 #include "common/text.h"
 #include "vluserconsole/consoleids.h"
 #include "vluserconsole/launch.h"
+
+#include <windows.h>
+
+#include <string>
 
 namespace {
 

@@ -1,17 +1,16 @@
+#include "agent/discovery.h"
 #include "agent/transfer.h"
+#include "neighbours/linknames.h"
+#include "security/objectsecurity.h"
+#include "support/agentstub.h"
+#include "support/freshprocess.h"
+#include "support/linkfixture.h"
+#include "support/tracerecorder.h"
 
 #include <cstring>
 #include <thread>
 
 #include <gtest/gtest.h>
-
-#include "agent/discovery.h"
-#include "neighbours/linknames.h"
-#include "security/objectsecurity.h"
-#include "support/linkfixture.h"
-#include "support/agentstub.h"
-#include "support/freshprocess.h"
-#include "support/tracerecorder.h"
 
 namespace {
 

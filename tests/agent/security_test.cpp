@@ -1,12 +1,12 @@
+#include "agent/sharedblock.h"
 #include "security/objectsecurity.h"
+#include "support/linkfixture.h"
+#include "support/tracerecorder.h"
 
 #include <aclapi.h>
 #include <sddl.h>
-#include <gtest/gtest.h>
 
-#include "support/linkfixture.h"
-#include "agent/sharedblock.h"
-#include "support/tracerecorder.h"
+#include <gtest/gtest.h>
 
 namespace {
 

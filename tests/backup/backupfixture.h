@@ -1,5 +1,20 @@
 #pragma once
 
+#include "atl/comutil.h"
+#include "backup/restore.h"
+#include "backup/storagedata.h"
+#include "common/scoped.h"
+#include "common/text.h"
+#include "neighbours/linknames.h"
+#include "plugin/vlktpages.h"
+#include "quicklinks/quicklinks.h"
+#include "support/agentstub.h"
+#include "support/backupbytes.h"
+#include "support/fakesettings.h"
+#include "support/files.h"
+#include "support/patchimport.h"
+#include "support/tracerecorder.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -9,21 +24,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "neighbours/linknames.h"
-#include "atl/comutil.h"
-#include "backup/restore.h"
-#include "backup/storagedata.h"
-#include "common/scoped.h"
-#include "common/text.h"
-#include "plugin/vlktpages.h"
-#include "quicklinks/quicklinks.h"
-#include "support/agentstub.h"
-#include "support/backupbytes.h"
-#include "support/fakesettings.h"
-#include "support/patchimport.h"
-#include "support/files.h"
-#include "support/tracerecorder.h"
 
 using fileMap = std::map<std::wstring, std::string>; // name and content
 using postings = std::vector<std::pair<WPARAM, LPARAM>>;

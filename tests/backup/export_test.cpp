@@ -1,6 +1,5 @@
-#include "backupfixture.h"
-
 #include "backup/currentuser.h"
+#include "backupfixture.h"
 #include "common/status.h"
 
 namespace {

@@ -1,6 +1,5 @@
-#include "backupfixture.h"
-
 #include "agent/discovery.h"
+#include "backupfixture.h"
 #include "support/linkfixture.h"
 #include "support/memorysearch.h"
 

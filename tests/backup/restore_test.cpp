@@ -1,5 +1,4 @@
 #include "backupfixture.h"
-
 #include "storage/paths.h"
 
 namespace {

@@ -1,18 +1,18 @@
 #include "backup/settingsdocument.h"
 
-#include <filesystem>
-#include <fstream>
-
-#include <windows.h>
-#include <wincrypt.h>
-
-#include <gtest/gtest.h>
-
 #include "common/text.h"
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/tracedecoder.h"
 #include "support/tracerecorder.h"
+
+#include <windows.h>
+#include <wincrypt.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
 
 namespace {
 

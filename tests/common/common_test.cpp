@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "atl/comutil.h"
 #include "common/scoped.h"
 #include "common/status.h"
+
+#include <gtest/gtest.h>
 
 TEST(Status, ErrorsBecomeStatusesAndStatusesStay)
 {

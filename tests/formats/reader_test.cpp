@@ -1,11 +1,10 @@
-#include "support/tracebytes.h"
-
 #include "formats/trace/tracereader.h"
-
-#include <gtest/gtest.h>
+#include "support/tracebytes.h"
 
 #include <algorithm>
 #include <random>
+
+#include <gtest/gtest.h>
 
 using namespace tracecore;
 

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "formats/text/textlines.h"
+
+#include <gtest/gtest.h>
 
 TEST(TextLines, EveryLineEndCountsAndBlankLinesDoNot)
 {

@@ -2,6 +2,7 @@
 // makes of the IDL say the same identifiers and ids.
 
 #include "vlonlineids.h"
+
 #include <ocidl.h>
 
 namespace VLONLINEIDSLib {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <unknwn.h>
+
 #include <memory>
 #include <string>
-
-#include <unknwn.h>
 
 struct releaser {
     void operator()(IUnknown* object) const { object->Release(); }

@@ -1,13 +1,13 @@
+#include "atl/exception.h"
+#include "common/status.h"
+#include "counted.h"
+#include "plugin/errorframe.h"
+#include "plugin/vlktpages.h"
+#include "support/tracerecorder.h"
+
 #include <stdexcept>
 
 #include <gtest/gtest.h>
-
-#include "atl/exception.h"
-#include "common/status.h"
-#include "plugin/errorframe.h"
-#include "plugin/vlktpages.h"
-#include "counted.h"
-#include "support/tracerecorder.h"
 
 using namespace VLONLINEIDSLib;
 

@@ -1,19 +1,19 @@
-#include <string>
-#include <vector>
-
-#include <windows.h>
-#include <olectl.h>
-
-#include <gtest/gtest.h>
-
+#include "counted.h"
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
-#include "counted.h"
 #include "support/files.h"
 #include "support/patchimport.h"
 #include "support/registry.h"
 #include "support/tracerecorder.h"
 #include "vlonlineids.h"
+
+#include <windows.h>
+#include <olectl.h>
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 using VLONLINEIDSLib::CLSID_CVLKTPages;
 

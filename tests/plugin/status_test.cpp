@@ -1,3 +1,10 @@
+#include "counted.h"
+#include "plugin/notification.h"
+#include "plugin/vlktpages.h"
+#include "support/patchimport.h"
+#include "support/tracerecorder.h"
+#include "tracecore/tracer.h"
+
 #include <array>
 #include <memory>
 #include <string>
@@ -5,13 +12,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "plugin/notification.h"
-#include "plugin/vlktpages.h"
-#include "counted.h"
-#include "support/patchimport.h"
-#include "support/tracerecorder.h"
-#include "tracecore/tracer.h"
 
 using namespace VLONLINEIDSLib;
 

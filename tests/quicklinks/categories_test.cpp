@@ -1,13 +1,13 @@
 #include "quicklinks/categories.h"
 
-#include <string>
+#include "common/scoped.h"
 
 #include <windows.h>
 #include <wincrypt.h>
 
-#include <gtest/gtest.h>
+#include <string>
 
-#include "common/scoped.h"
+#include <gtest/gtest.h>
 
 namespace {
 

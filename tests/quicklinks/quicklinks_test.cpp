@@ -1,5 +1,12 @@
 #include "quicklinks/quicklinks.h"
 
+#include "common/text.h"
+#include "storage/paths.h"
+#include "support/fakesettings.h"
+#include "support/files.h"
+#include "support/patchimport.h"
+#include "support/tracerecorder.h"
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -10,13 +17,6 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
-
-#include "common/text.h"
-#include "storage/paths.h"
-#include "support/fakesettings.h"
-#include "support/files.h"
-#include "support/patchimport.h"
-#include "support/tracerecorder.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
 #include "resources/branding.h"
+
+#include "installation.h"
 #include "resources/resourceids.h"
 #include "resources/resourcemodule.h"
 #include "resources/strings.h"
-#include "installation.h"
 #include "support/freshprocess.h"
 #include "support/registry.h"
 #include "support/tracerecorder.h"

@@ -1,19 +1,19 @@
 #pragma once
 
+#include "common/module.h"
+#include "common/scoped.h"
+#include "support/files.h"
+#include "support/patchimport.h"
+
+#include <windows.h>
+
 #include <filesystem>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <windows.h>
-
 #include <gtest/gtest.h>
-
-#include "common/module.h"
-#include "common/scoped.h"
-#include "support/files.h"
-#include "support/patchimport.h"
 
 namespace fs = std::filesystem;
 

@@ -1,8 +1,8 @@
+#include "installation.h"
 #include "resources/languagelibrary.h"
 #include "resources/muimodule.h"
 #include "resources/resourceids.h"
 #include "resources/strings.h"
-#include "installation.h"
 
 #include <map>
 

@@ -1,7 +1,7 @@
+#include "installation.h"
 #include "resources/languagenames.h"
 #include "resources/resourceids.h"
 #include "resources/strings.h"
-#include "installation.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,7 @@
 #include "resources/strings.h"
-#include "resources/resourceids.h"
+
 #include "installation.h"
+#include "resources/resourceids.h"
 #include "support/importhooks.h"
 
 namespace {

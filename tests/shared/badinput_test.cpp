@@ -1,3 +1,10 @@
+#include "formats/text/printable.h"
+#include "support/backupbytes.h"
+#include "support/toolrun.h"
+#include "support/tracebytes.h"
+#include "vlbackup/commands.h"
+#include "vltrace/commands.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -5,13 +12,6 @@
 #include <random>
 
 #include <gtest/gtest.h>
-
-#include "formats/text/printable.h"
-#include "support/backupbytes.h"
-#include "support/toolrun.h"
-#include "vlbackup/commands.h"
-#include "vltrace/commands.h"
-#include "support/tracebytes.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
-#include "shared/jsontext.h"
 #include "formats/text/printable.h"
+#include "shared/jsontext.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "agent/discovery.h"
 #include "agent/transfer.h"
-#include "support/linkfixture.h"
 #include "support/files.h"
+#include "support/linkfixture.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

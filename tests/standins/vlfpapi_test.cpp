@@ -1,9 +1,9 @@
+#include "neighbours/vlfpapi.h"
+
 #include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
-
-#include "neighbours/vlfpapi.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
-#include "support/surroundings.h"
-
 #include "storage/settings.h"
+#include "support/surroundings.h"
 
 using VloSet = Surroundings;
 

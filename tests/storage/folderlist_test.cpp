@@ -1,9 +1,9 @@
+#include "storage/folderlist.h"
+
+#include "support/fakesettings.h"
 #include "support/surroundings.h"
 
 #include <comdef.h>
-
-#include "storage/folderlist.h"
-#include "support/fakesettings.h"
 
 struct FolderList : Surroundings {
     // prepared gives the folders, marking those whose flags aren't all set, and what was traced.

@@ -1,10 +1,10 @@
+#include "storage/settings.h"
+
+#include "neighbours/settingsprovider.h"
+#include "support/fakesettings.h"
 #include "support/surroundings.h"
 
 #include <comdef.h>
-
-#include "storage/settings.h"
-#include "neighbours/settingsprovider.h"
-#include "support/fakesettings.h"
 
 using Settings = Surroundings;
 

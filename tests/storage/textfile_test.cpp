@@ -1,6 +1,6 @@
-#include "support/surroundings.h"
-
 #include "storage/textfile.h"
+
+#include "support/surroundings.h"
 
 using TextFile = Surroundings;
 

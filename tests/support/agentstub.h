@@ -1,9 +1,9 @@
 #pragma once
 
-#include <windows.h>
-
-#include "neighbours/linknames.h"
 #include "common/scoped.h"
+#include "neighbours/linknames.h"
+
+#include <windows.h>
 
 // agentStub_t is an agent in this process: its window, and its objects by their literal names. answer
 // gives the answer beforehand.

@@ -1,8 +1,8 @@
 #include "backupbytes.h"
 
-#include <algorithm>
-
 #include "formats/der/derheader.h"
+
+#include <algorithm>
 
 bytes tlv(uint8_t tag, const bytes& content)
 {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <windows.h>
+
 #include <map>
 #include <string>
 #include <vector>
-
-#include <windows.h>
 
 // fakeSettings_t stands in for the settings provider's library, in this process, for the life of
 // the object. One at a time.

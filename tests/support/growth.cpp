@@ -1,11 +1,11 @@
 #include "growth.h"
 
+#include <windows.h>
+#include <winternl.h>
+
 #include <algorithm>
 #include <tuple>
 #include <vector>
-
-#include <windows.h>
-#include <winternl.h>
 
 namespace {
 

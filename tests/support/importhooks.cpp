@@ -1,11 +1,11 @@
 #include "importhooks.h"
 
+#include "common/text.h"
+
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <sstream>
-
-#include "common/text.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "support/patchimport.h"
+
+#include <windows.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <windows.h>
-
-#include "support/patchimport.h"
 
 // hookedCall_t is a call that a module is about to make.
 struct hookedCall_t {

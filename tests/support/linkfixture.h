@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include <windows.h>
-
 #include "common/scoped.h"
 #include "common/status.h"
 #include "support/patchimport.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
 
 constexpr DWORD limit = 20000; // ms
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include <windows.h>
 
 // unusualOctets gives octets, none of them zero, that stand nowhere else.
 inline std::string unusualOctets(size_t size)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <windows.h>
+
+#include <string>
 
 // setValue writes a value into the registry, of the text with its end or of its first bytes. It
 // makes the key too.

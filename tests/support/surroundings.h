@@ -1,9 +1,5 @@
 #pragma once
 
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "common/module.h"
 #include "common/scoped.h"
 #include "storage/paths.h"
@@ -12,6 +8,10 @@
 #include "support/patchimport.h"
 #include "support/registry.h"
 #include "support/tracerecorder.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
 
 constexpr wchar_t applications[] = LR"(SOFTWARE\Veltrano\Applications)";
 

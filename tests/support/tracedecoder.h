@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/files.h"
+
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -7,8 +9,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "support/files.h"
 
 // A reader of trace files of its own, written from the format: it shares no code with what it
 // tests. It throws when a file doesn't parse to its end.

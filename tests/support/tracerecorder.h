@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tracecore/sink.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "tracecore/sink.h"
 
 struct recordingSink_t;
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/tracedecoder.h"
+
 #include <map>
 #include <sstream>
-
-#include "support/tracedecoder.h"
 
 // A trace as a tree of lines: a call is "> name", and what happened in it follows, indented by one.
 // Line ends within a text show as {lf} and {crlf}, a blank at its end as {sp}. Date and time stamps

@@ -1,9 +1,9 @@
+#include "operations.h"
+#include "support/importhooks.h"
+
 #include <map>
 #include <set>
 #include <sstream>
-
-#include "operations.h"
-#include "support/importhooks.h"
 
 // What the plug-in asks the platform for, and in which order: access masks, sharing, dispositions,
 // key options, inheritance, sizes. Each distinct call stands once, where it came first.

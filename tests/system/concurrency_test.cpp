@@ -1,7 +1,7 @@
-#include <thread>
-
 #include "installation.h"
 #include "support/meeting.h"
+
+#include <thread>
 
 namespace {
 

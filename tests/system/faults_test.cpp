@@ -1,14 +1,14 @@
+#include "operations.h"
+#include "support/growth.h"
+#include "support/importhooks.h"
+#include "support/memorysearch.h"
+
 #include <process.h>
 
 #include <cstdio>
 #include <fstream>
 #include <functional>
 #include <set>
-
-#include "operations.h"
-#include "support/growth.h"
-#include "support/importhooks.h"
-#include "support/memorysearch.h"
 
 // Each call of the platform and each allocation that an operation makes fails once, one after the
 // other, in a process of its own, so that a crash or a hang doesn't end the test. After each one the

@@ -1,13 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <functional>
-#include <map>
-#include <string>
-
-#include <gtest/gtest.h>
-#include <process.h>
-
 #include "atl/comutil.h"
 #include "common/module.h"
 #include "common/scoped.h"
@@ -17,6 +9,15 @@
 #include "support/registry.h"
 #include "support/tracetree.h"
 #include "vlonlineids.h"
+
+#include <process.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 using namespace VLONLINEIDSLib;

@@ -1,12 +1,12 @@
-#include <atomic>
-#include <functional>
-#include <thread>
-#include <vector>
-
 #include "installation.h"
 #include "support/growth.h"
 #include "support/meeting.h"
 #include "support/patchimport.h"
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include <functional>
-
 #include "installation.h"
+
+#include <functional>
 
 namespace {
 

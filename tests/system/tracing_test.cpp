@@ -1,7 +1,7 @@
-#include <functional>
-
 #include "installation.h"
 #include "support/patchimport.h"
+
+#include <functional>
 
 namespace {
 

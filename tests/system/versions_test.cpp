@@ -1,8 +1,8 @@
-#include <process.h>
-#include <windows.h>
-#include <psapi.h>
-
 #include "installation.h"
+
+#include <windows.h>
+#include <process.h>
+#include <psapi.h>
 
 namespace {
 

@@ -1,6 +1,5 @@
-#include "tracefixture.h"
-
 #include "support/importhooks.h"
+#include "tracefixture.h"
 
 using namespace tracecore;
 

@@ -1,9 +1,8 @@
-#include "tracefixture.h"
-
 #include "common/module.h"
 #include "common/text.h"
 #include "support/importhooks.h"
 #include "tracecore/tracefilename.h"
+#include "tracefixture.h"
 
 #include <algorithm>
 #include <ctime>

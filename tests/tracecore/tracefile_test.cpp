@@ -1,10 +1,9 @@
-#include "tracefixture.h"
-
 #include "common/module.h"
 #include "common/text.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
 #include "tracecore/tracefilename.h"
+#include "tracefixture.h"
 
 #include <map>
 #include <set>

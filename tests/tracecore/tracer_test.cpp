@@ -3,10 +3,11 @@
 #include "support/tracerecorder.h"
 #include "tracecore/realtracer.h"
 
+#include <sddl.h>
+
 #include <stdexcept>
 
 #include <gtest/gtest.h>
-#include <sddl.h>
 
 using namespace tracecore;
 

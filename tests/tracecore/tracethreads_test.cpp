@@ -1,7 +1,6 @@
-#include "tracefixture.h"
-
 #include "support/meeting.h"
 #include "support/tracetree.h"
+#include "tracefixture.h"
 
 #include <thread>
 

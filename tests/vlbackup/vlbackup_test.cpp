@@ -1,7 +1,7 @@
-#include "vlbackup/commands.h"
 #include "formats/backup/backupview.h"
 #include "support/backupbytes.h"
 #include "support/toolrun.h"
+#include "vlbackup/commands.h"
 
 #include <algorithm>
 #include <filesystem>

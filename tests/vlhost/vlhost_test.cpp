@@ -1,17 +1,18 @@
-#include <filesystem>
-#include <functional>
-#include <map>
-#include <set>
-
-#include <windows.h>
-#include <gtest/gtest.h>
-#include <json/reader.h>
-
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "support/files.h"
 #include "support/registry.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <set>
+
+#include <gtest/gtest.h>
+#include <json/reader.h>
 
 namespace fs = std::filesystem;
 

@@ -1,17 +1,17 @@
 #include "vlsetup/setup.h"
+
+#include "common/module.h"
+#include "common/text.h"
+#include "shared/commandline.h"
+#include "support/files.h"
+#include "support/importhooks.h"
+#include "support/registry.h"
 #include "vlsetup/places.h"
 
 #include <filesystem>
 #include <functional>
 
 #include <gtest/gtest.h>
-
-#include "shared/commandline.h"
-#include "common/module.h"
-#include "common/text.h"
-#include "support/files.h"
-#include "support/importhooks.h"
-#include "support/registry.h"
 
 namespace fs = std::filesystem;
 

@@ -1,16 +1,15 @@
+#include "support/toolrun.h"
 #include "support/tracebytes.h"
-
 #include "vltrace/commands.h"
 #include "vltrace/exports.h"
-#include "support/toolrun.h"
-
-#include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <filesystem>
 #include <map>
 #include <random>
 #include <sstream>
+
+#include <gtest/gtest.h>
+#include <json/json.h>
 
 using namespace tracecore;
 using namespace vltrace;

@@ -1,9 +1,9 @@
 #include "shared/backupinput.h"
 
-#include <json/reader.h>
-
 #include "shared/inputfile.h"
 #include "shared/toolerror.h"
+
+#include <json/reader.h>
 
 namespace {
 

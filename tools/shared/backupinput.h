@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/backup/backupview.h"
+
 #include <cstdint>
 #include <istream>
 #include <optional>
@@ -8,8 +10,6 @@
 #include <vector>
 
 #include <json/value.h>
-
-#include "formats/backup/backupview.h"
 
 // Backups as the tools read them: with all findings, those that take a JSON parser included.
 

@@ -1,11 +1,11 @@
 #include "shared/commandline.h"
 
-#include <algorithm>
-#include <iostream>
-
 #include "formats/text/printable.h"
 #include "shared/toolmain.h"
 #include "shared/usage.h"
+
+#include <algorithm>
+#include <iostream>
 
 int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
             const std::function<int()>& work)

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "shared/toolerror.h"
+
 #include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
-
-#include "shared/toolerror.h"
 
 // runTool is the frame of every tool: it parses the arguments, runs the chosen command's callback
 // and then work, and reports whatever failure they raise in one printable line on err.

@@ -3,10 +3,10 @@
 #include "formats/text/printable.h"
 
 #ifdef _WIN32
-#include <windows.h>
-
 #include "common/scoped.h"
 #include "common/text.h"
+
+#include <windows.h>
 #else
 #include <fcntl.h>
 #include <unistd.h>

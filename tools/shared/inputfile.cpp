@@ -1,16 +1,16 @@
 #include "shared/inputfile.h"
 
+#include "formats/der/derreader.h"
+#include "formats/text/printable.h"
+#include "formats/text/unicode.h"
+#include "shared/filesystem.h"
+#include "shared/toolerror.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <string_view>
-
-#include "formats/der/derreader.h"
-#include "formats/text/unicode.h"
-#include "shared/filesystem.h"
-#include "formats/text/printable.h"
-#include "shared/toolerror.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "shared/jsontext.h"
 
+#include "formats/text/printable.h"
+#include "formats/text/unicode.h"
+
 #include <array>
 #include <cstdio>
 #include <memory>
 #include <sstream>
 
 #include <json/writer.h>
-
-#include "formats/text/unicode.h"
-#include "formats/text/printable.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "shared/outputfile.h"
 
-#include <utility>
-
 #include "shared/filesystem.h"
 #include "shared/toolerror.h"
+
+#include <utility>
 
 void refuseExisting(const std::string& name, bool replace)
 {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "shared/exitstatus.h"
+
 #include <stdexcept>
 #include <string>
-
-#include "shared/exitstatus.h"
 
 // CToolError ends a tool with one line on standard error: what is wrong, and a hint on what to do
 // about it.

@@ -3,14 +3,13 @@
 #include <iostream>
 
 #ifdef _WIN32
-#include <windows.h>
+#include "common/scoped.h"
+#include "common/text.h"
 
+#include <windows.h>
 #include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
-
-#include "common/scoped.h"
-#include "common/text.h"
 #endif
 
 CToolStreams::CToolStreams()

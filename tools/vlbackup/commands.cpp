@@ -1,15 +1,15 @@
 #include "commands.h"
 
-#include <algorithm>
-#include <functional>
-
+#include "difference.h"
+#include "formats/text/printable.h"
+#include "report.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
 #include "shared/inputfile.h"
 #include "shared/jsontext.h"
-#include "formats/text/printable.h"
-#include "difference.h"
-#include "report.h"
+
+#include <algorithm>
+#include <functional>
 
 namespace {
 

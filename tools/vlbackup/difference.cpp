@@ -1,13 +1,13 @@
 #include "difference.h"
 
+#include "shared/backupinput.h"
+#include "shared/jsontext.h"
+
 #include <algorithm>
 #include <array>
 #include <map>
 #include <string_view>
 #include <utility>
-
-#include "shared/backupinput.h"
-#include "shared/jsontext.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "formats/backup/backupview.h"
+
 #include <string>
 #include <vector>
-
-#include "formats/backup/backupview.h"
 
 // BackupDifference is one thing that two backups don't share.
 struct BackupDifference {

@@ -1,10 +1,10 @@
 #include "report.h"
 
+#include "formats/text/printable.h"
+#include "shared/backupinput.h"
+
 #include <algorithm>
 #include <iomanip>
-
-#include "shared/backupinput.h"
-#include "formats/text/printable.h"
 
 namespace {
 

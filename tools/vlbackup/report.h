@@ -1,10 +1,10 @@
 #pragma once
 
+#include "formats/backup/backupview.h"
+
 #include <ostream>
 
 #include <json/json.h>
-
-#include "formats/backup/backupview.h"
 
 // What the commands report of a backup, as text for a reader and as JSON for a program.
 void listText(const CBackupView& backup, std::ostream& out);

@@ -1,17 +1,17 @@
 #include "backupcheck.h"
 
-#include <map>
-#include <unordered_map>
-
-#include "shared/commandline.h"
 #include "common/text.h"
 #include "files.h"
 #include "print.h"
 #include "quicklinks/quicklinks.h"
+#include "shared/commandline.h"
 #include "storage/folderlist.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 #include "storage/textfile.h"
+
+#include <map>
+#include <unordered_map>
 
 namespace {
 

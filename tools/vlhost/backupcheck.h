@@ -1,9 +1,9 @@
 #pragma once
 
-#include <vector>
-
 #include "formats/backup/backupview.h"
 #include "restoreplan.h"
+
+#include <vector>
 
 // The plug-in silently stores as empty what it can't read, and leaves out what it doesn't
 // understand. So a backup is compared with what is there.

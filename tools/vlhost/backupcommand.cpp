@@ -1,14 +1,13 @@
-#include "commands.h"
-
-#include <iostream>
-
 #include "backupcheck.h"
+#include "commands.h"
+#include "formats/text/printable.h"
+#include "print.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
 #include "shared/outputfile.h"
-#include "formats/text/printable.h"
-#include "print.h"
 #include "takebackup.h"
+
+#include <iostream>
 
 namespace {
 

@@ -1,13 +1,12 @@
 #include "commands.h"
-
-#include <iostream>
-
-#include "shared/commandline.h"
-#include "shared/inputfile.h"
 #include "pluginhost.h"
 #include "print.h"
 #include "secretstore.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
 #include "variants.h"
+
+#include <iostream>
 
 using namespace VLONLINEIDSLib;
 

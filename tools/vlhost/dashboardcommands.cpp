@@ -1,14 +1,13 @@
 #include "commands.h"
+#include "common/text.h"
+#include "pluginhost.h"
+#include "print.h"
+#include "shared/commandline.h"
+#include "variants.h"
 
 #include <array>
 #include <functional>
 #include <iostream>
-
-#include "shared/commandline.h"
-#include "common/text.h"
-#include "pluginhost.h"
-#include "print.h"
-#include "variants.h"
 
 using namespace VLONLINEIDSLib;
 

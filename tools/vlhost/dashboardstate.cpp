@@ -1,8 +1,8 @@
 #include "dashboardstate.h"
 
-#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "print.h"
+#include "shared/commandline.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "registryvalue.h"
+
 #include <optional>
 #include <vector>
-
-#include "registryvalue.h"
 
 // What a dashboard keeps about quick link categories in the registry, and a restore replaces.
 

@@ -1,13 +1,13 @@
 #include "files.h"
 
-#include <algorithm>
-#include <filesystem>
-
-#include "shared/commandline.h"
-#include "shared/filesystem.h"
 #include "common/text.h"
 #include "print.h"
+#include "shared/commandline.h"
+#include "shared/filesystem.h"
 #include "storage/paths.h"
+
+#include <algorithm>
+#include <filesystem>
 
 namespace {
 

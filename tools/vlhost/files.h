@@ -1,15 +1,15 @@
 #pragma once
 
+#include "common/scoped.h"
+
+#include <windows.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
-
-#include <windows.h>
-
-#include "common/scoped.h"
 
 using bytes_t = std::vector<BYTE>;
 

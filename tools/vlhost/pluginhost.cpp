@@ -1,8 +1,8 @@
 #include "pluginhost.h"
 
-#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
+#include "shared/commandline.h"
 
 using namespace VLONLINEIDSLib;
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
+#include "common/scoped.h"
+#include "vlonlineids.h"
 
 #include <windows.h>
 
-#include "common/scoped.h"
-#include "vlonlineids.h"
+#include <string>
 
 // CInterface holds one reference to an interface.
 template <class Interface> struct interfaceReference {

@@ -1,17 +1,17 @@
 #include "print.h"
 
+#include "common/scoped.h"
+#include "common/text.h"
+#include "formats/text/printable.h"
+#include "shared/jsontext.h"
+#include "shared/statusnames.h"
+#include "variants.h"
+#include "vlonlineids.h"
+
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
-
-#include "shared/jsontext.h"
-#include "formats/text/printable.h"
-#include "common/scoped.h"
-#include "common/text.h"
-#include "shared/statusnames.h"
-#include "variants.h"
-#include "vlonlineids.h"
 
 using namespace VLONLINEIDSLib;
 

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <chrono>
-#include <string>
+#include "files.h"
 
 #include <windows.h>
 #include <oaidl.h>
-#include <json/value.h>
 
-#include "files.h"
+#include <chrono>
+#include <string>
+
+#include <json/value.h>
 
 // errorText is the system's own text for an error of a platform call, without its line end; a
 // number if there is none. UTF-8.

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
+#include "files.h"
 
 #include <windows.h>
 
-#include "files.h"
+#include <string>
 
 // registryValue_t is one value as it stands in the registry.
 struct registryValue_t {

@@ -1,4 +1,17 @@
+#include "agent/discovery.h"
 #include "commands.h"
+#include "common/text.h"
+#include "formats/text/printable.h"
+#include "print.h"
+#include "restoreplan.h"
+#include "safetycopy.h"
+#include "secretstore.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "takebackup.h"
+#include "undo.h"
+#include "variants.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -7,20 +20,6 @@
 #include <set>
 #include <sstream>
 #include <tuple>
-
-#include "agent/discovery.h"
-#include "shared/backupinput.h"
-#include "shared/commandline.h"
-#include "shared/inputfile.h"
-#include "formats/text/printable.h"
-#include "common/text.h"
-#include "print.h"
-#include "restoreplan.h"
-#include "safetycopy.h"
-#include "secretstore.h"
-#include "takebackup.h"
-#include "undo.h"
-#include "variants.h"
 
 using namespace VLONLINEIDSLib;
 

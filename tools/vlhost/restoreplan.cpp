@@ -1,18 +1,18 @@
 #include "restoreplan.h"
 
-#include <algorithm>
-#include <map>
-#include <unordered_map>
-
-#include "shared/backupinput.h"
-#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "files.h"
 #include "print.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
 #include "storage/folderlist.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
+
+#include <algorithm>
+#include <map>
+#include <unordered_map>
 
 namespace {
 

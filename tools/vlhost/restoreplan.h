@@ -1,12 +1,12 @@
 #pragma once
 
+#include "dashboardstate.h"
+#include "formats/backup/backupview.h"
+
 #include <string>
 #include <vector>
 
 #include <json/value.h>
-
-#include "formats/backup/backupview.h"
-#include "dashboardstate.h"
 
 // The settings that a restore applies, in its order.
 inline constexpr const wchar_t* restoredSettings[] = {L"show_training_prompt",

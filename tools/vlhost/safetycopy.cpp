@@ -1,5 +1,15 @@
 #include "safetycopy.h"
 
+#include "common/text.h"
+#include "print.h"
+#include "restoreplan.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "shared/jsontext.h"
+#include "shared/outputfile.h"
+#include "storage/paths.h"
+#include "storage/settings.h"
+
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
@@ -8,16 +18,6 @@
 #include <unordered_set>
 
 #include <json/reader.h>
-
-#include "shared/commandline.h"
-#include "shared/jsontext.h"
-#include "shared/inputfile.h"
-#include "shared/outputfile.h"
-#include "common/text.h"
-#include "print.h"
-#include "restoreplan.h"
-#include "storage/paths.h"
-#include "storage/settings.h"
 
 namespace fs = std::filesystem;
 

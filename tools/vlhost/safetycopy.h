@@ -1,12 +1,12 @@
 #pragma once
 
+#include "dashboardstate.h"
+#include "files.h"
+
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
-
-#include "dashboardstate.h"
-#include "files.h"
 
 // Safety copies are numbered folders below the user's local data. Each holds all that one restore,
 // or one undoing of a restore, was about to delete or replace: the files as they were, the

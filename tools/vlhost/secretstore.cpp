@@ -1,14 +1,14 @@
 #include "secretstore.h"
 
+#include "common/text.h"
+#include "formats/der/dernode.h"
+#include "print.h"
+#include "shared/commandline.h"
+
 #include <fcntl.h>
 #include <io.h>
 
 #include <algorithm>
-
-#include "formats/der/dernode.h"
-#include "shared/commandline.h"
-#include "common/text.h"
-#include "print.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "neighbours/secretclient.h"
+
+#include <string>
 
 // CSecretStore is the secret store of the policy library for the calling user.
 //

@@ -1,9 +1,8 @@
 #include "commands.h"
-
-#include "shared/commandline.h"
 #include "common/text.h"
 #include "print.h"
 #include "secretstore.h"
+#include "shared/commandline.h"
 #include "storage/settings.h"
 
 namespace {

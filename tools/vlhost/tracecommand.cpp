@@ -1,15 +1,14 @@
 #include "commands.h"
-
-#include <functional>
-#include <optional>
-
-#include "shared/commandline.h"
 #include "common/text.h"
 #include "files.h"
 #include "pluginhost.h"
 #include "print.h"
-#include "tracewatch.h"
+#include "shared/commandline.h"
 #include "traceswitch.h"
+#include "tracewatch.h"
+
+#include <functional>
+#include <optional>
 
 namespace {
 

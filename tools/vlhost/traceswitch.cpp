@@ -1,13 +1,13 @@
 #include "traceswitch.h"
 
+#include "common/scoped.h"
+#include "print.h"
+#include "shared/commandline.h"
+#include "storage/paths.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
-
-#include "shared/commandline.h"
-#include "common/scoped.h"
-#include "print.h"
-#include "storage/paths.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "registryvalue.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "registryvalue.h"
 
 // The switch of tracing in the registry, as the plug-in reads it: SOFTWARE\Veltrano\Tracing of
 // HKEY_LOCAL_MACHINE. The values and what they mean are in docs/tracing.md.

@@ -1,13 +1,13 @@
 #include "tracewatch.h"
 
-#include <algorithm>
-
-#include <tlhelp32.h>
-
-#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "print.h"
+#include "shared/commandline.h"
+
+#include <tlhelp32.h>
+
+#include <algorithm>
 
 namespace {
 

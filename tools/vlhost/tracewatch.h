@@ -1,11 +1,11 @@
 #pragma once
 
+#include <windows.h>
+
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include <windows.h>
 
 // Trace files and the processes that write them.
 

@@ -1,14 +1,14 @@
 #include "undo.h"
 
+#include "common/text.h"
+#include "print.h"
+#include "shared/commandline.h"
+#include "storage/paths.h"
+#include "storage/settings.h"
+
 #include <algorithm>
 #include <functional>
 #include <unordered_map>
-
-#include "shared/commandline.h"
-#include "common/text.h"
-#include "print.h"
-#include "storage/paths.h"
-#include "storage/settings.h"
 
 namespace {
 

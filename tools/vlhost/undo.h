@@ -1,9 +1,9 @@
 #pragma once
 
-#include <optional>
-
 #include "restoreplan.h"
 #include "safetycopy.h"
+
+#include <optional>
 
 // undoPlan_t is what the undoing of a restore does.
 struct undoPlan_t {

@@ -1,9 +1,9 @@
 #include "variants.h"
 
+#include "common/text.h"
+
 #include <algorithm>
 #include <new>
-
-#include "common/text.h"
 
 void setBytes(CVariant& value, const bytes_t& bytes)
 {

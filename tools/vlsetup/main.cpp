@@ -1,12 +1,12 @@
-#include <iostream>
-#include <map>
-
-#include <windows.h>
-
-#include "shared/commandline.h"
 #include "common/module.h"
 #include "common/text.h"
 #include "setup.h"
+#include "shared/commandline.h"
+
+#include <windows.h>
+
+#include <iostream>
+#include <map>
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "places.h"
 
-#include "shared/commandline.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "shared/commandline.h"
 
 #include <bcrypt.h>
 

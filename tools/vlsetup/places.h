@@ -1,10 +1,10 @@
 #pragma once
 
+#include <windows.h>
+
 #include <map>
 #include <string>
 #include <vector>
-
-#include <windows.h>
 
 // Files and registry values as an installation sees them: a place has a content, written down as a
 // short text, or nothing. Keys are below HKEY_LOCAL_MACHINE. Every failure is a CToolError that says

@@ -1,19 +1,19 @@
 #include "record.h"
 
+#include "common/text.h"
+#include "places.h"
+#include "shared/commandline.h"
+
+#include <windows.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 
-#include <windows.h>
-
 #include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
-
-#include "shared/commandline.h"
-#include "common/text.h"
-#include "places.h"
 
 namespace {
 

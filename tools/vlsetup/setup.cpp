@@ -1,17 +1,17 @@
 #include "setup.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-
-#include <windows.h>
-
-#include "shared/commandline.h"
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"
 #include "places.h"
 #include "record.h"
+#include "shared/commandline.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 namespace {
 

@@ -1,19 +1,19 @@
 #include "commands.h"
 
+#include "exports.h"
+#include "filter.h"
+#include "formats/text/printable.h"
+#include "lines.h"
+#include "shared/commandline.h"
+#include "shared/inputfile.h"
+#include "shared/outputfile.h"
+#include "stats.h"
+#include "tracefile.h"
+
 #include <algorithm>
 #include <deque>
 #include <istream>
 #include <ostream>
-
-#include "shared/commandline.h"
-#include "shared/inputfile.h"
-#include "shared/outputfile.h"
-#include "formats/text/printable.h"
-#include "exports.h"
-#include "filter.h"
-#include "lines.h"
-#include "stats.h"
-#include "tracefile.h"
 
 namespace vltrace {
 

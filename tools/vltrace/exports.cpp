@@ -1,12 +1,12 @@
 #include "exports.h"
 
+#include "shared/jsontext.h"
+#include "shared/statusnames.h"
+
 #include <algorithm>
 #include <charconv>
 #include <ostream>
 #include <utility>
-
-#include "shared/jsontext.h"
-#include "shared/statusnames.h"
 
 using namespace tracecore;
 

@@ -1,11 +1,11 @@
 #include "stats.h"
 
+#include "formats/text/printable.h"
+
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
 #include <utility>
-
-#include "formats/text/printable.h"
 
 using namespace tracecore;
 

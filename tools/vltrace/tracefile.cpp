@@ -1,14 +1,14 @@
 #include "tracefile.h"
 
+#include "shared/filesystem.h"
+#include "shared/inputfile.h"
+#include "shared/toolerror.h"
+
 #include <algorithm>
 #include <fstream>
 #include <istream>
 #include <system_error>
 #include <utility>
-
-#include "shared/filesystem.h"
-#include "shared/inputfile.h"
-#include "shared/toolerror.h"
 
 using namespace tracecore;
 

@@ -1,11 +1,11 @@
 #include "formats/backup/backupjudge.h"
 
+#include "formats/backup/storednames.h"
+#include "formats/text/unicode.h"
+
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
-
-#include "formats/backup/storednames.h"
-#include "formats/text/unicode.h"
 
 namespace {
 

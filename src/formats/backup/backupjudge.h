@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "formats/backup/backupview.h"
+
+#include <vector>
 
 // judgeContents adds what the names, targets and contents of a decoded backup say, whatever form
 // they are stored in.

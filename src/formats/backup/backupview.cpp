@@ -1,9 +1,9 @@
 #include "formats/backup/backupview.h"
 
 #include "formats/backup/backupjudge.h"
+#include "formats/backup/storednames.h"
 #include "formats/der/derheader.h"
 #include "formats/der/derreader.h"
-#include "formats/backup/storednames.h"
 #include "formats/text/unicode.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "formats/der/derview.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
-
-#include "formats/der/derview.h"
 
 // A whole backup as a restore would read it, with a finding for everything that an export would not
 // write. Portable, for tools. Texts are UTF-8; contents are views into the backup's bytes.

@@ -1,10 +1,10 @@
 #include "formats/backup/storednames.h"
 
+#include "formats/text/unicode.h"
+
 #include <algorithm>
 #include <array>
 #include <vector>
-
-#include "formats/text/unicode.h"
 
 namespace {
 

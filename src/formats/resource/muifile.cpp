@@ -1,10 +1,10 @@
 #include "formats/resource/muifile.h"
 
+#include "formats/resource/stringblock.h"
+
 #include <algorithm>
 #include <cstring>
 #include <optional>
-
-#include "formats/resource/stringblock.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "formats/text/printable.h"
 
+#include "formats/text/unicode.h"
+
 #include <array>
 #include <cstdint>
 #include <cstdio>
-
-#include "formats/text/unicode.h"
 
 namespace {
 

@@ -1,5 +1,4 @@
 #include "formats/trace/recordformat.h"
-
 #include "formats/trace/textcipher.h"
 
 #include <algorithm>

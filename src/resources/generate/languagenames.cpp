@@ -4,12 +4,12 @@
 //     cmake --build build/release --target vl_languagenames
 //     scripts/in-prefix.sh build/release/bin/vl_languagenames.exe >src/resources/languagenames.inc
 
-#include <cstdio>
-#include <cwchar>
-
+#include <windows.h>
 #include <fcntl.h>
 #include <io.h>
-#include <windows.h>
+
+#include <cstdio>
+#include <cwchar>
 
 int main()
 {
