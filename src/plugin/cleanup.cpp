@@ -1,7 +1,7 @@
 #include "plugin/cleanup.h"
 
 #include "common/osversion.h"
-#include "common/registrytext.h"
+#include "common/registry.h"
 #include "common/scoped.h"
 #include "common/status.h"
 #include "tracecore/tracer.h"

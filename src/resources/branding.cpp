@@ -1,7 +1,7 @@
 #include "resources/branding.h"
 
 #include "common/initorder.h"
-#include "common/registrytext.h"
+#include "common/registry.h"
 #include "common/scoped.h"
 #include "resources/resourceids.h"
 #include "tracecore/tracer.h"
@@ -35,22 +35,15 @@ struct published_t {
 };
 [[gnu::init_priority(initCaches)]] published_t published;
 
-CRegistryKey openKey(const wchar_t* path)
-{
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_QUERY_VALUE, key.put()) != ERROR_SUCCESS)
-        return {};
-    return key;
-}
-
 CRegistryKey openBrandingKey()
 {
     wchar_t path[pathSize] = {};
     if (LoadStringW(GetModuleHandleW(nullptr), IDS_HOST_BRANDING_KEY, path, pathSize) == 0)
         std::memcpy(path, defaultKey, sizeof defaultKey);
-    CRegistryKey key = openKey(path);
+    CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE);
     if (!key)
-        key = openKey(defaultKey); // also if that was the one that just failed
+        // Also if that was the one that just failed.
+        key = openKey(HKEY_LOCAL_MACHINE, defaultKey, KEY_QUERY_VALUE);
     if (!key) {
         const traceScope_t scope(function);
         traceFormat(0, "Open Branding key %ls in registry Failed", path);
@@ -91,7 +84,7 @@ HMODULE CBranding::LoadResourceDLL()
     const loadedBranding_t* first = nullptr;
     if (!published.record.compare_exchange_strong(first, own.get(), std::memory_order_acq_rel))
         return first->module; // another thread was quicker: ours is freed
-    static_cast<void>(dll.release());
+    (void)dll.release();
     return own.release()->module;
 }
 

@@ -1,6 +1,6 @@
 #include "resources/languagelibrary.h"
 
-#include "common/scoped.h"
+#include "common/mappedfile.h"
 #include "formats/resource/muifile.h"
 #include "resources/languagenames.h"
 
@@ -9,13 +9,6 @@
 
 namespace {
 
-struct mappedView {
-    using value_type = void*;
-    static void* empty() noexcept { return nullptr; }
-    static void close(void* view) noexcept { UnmapViewOfFile(view); }
-};
-
-constexpr LANGID englishUs = 1033;
 constexpr LONGLONG maxFileSize = 1 << 28;
 
 // checkedFile_t keeps a file from being written as long as what was read from it must stay true.
@@ -32,12 +25,7 @@ checkedFile_t checkFile(const std::wstring& path)
     LARGE_INTEGER size{};
     if (!checked.file || !GetFileSizeEx(checked.file.get(), &size) || size.QuadPart > maxFileSize)
         return checked;
-    const CKernelHandle mapping(
-        CreateFileMappingW(checked.file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-    if (!mapping)
-        return checked;
-    const CScoped<mappedView> view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
-    if (view)
+    if (const CMappedView view = mapForReading(checked.file.get()))
         checked.contents = readMuiFile(
             {static_cast<const uint8_t*>(view.get()), static_cast<size_t>(size.QuadPart)});
     return checked;

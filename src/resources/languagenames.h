@@ -4,6 +4,8 @@
 
 #include <string_view>
 
+inline constexpr LANGID englishUs = 1033; // what every installation has
+
 // languageName is the name of a language, such as "en-US" for 1033 and the neutral "en" for 9.
 //
 // Returns: a view of static text; empty for an id without a name

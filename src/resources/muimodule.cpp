@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr LANGID englishUs = 1033;
-
 std::wstring longFileName(HMODULE module)
 {
     wchar_t path[261] = {};

@@ -1,4 +1,4 @@
-#include "common/registrytext.h"
+#include "common/registry.h"
 #include "common/scoped.h"
 #include "storage/paths.h"
 
@@ -11,13 +11,6 @@ constexpr wchar_t modulesFolder[] = LR"(x64\)";
 constexpr wchar_t defaultFolder[] = LR"(veltrano\bin\)";
 constexpr DWORD binDirBytes = 520;
 
-CRegistryKey openkey(const wchar_t* subkey, REGSAM access)
-{
-    CRegistryKey key;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, subkey, 0, access, key.put());
-    return key;
-}
-
 std::wstring readbindir(const CRegistryKey& key)
 {
     wchar_t text[binDirBytes / sizeof(wchar_t)] = {};
@@ -29,7 +22,7 @@ std::wstring readbindir(const CRegistryKey& key)
 std::wstring bindir_fromkey(const std::wstring& subkey, bool nativeView)
 {
     const REGSAM access = nativeView ? KEY_READ : KEY_READ | KEY_WOW64_32KEY;
-    const CRegistryKey key = openkey(subkey.c_str(), access);
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, subkey.c_str(), access);
     return key ? addslash(readbindir(key)) : std::wstring();
 }
 
@@ -68,7 +61,7 @@ std::wstring bindir_file(const std::wstring& fileName)
 
 std::wstring bindir_plain()
 {
-    const CRegistryKey key = openkey(applicationsKey, KEY_READ);
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, applicationsKey, KEY_READ);
     if (!key)
         return addslash(envvalue(L"ProgramFiles")) + defaultFolder;
     // An installation whose key lost its value gets no default.
@@ -82,7 +75,8 @@ std::wstring templates_bindir()
 
 std::wstring bindir_view64()
 {
-    const CRegistryKey key = openkey(applicationsKey, KEY_READ | KEY_WOW64_64KEY);
+    const CRegistryKey key =
+        openKey(HKEY_LOCAL_MACHINE, applicationsKey, KEY_READ | KEY_WOW64_64KEY);
     if (!key)
         return {};
     wchar_t text[binDirBytes / sizeof(wchar_t) + 1] = {};

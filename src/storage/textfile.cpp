@@ -1,6 +1,6 @@
 #include "storage/textfile.h"
 
-#include "common/scoped.h"
+#include "common/mappedfile.h"
 #include "common/text.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
@@ -16,12 +16,6 @@ using namespace tracecore;
 namespace {
 
 constexpr const char* loadwords[] = {"undef", "notfound", "noaccess", "badfile", "badcrc", "nodll"};
-
-struct mappedview {
-    using value_type = MappedFile*;
-    static MappedFile* empty() noexcept { return nullptr; }
-    static void close(MappedFile* mapped) noexcept { mapfile_close(*mapped); }
-};
 
 // The units end at the first zero, as a text does.
 std::wstring_view utf16text(const MappedFile& mapped)
@@ -59,34 +53,20 @@ MappedFile mapfile_open(const std::wstring& fileName)
                                        OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file)
         return {};
-    // An empty file has no mapping, and so reads as nothing.
-    const CKernelHandle mapping(
-        CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-    if (!mapping)
-        return {};
-    MappedFile mapped{
-        0, static_cast<const uint8_t*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0))};
-    if (!mapped.view)
+    CMappedView view = mapForReading(file.get());
+    if (!view)
         return {};
     SetLastError(NO_ERROR);
-    mapped.size = GetFileSize(file.get(), nullptr);
+    const DWORD size = GetFileSize(file.get(), nullptr);
     // The value that reports a failure can also be the low half of a size.
-    if (mapped.size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) {
-        mapfile_close(mapped);
+    if (size == INVALID_FILE_SIZE && GetLastError() != NO_ERROR)
         return {};
-    }
-    return mapped;
+    return {size, static_cast<const uint8_t*>(view.release())};
 }
 
 void mapfile_close(MappedFile& mapped)
 {
-    if (mapped.view)
-        UnmapViewOfFile(std::exchange(mapped.view, nullptr));
-}
-
-mappedfile_scope::~mappedfile_scope()
-{
-    const CScoped<mappedview> owner(&m_mapped);
+    CMappedView(const_cast<uint8_t*>(std::exchange(mapped.view, nullptr))).reset();
 }
 
 void decodetext(const MappedFile& mapped, std::string& text)

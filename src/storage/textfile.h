@@ -23,7 +23,8 @@ struct MappedFile {
 // Source:  CreateFileMappingW; the view alone keeps the mapping alive
 MappedFile mapfile_open(const std::wstring& fileName);
 
-// mapfile_close unmaps the view, if there is one, and sets it to null.
+// mapfile_close unmaps the view, if there is one, and sets it to null. It keeps the thread's last
+// error.
 void mapfile_close(MappedFile& mapped);
 
 // mappedfile_scope is a mapped file for the life of the object.
@@ -31,7 +32,7 @@ class mappedfile_scope
 {
 public:
     explicit mappedfile_scope(const std::wstring& fileName) : m_mapped(mapfile_open(fileName)) {}
-    ~mappedfile_scope(); // keeps the thread's last error
+    ~mappedfile_scope() { mapfile_close(m_mapped); }
     mappedfile_scope(const mappedfile_scope&) = delete;
     mappedfile_scope& operator=(const mappedfile_scope&) = delete;
 

@@ -1,3 +1,4 @@
+#include "common/systemtext.h"
 #include "tracecore/sinks.h"
 #include "tracecore/tracer.h"
 
@@ -27,19 +28,6 @@ bool readColour(const std::wstring& text, WORD& colour)
     return true;
 }
 
-std::wstring systemText(DWORD status)
-{
-    CLocalMemory owner;
-    wchar_t* text = nullptr;
-    const DWORD length = FormatMessageW(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-        nullptr, status, 0x400, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    owner.reset(text);
-    std::wstring result(text ? text : L"", length);
-    result.erase(result.find_last_not_of(L"\r\n") + 1);
-    return result;
-}
-
 // What a line shows for the text of an error record, "code message".
 std::wstring shownStatus(const std::wstring& text)
 {
@@ -51,7 +39,7 @@ std::wstring shownStatus(const std::wstring& text)
     std::wstring message = text.substr(blank + 1);
     if (status == 0)
         return message;
-    const std::wstring known = systemText(status);
+    const std::wstring known = systemText(status, 0x400);
     if (known.empty())
         return formatWide(L"%08X", status); // the message is dropped here. Intended.
     return known + L' ' + message;
