@@ -1,41 +1,28 @@
 #include "quicklinks/categories.h"
 
-#include "common/scoped.h"
+#include "common/registry.h"
 #include "formats/der/derview.h"
+#include "neighbours/dashboardkeys.h"
 
 #include <windows.h>
 #include <wincrypt.h>
 
-#include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
-constexpr wchar_t dashboardKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
-constexpr wchar_t categoriesKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories";
-
-CRegistryKey openkey(const wchar_t* path, REGSAM access)
-{
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, access, key.put()) != ERROR_SUCCESS)
-        return {};
-    return key;
-}
-
-// readtext reads a value of size bytes that is a terminated string; size isn't 0.
+// readtext reads a text value of size bytes.
 bool readtext(HKEY key, const wchar_t* name, DWORD size, std::u16string& text)
 {
-    std::vector<BYTE> data(size);
+    std::wstring units((size + 1) / sizeof(wchar_t), L'\0');
     DWORD type = 0;
-    if (RegQueryValueExW(key, name, nullptr, &type, data.data(), &size) != ERROR_SUCCESS)
+    if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(units.data()), &size) !=
+            ERROR_SUCCESS ||
+        !isWholeText(type, units, size, noBytes_t::haveNoEnd))
         return false;
-    if ((type != REG_SZ && type != REG_EXPAND_SZ) || size < 2 || size % 2 != 0)
-        return false;
-    std::u16string units(size / 2, u'\0');
-    std::memcpy(units.data(), data.data(), size);
-    if (units.back() != u'\0')
-        return false;
-    text.assign(units, 0, units.find(u'\0')); // where a wide text blob ends
+    const std::wstring_view visible(units.c_str()); // a wide text blob ends at its first zero
+    text.assign(visible.begin(), visible.end());
     return true;
 }
 
@@ -56,10 +43,9 @@ bool nextcategory(HKEY key, DWORD index, CDerNode& pair)
     return true;
 }
 
-void settext(HKEY key, const std::u16string& name, const std::u16string& text)
+void settext(HKEY key, const std::wstring& name, const std::u16string& text)
 {
-    const std::wstring wideName(name.begin(), name.end());
-    RegSetValueExW(key, wideName.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+    RegSetValueExW(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                    static_cast<DWORD>(2 * text.size() + 2));
 }
 
@@ -67,7 +53,7 @@ void settext(HKEY key, const std::u16string& name, const std::u16string& text)
 
 bool qlcategories_backup(CDerNode* out)
 {
-    const CRegistryKey key = openkey(categoriesKey, KEY_READ);
+    const CRegistryKey key = openKey(HKEY_CURRENT_USER, dashboardCategoriesKey, KEY_READ);
     DWORD count = 0;
     if (key)
         RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count,
@@ -86,19 +72,21 @@ void qlcategories_restore(const _CRYPTOAPI_BLOB* blob)
 {
     if (!blob)
         return;
-    RegDeleteKeyW(HKEY_CURRENT_USER, categoriesKey);
-    if (const CRegistryKey dashboard = openkey(dashboardKey, KEY_READ | KEY_WRITE))
-        settext(dashboard.get(), u"LastQLCategory", {});
+    RegDeleteKeyW(HKEY_CURRENT_USER, dashboardCategoriesKey);
+    if (const CRegistryKey dashboard =
+            openKey(HKEY_CURRENT_USER, dashboardKey, KEY_READ | KEY_WRITE))
+        settext(dashboard.get(), dashboardLastCategory, {});
     CDerSequenceView list; // what can't be decoded is empty, here and below
     if (blob->pbData)
-        static_cast<void>(list.Decode({blob->pbData, blob->cbData}));
+        (void)list.Decode({blob->pbData, blob->cbData});
     CRegistryKey key;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, categoriesKey, 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                        nullptr, key.put(), nullptr) != ERROR_SUCCESS)
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, dashboardCategoriesKey, 0, nullptr, 0,
+                        KEY_READ | KEY_WRITE, nullptr, key.put(), nullptr) != ERROR_SUCCESS)
         return;
     for (const CDerElement& element : list) {
         CDerSequenceView pair;
-        static_cast<void>(pair.Decode(element));
-        settext(key.get(), pair[0].WideText(), pair[1].WideText());
+        (void)pair.Decode(element);
+        const std::u16string name = pair[0].WideText();
+        settext(key.get(), std::wstring(name.begin(), name.end()), pair[1].WideText());
     }
 }

@@ -1,5 +1,7 @@
 #include "quicklinks/lookup.h"
 
+#include "formats/text/pathpart.h"
+
 #include <algorithm>
 
 namespace {
@@ -12,12 +14,6 @@ std::string keyof(std::string_view file, uint32_t profile)
     return key;
 }
 
-bool matches(const QLRecord& record, std::string_view file, uint32_t profile) noexcept
-{
-    return (profile == QLLookup::anyprofile || record.profile == profile) &&
-           qlfilepart(record.manifest) == file;
-}
-
 } // namespace
 
 size_t QLLookup::first(const std::vector<QLRecord>& records, std::string_view file,
@@ -25,16 +21,17 @@ size_t QLLookup::first(const std::vector<QLRecord>& records, std::string_view fi
 {
     follow(records);
     const auto found = m_positions.find(keyof(file, profile));
-    if (found == m_positions.end())
-        return none;
-    // A record that got another profile is still listed under its old one: drop it when it turns
-    // up.
-    auto& positions = found->second;
-    const auto match = std::find_if(positions.begin(), positions.end(), [&](size_t position) {
-        return matches(records[position], file, profile);
-    });
-    positions.erase(positions.begin(), match);
-    return positions.empty() ? none : positions.front();
+    return found == m_positions.end() || found->second.empty() ? none : found->second.front();
+}
+
+void QLLookup::widen(const std::vector<QLRecord>& records, size_t position)
+{
+    const QLRecord& record = records[position];
+    if (record.profile == anyprofile)
+        return;
+    auto& positions = m_positions[keyof(fileNamePart(record.manifest), record.profile)];
+    const auto [first, last] = std::ranges::equal_range(positions, position);
+    positions.erase(first, last);
 }
 
 void QLLookup::clear() noexcept
@@ -49,15 +46,9 @@ void QLLookup::follow(const std::vector<QLRecord>& records)
         clear();
     for (; m_followed < records.size(); ++m_followed) {
         const QLRecord& record = records[m_followed];
-        const std::string_view file = qlfilepart(record.manifest);
+        const std::string_view file = fileNamePart(record.manifest);
         m_positions[keyof(file, anyprofile)].push_back(m_followed);
         if (record.profile != anyprofile)
             m_positions[keyof(file, record.profile)].push_back(m_followed);
     }
-}
-
-std::string_view qlfilepart(std::string_view path) noexcept
-{
-    const size_t separator = path.find_last_of("\\/:");
-    return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }

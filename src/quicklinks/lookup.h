@@ -10,8 +10,7 @@
 #include <vector>
 
 // QLLookup finds the first record of a file name and profile without a walk through all of them. It
-// follows a list that grows at its end, shrinks or is cleared. A profile that changes may only
-// become anyprofile. Portable.
+// follows a list that grows at its end, shrinks or is cleared. Portable.
 class QLLookup
 {
 public:
@@ -21,6 +20,10 @@ public:
     // first gives the lowest position whose manifest has exactly that file name, and that profile
     // or any.
     size_t first(const std::vector<QLRecord>& records, std::string_view file, uint32_t profile);
+
+    // widen must be called before a record's profile becomes anyprofile, the one change that it may
+    // see.
+    void widen(const std::vector<QLRecord>& records, size_t position);
 
     // clear must be called when records were replaced.
     void clear() noexcept;
@@ -32,6 +35,3 @@ private:
     std::unordered_map<std::string, std::vector<size_t>> m_positions;
     size_t m_followed = 0; // records that are in m_positions
 };
-
-// qlfilepart is the text after the last \, / or : of a path; all of it if there is none.
-std::string_view qlfilepart(std::string_view path) noexcept;

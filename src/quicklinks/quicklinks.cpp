@@ -1,6 +1,7 @@
 #include "quicklinks/quicklinks.h"
 
 #include "common/text.h"
+#include "formats/text/pathpart.h"
 #include "quicklinks/ascii.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
@@ -59,7 +60,7 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
     const bool isdlg = isdlgpath(target);
     if (tracing && traceActive())
         traceGiven(name, target, isdlg, manifest, profile);
-    const std::string_view file = qlfilepart(manifest);
+    const std::string_view file = fileNamePart(manifest);
     if (file.empty()) {
         traceNote("Cannot split manifest path");
         return;
@@ -78,6 +79,8 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
     (isdlg ? changed.dlgpath : changed.url) = target;
     changed.kind = isdlg ? 2 : 1;
     changed.name = name;
+    if (record && profile != record->profile) // then it is the one that stands for any
+        m_lookup.widen(records, static_cast<size_t>(record - records.data()));
     changed.profile = profile;
     changed.manifestid = manifestid;
     changed.wocred = wocred;
@@ -88,7 +91,7 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
 
 QLRecord* QL::find(std::string_view manifestfile, uint32_t profile)
 {
-    const size_t position = m_lookup.first(records, qlfilepart(manifestfile), profile);
+    const size_t position = m_lookup.first(records, fileNamePart(manifestfile), profile);
     return position == QLLookup::none ? nullptr : &records[position];
 }
 

@@ -9,6 +9,7 @@
 #include <windows.h>
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <sstream>
@@ -17,36 +18,6 @@
 using namespace tracecore;
 
 namespace {
-
-enum class Key {
-    none,
-    manifest,
-    url,
-    name,
-    profile,
-    krsurls,
-    dlgpath,
-    krsdlgpaths,
-    manifestid,
-    qlwocred
-};
-
-constexpr struct {
-    std::string_view text;
-    Key key;
-} keys[] = {
-    {"dlgpath", Key::dlgpath},   {"krsdlgpaths", Key::krsdlgpaths}, {"krsurls", Key::krsurls},
-    {"manifest", Key::manifest}, {"manifestid", Key::manifestid},   {"name", Key::name},
-    {"profile", Key::profile},   {"qlwocred", Key::qlwocred},       {"url", Key::url},
-};
-
-Key keyof(std::string_view text)
-{
-    for (const auto& entry : keys)
-        if (asciiequal(entry.text, text))
-            return entry.key;
-    return Key::none;
-}
 
 // integer reads as a stream does: digits after blanks and a sign, 0 without digits, the largest
 // number for one that is too large.
@@ -79,6 +50,37 @@ bool programexists(const std::string& dlgpath)
     return fileexists(head);
 }
 
+// The keys of the file. One that is none of them is of a later version, and lost at the next save.
+constexpr struct {
+    std::string_view key;
+    void (*set)(QL& file, QLRecord& record, std::string&& value);
+} keys[] = {
+    {"manifest",
+     [](QL&, QLRecord& record, std::string&& value) { record.manifest = std::move(value); }},
+    {"url",
+     [](QL&, QLRecord& record, std::string&& value) {
+         record.url = std::move(value);
+         record.kind = 1;
+     }},
+    {"dlgpath",
+     [](QL&, QLRecord& record, std::string&& value) {
+         if (!programexists(value))
+             return;
+         record.dlgpath = std::move(value);
+         record.kind = 2;
+     }},
+    {"name", [](QL&, QLRecord& record, std::string&& value) { record.name = std::move(value); }},
+    {"profile",
+     [](QL&, QLRecord& record, std::string&& value) { record.profile = integer(value); }},
+    {"manifestid",
+     [](QL&, QLRecord& record, std::string&& value) { record.manifestid = std::move(value); }},
+    {"qlwocred",
+     [](QL&, QLRecord& record, std::string&& value) { record.wocred = integer(value) == 1; }},
+    {"krsurls", [](QL& file, QLRecord&, std::string&& value) { file.krsurls = std::move(value); }},
+    {"krsdlgpaths",
+     [](QL& file, QLRecord&, std::string&& value) { file.krsdlgpaths = std::move(value); }},
+};
+
 struct stdioStream {
     using value_type = FILE*;
     static FILE* empty() noexcept { return nullptr; }
@@ -106,7 +108,7 @@ void write(const std::wstring& fileName, const std::string& text)
     // A zero byte in a value ends the file there.
     if (std::fputs(text.c_str(), stream.get()) < 0) {
         // Stays open: closing would try once more to write what is left in its buffer.
-        static_cast<void>(stream.release());
+        (void)stream.release();
         throw std::runtime_error("fputs failed.");
     }
 }
@@ -141,42 +143,11 @@ void QL::parse(const TextLines& lines)
                 traceStatusFormat(S_OK, L"inv.line '%s'", wideFromUtf8(line).c_str());
             continue;
         }
-        std::string value = line.substr(equals + 1);
-        switch (keyof(std::string_view(line).substr(0, equals))) {
-        case Key::manifest:
-            current.manifest = std::move(value);
-            break;
-        case Key::url:
-            current.url = std::move(value);
-            current.kind = 1;
-            break;
-        case Key::name:
-            current.name = std::move(value);
-            break;
-        case Key::profile:
-            current.profile = integer(value);
-            break;
-        case Key::krsurls:
-            krsurls = std::move(value);
-            break;
-        case Key::dlgpath:
-            if (programexists(value)) {
-                current.dlgpath = std::move(value);
-                current.kind = 2;
-            }
-            break;
-        case Key::krsdlgpaths:
-            krsdlgpaths = std::move(value);
-            break;
-        case Key::manifestid:
-            current.manifestid = std::move(value);
-            break;
-        case Key::qlwocred:
-            current.wocred = integer(value) == 1;
-            break;
-        case Key::none: // of a later version: lost at the next save
-            break;
-        }
+        const std::string_view key = std::string_view(line).substr(0, equals);
+        const auto known =
+            std::ranges::find_if(keys, [&](const auto& row) { return asciiequal(row.key, key); });
+        if (known != std::end(keys))
+            known->set(*this, current, line.substr(equals + 1));
     }
     finish();
     for (size_t i = 0; i < records.size(); ++i)
