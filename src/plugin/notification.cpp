@@ -1,8 +1,9 @@
 #include "plugin/notification.h"
 
 #include "atl/safearray.h"
-#include "common/scoped.h"
+#include "common/registry.h"
 #include "common/status.h"
+#include "neighbours/dashboardkeys.h"
 #include "resources/resourceids.h"
 #include "resources/strings.h"
 #include "storage/paths.h"
@@ -22,8 +23,7 @@ constexpr wchar_t consoleArguments[] = L"{42F9948B-B690-4325-A073-63A8BF31FF32}:
 
 std::wstring dismissKeyPath(const wchar_t* classId)
 {
-    return std::wstring(L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\DismissMessages\\") +
-           classId;
+    return std::wstring(dashboardDismissedKey) + L'\\' + classId;
 }
 
 } // namespace
@@ -37,9 +37,8 @@ std::wstring classIdentifierText()
 
 bool IsMessageShown(const wchar_t* classId, LONG level)
 {
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, dismissKeyPath(classId).c_str(), 0, KEY_READ, key.put()) !=
-        ERROR_SUCCESS)
+    const CRegistryKey key = openKey(HKEY_CURRENT_USER, dismissKeyPath(classId).c_str(), KEY_READ);
+    if (!key)
         return true;
     DWORD type = 0;
     DWORD dismissed = 0;

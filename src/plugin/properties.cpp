@@ -8,7 +8,9 @@
 #include "resources/strings.h"
 #include "tracecore/tracer.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 using namespace VLONLINEIDSLib;
 using ATL::CComBSTR;
@@ -32,28 +34,35 @@ BSTR iconLocation()
     return location.Detach();
 }
 
-// typeOf gives the type tag of a property, VT_EMPTY for one that the plug-in doesn't have.
-VARTYPE typeOf(ULONG id) noexcept
+BSTR brandedText(UINT id)
 {
-    switch (id) {
-    case propertyName:
-    case propertyIconLocation:
-    case propertyFixedName:
-    case propertyDescription:
-    case propertyExplanation:
-        return VT_BSTR;
-    case propertyKind:
-        return VT_UI4;
-    case propertySecurityLevel:
-        return VT_I4;
-    case propertyNotifications:
-        return VT_ARRAY | VT_VARIANT;
-    default:
-        return VT_EMPTY;
-    }
+    return CComBSTR(GetBrandedString(id)).Detach();
 }
 
 } // namespace
+
+const CVLKTPages::property_t CVLKTPages::m_properties[] = {
+    {propertyName, VT_BSTR,
+     [](CVLKTPages&, VARIANT& out) { out.bstrVal = brandedText(IDS_PLUGIN_NAME); }},
+    {propertyIconLocation, VT_BSTR,
+     [](CVLKTPages&, VARIANT& out) { out.bstrVal = iconLocation(); }},
+    {propertyFixedName, VT_BSTR,
+     [](CVLKTPages&, VARIANT& out) { out.bstrVal = CComBSTR(L"Password Manager").Detach(); }},
+    {propertyDescription, VT_BSTR,
+     [](CVLKTPages&, VARIANT& out) { out.bstrVal = brandedText(IDS_PLUGIN_DESCRIPTION); }},
+    {propertyKind, VT_UI4, [](CVLKTPages&, VARIANT& out) { out.ulVal = 2; }},
+    {propertySecurityLevel, VT_I4,
+     [](CVLKTPages& pages, VARIANT& out) { out.lVal = pages.GetSecurityLevel(); }},
+    {propertyExplanation, VT_BSTR,
+     [](CVLKTPages& pages, VARIANT& out) { pages.GetExplanation(&out.bstrVal); }},
+    {propertyNotifications, VT_ARRAY | VT_VARIANT,
+     [](CVLKTPages& pages, VARIANT& out) {
+         SAFEARRAY* notices = nullptr;
+         pages.GetNotifications(&notices);
+         SafeArrayUnlock(notices);
+         out.parray = notices;
+     }},
+};
 
 STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
 {
@@ -62,45 +71,14 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
         if (!value)
             raiseStatus(E_POINTER);
         VariantClear(value); // before the id is looked at, so that an unknown one empties it too
-        const VARTYPE type = typeOf(id);
-        if (type == VT_EMPTY)
+        const auto known = std::ranges::find(m_properties, id, &property_t::id);
+        if (known == std::end(m_properties))
             return unknownProperty;
         // The tag is set before the payload is computed, and stays if that raises; the payload is
         // then null, and not what the caller's cleared value left there.
-        value->vt = type;
+        value->vt = known->type;
         value->byref = nullptr;
-        switch (id) {
-        case propertyName:
-            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_NAME)).Detach();
-            break;
-        case propertyIconLocation:
-            value->bstrVal = iconLocation();
-            break;
-        case propertyFixedName:
-            value->bstrVal = CComBSTR(L"Password Manager").Detach();
-            break;
-        case propertyDescription:
-            value->bstrVal = CComBSTR(GetBrandedString(IDS_PLUGIN_DESCRIPTION)).Detach();
-            break;
-        case propertyKind:
-            value->ulVal = 2;
-            break;
-        case propertySecurityLevel:
-            value->lVal = GetSecurityLevel();
-            break;
-        case propertyExplanation:
-            GetExplanation(&value->bstrVal);
-            break;
-        case propertyNotifications: {
-            SAFEARRAY* notices = nullptr;
-            GetNotifications(&notices);
-            SafeArrayUnlock(notices);
-            value->parray = notices;
-            break;
-        }
-        default:
-            break;
-        }
+        known->value(*this, *value);
         return S_OK;
     } catch (...) {
         return frameStatus("GetProperty");

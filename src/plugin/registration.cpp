@@ -1,5 +1,6 @@
 #include "atl/commodule.h"
 #include "common/module.h"
+#include "neighbours/dashboardkeys.h"
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
 #include "vlonlineids.h"
@@ -22,12 +23,12 @@ struct cleanupRow_t {
     const wchar_t* name;
 };
 constexpr cleanupRow_t cleanupRows[] = {
-    {L"HKU", L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard", 0x8, nullptr},
-    {L"HKU", L"SOFTWARE\\Veltrano\\Applications\\DashBoard", 0x1001, L"LastQLCategory"},
-    {L"HKU", L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\QLCategories", 0x100C, nullptr},
+    {L"HKU", dashboardCardKey, 0x8, nullptr},
+    {L"HKU", dashboardKey, 0x1001, dashboardLastCategory},
+    {L"HKU", dashboardCategoriesKey, 0x100C, nullptr},
     {L"HKU", L"SOFTWARE\\Veltrano\\Applications\\KRAppSettings", 0x1005, L"OpenGuardDesk"},
     {L"HKU", L"SOFTWARE\\Veltrano\\Applications\\KRAppSettings", 0x1005, L"ShowTrainingPrompt"},
-    {L"HK", L"SOFTWARE\\Veltrano\\Applications\\DashBoard", 0x1008, nullptr},
+    {L"HK", dashboardKey, 0x1008, nullptr},
     {L"FILE", L"Veltrano\\KRS\\Templates\\*", 0x1001, nullptr},
     {L"FILE", L"Veltrano\\KRS\\VLIconCache\\*", 0x1001, nullptr},
     {L"FILE", L"Veltrano\\KRS\\*", 0x1001, nullptr},

@@ -5,8 +5,8 @@
 
 // CVLKTPages is the one component class. It has no state: each operation reads what it needs at the
 // moment of the call and forgets it. The operations are in files of their own by subject:
-// pages.cpp (life cycle and what does nothing), properties.cpp, status.cpp, policy.cpp and
-// backupoperations.cpp.
+// pages.cpp (life cycle and what does nothing), properties.cpp, securitystatus.cpp (both GetStatus,
+// level, explanation, notifications), disableapp.cpp (the policy) and backupoperations.cpp.
 class CVLKTPages : public CComObjectRootEx<CComMultiThreadModel>,
                    public CComCoClass<CVLKTPages, &VLONLINEIDSLib::CLSID_CVLKTPages>,
                    public VLONLINEIDSLib::IVLKTPages,
@@ -47,6 +47,14 @@ public:
                                const BYTE* storage) override;
 
 private:
+    // property_t is one of the properties: value puts it into a VARIANT that has its type already.
+    struct property_t {
+        ULONG id;
+        VARTYPE type;
+        void (*value)(CVLKTPages& pages, VARIANT& out);
+    };
+    static const property_t m_properties[];
+
     // GetGPOSettings reads the policy that switches the application off.
     //
     // value:   0 unless the policy has a value

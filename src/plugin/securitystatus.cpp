@@ -1,8 +1,8 @@
-#include "common/status.h"
-
 #include "atl/comutil.h"
 #include "atl/safearray.h"
-#include "common/scoped.h"
+#include "common/registry.h"
+#include "common/status.h"
+#include "neighbours/dashboardkeys.h"
 #include "plugin/errorframe.h"
 #include "plugin/notification.h"
 #include "plugin/vlktpages.h"
@@ -21,14 +21,13 @@ namespace {
 // bytes is taken as the number; whatever can't be read is 0.
 DWORD readStatusInput() noexcept
 {
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard", 0,
-                      KEY_READ, key.put()) != ERROR_SUCCESS)
+    const CRegistryKey key = openKey(HKEY_CURRENT_USER, dashboardCardKey, KEY_READ);
+    if (!key)
         return 0;
     DWORD value = 0;
     DWORD size = sizeof value;
-    if (RegQueryValueExW(key.get(), L"IDCard_SS", nullptr, nullptr, reinterpret_cast<BYTE*>(&value),
-                         &size) != ERROR_SUCCESS)
+    if (RegQueryValueExW(key.get(), dashboardCardStatus, nullptr, nullptr,
+                         reinterpret_cast<BYTE*>(&value), &size) != ERROR_SUCCESS)
         return 0;
     return value;
 }

@@ -1,38 +1,30 @@
-#include "common/scoped.h"
+#include "common/registry.h"
 #include "common/status.h"
+#include "neighbours/dashboardkeys.h"
+#include "neighbours/vlfpapi.h"
 #include "plugin/errorframe.h"
 #include "plugin/vlktpages.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
-
-#include <cstdint>
 
 using tracecore::traceIfFailed;
 using tracecore::traceScope_t;
 
 namespace {
 
-// policyRecord_t is what the policy library exchanges, one setting per call, in its layout.
-struct policyRecord_t {
-    const wchar_t* name = L"CommonSettings\\{42F9948B-B690-4325-A073-63A8BF31FF32}\\DisableApps";
-    uint32_t status = 0; // on read: 0 or 1 with a value, 0x80070002 without
-    uint32_t filler = 0;
-    uint64_t valueSize = 0; // 4 for a write
-    uint64_t value = 0;     // the low half counts
-    uint64_t reserved = 0;
-};
-static_assert(sizeof(policyRecord_t) == 40);
-
+constexpr wchar_t settingName[] =
+    L"CommonSettings\\{42F9948B-B690-4325-A073-63A8BF31FF32}\\DisableApps";
 constexpr auto noSuchSetting = static_cast<HRESULT>(0x80070002);
 
-using policyCall = HRESULT(WINAPI*)(ULONG count, policyRecord_t* records);
+using policyCall = decltype(&VLFPGetPolicySettingsEx);
 
-// callPolicyLibrary loads the library for this one call and passes it the record.
+// callPolicyLibrary loads the library for this one call and passes it the record, of the setting
+// that switches the application off.
 //
 // Errors: raises the last error when the library or the function is missing, and the library's own
 //         failure
 // Source: VLFPApi.dll in the system folder
-void callPolicyLibrary(const char* function, policyRecord_t& record)
+void callPolicyLibrary(const char* function, VLFPPolicyRecord_t& record)
 {
     const CLoadedModule library(LoadLibraryW((sysdir() + L"VLFPApi.dll").c_str()));
     if (!library)
@@ -41,6 +33,7 @@ void callPolicyLibrary(const char* function, policyRecord_t& record)
         reinterpret_cast<void*>(GetProcAddress(library.get(), function)));
     if (!call)
         raiseLastError();
+    record.name = settingName;
     const HRESULT status = call(1, &record);
     if (FAILED(status))
         raiseStatus(status);
@@ -49,10 +42,8 @@ void callPolicyLibrary(const char* function, policyRecord_t& record)
 // The status input is reset when the application is switched off; a failure is ignored.
 void forgetStatusInput() noexcept
 {
-    CRegistryKey key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\IDCard", 0,
-                      KEY_WRITE, key.put()) == ERROR_SUCCESS)
-        RegDeleteValueW(key.get(), L"IDCard_SS");
+    if (const CRegistryKey key = openKey(HKEY_CURRENT_USER, dashboardCardKey, KEY_WRITE))
+        RegDeleteValueW(key.get(), dashboardCardStatus);
 }
 
 } // namespace
@@ -62,9 +53,9 @@ HRESULT CVLKTPages::GetGPOSettings(ULONG* value)
     const traceScope_t scope("GetGPOSettings"); // without the class. Intended.
     *value = 0;
     try {
-        policyRecord_t record;
+        VLFPPolicyRecord_t record{};
         callPolicyLibrary("VLFPGetPolicySettingsEx", record);
-        const auto status = static_cast<HRESULT>(record.status);
+        const HRESULT status = record.status;
         if (status == noSuchSetting)
             return status;
         if (status == 0 || status == 1)
@@ -81,8 +72,8 @@ STDMETHODIMP CVLKTPages::DisableLocal(ULONG disable)
     HRESULT result = S_OK;
     try {
         try {
-            policyRecord_t record;
-            record.valueSize = sizeof disable;
+            VLFPPolicyRecord_t record{};
+            record.size = sizeof disable;
             record.value = disable;
             callPolicyLibrary("VLFPSetPolicySettingsEx", record);
         } catch (const _com_error& error) {
