@@ -1,6 +1,5 @@
 #include "agent/sharedblock.h"
 
-#include "common/scoped.h"
 #include "common/status.h"
 #include "security/objectsecurity.h"
 #include "tracecore/tracer.h"
@@ -17,7 +16,7 @@ std::atomic<bool> firstMissingBlock{true};
 
 void mapWhole(mappedBlock_t& block)
 {
-    block.view = MapViewOfFile(block.handle, FILE_MAP_WRITE, 0, 0, 0);
+    block.view.reset(MapViewOfFile(block.handle.get(), FILE_MAP_WRITE, 0, 0, 0));
     if (!block.view)
         traceStatus("IPC.MapViewOfFile", statusFromError(GetLastError()));
 }
@@ -43,8 +42,8 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
         SetLastError(error);
         return block;
     }
-    block.handle = CreateFileMappingW(INVALID_HANDLE_VALUE, &security.attributes, PAGE_READWRITE, 0,
-                                      size, name.c_str());
+    block.handle.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, &security.attributes,
+                                          PAGE_READWRITE, 0, size, name.c_str()));
     if (!block.handle) {
         const DWORD error = GetLastError();
         const bool valid = IsValidSecurityDescriptor(security.attributes.lpSecurityDescriptor);
@@ -55,7 +54,7 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
         SetLastError(error);
         return block;
     }
-    applyLowLabel(block.handle); // a block without the label is still good for most clients
+    applyLowLabel(block.handle.get()); // a block without the label is still good for most clients
     mapWhole(block);
     return block;
 }
@@ -63,7 +62,7 @@ mappedBlock_t createSharedBlock(const std::wstring& name, uint32_t size)
 mappedBlock_t openSharedBlock(const std::wstring& name)
 {
     mappedBlock_t block;
-    block.handle = OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str());
+    block.handle.reset(OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str()));
     if (block.handle) {
         mapWhole(block);
         return block;
@@ -78,11 +77,8 @@ mappedBlock_t openSharedBlock(const std::wstring& name)
 
 void closeSharedBlock(mappedBlock_t& block) noexcept
 {
-    if (block.view)
-        UnmapViewOfFile(block.view);
-    if (block.handle)
-        CloseHandle(block.handle);
-    block = {};
+    block.view.reset();
+    block.handle.reset();
 }
 
 size_t sharedBlockSize(const void* view) noexcept
@@ -95,10 +91,10 @@ size_t sharedBlockSize(const void* view) noexcept
     return region.RegionSize;
 }
 
-HANDLE openLinkSemaphore(const std::wstring& name)
+CKernelHandle openLinkSemaphore(const std::wstring& name)
 {
     SetLastError(ERROR_SUCCESS);
-    HANDLE semaphore = OpenSemaphoreW(waitAndModify, FALSE, name.c_str());
+    CKernelHandle semaphore(OpenSemaphoreW(waitAndModify, FALSE, name.c_str()));
     if (semaphore)
         return semaphore;
     HRESULT status = statusFromError(GetLastError());
@@ -108,11 +104,11 @@ HANDLE openLinkSemaphore(const std::wstring& name)
 
     sharedObjectSecurity_t security;
     if (!initSemaphoreSecurity(security).valid)
-        return nullptr;
+        return {};
     SetLastError(ERROR_SUCCESS);
-    semaphore = CreateSemaphoreW(&security.attributes, 1, 1, name.c_str());
+    semaphore.reset(CreateSemaphoreW(&security.attributes, 1, 1, name.c_str()));
     if (semaphore) {
-        applyLowLabel(semaphore);
+        applyLowLabel(semaphore.get());
         return semaphore;
     }
     const DWORD error = GetLastError();
@@ -122,7 +118,7 @@ HANDLE openLinkSemaphore(const std::wstring& name)
     if (error == ERROR_ACCESS_DENIED) {
         SetLastError(ERROR_SUCCESS);
         // This opens a mutex where a semaphore is meant, so it mostly gives null. Intended.
-        semaphore = OpenMutexW(waitAndModify, FALSE, name.c_str());
+        semaphore.reset(OpenMutexW(waitAndModify, FALSE, name.c_str()));
         if (!semaphore)
             traceLastError(cantOpen);
     } else {

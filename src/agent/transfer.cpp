@@ -3,19 +3,14 @@
 #include "common/status.h"
 #include "tracecore/tracer.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 
 using namespace tracecore;
 
 namespace {
-
-void closeHandle(HANDLE& handle) noexcept
-{
-    if (handle)
-        CloseHandle(handle);
-    handle = nullptr;
-}
 
 // The text may fill the block to its last byte, with the zero.
 bool holdsText(const void* view, size_t offset, const std::string& text)
@@ -31,20 +26,12 @@ void writeText(void* view, size_t offset, const std::string& text)
 
 } // namespace
 
-agentTransfer_t::~agentTransfer_t()
+bool agentConnection_t::isComplete() const noexcept
 {
-    closeSharedBlock(payload);
-    SecureZeroMemory(body.data(), body.size());
-}
-
-agentConnection_t::~agentConnection_t()
-{
-    closeHandle(readyEvent);
-    closeHandle(ackEvent);
-    closeSharedBlock(buffer);
-    if (semaphore && held)
-        ReleaseSemaphore(semaphore, 1, nullptr);
-    closeHandle(semaphore);
+    return semaphore && buffer.handle && buffer.view &&
+           std::ranges::all_of(linkEvents, [this](const linkEvent_t& event) {
+               return static_cast<bool>(this->*event.handle);
+           });
 }
 
 bool sendToAgent(HWND window, uint32_t message, const std::string& name, const std::string& body)
@@ -67,10 +54,9 @@ void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer)
 {
     agentConnection_t connection;
     connectToAgent(names, connection);
-    if (!connection.semaphore || !connection.ackEvent || !connection.readyEvent ||
-        !connection.buffer.handle || !connection.buffer.view)
+    if (!connection.isComplete())
         return;
-    transfer.buffer = connection.buffer.view;
+    transfer.buffer = connection.buffer.view.get();
     while (transfer.remaining > 0) {
         try {
             fillRequestBlock(transfer);
@@ -78,8 +64,8 @@ void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer)
             traceNote("_callserverprocess");
             break;
         }
-        SetEvent(connection.readyEvent);
-        if (WaitForSingleObject(connection.ackEvent, INFINITE) != WAIT_OBJECT_0) {
+        SetEvent(connection.readyEvent.get());
+        if (WaitForSingleObject(connection.ackEvent.get(), INFINITE) != WAIT_OBJECT_0) {
             traceNote("cannot transfer the rest from client");
             break;
         }
@@ -96,24 +82,24 @@ void connectToAgent(const linkNames_t& names, agentConnection_t& connection)
         traceStatus("Create Semaphore failed", statusFromError(GetLastError()));
         return;
     }
-    const DWORD result = WaitForSingleObject(connection.semaphore, INFINITE);
+    const DWORD result = WaitForSingleObject(connection.semaphore.get(), INFINITE);
     if (result != WAIT_OBJECT_0) {
         const HRESULT status = statusFromError(GetLastError());
         traceStatusW(formatWide(L"WaitForSingleObject = %0x on Semaphore", result), status);
         return;
     }
-    connection.held = true;
+    connection.held.reset(connection.semaphore.get());
     connection.buffer = openSharedBlock(names.buffer);
     if (!connection.buffer.handle || !connection.buffer.view)
         return;
-    connection.ackEvent = OpenEventW(SYNCHRONIZE, FALSE, names.acknowledge);
-    connection.readyEvent = OpenEventW(EVENT_MODIFY_STATE, FALSE, names.dataReady);
-    // After both opens: when both failed it is the later one's. Intended.
+    for (const linkEvent_t& event : linkEvents)
+        (connection.*event.handle).reset(OpenEventW(event.clientAccess, FALSE, names.*event.name));
+    // After both opens: when both failed it is the later one's, and the first is named. Intended.
     const HRESULT status = statusFromError(GetLastError());
-    if (!connection.ackEvent)
-        traceStatus("no AckEvent", status);
-    else if (!connection.readyEvent)
-        traceStatus("no ReadyEvent", status);
+    const auto missing = std::ranges::find_if(
+        linkEvents, [&](const linkEvent_t& event) { return !(connection.*event.handle); });
+    if (missing != std::end(linkEvents))
+        traceStatus(missing->missing, status);
 }
 
 void fillRequestBlock(agentTransfer_t& transfer)
@@ -122,13 +108,14 @@ void fillRequestBlock(agentTransfer_t& transfer)
         createSharedBlock(transfer.names.payload, static_cast<uint32_t>(transfer.body.size() + 1));
     if (transfer.payload.handle && transfer.payload.view) {
         // Whoever took the payload's name first gave the block its size, and it stays.
-        if (holdsText(transfer.payload.view, 0, transfer.body) &&
+        void* const payload = transfer.payload.view.get();
+        if (holdsText(payload, 0, transfer.body) &&
             holdsText(transfer.buffer, sizeof(requestHeader_t), transfer.name)) {
             const requestHeader_t header{
                 commandRestoreSecret, GetCurrentProcessId(),
                 static_cast<uint32_t>(reinterpret_cast<uintptr_t>(transfer.window)),
                 transfer.message};
-            writeText(transfer.payload.view, 0, transfer.body);
+            writeText(payload, 0, transfer.body);
             std::memcpy(transfer.buffer, &header, sizeof header);
             writeText(transfer.buffer, sizeof header, transfer.name);
             transfer.remaining = 0;

@@ -33,22 +33,44 @@ struct agentTransfer_t {
     agentTransfer_t() = default;
     agentTransfer_t(const agentTransfer_t&) = delete;
     agentTransfer_t& operator=(const agentTransfer_t&) = delete;
-    ~agentTransfer_t();
+    ~agentTransfer_t() { SecureZeroMemory(body.data(), body.size()); }
 };
 
-// agentConnection_t holds the objects of one exchange. Its end closes the events, then the request
-// buffer, then gives the semaphore back.
+// heldSemaphore owns one count of a semaphore.
+struct heldSemaphore {
+    using value_type = HANDLE;
+    static HANDLE empty() noexcept { return nullptr; }
+    static void close(HANDLE semaphore) noexcept { ReleaseSemaphore(semaphore, 1, nullptr); }
+};
+
+// agentConnection_t holds the objects of one exchange. They go from the last to the first: no other
+// client comes in before all else is closed.
 struct agentConnection_t {
-    HANDLE semaphore = nullptr;
-    bool held = false; // the semaphore was taken
+    CKernelHandle semaphore;
+    CScoped<heldSemaphore> held; // set once the semaphore was taken
     mappedBlock_t buffer;
-    HANDLE ackEvent = nullptr;   // for waiting
-    HANDLE readyEvent = nullptr; // for setting
+    CKernelHandle ackEvent;
+    CKernelHandle readyEvent;
 
     agentConnection_t() = default;
-    agentConnection_t(const agentConnection_t&) = delete;
-    agentConnection_t& operator=(const agentConnection_t&) = delete;
-    ~agentConnection_t();
+    agentConnection_t(agentConnection_t&&) = default;
+    agentConnection_t& operator=(agentConnection_t&&) = delete; // would close the first one first
+
+    // isComplete is true if an exchange has all that it needs.
+    bool isComplete() const noexcept;
+};
+
+// linkEvents are the events of the link. Whoever opens them or makes them, the agent's stand-in
+// too, goes through this list.
+struct linkEvent_t {
+    const wchar_t* linkNames_t::*name;
+    CKernelHandle agentConnection_t::*handle;
+    DWORD clientAccess;
+    const char* missing; // as traced
+};
+inline constexpr linkEvent_t linkEvents[] = {
+    {&linkNames_t::acknowledge, &agentConnection_t::ackEvent, SYNCHRONIZE, "no AckEvent"},
+    {&linkNames_t::dataReady, &agentConnection_t::readyEvent, EVENT_MODIFY_STATE, "no ReadyEvent"},
 };
 
 // _callserverprocess runs the whole exchange. Failures are traced, and readers of traces search for

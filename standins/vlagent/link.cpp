@@ -10,6 +10,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -47,18 +48,16 @@ request_t readRequest(const void* view)
 // Returns: null, or why there is no value
 const char* readPayload(std::string& value)
 {
-    CKernelHandle handle(OpenFileMappingW(FILE_MAP_WRITE, FALSE, names.payload));
-    if (!handle)
+    mappedBlock_t block{CKernelHandle(OpenFileMappingW(FILE_MAP_WRITE, FALSE, names.payload)), {}};
+    if (!block.handle)
         return "payload block missing";
-    mappedBlock_t block{handle.release(), nullptr};
-    block.view = MapViewOfFile(block.handle, FILE_MAP_WRITE, 0, 0, 0);
-    const auto first = static_cast<char*>(block.view);
+    block.view.reset(MapViewOfFile(block.handle.get(), FILE_MAP_WRITE, 0, 0, 0));
+    const auto first = static_cast<char*>(block.view.get());
     const size_t size = std::min(sharedBlockSize(first), maximumValue + 1);
     const char* const end = size ? static_cast<char*>(std::memchr(first, 0, size)) : nullptr;
     if (end)
         value.assign(first, static_cast<size_t>(end - first));
     SecureZeroMemory(first, size);
-    closeSharedBlock(block);
     if (size == 0)
         return "payload block can't be read";
     return end ? nullptr : "payload not terminated or too long";
@@ -99,28 +98,29 @@ const wchar_t* agentLink_t::open()
     sharedObjectSecurity_t waitable; // events have the same rights as semaphores, bit for bit
     if (!initSemaphoreSecurity(waitable).valid)
         return names.admission;
-    m_admission.reset(CreateSemaphoreW(&waitable.attributes, 1, 1, names.admission));
-    if (!m_admission)
+    m_objects.semaphore.reset(CreateSemaphoreW(&waitable.attributes, 1, 1, names.admission));
+    if (!m_objects.semaphore)
         return names.admission;
-    m_acknowledge.reset(CreateEventW(&waitable.attributes, FALSE, FALSE, names.acknowledge));
-    if (!m_acknowledge)
-        return names.acknowledge;
-    m_dataReady.reset(CreateEventW(&waitable.attributes, FALSE, FALSE, names.dataReady));
-    if (!m_dataReady)
-        return names.dataReady;
-    m_joined = GetLastError() == ERROR_ALREADY_EXISTS;
-    m_buffer = createSharedBlock(names.buffer, names.bufferSize);
-    if (sharedBlockSize(m_buffer.view) < names.bufferSize)
+    for (const linkEvent_t& event : linkEvents) {
+        CKernelHandle& made = m_objects.*event.handle;
+        made.reset(CreateEventW(&waitable.attributes, FALSE, FALSE, names.*event.name));
+        if (!made)
+            return names.*event.name;
+        m_joined = GetLastError() == ERROR_ALREADY_EXISTS;
+    }
+    m_objects.buffer = createSharedBlock(names.buffer, names.bufferSize);
+    if (sharedBlockSize(m_objects.buffer.view.get()) < names.bufferSize)
         return names.buffer;
-    for (HANDLE object : {m_admission.get(), m_acknowledge.get(), m_dataReady.get()})
-        applyLowLabel(object);
+    applyLowLabel(m_objects.semaphore.get());
+    for (const linkEvent_t& event : linkEvents)
+        applyLowLabel((m_objects.*event.handle).get());
     return nullptr;
 }
 
 void agentLink_t::run(HWND window, HANDLE stop, bool once)
 {
     servePending(window);
-    const HANDLE awaited[] = {m_dataReady.get(), stop};
+    const HANDLE awaited[] = {m_objects.readyEvent.get(), stop};
     while (WaitForMultipleObjects(2, awaited, FALSE, INFINITE) == WAIT_OBJECT_0) {
         serve(window);
         if (once) {
@@ -138,13 +138,13 @@ void agentLink_t::servePending(HWND window)
 {
     if (!m_joined)
         return;
-    const HANDLE awaited[] = {m_dataReady.get(), m_admission.get()};
+    const HANDLE awaited[] = {m_objects.readyEvent.get(), m_objects.semaphore.get()};
     switch (WaitForMultipleObjects(2, awaited, FALSE, 0)) {
     case WAIT_OBJECT_0:
         serve(window);
         break;
     case WAIT_OBJECT_0 + 1: // nobody is inside
-        ReleaseSemaphore(m_admission.get(), 1, nullptr);
+        ReleaseSemaphore(m_objects.semaphore.get(), 1, nullptr);
         break;
     default: // somebody is: waiting for the answer, if the payload has been made
         if (const CKernelHandle payload{OpenFileMappingW(FILE_MAP_WRITE, FALSE, names.payload)})
@@ -156,21 +156,19 @@ void agentLink_t::servePending(HWND window)
 // that the next client finds no agent and returns.
 void agentLink_t::leave(HWND window)
 {
-    const HANDLE awaited[] = {m_dataReady.get(), m_admission.get()};
+    const HANDLE awaited[] = {m_objects.readyEvent.get(), m_objects.semaphore.get()};
     DWORD result = WAIT_OBJECT_0;
     while ((result = WaitForMultipleObjects(2, awaited, FALSE, leaveTimeout)) == WAIT_OBJECT_0)
         serve(window);
-    closeSharedBlock(m_buffer);
-    m_dataReady.reset();
-    m_acknowledge.reset();
+    closeSharedBlock(m_objects.buffer);
     if (result == WAIT_OBJECT_0 + 1)
-        ReleaseSemaphore(m_admission.get(), 1, nullptr);
-    m_admission.reset();
+        m_objects.held.reset(m_objects.semaphore.get());
+    const agentConnection_t ended = std::move(m_objects);
 }
 
 void agentLink_t::serve(HWND window)
 {
-    const request_t request = readRequest(m_buffer.view);
+    const request_t request = readRequest(m_objects.buffer.view.get());
     wipedText_t value;
     const char* const reason = check(request, value.text);
     journalLine_t line("exchange");
@@ -193,5 +191,5 @@ void agentLink_t::serve(HWND window)
     m_journal.write(line);
     if (!reason)
         PostMessageW(window, request.header.message, 0, 0);
-    SetEvent(m_acknowledge.get());
+    SetEvent(m_objects.ackEvent.get());
 }

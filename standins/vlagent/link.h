@@ -1,7 +1,6 @@
 #pragma once
 
-#include "agent/sharedblock.h"
-#include "common/scoped.h"
+#include "agent/transfer.h"
 #include "vlagent/journal.h"
 
 #include <windows.h>
@@ -15,7 +14,6 @@ public:
     explicit agentLink_t(const journal_t& journal) noexcept : m_journal(journal) {}
     agentLink_t(const agentLink_t&) = delete;
     agentLink_t& operator=(const agentLink_t&) = delete;
-    ~agentLink_t() { closeSharedBlock(m_buffer); }
 
     // open makes the objects, or joins those that a client of an earlier agent still holds.
     //
@@ -36,9 +34,6 @@ private:
     void leave(HWND window);
 
     const journal_t& m_journal;
-    CKernelHandle m_admission;
-    CKernelHandle m_acknowledge;
-    CKernelHandle m_dataReady;
-    mappedBlock_t m_buffer;
-    bool m_joined = false; // the data ready event was there before
+    agentConnection_t m_objects; // the semaphore is a client's to take
+    bool m_joined = false;       // the events were there before
 };

@@ -136,15 +136,15 @@ TEST(LinkSemaphore, OpenedOrMadeOrAskedForAsAMutexAfterDeniedAccessOnly)
     const std::wstring cantOpen = L"IPC.Failed to open semaphore 'vl-test'. BAD.";
     traceRecorder_t trace;
     {
-        const CKernelHandle made(openLinkSemaphore(L"vl-test"));
-        const CKernelHandle opened(openLinkSemaphore(L"vl-test"));
+        const CKernelHandle made = openLinkSemaphore(L"vl-test");
+        const CKernelHandle opened = openLinkSemaphore(L"vl-test");
         EXPECT_TRUE(isFree(made) && isFree(opened));
         EXPECT_FALSE(ReleaseSemaphore(opened.get(), 1, nullptr)); // no more than one
     }
     const importPatch_t create("CreateSemaphoreW", failing);
     failingError = ERROR_ACCESS_DENIED;
     const CKernelHandle mutex(CreateMutexW(nullptr, FALSE, L"vl-test"));
-    EXPECT_TRUE(CKernelHandle(openLinkSemaphore(L"vl-test")));
+    EXPECT_TRUE(openLinkSemaphore(L"vl-test"));
     EXPECT_EQ(win32(2) + cantOpen + win32(6) + cantOpen + win32(5) +
                   L"IPC.Failed to create semaphore 'vl-test'. OK. Try to open it.",
               trace.joined());
