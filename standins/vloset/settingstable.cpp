@@ -7,28 +7,6 @@
 
 namespace {
 
-// A switch of "0" is one that nobody has set: the reader's own default holds. "-1" is the stored
-// false.
-constexpr SettingDef settings[] = {
-    {L"path_bin_dir", nullptr},
-    {L"path_localstorage_dir", LR"(%APPDATA%\Veltrano\KRS\Templates\)"},
-    {L"path_cachestorage_dir", LR"(%APPDATA%\Veltrano\KRS\Cache\)"},
-    {L"path_alienstorage_dirs", L""},
-    {L"path_quicklink_filename", LR"(%APPDATA%\Veltrano\KRS\QuickLinks.txt)"},
-    {L"path_dontpromptlist_filename", LR"(%APPDATA%\Veltrano\KRS\DontPrompt.txt)"},
-    {L"path_wrgKrs_inusedir", L""},
-    {L"path_wrgKrs_notinusetestdir", L""},
-    {L"path_wkgKrsAdmin_dir", L""},
-    {L"path_wkgKrsAdmin_inusedir", L""},
-    {L"path_wkgKrsAdmin_notinusetestdir", L""},
-    {L"is_personalMode", L"0"},
-    {L"show_training_prompt_def", L"0"},
-    {L"show_training_prompt", L"0"},
-    {L"open_guard_desk_qa", L""},
-    {L"useGrabbingCreds", L"0"},
-    {L"intelauthenticate", L"0"},
-};
-
 // The installer writes into one of the two views.
 std::wstring bindir()
 {
@@ -52,6 +30,28 @@ std::wstring expandtext(const wchar_t* text)
     return expanded.starts_with(L'%') ? std::wstring() : expanded;
 }
 
+// A switch of "0" is one that nobody has set: the reader's own default holds. "-1" is the stored
+// false.
+constexpr SettingDef settings[] = {
+    {L"path_bin_dir", nullptr, bindir},
+    {L"path_localstorage_dir", LR"(%APPDATA%\Veltrano\KRS\Templates\)"},
+    {L"path_cachestorage_dir", LR"(%APPDATA%\Veltrano\KRS\Cache\)"},
+    {L"path_alienstorage_dirs", L""},
+    {L"path_quicklink_filename", LR"(%APPDATA%\Veltrano\KRS\QuickLinks.txt)"},
+    {L"path_dontpromptlist_filename", LR"(%APPDATA%\Veltrano\KRS\DontPrompt.txt)"},
+    {L"path_wrgKrs_inusedir", L""},
+    {L"path_wrgKrs_notinusetestdir", L""},
+    {L"path_wkgKrsAdmin_dir", L""},
+    {L"path_wkgKrsAdmin_inusedir", L""},
+    {L"path_wkgKrsAdmin_notinusetestdir", L""},
+    {L"is_personalMode", L"0"},
+    {L"show_training_prompt_def", L"0"},
+    {L"show_training_prompt", L"0"},
+    {L"open_guard_desk_qa", L""},
+    {L"useGrabbingCreds", L"0"},
+    {L"intelauthenticate", L"0"},
+};
+
 } // namespace
 
 std::span<const SettingDef> allsettings() noexcept
@@ -67,7 +67,7 @@ const SettingDef* findsetting(std::wstring_view key) noexcept
 
 std::wstring defaulttext(const SettingDef& setting, bool expanded)
 {
-    if (!setting.text)
-        return bindir();
+    if (setting.found)
+        return setting.found();
     return expanded ? expandtext(setting.text) : setting.text;
 }

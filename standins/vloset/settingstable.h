@@ -4,11 +4,12 @@
 #include <string>
 #include <string_view>
 
-// SettingDef is one key that the provider knows, with its text while none is stored. The text may
-// hold references such as %APPDATA%; null means the installation's bin folder.
+// SettingDef is one key that the provider knows, with what answers while no text is stored: a text,
+// which may hold references such as %APPDATA%, or a function.
 struct SettingDef {
     const wchar_t* key;
     const wchar_t* text;
+    std::wstring (*found)() = nullptr; // in place of text
 };
 
 std::span<const SettingDef> allsettings() noexcept;
