@@ -6,6 +6,7 @@
 #include "support/tracerecorder.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -36,6 +37,13 @@ TEST(Factory, IsOneForTheModuleAndRefusesWhatItCannotMake)
     EXPECT_EQ(made, factory());
     EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // only the way from one to two locks
     void* out = &out;
+    _ATL_OBJMAP_ENTRY& entry = *_AtlObjectMapFirst[0];
+    void* const kept = entry.pCF->exchange(nullptr);
+    const auto maker =
+        std::exchange(entry.pfnGetClassObject, [](void*, REFIID, void**) { return E_OUTOFMEMORY; });
+    EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, &out), E_OUTOFMEMORY);
+    entry.pfnGetClassObject = maker;
+    entry.pCF->store(kept);
     EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, nullptr), E_POINTER);
     EXPECT_EQ(DllGetClassObject(IID_IUnknown, IID_IUnknown, &out), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(out, nullptr);

@@ -24,7 +24,7 @@ const std::wstring appControl = L"UIElements\\AppControl\\" + classText;
 const std::wstring backupRestore = L"UIElements\\BackupRestore\\" + classText;
 const std::wstring trayIcon = L"TrayIcon\\" + classText;
 
-// has tells whether a key below the root has its default value.
+// has says whether a key below the root has its default value.
 bool has(const std::wstring& key)
 {
     return RegGetValueW(HKEY_LOCAL_MACHINE, (rootPath + L'\\' + key).c_str(), L"", RRF_RT_ANY,

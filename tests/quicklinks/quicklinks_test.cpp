@@ -149,9 +149,9 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
         {"m", "b.EXE", "d:/A", "d:/a", "name: 'm'|U   dlgpath : 'b.EXE'|U   QL updated"},
         {"m", "IExplore.exe?", "a", "a", "name: 'm'|U   dlgpath : 'IExplore.exe?'|U   QL created"}};
     QL ql;
-    for (const auto& [name, target, manifest, shortManifest, told] : cases) {
+    for (const auto& [name, target, manifest, shortManifest, rest] : cases) {
         ql.add(name, target, manifest, 7, name, name == "m"); // the update changes all
-        EXPECT_EQ(traced(), "|U QL for: " + shortManifest + "|U   prof:  7|U   " + told);
+        EXPECT_EQ(traced(), "|U QL for: " + shortManifest + "|U   prof:  7|U   " + rest);
         EXPECT_EQ(ql.dirty, !ql.records.empty());
     }
     // The update kept the path that was stored, and the address that no longer counts.

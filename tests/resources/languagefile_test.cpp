@@ -11,7 +11,7 @@ namespace {
 constexpr osVersion_t oldSystem = {VER_PLATFORM_WIN32_NT, 5, 2};
 constexpr osVersion_t currentSystem = {VER_PLATFORM_WIN32_NT, 6, 2};
 
-// languageOf tells which of the built language files a module is, by a letter of the notification's
+// languageOf says which of the built language files a module is, by a letter of the notification's
 // caption.
 std::wstring languageOf(HMODULE module)
 {

@@ -26,9 +26,9 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
         {"reason\":\"name is not UTF-8", done, "\xFF", "b"},
         {"reason\":\"payload is not UTF-8", done, "refused", "\xC3"},
         {"reason\":\"value without a name", done, "", "b"}};
-    for (const auto& [told, message, name, body] : cases) {
+    for (const auto& [journalled, message, name, body] : cases) {
         EXPECT_TRUE(sendToAgent(findAgentWindow(), message, name, body));
-        EXPECT_NE(std::string::npos, fileBytes("C:\\vlagent.json").find(told)) << told;
+        EXPECT_NE(std::string::npos, fileBytes("C:\\vlagent.json").find(journalled)) << journalled;
     }
     DWORD code = STILL_ACTIVE;
     PostMessageW(findAgentWindow(), WM_CLOSE, 0, 0);

@@ -34,6 +34,16 @@ size_t blockCount()
     return count;
 }
 
+size_t viewCount()
+{
+    size_t count = 0;
+    MEMORY_BASIC_INFORMATION region = {};
+    for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
+         at = static_cast<const char*>(region.BaseAddress) + region.RegionSize)
+        count += region.Type == MEM_MAPPED && region.BaseAddress == region.AllocationBase;
+    return count;
+}
+
 // indexCount counts the indexes that are taken: as many as there are, less those that are left.
 template <class Alloc, class Free> size_t indexCount(Alloc alloc, Free free)
 {
@@ -52,7 +62,8 @@ heldResources_t::heldResources_t()
     : handles(handleCount()),
       indexes(indexCount(TlsAlloc, TlsFree) +
               indexCount([] { return FlsAlloc(nullptr); }, FlsFree)),
-      blocks(blockCount())
+      blocks(blockCount()),
+      views(viewCount())
 {}
 
 std::string heldResources_t::grownSince(const heldResources_t& before, size_t rounds) const
@@ -60,7 +71,8 @@ std::string heldResources_t::grownSince(const heldResources_t& before, size_t ro
     std::string grown;
     for (const auto& [now, then, name] : {std::tuple(handles, before.handles, " handles "),
                                           {blocks, before.blocks, " blocks "},
-                                          {indexes, before.indexes, " indexes "}})
+                                          {indexes, before.indexes, " indexes "},
+                                          {views, before.views, " views "}})
         if (now >= then + rounds)
             grown += std::to_string(now - then) + name;
     return grown;

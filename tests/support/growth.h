@@ -10,8 +10,9 @@ struct heldResources_t {
     size_t handles = 0;
     size_t indexes = 0; // of thread-local and fiber-local storage
     size_t blocks = 0;  // of memory, in use in all heaps
+    size_t views = 0;   // of files and shared memory
 
-    // grownSince tells by how much more than before, at least one for each of so many rounds; empty
+    // grownSince says by how much more than before, at least one for each of so many rounds; empty
     // for no more.
     std::string grownSince(const heldResources_t& before, size_t rounds = 1) const;
 };

@@ -13,7 +13,7 @@ const std::string noPolicy = R"(> CVLKTPages::GetProperty | > CVLKTPages::GetExp
 
 using Missing = installedTest;
 
-TEST_F(Missing, EachOutsideThingIsMissedAsToldAndNothingElseSuffers)
+TEST_F(Missing, OutsideThingsLeaveTheirOwnTracesAndNothingElseSuffers)
 {
     const std::string before = "QuickLinks.txt Templates\\bank.vlm Templates\\updata.vls ";
     const std::string restored = "QuickLinks.txt Templates\\new.vlm ";
