@@ -255,6 +255,11 @@ const SECURITY_DESCRIPTOR* CSecurityDesc::GetPSECURITY_DESCRIPTOR() const noexce
     return reinterpret_cast<const SECURITY_DESCRIPTOR*>(dataOrNull(m_descriptor));
 }
 
+bool CAccessToken::GetProcessToken(DWORD access) noexcept
+{
+    return OpenProcessToken(GetCurrentProcess(), access, m_token.put()) != FALSE;
+}
+
 CSid CAccessToken::GetUser() const
 {
     return tokenSid(m_token.get(), TokenUser);
@@ -263,6 +268,17 @@ CSid CAccessToken::GetUser() const
 CSid CAccessToken::GetPrimaryGroup() const
 {
     return tokenSid(m_token.get(), TokenPrimaryGroup);
+}
+
+CSecurityDesc ProcessDescriptor()
+{
+    CAccessToken token;
+    if (!token.GetProcessToken(TOKEN_QUERY))
+        throwLastError();
+    CSecurityDesc descriptor;
+    descriptor.SetOwner(token.GetUser());
+    descriptor.SetGroup(token.GetPrimaryGroup());
+    return descriptor;
 }
 
 } // namespace ATL

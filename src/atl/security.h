@@ -103,6 +103,9 @@ class CAccessToken
 public:
     void Attach(HANDLE token) noexcept { m_token.reset(token); }
 
+    // GetProcessToken opens this process's token. False leaves the last error of OpenProcessToken.
+    bool GetProcessToken(DWORD access) noexcept;
+
     // GetUser and GetPrimaryGroup read the token's TokenUser and TokenPrimaryGroup. It must be open
     // for query.
     CSid GetUser() const;
@@ -111,5 +114,11 @@ public:
 private:
     CKernelHandle m_token;
 };
+
+// ProcessDescriptor begins the descriptor of an object that this process makes: the process's user
+// and primary group own it, and it has no list yet.
+//
+// Errors: CAtlException
+CSecurityDesc ProcessDescriptor();
 
 } // namespace ATL

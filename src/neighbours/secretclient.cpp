@@ -15,11 +15,9 @@ constexpr uint32_t secretKind = 3;
 // set.
 std::wstring processUser()
 {
-    CKernelHandle handle;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, handle.put()))
-        return {};
     ATL::CAccessToken token;
-    token.Attach(handle.release());
+    if (!token.GetProcessToken(TOKEN_QUERY))
+        return {};
     const ATL::CSid user = token.GetUser();
     std::array<wchar_t, 257> account{};
     std::array<wchar_t, 257> domain{};

@@ -9,7 +9,6 @@
 #include <sddl.h>
 
 using namespace tracecore;
-using ATL::CAccessToken;
 using ATL::CDacl;
 using ATL::CSecurityDesc;
 using ATL::CSid;
@@ -70,14 +69,7 @@ void restoreLastError(const ATL::CAtlException& exception)
 template <size_t rowCount>
 CSecurityDesc buildDescriptor(const aceRow_t (&rows)[rowCount], DWORD packagesMask)
 {
-    HANDLE handle = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &handle))
-        ATL::AtlThrow(statusFromError(GetLastError()));
-    CAccessToken token;
-    token.Attach(handle);
-    CSecurityDesc descriptor;
-    descriptor.SetOwner(token.GetUser());
-    descriptor.SetGroup(token.GetPrimaryGroup());
+    CSecurityDesc descriptor = ATL::ProcessDescriptor();
     CDacl list;
     for (const aceRow_t& row : rows)
         list.AddAllowedAce(accountSid(row.who), row.mask, 0);

@@ -16,12 +16,7 @@ CKernelHandle makeWritersMutex() noexcept
     try {
         const std::wstring name =
             formatWide(L"Global\\%s_%04X", L"VLMAX_tracemutex", GetCurrentProcessId());
-        CKernelHandle handle;
-        if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, handle.put()))
-            return {};
-        ATL::CAccessToken token;
-        token.Attach(handle.release());
-
+        ATL::CSecurityDesc descriptor = ATL::ProcessDescriptor();
         ATL::CDacl list;
         list.AddAllowedAce(ATL::CSid(5, {SECURITY_AUTHENTICATED_USER_RID}), GENERIC_ALL, 0);
         list.AddAllowedAce(ATL::CSid(5, {SECURITY_LOCAL_SYSTEM_RID}), GENERIC_ALL, 0);
@@ -29,9 +24,6 @@ CKernelHandle makeWritersMutex() noexcept
                            GENERIC_ALL, 0);
         list.AddAllowedAce(ATL::CSid(5, {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_USERS}),
                            GENERIC_ALL, 0);
-        ATL::CSecurityDesc descriptor;
-        descriptor.SetOwner(token.GetUser());
-        descriptor.SetGroup(token.GetPrimaryGroup());
         descriptor.SetDacl(list);
         SECURITY_DESCRIPTOR raw = *descriptor.GetPSECURITY_DESCRIPTOR();
 
