@@ -2,6 +2,7 @@
 
 #include "common/mappedfile.h"
 #include "formats/resource/muifile.h"
+#include "formats/text/pathpart.h"
 #include "resources/languagenames.h"
 
 #include <cwchar>
@@ -11,15 +12,15 @@ namespace {
 
 constexpr LONGLONG maxFileSize = 1 << 28;
 
-// checkedFile_t keeps a file from being written as long as what was read from it must stay true.
-struct checkedFile_t {
+// CheckedFile keeps a file from being written as long as what was read from it must stay true.
+struct CheckedFile {
     CFileHandle file;
     muiFile_t contents;
 };
 
-checkedFile_t checkFile(const std::wstring& path)
+CheckedFile checkFile(const std::wstring& path)
 {
-    checkedFile_t checked;
+    CheckedFile checked;
     checked.file.reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                    OPEN_EXISTING, 0, nullptr));
     LARGE_INTEGER size{};
@@ -42,10 +43,9 @@ std::wstring languageFolder(DWORD flags, LANGID language)
 
 std::wstring languageFile(const std::wstring& path, const std::wstring& folder)
 {
-    const size_t slash = path.find_last_of(L"\\/");
-    const std::wstring start = slash == std::wstring::npos ? L"." : path.substr(0, slash);
-    const std::wstring name = slash == std::wstring::npos ? path : path.substr(slash + 1);
-    return start + L'\\' + folder + L'\\' + name + L".mui";
+    const size_t start = folderPart(path).size();
+    return (start ? path.substr(0, start - 1) : L".") + L'\\' + folder + L'\\' +
+           path.substr(start) + L".mui";
 }
 
 HMODULE loadOne(const std::wstring& path, const muiFile_t& library, DWORD flags, LANGID language)
@@ -54,7 +54,7 @@ HMODULE loadOne(const std::wstring& path, const muiFile_t& library, DWORD flags,
     if (folder.empty())
         return nullptr;
     const std::wstring name = languageFile(path, folder);
-    const checkedFile_t file = checkFile(name);
+    const CheckedFile file = checkFile(name);
     if (!languageFileFits(library, file.contents))
         return nullptr;
     return LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
@@ -86,7 +86,7 @@ HMODULE LoadLanguageLibrary(const std::wstring& path, DWORD flags, LANGID langua
 {
     if (language == 1)
         return nullptr;
-    const checkedFile_t library = checkFile(path);
+    const CheckedFile library = checkFile(path);
     if (!library.contents.sound)
         return nullptr;
     if (!library.contents.divided)

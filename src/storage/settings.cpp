@@ -3,6 +3,7 @@
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/status.h"
+#include "formats/text/pathpart.h"
 #include "neighbours/settingsprovider.h"
 #include "storage/paths.h"
 #include "tracecore/tracer.h"
@@ -58,7 +59,7 @@ HMODULE loadprovider()
     // The whole first path is appended to the plug-in's folder. That is meant for the relative
     // "x64\VloSet.dll"; an absolute path makes no valid one here.
     const std::wstring own = moduleFileName(thisModule());
-    return LoadLibraryW((own.substr(0, own.find_last_of(LR"(\/)") + 1) + first).c_str());
+    return LoadLibraryW((std::wstring(folderPart(own)) + first).c_str());
 }
 
 SettingsCall findexport(HMODULE library, const char* name)

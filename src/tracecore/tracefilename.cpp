@@ -2,6 +2,7 @@
 
 #include "common/module.h"
 #include "common/osversion.h"
+#include "formats/text/pathpart.h"
 #include "tracecore/tracer.h"
 
 #include <atomic>
@@ -32,8 +33,7 @@ std::wstring longModuleName(HMODULE module)
 
 std::wstring lastComponent(const std::wstring& path)
 {
-    const size_t separator = path.find_last_of(separators);
-    return separator == std::wstring::npos ? path : path.substr(separator + 1);
+    return path.substr(folderPart(path).size());
 }
 
 // The runtime's own lower case knows letters of ASCII alone.

@@ -13,3 +13,12 @@ std::basic_string_view<typename Text::value_type> fileNamePart(const Text& path)
     const std::basic_string_view<typename Text::value_type> all(path);
     return all.substr(all.find_last_of(separators, all.npos, std::size(separators)) + 1);
 }
+
+// folderPart gives a path up to its last \ or /, with it; empty when there is none.
+template <class Text>
+std::basic_string_view<typename Text::value_type> folderPart(const Text& path) noexcept
+{
+    constexpr typename Text::value_type separators[] = {'\\', '/'};
+    const std::basic_string_view<typename Text::value_type> all(path);
+    return all.substr(0, all.find_last_of(separators, all.npos, std::size(separators)) + 1);
+}
