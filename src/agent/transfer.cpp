@@ -50,7 +50,7 @@ bool sendToAgent(HWND window, uint32_t message, const std::string& name, const s
     return true; // also when nothing arrived: it says only that the data was fit to send. Intended.
 }
 
-void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer)
+void _callserverprocess(const LinkNames& names, agentTransfer_t& transfer)
 {
     agentConnection_t connection;
     connectToAgent(names, connection);
@@ -74,7 +74,7 @@ void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer)
     closeSharedBlock(transfer.payload); // before the next client may come in
 }
 
-void connectToAgent(const linkNames_t& names, agentConnection_t& connection)
+void connectToAgent(const LinkNames& names, agentConnection_t& connection)
 {
     if (!connection.semaphore)
         connection.semaphore = openLinkSemaphore(names.admission);
@@ -110,8 +110,8 @@ void fillRequestBlock(agentTransfer_t& transfer)
         // Whoever took the payload's name first gave the block its size, and it stays.
         void* const payload = transfer.payload.view.get();
         if (holdsText(payload, 0, transfer.body) &&
-            holdsText(transfer.buffer, sizeof(requestHeader_t), transfer.name)) {
-            const requestHeader_t header{
+            holdsText(transfer.buffer, sizeof(RequestHeader), transfer.name)) {
+            const RequestHeader header{
                 commandRestoreSecret, GetCurrentProcessId(),
                 static_cast<uint32_t>(reinterpret_cast<uintptr_t>(transfer.window)),
                 transfer.message};

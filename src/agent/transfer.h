@@ -27,7 +27,7 @@ struct agentTransfer_t {
     uint32_t message = 0;
     std::string name;
     std::string body;
-    linkNames_t names{};
+    LinkNames names{};
     mappedBlock_t payload;
 
     agentTransfer_t() = default;
@@ -63,23 +63,23 @@ struct agentConnection_t {
 // linkEvents are the events of the link. Whoever opens them or makes them, the agent's stand-in
 // too, goes through this list.
 struct linkEvent_t {
-    const wchar_t* linkNames_t::*name;
+    const wchar_t* LinkNames::*name;
     CKernelHandle agentConnection_t::*handle;
     DWORD clientAccess;
     const char* missing; // as traced
 };
 inline constexpr linkEvent_t linkEvents[] = {
-    {&linkNames_t::acknowledge, &agentConnection_t::ackEvent, SYNCHRONIZE, "no AckEvent"},
-    {&linkNames_t::dataReady, &agentConnection_t::readyEvent, EVENT_MODIFY_STATE, "no ReadyEvent"},
+    {&LinkNames::acknowledge, &agentConnection_t::ackEvent, SYNCHRONIZE, "no AckEvent"},
+    {&LinkNames::dataReady, &agentConnection_t::readyEvent, EVENT_MODIFY_STATE, "no ReadyEvent"},
 };
 
 // _callserverprocess runs the whole exchange. Failures are traced, and readers of traces search for
 // this very name.
-void _callserverprocess(const linkNames_t& names, agentTransfer_t& transfer);
+void _callserverprocess(const LinkNames& names, agentTransfer_t& transfer);
 
 // connectToAgent takes the semaphore, without a time limit, and opens the agent's objects. What it
 // couldn't get stays null, and is traced.
-void connectToAgent(const linkNames_t& names, agentConnection_t& connection);
+void connectToAgent(const LinkNames& names, agentConnection_t& connection);
 
 // fillRequestBlock makes the payload block and writes body and request, all in one block.
 //

@@ -9,9 +9,9 @@ inline constexpr wchar_t agentWindowName[] = L"Veltrano Pro Agent"; // class and
 inline constexpr wchar_t restoreDoneName[] = L"WM_VL_AGENT_PMRESTOREDONE";
 inline constexpr wchar_t restore2DoneName[] = L"WM_VL_AGENT_PMRESTORE2DONE";
 
-// linkNames_t is one set of object names. The agent makes the first four objects; the plug-in makes
+// LinkNames is one set of object names. The agent makes the first four objects; the plug-in makes
 // a new payload block for each request.
-struct linkNames_t {
+struct LinkNames {
     const wchar_t* admission;    // semaphore, 1 of 1: the client that holds it is the one inside
     const wchar_t* acknowledge;  // event, the agent's answer
     const wchar_t* dataReady;    // event, the client's call
@@ -22,10 +22,10 @@ struct linkNames_t {
     const wchar_t* blockToBrowser;
 };
 
-enum linkSet_t { linkNipc, linkBipc, linkAipc };
+enum LinkSet { linkNipc, linkBipc, linkAipc };
 
 // Only the first set is ever selected here.
-inline constexpr linkNames_t linkSets[] = {
+inline constexpr LinkNames linkSets[] = {
     {L"VLMAX_NIPC_MUTEX", L"VLMAX_NIPC_BUFFER_READY", L"VLMAX_NIPC_DATA_READY",
      L"VLMAX_NIPC_BUFFER", 0x1000, L"VLTEMPLATE", L"BLOCK_TO_VL", L"BLOCK_TO_FF"},
     {L"VLMAX_BIPC_MUTEX", L"VLMAX_BIPC_BUFFER_READY", L"VLMAX_BIPC_DATA_READY",
@@ -34,14 +34,14 @@ inline constexpr linkNames_t linkSets[] = {
      L"VLMAX_AIPC_BUFFER", 0x1000, L"VLTEMPLATE", L"BLOCK_TO_VL", L"BLOCK_TO_FF"},
 };
 
-// requestHeader_t stands at offset 0 of the request buffer, little-endian; the name follows in
+// RequestHeader stands at offset 0 of the request buffer, little-endian; the name follows in
 // UTF-8, ended by a zero byte.
-struct requestHeader_t {
+struct RequestHeader {
     uint32_t command;
     uint32_t processId; // the client's
     uint32_t window;    // the low 32 bits of the agent's window handle
     uint32_t message;   // the number of the registered message
 };
-static_assert(sizeof(requestHeader_t) == 16);
+static_assert(sizeof(RequestHeader) == 16);
 
 inline constexpr uint32_t commandRestoreSecret = 2; // the only one

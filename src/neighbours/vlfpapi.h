@@ -8,8 +8,8 @@
 // function may be called on any thread and raises nothing; all are found by name with
 // GetProcAddress. Texts are UTF-16.
 
-// VLFPPolicyRecord_t is one setting in an exchange of policy settings.
-struct VLFPPolicyRecord_t {
+// VLFPPolicyRecord is one setting in an exchange of policy settings.
+struct VLFPPolicyRecord {
     const wchar_t* name;
     // out: 0 a value of the machine, 1 one of the user's own, 0x80070002 none, else a failure
     LONG status;
@@ -18,7 +18,7 @@ struct VLFPPolicyRecord_t {
     uint64_t value; // the value is the low 32 bits
     uint64_t reserved;
 };
-static_assert(sizeof(VLFPPolicyRecord_t) == 40);
+static_assert(sizeof(VLFPPolicyRecord) == 40);
 
 extern "C" {
 
@@ -29,14 +29,14 @@ extern "C" {
 // Source:  REG_DWORD values under HKEY_LOCAL_MACHINE, SOFTWARE\Veltrano\VLFPApi\Policy, named as
 //          the settings are; the same key under HKEY_CURRENT_USER for a setting that the machine
 //          doesn't have
-LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
+LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord* records);
 
 // VLFPSetPolicySettingsEx keeps the low 32 bits of each record's value for the machine and sets its
 // status.
 //
 // Returns: 0, or the first record's failure; the records after it are not written. A caller who
 //          may not write there gets 0x80070005: a policy of the machine never becomes one user's.
-LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records);
+LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord* records);
 
 // VLFPDoesSecretExist returns 1 if the calling user's store has the secret, else 0. The store is
 // that of the thread's user; user is only a part of the name under which the secret is kept.

@@ -22,7 +22,7 @@ namespace {
 constexpr VARTYPE namesType = VT_ARRAY | VT_BSTR;
 constexpr VARTYPE dataType = VT_ARRAY | VT_UI1;
 
-void Deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
+void deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
 {
     ATL::CComVariant local;
     array.Wrap(local);
@@ -30,14 +30,14 @@ void Deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
     handOver(output, local);
 }
 
-void DeliverNames(VARIANT* output)
+void deliverNames(VARIANT* output)
 {
     CVLBstrArray names;
     names.Add(secretName);
-    Deliver(names, namesType, output);
+    deliver(names, namesType, output);
 }
 
-void DeliverBackup(VARIANT* output)
+void deliverBackup(VARIANT* output)
 {
     CVLByteArray array;
     array.Add({}); // a backup of nothing is an empty array
@@ -46,10 +46,10 @@ void DeliverBackup(VARIANT* output)
     std::span<uint8_t> place;
     if (size > 0 && SUCCEEDED(array.Extend(size, place)))
         backup.Write(place.data());
-    Deliver(array, dataType, output);
+    deliver(array, dataType, output);
 }
 
-void RestoreCopyOf(const VARIANT* data)
+void restoreCopyOf(const VARIANT* data)
 {
     if (!data)
         raiseStatus(E_POINTER);
@@ -63,7 +63,7 @@ void RestoreCopyOf(const VARIANT* data)
 }
 
 // Only a restore that ran to its end is announced.
-void PostRestoreDone(WPARAM first, LPARAM second)
+void postRestoreDone(WPARAM first, LPARAM second)
 {
     if (const HWND window = findAgentWindow())
         PostMessageW(window, restoreDoneMessage(), first, second);
@@ -83,9 +83,9 @@ STDMETHODIMP CVLKTPages::GetStorageData(VARIANT* secretNames, VARIANT* storageDa
         const bool secretExists = DoesSecretExist(library.get());
         const bool dataPresent = CStorageData::IsStorageDataPresent();
         if (secretExists)
-            DeliverNames(secretNames);
+            deliverNames(secretNames);
         if (secretExists || dataPresent)
-            DeliverBackup(storageData);
+            deliverBackup(storageData);
     } catch (...) {
         frameStatus("GetStorageData"); // a failed backup shows in the trace alone
     }
@@ -96,8 +96,8 @@ STDMETHODIMP CVLKTPages::SetStorageData(VARIANT* storageData)
 {
     const traceScope_t scope("CVLKTPages::SetStorageData");
     try {
-        RestoreCopyOf(storageData);
-        PostRestoreDone(0, 0);
+        restoreCopyOf(storageData);
+        postRestoreDone(0, 0);
         return S_OK;
     } catch (...) {
         return frameStatus("SetStorageData");
@@ -108,8 +108,8 @@ STDMETHODIMP CVLKTPages::SetStorageData2(ULONG flags, VARIANT* storageData)
 {
     const traceScope_t scope("CVLKTPages::SetStorageData2");
     try {
-        RestoreCopyOf(storageData);
-        PostRestoreDone(flags >> 16, flags & 0xFFFF);
+        restoreCopyOf(storageData);
+        postRestoreDone(flags >> 16, flags & 0xFFFF);
         return S_OK;
     } catch (...) {
         return frameStatus("SetStorageData2");

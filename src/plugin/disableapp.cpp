@@ -24,7 +24,7 @@ using policyCall = decltype(&VLFPGetPolicySettingsEx);
 // Errors: raises the last error when the library or the function is missing, and the library's own
 //         failure
 // Source: VLFPApi.dll in the system folder
-void callPolicyLibrary(const char* function, VLFPPolicyRecord_t& record)
+void callPolicyLibrary(const char* function, VLFPPolicyRecord& record)
 {
     const CLoadedModule library(LoadLibraryW((sysdir() + L"VLFPApi.dll").c_str()));
     if (!library)
@@ -53,7 +53,7 @@ HRESULT CVLKTPages::GetGPOSettings(ULONG* value)
     const traceScope_t scope("GetGPOSettings"); // without the class. Intended.
     *value = 0;
     try {
-        VLFPPolicyRecord_t record{};
+        VLFPPolicyRecord record{};
         callPolicyLibrary("VLFPGetPolicySettingsEx", record);
         const HRESULT status = record.status;
         if (status == noSuchSetting)
@@ -72,7 +72,7 @@ STDMETHODIMP CVLKTPages::DisableLocal(ULONG disable)
     HRESULT result = S_OK;
     try {
         try {
-            VLFPPolicyRecord_t record{};
+            VLFPPolicyRecord record{};
             record.size = sizeof disable;
             record.value = disable;
             callPolicyLibrary("VLFPSetPolicySettingsEx", record);

@@ -11,9 +11,9 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
     if (systemRedirectsResources(osVersionAtStart()))
         return TRUE;
     if (reason == DLL_PROCESS_ATTACH)
-        SetResourceModule(LoadMuiModule(instance));
+        setResourceModule(LoadMuiModule(instance));
     else if (reason == DLL_PROCESS_DETACH)
-        if (const HMODULE language = SetResourceModule(nullptr))
+        if (const HMODULE language = setResourceModule(nullptr))
             FreeLibrary(language);
     return TRUE;
 }

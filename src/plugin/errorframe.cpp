@@ -10,10 +10,10 @@
 
 namespace {
 
-// tag_t is the operation's name with the clause's suffix. A disabled tracer needs no text.
-struct tag_t {
+// ClauseTag is the operation's name with the clause's suffix. A disabled tracer needs no text.
+struct ClauseTag {
     char text[64] = {};
-    tag_t(const char* operation, const char* clause) noexcept
+    ClauseTag(const char* operation, const char* clause) noexcept
     {
         if (!tracecore::traceDisabled)
             std::snprintf(text, sizeof text, "%s%s", operation, clause);
@@ -38,12 +38,12 @@ HRESULT frameStatus(const char* operation) noexcept
         throw;
     } catch (const std::exception& exception) {
         status = E_UNEXPECTED;
-        quietly([&] { tracecore::traceException(tag_t(operation, "[std]").text, exception); });
+        quietly([&] { tracecore::traceException(ClauseTag(operation, "[std]").text, exception); });
     } catch (const _com_error& error) {
         status = error.Error();
-        quietly([&] { tracecore::traceIfFailed(tag_t(operation, "[com]").text, status); });
+        quietly([&] { tracecore::traceIfFailed(ClauseTag(operation, "[com]").text, status); });
     } catch (...) {
-        quietly([&] { tracecore::traceStatus(tag_t(operation, "oo").text, 0); });
+        quietly([&] { tracecore::traceStatus(ClauseTag(operation, "oo").text, 0); });
     }
     return status;
 }

@@ -97,7 +97,7 @@ STDMETHODIMP_(ULONG) CNotification::Release()
     return count;
 }
 
-void CNotification::propertyInto(ULONG id, VARIANT& value)
+void CNotification::PropertyInto(ULONG id, VARIANT& value)
 {
     switch (id) {
     case notificationCaption:
@@ -139,7 +139,7 @@ STDMETHODIMP CNotification::GetProperty(ULONG id, VARIANT* value)
 {
     try {
         CComVariant property;
-        propertyInto(id, property);
+        PropertyInto(id, property);
         if (!value)
             return E_POINTER;
         return property.Detach(value);

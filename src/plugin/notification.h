@@ -38,7 +38,7 @@ public:
 
 private:
     ~CNotification() = default;
-    void propertyInto(ULONG id, VARIANT& value);
+    void PropertyInto(ULONG id, VARIANT& value);
 
     LONG m_count = 0;
     LONG m_level;

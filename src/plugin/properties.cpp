@@ -41,7 +41,7 @@ BSTR brandedText(UINT id)
 
 } // namespace
 
-const CVLKTPages::property_t CVLKTPages::m_properties[] = {
+const CVLKTPages::Property CVLKTPages::properties[] = {
     {propertyName, VT_BSTR,
      [](CVLKTPages&, VARIANT& out) { out.bstrVal = brandedText(IDS_PLUGIN_NAME); }},
     {propertyIconLocation, VT_BSTR,
@@ -71,8 +71,8 @@ STDMETHODIMP CVLKTPages::GetProperty(ULONG id, VARIANT* value)
         if (!value)
             raiseStatus(E_POINTER);
         VariantClear(value); // before the id is looked at, so that an unknown one empties it too
-        const auto known = std::ranges::find(m_properties, id, &property_t::id);
-        if (known == std::end(m_properties))
+        const auto known = std::ranges::find(properties, id, &Property::id);
+        if (known == std::end(properties))
             return unknownProperty;
         // The tag is set before the payload is computed, and stays if that raises; the payload is
         // then null, and not what the caller's cleared value left there.

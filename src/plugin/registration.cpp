@@ -16,13 +16,13 @@ constexpr wchar_t roleBackupRestore[] = L"UIElements\\BackupRestore";
 constexpr wchar_t roleTrayIcon[] = L"TrayIcon";
 
 // The user data that the uninstaller has to remove. Only it knows what the flags mean.
-struct cleanupRow_t {
+struct CleanupRow {
     const wchar_t* kind;
     const wchar_t* path;
     uint32_t flags;
     const wchar_t* name;
 };
-constexpr cleanupRow_t cleanupRows[] = {
+constexpr CleanupRow cleanupRows[] = {
     {L"HKU", dashboardCardKey, 0x8, nullptr},
     {L"HKU", dashboardKey, 0x1001, dashboardLastCategory},
     {L"HKU", dashboardCategoriesKey, 0x100C, nullptr},

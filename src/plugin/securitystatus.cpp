@@ -32,12 +32,12 @@ DWORD readStatusInput() noexcept
     return value;
 }
 
-struct status_t {
+struct CardStatus {
     ULONG status;
     UINT text; // the string's number
 };
 
-status_t statusFromInput(DWORD input) noexcept
+CardStatus statusFromInput(DWORD input) noexcept
 {
     switch (input) {
     case 0:
@@ -63,7 +63,7 @@ STDMETHODIMP CVLKTPages::GetStatus(ULONG* status, BSTR* text)
             *text = CComBSTR(GetBrandedString(IDS_STATUS_DISABLED)).Detach();
             raiseStatus(E_NOTIMPL);
         }
-        const status_t found = statusFromInput(readStatusInput());
+        const CardStatus found = statusFromInput(readStatusInput());
         *status = found.status;
         *text = CComBSTR(GetBrandedString(found.text)).Detach();
         return S_OK;

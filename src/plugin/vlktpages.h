@@ -47,13 +47,13 @@ public:
                                const BYTE* storage) override;
 
 private:
-    // property_t is one of the properties: value puts it into a VARIANT that has its type already.
-    struct property_t {
+    // Property is one of the properties: value puts it into a VARIANT that has its type already.
+    struct Property {
         ULONG id;
         VARTYPE type;
         void (*value)(CVLKTPages& pages, VARIANT& out);
     };
-    static const property_t m_properties[];
+    static const Property properties[];
 
     // GetGPOSettings reads the policy that switches the application off.
     //

@@ -25,7 +25,7 @@ std::wstring shortened(const std::string& text)
     return wide;
 }
 
-void traceGiven(const std::string& name, const std::string& target, bool isdlg,
+void tracegiven(const std::string& name, const std::string& target, bool isdlg,
                 const std::string& manifest, uint32_t profile)
 {
     traceFormatW(L"QL for: %s", shortpath_utf8(manifest).c_str());
@@ -59,7 +59,7 @@ void QL::add(const std::string& name, const std::string& target, const std::stri
     const traceScope_t scope("QL::add");
     const bool isdlg = isdlgpath(target);
     if (tracing && traceActive())
-        traceGiven(name, target, isdlg, manifest, profile);
+        tracegiven(name, target, isdlg, manifest, profile);
     const std::string_view file = fileNamePart(manifest);
     if (file.empty()) {
         traceNote("Cannot split manifest path");

@@ -10,7 +10,8 @@
 #include <string_view>
 #include <vector>
 
-// QL is the user's quick link file in memory. It belongs to the operation that built it: no locks,
+// QL is the user's quick link file in memory: quicklinks.cpp has its life and its changes,
+// recordfile.cpp the file's text, filter.cpp what a backup carries. It belongs to the operation that built it: no locks,
 // and two writers of the file overwrite each other. Nothing here raises unless memory runs out.
 //
 // A quick link is looked up by the file name of its manifest and its profile; the manifest's folder

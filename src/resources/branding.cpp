@@ -18,22 +18,22 @@ constexpr wchar_t defaultKey[] = L"SOFTWARE\\Veltrano\\Branding\\Common";
 constexpr char function[] = "CBranding::LoadResourceDLL";
 constexpr int pathSize = 260; // characters, of the key's path and of the DLL's
 
-struct loadedBranding_t {
+struct LoadedBranding {
     HMODULE module;
     std::wstring path;
 };
 
-// published_t frees the record at the end of the module; the branding DLL itself stays to the end
+// CPublished frees the record at the end of the module; the branding DLL itself stays to the end
 // of the process.
-struct published_t {
-    std::atomic<const loadedBranding_t*> record = nullptr;
+struct CPublished {
+    std::atomic<const LoadedBranding*> record = nullptr;
 
-    published_t() = default;
-    published_t(const published_t&) = delete;
-    published_t& operator=(const published_t&) = delete;
-    ~published_t() { std::unique_ptr<const loadedBranding_t>(record.exchange(nullptr)); }
+    CPublished() = default;
+    CPublished(const CPublished&) = delete;
+    CPublished& operator=(const CPublished&) = delete;
+    ~CPublished() { const std::unique_ptr<const LoadedBranding> last(record.exchange(nullptr)); }
 };
-[[gnu::init_priority(initCaches)]] published_t published;
+[[gnu::init_priority(initCaches)]] CPublished published;
 
 CRegistryKey openBrandingKey()
 {
@@ -80,8 +80,8 @@ HMODULE CBranding::LoadResourceDLL()
     CLoadedModule dll = loadDll(path);
     if (!dll)
         return nullptr;
-    auto own = std::make_unique<const loadedBranding_t>(loadedBranding_t{dll.get(), path});
-    const loadedBranding_t* first = nullptr;
+    auto own = std::make_unique<const LoadedBranding>(LoadedBranding{dll.get(), path});
+    const LoadedBranding* first = nullptr;
     if (!published.record.compare_exchange_strong(first, own.get(), std::memory_order_acq_rel))
         return first->module; // another thread was quicker: ours is freed
     (void)dll.release();

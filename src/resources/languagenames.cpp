@@ -5,21 +5,21 @@
 
 namespace {
 
-struct languageRow_t {
+struct LanguageRow {
     LANGID language;
     const wchar_t* name;
 };
 
-constexpr languageRow_t languages[] = {
+constexpr LanguageRow languages[] = {
 #include "resources/languagenames.inc" // made by generate/languagenames.cpp, in ascending order
 };
-static_assert(std::ranges::is_sorted(languages, {}, &languageRow_t::language));
+static_assert(std::ranges::is_sorted(languages, {}, &LanguageRow::language));
 
 } // namespace
 
 std::wstring_view languageName(LANGID language) noexcept
 {
-    const auto row = std::ranges::lower_bound(languages, language, {}, &languageRow_t::language);
+    const auto row = std::ranges::lower_bound(languages, language, {}, &LanguageRow::language);
     if (row == std::end(languages) || row->language != language)
         return {};
     return row->name;

@@ -7,16 +7,16 @@
 
 namespace {
 
-[[gnu::init_priority(initBaseModule)]] std::atomic<HMODULE> resourceModule{thisModule()};
+[[gnu::init_priority(initBaseModule)]] std::atomic<HMODULE> currentModule{thisModule()};
 
 } // namespace
 
-HMODULE ResourceModule() noexcept
+HMODULE resourceModule() noexcept
 {
-    return resourceModule.load(std::memory_order_acquire);
+    return currentModule.load(std::memory_order_acquire);
 }
 
-HMODULE SetResourceModule(HMODULE module) noexcept
+HMODULE setResourceModule(HMODULE module) noexcept
 {
-    return resourceModule.exchange(module, std::memory_order_acq_rel);
+    return currentModule.exchange(module, std::memory_order_acq_rel);
 }

@@ -50,7 +50,7 @@ int readString(HMODULE module, HRSRC resource, unsigned index, std::wstring& out
 std::wstring GetBrandedString(UINT id)
 {
     std::wstring text;
-    LoadStringFromModule(ResourceModule(), id, text);
+    LoadStringFromModule(resourceModule(), id, text);
     if (text.find(markerStart) != std::wstring::npos)
         ExpandProductName(text);
     return text;

@@ -4,7 +4,9 @@
 
 // Where things live on this machine, and the small path tools. Paths are UTF-16. Nothing here
 // raises on a missing path: a failed look-up is an empty text, and the caller decides what that
-// means. Every operation may be called on any thread.
+// means. Every operation may be called on any thread. The sources: bindir.cpp (the bin folder),
+// userfolders.cpp (the environment and the user's folders), shortpath.cpp and, for the rest,
+// pathtools.cpp.
 
 // The bin folder. There are three discoveries with rules of their own (bindir_discover,
 // bindir_plain and bindir_view64), and they differ on purpose.

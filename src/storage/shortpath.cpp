@@ -9,29 +9,29 @@
 
 namespace {
 
-struct prefixrow_t {
+struct PrefixRow {
     const wchar_t* prefix;
     std::wstring (*folder)();
 };
-constexpr prefixrow_t prefixrows[] = {
+constexpr PrefixRow prefixrows[] = {
     {L"kri::", appdata_templatesdir}, {L"krs::", appdata_rootdir}, {L"usr::", localappdata_rootdir},
     {L"dbg::", templates_bindir},     {L"bin::", bindir_plain},
 };
 constexpr size_t prefixcount = std::size(prefixrows);
 
-// prefixcache_t keeps the lower-case folder of each row from its first use on. Threads that meet at
+// PrefixCache keeps the lower-case folder of each row from its first use on. Threads that meet at
 // a first use may all look the folder up; the first to store it wins.
-class prefixcache_t
+class PrefixCache
 {
 public:
-    constexpr prefixcache_t() noexcept = default;
-    ~prefixcache_t()
+    constexpr PrefixCache() noexcept = default;
+    ~PrefixCache()
     {
         for (auto& folder : m_folders)
-            owned(folder.exchange(nullptr));
+            const owned last(folder.exchange(nullptr));
     }
-    prefixcache_t(const prefixcache_t&) = delete;
-    prefixcache_t& operator=(const prefixcache_t&) = delete;
+    PrefixCache(const PrefixCache&) = delete;
+    PrefixCache& operator=(const PrefixCache&) = delete;
 
     const std::wstring& folder(size_t row)
     {
@@ -48,7 +48,7 @@ private:
     using owned = std::unique_ptr<const std::wstring>;
     std::array<std::atomic<const std::wstring*>, prefixcount> m_folders{};
 };
-[[gnu::init_priority(initCaches)]] constinit prefixcache_t prefixcache;
+[[gnu::init_priority(initCaches)]] constinit PrefixCache prefixcache;
 
 } // namespace
 

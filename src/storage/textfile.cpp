@@ -66,7 +66,7 @@ MappedFile mapfile_open(const std::wstring& fileName)
 
 void mapfile_close(MappedFile& mapped)
 {
-    CMappedView(const_cast<uint8_t*>(std::exchange(mapped.view, nullptr))).reset();
+    const CMappedView last(const_cast<uint8_t*>(std::exchange(mapped.view, nullptr)));
 }
 
 void decodetext(const MappedFile& mapped, std::string& text)

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr const linkNames_t& names = linkSets[linkNipc];
+constexpr const LinkNames& names = linkSets[linkNipc];
 
 // The store takes no more than 1 MiB of UTF-16, which is at most this much UTF-8.
 constexpr size_t maximumValue = 0x180000;
@@ -25,7 +25,7 @@ constexpr size_t maximumValue = 0x180000;
 constexpr DWORD leaveTimeout = 5000;
 
 struct request_t {
-    requestHeader_t header{};
+    RequestHeader header{};
     std::optional<std::string> name; // none when it isn't terminated within the buffer
 };
 

@@ -8,7 +8,7 @@ constexpr wchar_t policyKey[] = L"SOFTWARE\\Veltrano\\VLFPApi\\Policy";
 constexpr LONG statusOfMachine = 0;
 constexpr LONG statusOfUser = 1;
 
-LSTATUS ReadSetting(HKEY root, const wchar_t* name, DWORD& value)
+LSTATUS readSetting(HKEY root, const wchar_t* name, DWORD& value)
 {
     DWORD type = 0;
     DWORD data = 0;
@@ -26,14 +26,14 @@ LSTATUS ReadSetting(HKEY root, const wchar_t* name, DWORD& value)
     return error;
 }
 
-LONG GetSetting(VLFPPolicyRecord_t& record)
+LONG getSetting(VLFPPolicyRecord& record)
 {
     DWORD value = 0;
     LONG status = statusOfMachine;
-    LSTATUS error = ReadSetting(HKEY_LOCAL_MACHINE, record.name, value);
+    LSTATUS error = readSetting(HKEY_LOCAL_MACHINE, record.name, value);
     if (error == ERROR_FILE_NOT_FOUND) {
         status = statusOfUser;
-        error = ReadSetting(HKEY_CURRENT_USER, record.name, value);
+        error = readSetting(HKEY_CURRENT_USER, record.name, value);
     }
     if (error != ERROR_SUCCESS)
         return statusFromError(static_cast<DWORD>(error));
@@ -42,7 +42,7 @@ LONG GetSetting(VLFPPolicyRecord_t& record)
     return status;
 }
 
-LONG SetSetting(const VLFPPolicyRecord_t& record)
+LONG setSetting(const VLFPPolicyRecord& record)
 {
     const auto value = static_cast<DWORD>(record.value);
     CRegistryKey key;
@@ -55,7 +55,7 @@ LONG SetSetting(const VLFPPolicyRecord_t& record)
     return statusFromError(static_cast<DWORD>(error));
 }
 
-bool AreUsable(uint32_t count, const VLFPPolicyRecord_t* records)
+bool areUsable(uint32_t count, const VLFPPolicyRecord* records)
 {
     if (!records)
         return false;
@@ -68,21 +68,21 @@ bool AreUsable(uint32_t count, const VLFPPolicyRecord_t* records)
 
 } // namespace
 
-LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records)
+LONG VLFPGetPolicySettingsEx(uint32_t count, VLFPPolicyRecord* records)
 {
-    if (!AreUsable(count, records))
+    if (!areUsable(count, records))
         return E_INVALIDARG;
     for (uint32_t i = 0; i < count; ++i)
-        records[i].status = GetSetting(records[i]);
+        records[i].status = getSetting(records[i]);
     return S_OK;
 }
 
-LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord_t* records)
+LONG VLFPSetPolicySettingsEx(uint32_t count, VLFPPolicyRecord* records)
 {
-    if (!AreUsable(count, records))
+    if (!areUsable(count, records))
         return E_INVALIDARG;
     for (uint32_t i = 0; i < count; ++i) {
-        records[i].status = SetSetting(records[i]);
+        records[i].status = setSetting(records[i]);
         if (FAILED(records[i].status))
             return records[i].status;
     }

@@ -13,12 +13,12 @@ namespace {
 
 constexpr DWORD largestSecret = 0x100000; // the registry is no place for more
 
-// CSecretEntry names the place of one secret: a key for the kind and user, a value for the name.
-struct CSecretEntry {
+// secretEntry_t names the place of one secret: a key for the kind and user, a value for the name.
+struct secretEntry_t {
     std::wstring key;
     const wchar_t* name;
 
-    CSecretEntry(const wchar_t* user, uint32_t kind, const wchar_t* valueName)
+    secretEntry_t(const wchar_t* user, uint32_t kind, const wchar_t* valueName)
         : key(L"SOFTWARE\\Veltrano\\VLFPApi\\Secrets\\" + std::to_wstring(kind) + L"\\"),
           name(valueName)
     {
@@ -27,29 +27,29 @@ struct CSecretEntry {
     }
 };
 
-bool AreNames(const wchar_t* user, const wchar_t* name)
+bool areNames(const wchar_t* user, const wchar_t* name)
 {
     return user && *user && name && *name;
 }
 
-LONG StatusOf(LSTATUS error)
+LONG statusOf(LSTATUS error)
 {
     return statusFromError(static_cast<DWORD>(error));
 }
 
 template <class Body>
-LONG WithEntry(const wchar_t* user, uint32_t kind, const wchar_t* name, Body body)
+LONG withEntry(const wchar_t* user, uint32_t kind, const wchar_t* name, Body body)
 {
-    if (!AreNames(user, name))
+    if (!areNames(user, name))
         return E_INVALIDARG;
     try {
-        return body(CSecretEntry(user, kind, name));
+        return body(secretEntry_t(user, kind, name));
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }
 }
 
-LSTATUS ReadProtected(const CSecretEntry& entry, std::vector<BYTE>& bytes)
+LSTATUS readProtected(const secretEntry_t& entry, std::vector<BYTE>& bytes)
 {
     CRegistryKey key;
     LSTATUS error =
@@ -79,9 +79,9 @@ LSTATUS ReadProtected(const CSecretEntry& entry, std::vector<BYTE>& bytes)
 
 LONG VLFPDoesSecretExist(const wchar_t* user, uint32_t kind, const wchar_t* name)
 {
-    return WithEntry(user, kind, name, [](const CSecretEntry& entry) -> LONG {
+    return withEntry(user, kind, name, [](const secretEntry_t& entry) -> LONG {
                std::vector<BYTE> bytes;
-               return ReadProtected(entry, bytes) == ERROR_SUCCESS ? 1 : 0;
+               return readProtected(entry, bytes) == ERROR_SUCCESS ? 1 : 0;
            }) == 1;
 }
 
@@ -90,7 +90,7 @@ LONG VLFPStoreSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, co
 {
     if (!value || size == 0 || size > largestSecret)
         return E_INVALIDARG;
-    return WithEntry(user, kind, name, [&](const CSecretEntry& entry) -> LONG {
+    return withEntry(user, kind, name, [&](const secretEntry_t& entry) -> LONG {
         DATA_BLOB plain = {size, const_cast<BYTE*>(value)}; // an input only, in spite of its type
         DATA_BLOB sealed = {};
         if (!CryptProtectData(&plain, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN,
@@ -104,7 +104,7 @@ LONG VLFPStoreSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, co
         if (error == ERROR_SUCCESS)
             error =
                 RegSetValueExW(key.get(), entry.name, 0, REG_BINARY, sealed.pbData, sealed.cbData);
-        return StatusOf(error);
+        return statusOf(error);
     });
 }
 
@@ -113,34 +113,34 @@ LONG VLFPReadSecret(const wchar_t* user, uint32_t kind, const wchar_t* name, BYT
 {
     if (!size)
         return E_INVALIDARG;
-    return WithEntry(user, kind, name, [&](const CSecretEntry& entry) -> LONG {
+    return withEntry(user, kind, name, [&](const secretEntry_t& entry) -> LONG {
         std::vector<BYTE> bytes;
-        const LSTATUS error = ReadProtected(entry, bytes);
+        const LSTATUS error = readProtected(entry, bytes);
         if (error != ERROR_SUCCESS)
-            return StatusOf(error);
+            return statusOf(error);
         DATA_BLOB sealed = {static_cast<DWORD>(bytes.size()), bytes.data()};
         DATA_BLOB plain = {};
         if (bytes.empty() || !CryptUnprotectData(&sealed, nullptr, nullptr, nullptr, nullptr,
                                                  CRYPTPROTECT_UI_FORBIDDEN, &plain))
-            return StatusOf(ERROR_INVALID_DATA);
+            return statusOf(ERROR_INVALID_DATA);
         const CLocalMemory owner(plain.pbData);
         const bool fits = value && *size >= plain.cbData;
         if (fits)
             std::memcpy(value, plain.pbData, plain.cbData);
         *size = plain.cbData;
         SecureZeroMemory(plain.pbData, plain.cbData);
-        return fits || !value ? S_OK : StatusOf(ERROR_MORE_DATA);
+        return fits || !value ? S_OK : statusOf(ERROR_MORE_DATA);
     });
 }
 
 LONG VLFPDeleteSecret(const wchar_t* user, uint32_t kind, const wchar_t* name)
 {
-    return WithEntry(user, kind, name, [](const CSecretEntry& entry) -> LONG {
+    return withEntry(user, kind, name, [](const secretEntry_t& entry) -> LONG {
         CRegistryKey key;
         LSTATUS error =
             RegOpenKeyExW(HKEY_CURRENT_USER, entry.key.c_str(), 0, KEY_SET_VALUE, key.put());
         if (error == ERROR_SUCCESS)
             error = RegDeleteValueW(key.get(), entry.name);
-        return StatusOf(error);
+        return statusOf(error);
     });
 }

@@ -12,21 +12,21 @@ std::wstring textof(BSTR text)
     return std::wstring(text ? text : L"", SysStringLen(text));
 }
 
-struct answer_t {
+struct Answer {
     std::wstring text;
     bool isStored;
 };
 
-answer_t settingtext(const SettingDef& setting, bool expanded)
+Answer settingtext(const SettingDef& setting, bool expanded)
 {
     const auto stored =
         readtext(HKEY_CURRENT_USER, settingsKey, setting.key, expanded ? expandedText : rawText);
-    return stored ? answer_t{*stored, true} : answer_t{defaulttext(setting, expanded), false};
+    return stored ? Answer{*stored, true} : Answer{defaulttext(setting, expanded), false};
 }
 
 std::wstring diagnosis(const SettingDef& setting)
 {
-    const answer_t answer = settingtext(setting, true);
+    const Answer answer = settingtext(setting, true);
     const std::wstring source =
         answer.isStored ? std::wstring(LR"(HKEY_CURRENT_USER\)") + settingsKey : L"default";
     return std::wstring(setting.key) + L" = '" + answer.text + L"' (" + source + L")";

@@ -45,7 +45,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         std::fill_n(m_payload.bytes, 100, 'x');
         std::fill_n(m_request.bytes, 100, 'x');
         EXPECT_EQ(set(list, seq({seq({filePair(L"new.vlm", "new")}), seq({})})), S_OK);
-        const auto& header = *reinterpret_cast<const requestHeader_t*>(m_request.bytes);
+        const auto& header = *reinterpret_cast<const RequestHeader*>(m_request.bytes);
         EXPECT_EQ(header.message, restore2DoneMessage());
         EXPECT_STREQ(m_request.bytes + sizeof header, "KRS Protected Storage");
         EXPECT_EQ(m_payload.bytes, body);

@@ -16,13 +16,13 @@ constexpr wchar_t setting[] = L"CommonSettings\\DisableApps";
 TEST(PolicyLibrary, TheMachinesValueComesBeforeTheUsers)
 {
     const auto asked = [] {
-        VLFPPolicyRecord_t records[] = {{L"Other", 0, 0, 0, 6, 0}, {setting, 0, 0, 0, 5, 0}};
+        VLFPPolicyRecord records[] = {{L"Other", 0, 0, 0, 6, 0}, {setting, 0, 0, 0, 5, 0}};
         EXPECT_EQ(VLFPGetPolicySettingsEx(2, records), S_OK);
         EXPECT_EQ(records[0].status, notFound);
         return std::tuple(records[1].status, records[1].size, records[1].value);
     };
     const DWORD own = 7;
-    VLFPPolicyRecord_t record = {setting, 0, 0, 4, 0xFFFFFFFF00000002, 0};
+    VLFPPolicyRecord record = {setting, 0, 0, 4, 0xFFFFFFFF00000002, 0};
     EXPECT_EQ(asked(), std::tuple(notFound, 0u, 5u));
     RegSetKeyValueW(HKEY_CURRENT_USER, policyKey, setting, REG_DWORD, &own, sizeof own);
     EXPECT_EQ(asked(), std::tuple(1, 4u, 7u));
