@@ -1,8 +1,8 @@
-#include "backup/filename.h"
 #include "backup/settingsdocument.h"
 #include "backup/storagedata.h"
 #include "common/status.h"
 #include "common/text.h"
+#include "formats/text/pathpart.h"
 #include "quicklinks/categories.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/folderlist.h"
@@ -26,13 +26,13 @@ constexpr size_t largestCopiedFile = 0x10000;
 
 constexpr uint32_t webLink = 1;
 
-std::wstring PersonalFolder()
+std::wstring personalFolder()
 {
     return addslash(unifyslashes(settings_getpath(L"path_localstorage_dir")));
 }
 
-// SetFile fills a node with a file's bytes. What can't be read has none.
-void SetFile(CDerNode& node, const std::wstring& fileName)
+// setFile fills a node with a file's bytes. What can't be read has none.
+void setFile(CDerNode& node, const std::wstring& fileName)
 {
     const auto file = std::make_shared<mappedfile_scope>(fileName);
     const std::span<const uint8_t> bytes(file->get().view, file->get().size);
@@ -45,18 +45,13 @@ void SetFile(CDerNode& node, const std::wstring& fileName)
     node.SetOctets({copy.get(), bytes.size()}, copy);
 }
 
-std::wstring StoredName(const FileRec& file)
-{
-    return file.alien ? L"alien|" + file.folder + file.name : file.name;
-}
-
-void SetQuickLink(CDerNode& node, const QLRecord& record)
+void setQuickLink(CDerNode& node, const QLRecord& record)
 {
     const std::string& target = record.kind == webLink ? record.url : record.dlgpath;
     node.SetSequence(6);
     node.Child(0).SetWide(wideFromUtf8(record.name));
     node.Child(1).SetWide(wideFromUtf8(target.c_str()));
-    node.Child(2).SetWide(FileNamePart(wideFromUtf8(record.manifest)));
+    node.Child(2).SetWide(fileNamePart(wideFromUtf8(record.manifest)));
     node.Child(3).SetInteger(record.profile);
     node.Child(4).SetWide(wideFromUtf8(record.manifestid));
     node.Child(5).SetInteger(record.wocred ? 1 : 0);
@@ -66,7 +61,7 @@ void SetQuickLink(CDerNode& node, const QLRecord& record)
 
 bool CStorageData::IsStorageDataPresent()
 {
-    const std::wstring folder = PersonalFolder();
+    const std::wstring folder = personalFolder();
     if (folder.empty())
         return false;
     bool hasData = fileexists(folder + dataFile);
@@ -84,7 +79,7 @@ HRESULT CStorageData::ExportTemplates(CDerNode* slot)
     std::vector<FileRec> files;
     prepfolderlist(folders);
     collectall(folders, files);
-    const std::wstring folder = PersonalFolder();
+    const std::wstring folder = personalFolder();
     if (!folder.empty()) {
         files.push_back({folder, dataFile, false});
         files.push_back({folder, temporaryDataFile, false});
@@ -95,8 +90,8 @@ HRESULT CStorageData::ExportTemplates(CDerNode* slot)
     for (size_t i = 0; i < files.size(); ++i) {
         CDerNode& pair = slot->Child(i);
         pair.SetSequence(2);
-        pair.Child(0).SetWide(StoredName(files[i]));
-        SetFile(pair.Child(1), files[i].folder + files[i].name);
+        pair.Child(0).SetWide(storedname(files[i]));
+        setFile(pair.Child(1), files[i].folder + files[i].name);
     }
     return S_OK;
 }
@@ -106,7 +101,7 @@ bool CStorageData::ExportQuickLinks(CDerNode& slot)
     const QL quickLinks;
     slot.SetSequence(quickLinks.filtered.size());
     for (size_t i = 0; i < quickLinks.filtered.size(); ++i)
-        SetQuickLink(slot.Child(i), quickLinks.filtered[i]);
+        setQuickLink(slot.Child(i), quickLinks.filtered[i]);
     return !quickLinks.filtered.empty();
 }
 

@@ -1,6 +1,6 @@
-#include "backup/filename.h"
 #include "backup/storagedata.h"
 #include "common/scoped.h"
+#include "formats/text/pathpart.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
@@ -44,7 +44,7 @@ std::wstring TargetOf(const std::wstring& storedName, const std::wstring& dir)
 {
     bool alien = false;
     const std::wstring name = stripalienmark(storedName, alien);
-    return alien ? name : dir + FileNamePart(name);
+    return alien ? name : dir + std::wstring(fileNamePart(name));
 }
 
 void RestoreTemplate(const CDerElement& element, const std::wstring& dir)

@@ -2,6 +2,7 @@
 
 #include "common/scoped.h"
 #include "common/status.h"
+#include "formats/backup/storedmark.h"
 #include "security/objectsecurity.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
@@ -219,4 +220,12 @@ void collectall(const FolderSet& folders, std::vector<FileRec>& files)
         if (islocal(folder))
             enumfnames(folder, files);
     }
+}
+
+std::wstring storedname(const FileRec& file)
+{
+    std::wstring name = file.name;
+    if (file.alien)
+        name.insert(0, file.folder).insert(0, storedMark<wchar_t>);
+    return name;
 }

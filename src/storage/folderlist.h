@@ -47,3 +47,6 @@ void enumfnames(const FolderRec& folder, std::vector<FileRec>& files);
 // collectall is enumfnames of every local folder, in the set's order. Network folders are not
 // listed.
 void collectall(const FolderSet& folders, std::vector<FileRec>& files);
+
+// storedname is the name that a backup stores a file by: with the mark and the full path, or bare.
+std::wstring storedname(const FileRec& file);

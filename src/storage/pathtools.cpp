@@ -1,5 +1,6 @@
 #include "common/osversion.h"
 #include "common/scoped.h"
+#include "formats/backup/storedmark.h"
 #include "storage/paths.h"
 
 #include <windows.h>
@@ -14,7 +15,6 @@
 namespace {
 
 constexpr std::wstring_view longprefix = LR"(\\?\)";
-constexpr std::wstring_view alienmark = L"alien|";
 constexpr wchar_t separators[] = LR"(\/)";
 constexpr size_t longformLength = 249;
 
@@ -108,13 +108,13 @@ std::wstring longform(const std::wstring& path)
 
 bool hasalienmark(const std::wstring& text)
 {
-    return text.starts_with(alienmark);
+    return text.starts_with(storedMark<wchar_t>);
 }
 
 std::wstring stripalienmark(const std::wstring& text, bool& hadMark)
 {
     hadMark = hasalienmark(text);
-    return hadMark ? text.substr(alienmark.size()) : text;
+    return hadMark ? text.substr(storedMark<wchar_t>.size()) : text;
 }
 
 bool direxists(const std::wstring& path)

@@ -29,10 +29,8 @@ std::vector<storedFile_t> filesToStore()
     prepfolderlist(folders);
     collectall(folders, found);
     std::vector<storedFile_t> files;
-    for (const auto& file : found) {
-        const std::wstring path = file.folder + file.name;
-        files.push_back({utf8FromWide(file.alien ? L"alien|" + path : file.name), path});
-    }
+    for (const auto& file : found)
+        files.push_back({utf8FromWide(storedname(file)), file.folder + file.name});
     const std::wstring personal = addslash(unifyslashes(personalFolder()));
     for (const wchar_t* name : {L"updata.vls", L"updata_temp.vls"})
         files.push_back({utf8FromWide(name), personal + name, false});

@@ -1,6 +1,7 @@
 #include "formats/backup/backupjudge.h"
 
 #include "formats/backup/storednames.h"
+#include "formats/text/pathpart.h"
 #include "formats/text/unicode.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ public:
             Find(Grade::error, "holds a path, which a restore drops");
         else
             Part(file.name);
-        Extension(fileNamePart(file.target), file.alien);
+        Extension(std::string(fileNamePart(file.target)), file.alien);
         // A data file that isn't on the disk is stored as an empty one.
         const bool data = file.name == "updata.vls" || file.name == "updata_temp.vls";
         if (file.content.empty() && !data)
@@ -84,7 +85,7 @@ public:
         }
         if (link.name.empty() || link.target.empty())
             Find(Grade::error, "has no name or no target; a restore drops it");
-        const std::string manifest = fileNamePart(link.manifest);
+        const std::string manifest(fileNamePart(link.manifest));
         if (manifest.empty())
             Find(Grade::error, "names no template; a restore drops it");
         else if (manifest != link.manifest)

@@ -1,9 +1,11 @@
 #include "formats/backup/backupview.h"
 
 #include "formats/backup/backupjudge.h"
+#include "formats/backup/storedmark.h"
 #include "formats/backup/storednames.h"
 #include "formats/der/derheader.h"
 #include "formats/der/derreader.h"
+#include "formats/text/pathpart.h"
 #include "formats/text/unicode.h"
 
 #include <algorithm>
@@ -185,9 +187,9 @@ void CBackupView::DecodeFiles(const CDerElement& element)
             Find(Grade::error, where, "no name; a restore writes no file");
             continue;
         }
-        static constexpr std::string_view mark = "alien|";
-        file.alien = file.name.starts_with(mark);
-        file.target = file.alien ? file.name.substr(mark.size()) : fileNamePart(file.name);
+        file.alien = file.name.starts_with(storedMark<char>);
+        file.target = file.alien ? file.name.substr(storedMark<char>.size())
+                                 : std::string(fileNamePart(file.name));
         file.place = i;
         files.push_back(std::move(file));
     }

@@ -97,12 +97,6 @@ bool endsAsProgram(std::string_view lower)
 
 } // namespace
 
-std::string fileNamePart(const std::string& path)
-{
-    const size_t separator = path.find_last_of("\\/:");
-    return separator == std::string::npos ? path : path.substr(separator + 1);
-}
-
 std::u16string caseKey(const std::string& text)
 {
     std::u16string out = utf16FromUtf8(text);

@@ -6,10 +6,6 @@
 // What the names in a backup mean to a restore, judged by their text alone: on the machine where a
 // backup is looked at, its paths may not exist. Portable. Names are UTF-8.
 
-// fileNamePart gives what follows the last separator, which is what a restore keeps of a name for
-// the personal folder.
-std::string fileNamePart(const std::string& path);
-
 // pathKey gives the key of a full path, on a drive or a network share; two paths of one file have
 // the same key: prefixes such as \\?\ are gone, separators are backslashes and single, "." and ".."
 // are resolved, dots and blanks at the ends of parts are dropped, letters are lower-case.
