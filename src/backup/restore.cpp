@@ -3,12 +3,11 @@
 #include "backup/settingsdocument.h"
 #include "backup/storagedata.h"
 #include "common/status.h"
-#include "formats/der/derview.h"
+#include "formats/backup/records.h"
 #include "quicklinks/categories.h"
 #include "tracecore/tracer.h"
 
 #include <windows.h>
-#include <wincrypt.h>
 
 #include <algorithm>
 #include <new>
@@ -17,26 +16,16 @@ using namespace tracecore;
 
 namespace {
 
-// The loan's readers don't write, in spite of its type.
-_CRYPTOAPI_BLOB LoanOf(const CDerElement& element)
+void restoreElements(const CDerSequenceView& backup, const BackupVersion& version)
 {
-    const std::span<const uint8_t> bytes = element.Encoded();
-    return {static_cast<DWORD>(bytes.size()), const_cast<BYTE*>(bytes.data())};
-}
-
-void RestoreElements(const CDerSequenceView& backup)
-{
-    const size_t count = backup.Count();
+    const CDerElement categories = backup[2];
+    const CDerElement settings = backup[3];
     CStorageData::RestoreTemplates(backup[0]);
-    CStorageData::RestoreQuickLinks(backup[1], count == 2 ? TextForm::Octets : TextForm::Wide);
-    if (count >= 3) {
-        const _CRYPTOAPI_BLOB categories = LoanOf(backup[2]);
+    CStorageData::RestoreQuickLinks(backup[1], version.linkTexts);
+    if (version.categories)
         qlcategories_restore(&categories);
-    }
-    if (count == 4) { // not of five or more
-        const _CRYPTOAPI_BLOB settings = LoanOf(backup[3]);
+    if (version.settings)
         RestoreSettings(&settings);
-    }
 }
 
 } // namespace
@@ -45,9 +34,11 @@ void RestoreBackup(std::span<const uint8_t> bytes)
 {
     try {
         CDerSequenceView backup;
-        if (!backup.Decode(bytes) || backup.Count() < 2)
+        (void)backup.Decode(bytes); // bytes that are no backup have no elements
+        const BackupVersion version = versionOf(backup.Count());
+        if (!version.restorable)
             raiseStatus(E_UNEXPECTED);
-        RestoreElements(backup);
+        restoreElements(backup, version);
     } catch (const std::bad_alloc&) {
         raiseStatus(E_OUTOFMEMORY);
     }

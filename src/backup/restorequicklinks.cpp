@@ -1,6 +1,5 @@
 #include "backup/storagedata.h"
 #include "common/text.h"
-#include "formats/text/unicode.h"
 #include "quicklinks/quicklinks.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
@@ -12,24 +11,17 @@ using namespace tracecore;
 
 namespace {
 
-std::string TextOf(const CDerElement& element, TextForm form)
-{
-    return form == TextForm::Wide ? utf8FromUtf16(element.WideText())
-                                  : std::string(element.NarrowText());
-}
-
-void RestoreQuickLink(QL& quickLinks, const CDerElement& element, TextForm form,
+void restoreQuickLink(QL& quickLinks, const CDerElement& element, TextForm form,
                       const std::string& prefix)
 {
     CDerSequenceView record;
-    if (!record.Decode(element) || (record.Count() != 5 && record.Count() != 6))
+    BackupLink link;
+    if (!record.Decode(element) || !decodeLink(record, form, link))
         return;
-    const std::string manifest = prefix + TextOf(record[2], form);
+    const std::string manifest = prefix + link.manifest;
     if (traceActive())
         traceFormat(0, "bs3: %ls", wideFromUtf8(manifest).c_str());
-    const bool withoutCredentials = record[5].Integer() == 1; // a missing element is no integer
-    quickLinks.add(TextOf(record[0], form), TextOf(record[1], form), manifest, record[3].Integer(),
-                   TextOf(record[4], form), withoutCredentials);
+    quickLinks.add(link.name, link.target, manifest, link.profile, link.manifestid, link.wocred);
 }
 
 } // namespace
@@ -52,6 +44,6 @@ void CStorageData::RestoreQuickLinks(const CDerElement& element, TextForm form)
         return;
     QL quickLinks;
     for (const CDerElement& record : records)
-        RestoreQuickLink(quickLinks, record, form, prefix);
+        restoreQuickLink(quickLinks, record, form, prefix);
     quickLinks.flush();
 }

@@ -2,14 +2,13 @@
 
 #include "common/scoped.h"
 #include "common/text.h"
-#include "formats/der/derview.h"
+#include "formats/backup/records.h"
 #include "storage/settings.h"
 #include "storage/textfile.h"
 #include "tracecore/tracer.h"
 
 #include <windows.h>
 #include <comdef.h>
-#include <wincrypt.h>
 
 #include <memory>
 #include <sstream>
@@ -145,17 +144,15 @@ bool ReadDocument(const CDerElement& element, NewSettings& found)
     return true;
 }
 
-void ReadLegacy(const CDerSequenceView& elements, NewSettings& found)
+void ReadLegacy(const LegacySettings& legacy, NewSettings& found)
 {
-    found.prompt = elements[0].Integer() == 1 ? storedTrue : storedFalse;
-    const std::u16string key = elements[1].WideText();
-    found.hotKey.assign(key.begin(), key.end());
-    if (elements.Count() != 3)
+    found.prompt = legacy.showPrompt ? storedTrue : storedFalse;
+    found.hotKey.assign(legacy.hotKey.begin(), legacy.hotKey.end());
+    if (legacy.dontPromptList.empty())
         return;
     found.listPath = settings_getpath(listFile.key);
     // The whole element, tag and length with it, is the text. Intended.
-    const std::span<const uint8_t> encoded = elements[2].Encoded();
-    const std::string text(encoded.begin(), encoded.end());
+    const std::string text(legacy.dontPromptList.begin(), legacy.dontPromptList.end());
     found.listText = wideFromUtf8(UpToZero(text));
 }
 
@@ -221,21 +218,20 @@ bool ExportSettings(CDerNode* slot)
     return true;
 }
 
-bool RestoreSettings(const _CRYPTOAPI_BLOB* element)
+bool RestoreSettings(const CDerElement* element)
 {
     if (!element) {
         traceFormat(0, "Invalid BLOB pointer.");
         return false;
     }
     CDerSequenceView elements; // stays without any when the element isn't a sequence
-    if (element->pbData)
-        static_cast<void>(elements.Decode({element->pbData, element->cbData}));
+    static_cast<void>(elements.Decode(*element));
     NewSettings found;
     if (elements.Count() == 1) {
         if (!ReadDocument(elements[0], found))
             return false;
     } else if (elements.Count() >= 2) {
-        ReadLegacy(elements, found);
+        ReadLegacy(decodeLegacySettings(elements), found);
     } else {
         traceStatus("Unsupported settings format.", 0);
         return false;

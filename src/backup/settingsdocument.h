@@ -6,7 +6,7 @@
 
 #include <json/forwards.h>
 
-struct _CRYPTOAPI_BLOB;
+class CDerElement;
 
 // The settings element of a backup: a sequence of one narrow text, a JSON document. Backups of
 // earlier versions hold two typed elements or more instead: an integer for the training prompt
@@ -35,7 +35,7 @@ bool ExportSettings(CDerNode* slot);
 // Returns: true when the settings were applied; a refusal is traced
 // Errors:  std::exception from the library, for a text member that is no text and for members of a
 //          value that is no object; nothing is applied then
-bool RestoreSettings(const _CRYPTOAPI_BLOB* element);
+bool RestoreSettings(const CDerElement* element);
 
 // jv2s writes a JSON value as one line without a line feed; null and empty containers give empty
 // text. Raises nothing: a failure is traced and text is empty.

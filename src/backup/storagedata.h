@@ -1,15 +1,10 @@
 #pragma once
 
+#include "formats/backup/records.h"
 #include "formats/der/dernode.h"
 #include "formats/der/derview.h"
 
 #include <windows.h>
-
-// TextForm is the form in which the text elements of a quick link record are stored.
-enum class TextForm {
-    Wide,  // BMPString
-    Octets // OCTET STRING, UTF-8 already: the form in backups of two elements
-};
 
 // CStorageData gathers the user's templates, quick links, categories and settings into the elements
 // of a backup, and puts templates and quick links back. It holds no state: each operation reads

@@ -1,11 +1,10 @@
 #include "quicklinks/categories.h"
 
 #include "common/registry.h"
-#include "formats/der/derview.h"
+#include "formats/backup/records.h"
 #include "neighbours/dashboardkeys.h"
 
 #include <windows.h>
-#include <wincrypt.h>
 
 #include <string>
 #include <string_view>
@@ -68,25 +67,24 @@ bool qlcategories_backup(CDerNode* out)
     return count > 0;
 }
 
-void qlcategories_restore(const _CRYPTOAPI_BLOB* blob)
+void qlcategories_restore(const CDerElement* list)
 {
-    if (!blob)
+    if (!list)
         return;
     RegDeleteKeyW(HKEY_CURRENT_USER, dashboardCategoriesKey);
     if (const CRegistryKey dashboard =
             openKey(HKEY_CURRENT_USER, dashboardKey, KEY_READ | KEY_WRITE))
         settext(dashboard.get(), dashboardLastCategory, {});
-    CDerSequenceView list; // what can't be decoded is empty, here and below
-    if (blob->pbData)
-        (void)list.Decode({blob->pbData, blob->cbData});
+    CDerSequenceView pairs; // what can't be decoded is empty, here and below
+    (void)pairs.Decode(*list);
     CRegistryKey key;
     if (RegCreateKeyExW(HKEY_CURRENT_USER, dashboardCategoriesKey, 0, nullptr, 0,
                         KEY_READ | KEY_WRITE, nullptr, key.put(), nullptr) != ERROR_SUCCESS)
         return;
-    for (const CDerElement& element : list) {
+    for (const CDerElement& element : pairs) {
         CDerSequenceView pair;
         (void)pair.Decode(element);
-        const std::u16string name = pair[0].WideText();
-        settext(key.get(), std::wstring(name.begin(), name.end()), pair[1].WideText());
+        const StoredCategory category = decodeCategory(pair);
+        settext(key.get(), std::wstring(category.name.begin(), category.name.end()), category.text);
     }
 }

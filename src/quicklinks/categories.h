@@ -2,7 +2,7 @@
 
 #include "formats/der/dernode.h"
 
-struct _CRYPTOAPI_BLOB;
+class CDerElement;
 
 // The user's quick link categories: names and texts that the dashboard keeps as string values in
 // HKEY_CURRENT_USER, SOFTWARE\Veltrano\Applications\DashBoard\QLCategories. They are passed on
@@ -23,4 +23,4 @@ bool qlcategories_backup(CDerNode* out);
 //
 // Errors: std::bad_alloc
 // Source: RegDeleteKeyW, RegCreateKeyExW, RegSetValueExW; their failures are ignored
-void qlcategories_restore(const _CRYPTOAPI_BLOB* blob);
+void qlcategories_restore(const CDerElement* list);

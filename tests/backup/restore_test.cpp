@@ -148,7 +148,7 @@ TEST_F(Restore, EachPairIsWrittenWhereItSaysAndAFailureCostsThatFileAlone)
 
 TEST_F(Restore, ARecordBecomesAQuickLinkByItsForm)
 {
-    constexpr TextForm now = TextForm::Wide, before = TextForm::Octets;
+    constexpr TextForm now = TextForm::wide, before = TextForm::octets;
     const std::tuple<bytes, TextForm, std::string> cases[] = {
         // The link's name, profile and whether without credentials; none.
         {record(wide(L"\x00E9"), integer(7), {integer(1)}), now, "\xC3\xA9 7 1"},
@@ -171,10 +171,10 @@ TEST_F(Restore, ARecordBecomesAQuickLinkByItsForm)
             links += link.name + ' ' + std::to_string(link.profile) + (link.wocred ? " 1" : " 0");
         EXPECT_EQ(links, expected);
     }
-    // The folder is lower-cased with one separator, the name behind it stays as it is.
+    // The folder is lower-cased with one separator, the name after it stays as it is.
     m_settings.values[L"path_localstorage_dir"] = L"C:/Some\\Folder/";
     const bytes mixed = seq({seq({wide(L"n"), wide(L"t"), wide(L"A/M.vlm"), none, none})});
-    CStorageData::RestoreQuickLinks(CDerElement(mixed), TextForm::Wide);
+    CStorageData::RestoreQuickLinks(CDerElement(mixed), TextForm::wide);
     EXPECT_TRUE(traced(L"U bs3: c:/some/folder/A/M.vlm"));
 }
 

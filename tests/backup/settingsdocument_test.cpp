@@ -1,13 +1,11 @@
 #include "backup/settingsdocument.h"
 
 #include "common/text.h"
+#include "formats/der/derview.h"
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
 #include "support/tracedecoder.h"
 #include "support/tracerecorder.h"
-
-#include <windows.h>
-#include <wincrypt.h>
 
 #include <filesystem>
 #include <fstream>
@@ -24,13 +22,13 @@ bytes documentOf(const std::string& current)
 }
 
 struct SettingsDocument : testing::Test {
-    // restored tells how a restore ended, what it traced and the settings then; and forgets them.
-    std::wstring restored(bytes encoded)
+    // restored gives how a restore ended, what it traced and the settings then; and forgets them.
+    std::wstring restored(const bytes& encoded)
     {
-        const CRYPT_DATA_BLOB blob{static_cast<DWORD>(encoded.size()), encoded.data()};
+        const CDerElement element(encoded);
         std::wstring all;
         try {
-            all = RestoreSettings(&blob) ? L"true" : L"false";
+            all = RestoreSettings(&element) ? L"true" : L"false";
         } catch (const std::exception& exception) {
             all = wideFromUtf8(exception.what());
         }
@@ -48,7 +46,7 @@ struct SettingsDocument : testing::Test {
 TEST_F(SettingsDocument, ListTravelsAndIsNotWrittenBack)
 {
     const std::string list = "a\r\xE9\xC3\xA9\xFF\x7F\"\x01"; // not all of it UTF-8
-    std::ofstream(listFile, std::ios::binary) << list << '\0' << "behind";
+    std::ofstream(listFile, std::ios::binary) << list << '\0' << "beyond";
     settings.values = {{L"path_dontpromptlist_filename", listFile},
                        {L"open_guard_desk_qa", L"\"\u00E9"},
                        {L"show_training_prompt_def", L"1"},
@@ -127,12 +125,12 @@ TEST_F(SettingsDocument, LegacyElementsSetPromptAndHotKeyAndHalfTheList)
     for (const auto& [encoded, prompt, list] : cases) { // the list as it is written
         std::filesystem::remove(listFile);
         settings.values = {{L"path_dontpromptlist_filename", listFile}};
-        std::wstring told = L"true";
+        std::wstring traces = L"true";
         if (!list.empty())
-            told +=
+            traces +=
                 L"|U file name='" + file + L"', dataLen = " + std::to_wstring(list.size()) + L".";
-        told += L"|open_guard_desk_qa=K|path_dontpromptlist_filename=" + file;
-        EXPECT_EQ(restored(encoded), told + L"|show_training_prompt=" + prompt);
+        traces += L"|open_guard_desk_qa=K|path_dontpromptlist_filename=" + file;
+        EXPECT_EQ(restored(encoded), traces + L"|show_training_prompt=" + prompt);
         EXPECT_EQ(fileBytes(listFile), list);
     }
 }

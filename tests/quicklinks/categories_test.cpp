@@ -1,9 +1,9 @@
 #include "quicklinks/categories.h"
 
 #include "common/scoped.h"
+#include "formats/der/derview.h"
 
 #include <windows.h>
-#include <wincrypt.h>
 
 #include <string>
 
@@ -32,10 +32,10 @@ std::wstring valuesOf(const wchar_t* path)
     return all;
 }
 
-void restore(bytes encoded)
+void restore(const bytes& encoded)
 {
-    const CRYPT_DATA_BLOB blob{static_cast<DWORD>(encoded.size()), encoded.data()};
-    qlcategories_restore(&blob);
+    const CDerElement list(encoded);
+    qlcategories_restore(&list);
 }
 
 TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)

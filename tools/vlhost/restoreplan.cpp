@@ -180,8 +180,9 @@ restorePlan_t planRestore(const CBackupView& backup)
                 {path, fileAction_t::remove, fileAt(path).value_or(fileState_t()).size});
     for (const BackupFile* const file : backup.MarkedOutside(namedFolders()))
         plan.strays.push_back(file->target);
-    plan.categories = backup.elementCount >= 3;
-    plan.settings = backup.elementCount == 4;
+    const BackupVersion version = versionOf(backup.elementCount);
+    plan.categories = version.categories;
+    plan.settings = version.settings;
     if (plan.settings && !backup.settings.dontPromptList.empty())
         plan.listFile = settings_getpath(L"path_dontpromptlist_filename");
     return plan;

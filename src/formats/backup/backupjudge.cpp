@@ -190,11 +190,6 @@ private:
 
 } // namespace
 
-std::string placeText(const char* element, size_t index)
-{
-    return std::string(element) + "[" + std::to_string(index) + "]";
-}
-
 void judgeContents(const CBackupView& backup, std::vector<BackupFinding>& findings)
 {
     CJudge judge(findings);

@@ -7,6 +7,3 @@
 // judgeContents adds what the names, targets and contents of a decoded backup say, whatever form
 // they are stored in.
 void judgeContents(const CBackupView& backup, std::vector<BackupFinding>& findings);
-
-// place gives an entry's element and position, as in "templates[3]".
-std::string placeText(const char* element, size_t index);

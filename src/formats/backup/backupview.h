@@ -1,6 +1,7 @@
 #pragma once
 
-#include "formats/der/derview.h"
+#include "formats/backup/finding.h"
+#include "formats/backup/records.h"
 
 #include <cstdint>
 #include <span>
@@ -19,24 +20,11 @@ struct BackupFile {
     size_t place = 0;   // in its element
 };
 
-// BackupLink is one quick link.
-struct BackupLink {
-    std::string name;
-    std::string target;
-    std::string manifest; // a file name
-    uint32_t profile = 0;
-    std::string manifestid;
-    bool wocred = false;
-    size_t place = 0; // in its element
-};
-
 // BackupCategory is one quick link category.
 struct BackupCategory {
     std::string name;
     std::string text;
 };
-
-enum class SettingsForm { absent, document, legacy, unsupported };
 
 // BackupSettings is the settings element: a JSON document, or the typed elements of early backups.
 struct BackupSettings {
@@ -45,19 +33,6 @@ struct BackupSettings {
     bool showPrompt = false; // the rest is of the legacy form
     std::string hotKey;
     std::span<const uint8_t> dontPromptList; // the element as it is stored; empty if there is none
-};
-
-// BackupFinding is one thing that an export would not write, or that a reader should know before a
-// restore.
-struct BackupFinding {
-    enum class Grade {
-        note,    // read without harm: an earlier version's form, bytes after the end
-        warning, // restored as it is, but to a place or with a content that is worth a look
-        error,   // a restore refuses, drops, misreads or replaces this part
-    };
-    Grade grade;
-    std::string where; // element and position, such as "templates[3]"
-    std::string what;  // a clause; UTF-8, with names as they are stored
 };
 
 // CBackupView holds one decoded backup. The decoded bytes must outlive it.
@@ -91,13 +66,8 @@ private:
     using Grade = BackupFinding::Grade;
 
     void Find(Grade grade, std::string where, std::string what);
-    bool Sequence(const CDerElement& element, const std::string& where, CDerSequenceView& items);
-    std::string Wide(const CDerElement& element, const std::string& where);
-    std::string Narrow(const CDerElement& element, const std::string& where);
-    uint32_t Integer(const CDerElement& element, const std::string& where);
-
     void DecodeFiles(const CDerElement& element);
-    void DecodeLinks(const CDerElement& element);
+    void DecodeLinks(const CDerElement& element, TextForm form);
     void DecodeCategories(const CDerElement& element);
     void DecodeSettings(const CDerElement& element);
 };
