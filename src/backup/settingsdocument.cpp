@@ -2,6 +2,7 @@
 
 #include "common/scoped.h"
 #include "common/text.h"
+#include "formats/backup/documentsettings.h"
 #include "formats/backup/records.h"
 #include "storage/settings.h"
 #include "storage/textfile.h"
@@ -10,6 +11,9 @@
 #include <windows.h>
 #include <comdef.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <memory>
 #include <sstream>
 
@@ -19,31 +23,24 @@ using namespace tracecore;
 
 namespace {
 
-// A member carries the key of its setting.
-struct Setting {
-    const char* member;
-    const wchar_t* key;
-};
-constexpr Setting showPrompt = {"show_training_prompt", L"show_training_prompt"};
-constexpr Setting hotKey = {"open_guard_desk_qa", L"open_guard_desk_qa"};
-constexpr Setting grabbing = {"useGrabbingCreds", L"useGrabbingCreds"};
-constexpr Setting listFile = {"path_dontpromptlist_filename", L"path_dontpromptlist_filename"};
-
 // Booleans are stored as these: "0" would read back as the default.
 constexpr wchar_t storedTrue[] = L"1";
 constexpr wchar_t storedFalse[] = L"-1";
 
-// NewSettings is what a restore found; what is empty stays as it is.
-struct NewSettings {
-    std::wstring prompt;
-    std::wstring grabbing;
-    std::wstring hotKey;
-    std::wstring listText;
-    std::wstring listPath;
+// ExportedSetting is what an export found.
+struct ExportedSetting {
+    Json::Value value;           // null leaves the member out
+    std::function<void()> trace; // for when all are read
 };
 
-// TraceCaught traces the exception in flight the way the error frame does.
-void TraceCaught(const std::string& operation)
+// FoundSetting is what a restore found. An empty text leaves the setting as it is.
+struct FoundSetting {
+    std::wstring text;
+    std::wstring path; // of the file that the text is for
+};
+
+// traceCaught traces the exception in flight the way the error frame does.
+void traceCaught(const std::string& operation)
 {
     try {
         throw;
@@ -57,12 +54,12 @@ void TraceCaught(const std::string& operation)
 }
 
 // A text ends at its first zero, wherever it came from.
-template <class Text> Text UpToZero(const Text& text)
+template <class Text> Text upToZero(const Text& text)
 {
     return text.c_str();
 }
 
-std::string ReadListText(const std::wstring& path)
+std::string readListText(const std::wstring& path)
 {
     std::string text;
     if (!path.empty())
@@ -70,8 +67,8 @@ std::string ReadListText(const std::wstring& path)
     return text;
 }
 
-// BoolOf is true for whatever isn't empty or zero. The library itself refuses texts and containers.
-bool BoolOf(const Json::Value& value)
+// isTrue is true for whatever isn't empty or zero. The library itself refuses texts and containers.
+bool isTrue(const Json::Value& value)
 {
     if (value.isString())
         return !value.asString().empty();
@@ -80,23 +77,28 @@ bool BoolOf(const Json::Value& value)
     return value.asBool();
 }
 
-// TextOf refuses numbers, which the library itself would write out.
-std::wstring TextOf(const Json::Value& value)
+std::wstring flagOf(const Json::Value& value)
+{
+    return isTrue(value) ? storedTrue : storedFalse;
+}
+
+// textOf refuses numbers, which the library itself would write out.
+std::wstring textOf(const Json::Value& value)
 {
     if (value.isNumeric())
         Json::throwLogicError("Type is not convertible to string");
-    return wideFromUtf8(UpToZero(value.asString()));
+    return wideFromUtf8(upToZero(value.asString()));
 }
 
-// MemberOf gives null for a member of a value that has nothing in it, even of an array.
-const Json::Value& MemberOf(const Json::Value& value, const char* member)
+// memberOf gives null for a member of a value that has nothing in it, even of an array.
+const Json::Value& memberOf(const Json::Value& value, const std::string& member)
 {
     return value.empty() ? Json::Value::nullSingleton() : value[member];
 }
 
-// Parse gives false for any text that the library can't take, however it says so: most errors are a
+// parse gives false for any text that the library can't take, however it says so: most errors are a
 // result, but nesting past its limit is an exception.
-bool Parse(const std::string& text, Json::Value& root)
+bool parse(const std::string& text, Json::Value& root)
 {
     try {
         return Json::Reader().parse(text, root, true);
@@ -105,58 +107,7 @@ bool Parse(const std::string& text, Json::Value& root)
     }
 }
 
-void ReadMembers(const Json::Value& root, NewSettings& found)
-{
-    const Json::Value& current = MemberOf(root["settings"], "current");
-    const Json::Value& prompt = MemberOf(current, showPrompt.member);
-    if (!prompt.empty())
-        found.prompt = BoolOf(prompt) ? storedTrue : storedFalse;
-    const Json::Value& grab = MemberOf(current, grabbing.member);
-    if (!grab.empty())
-        found.grabbing = BoolOf(grab) ? storedTrue : storedFalse;
-    const Json::Value& key = MemberOf(current, hotKey.member);
-    if (!key.empty())
-        found.hotKey = TextOf(key);
-    // The list's path stays empty, so that the list is not written back. Intended.
-    const Json::Value& list = MemberOf(current, listFile.member);
-    if (!list.empty())
-        found.listText = TextOf(list);
-}
-
-bool ReadDocument(const CDerElement& element, NewSettings& found)
-{
-    std::string text;
-    try {
-        text = element.NarrowText();
-    } catch (...) {
-        TraceCaught("json_settings");
-    }
-    if (text.empty()) {
-        traceFormat(0, "Empty json data.");
-        return false;
-    }
-    Json::Value root;
-    if (!Parse(text, root)) {
-        traceFormat(0, "Bad json format.");
-        return false;
-    }
-    ReadMembers(root, found);
-    return true;
-}
-
-void ReadLegacy(const LegacySettings& legacy, NewSettings& found)
-{
-    found.prompt = legacy.showPrompt ? storedTrue : storedFalse;
-    found.hotKey.assign(legacy.hotKey.begin(), legacy.hotKey.end());
-    if (legacy.dontPromptList.empty())
-        return;
-    found.listPath = settings_getpath(listFile.key);
-    // The whole element, tag and length with it, is the text. Intended.
-    const std::string text(legacy.dontPromptList.begin(), legacy.dontPromptList.end());
-    found.listText = wideFromUtf8(UpToZero(text));
-}
-
-void WriteListFile(const std::wstring& path, const std::wstring& text)
+void writeListFile(const std::wstring& path, const std::wstring& text)
 {
     const CFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                        FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -169,16 +120,144 @@ void WriteListFile(const std::wstring& path, const std::wstring& text)
         traceFormat(0, "file name='%ls', dataLen = %d.", path.c_str(), written);
 }
 
-void Apply(const NewSettings& found)
+ExportedSetting exportPrompt(const std::wstring& key)
 {
-    if (!found.prompt.empty())
-        settings_set(showPrompt.key, found.prompt);
-    if (!found.hotKey.empty())
-        settings_set(hotKey.key, found.hotKey);
-    if (!found.grabbing.empty())
-        settings_set(grabbing.key, found.grabbing);
-    if (!found.listPath.empty() && !found.listText.empty())
-        WriteListFile(found.listPath, found.listText);
+    const bool standard = settings_getbool(key + L"_def", false);
+    const bool prompt = settings_getbool(key, standard);
+    return {prompt, [standard, prompt] {
+                traceFormat(0, "Pre train [default] = %s", standard ? "Show" : "Hide");
+                traceFormat(0, "Pre train [current] = %s", prompt ? "Show" : "Hide");
+            }};
+}
+
+ExportedSetting exportHotKey(const std::wstring& key)
+{
+    std::string text = utf8FromWide(upToZero(settings_getpath(key)));
+    if (text.empty())
+        text = "Ctrl+Win+72";
+    return {text,
+            [text] { traceFormat(0, "Hotkey    [current] = %ls", wideFromUtf8(text).c_str()); }};
+}
+
+ExportedSetting exportList(const std::wstring& key)
+{
+    const std::wstring path = settings_getpath(key);
+    const std::string list = readListText(path);
+    const std::string text = upToZero(list);
+    return {text.empty() ? Json::Value() : Json::Value(text), [path, size = list.size()] {
+                if (size > 0)
+                    traceFormat(0, "Dont prmpt[size=%d] = %ls", static_cast<int>(size),
+                                path.c_str());
+            }};
+}
+
+ExportedSetting exportGrabbing(const std::wstring& key)
+{
+    const bool grabbing = settings_getpath(key) == L"1";
+    return {grabbing,
+            [grabbing] { traceFormat(0, "Use Grabbing Creds  = %s", grabbing ? "Yes" : "No"); }};
+}
+
+FoundSetting legacyPrompt(const LegacySettings& legacy, const std::wstring&)
+{
+    return {legacy.showPrompt ? storedTrue : storedFalse, {}};
+}
+
+FoundSetting legacyHotKey(const LegacySettings& legacy, const std::wstring&)
+{
+    return {{legacy.hotKey.begin(), legacy.hotKey.end()}, {}};
+}
+
+// The whole element, tag and length with it, is the list's text. Intended.
+FoundSetting legacyList(const LegacySettings& legacy, const std::wstring& key)
+{
+    if (legacy.dontPromptList.empty())
+        return {};
+    const std::string text(legacy.dontPromptList.begin(), legacy.dontPromptList.end());
+    return {wideFromUtf8(upToZero(text)), settings_getpath(key)};
+}
+
+FoundSetting notInLegacy(const LegacySettings&, const std::wstring&)
+{
+    return {};
+}
+
+void applyText(const std::wstring& key, const FoundSetting& found)
+{
+    if (!found.text.empty())
+        settings_set(key, found.text);
+}
+
+// The list of a document has no path, so that it is not written back. Intended.
+void applyList(const std::wstring&, const FoundSetting& found)
+{
+    if (!found.path.empty() && !found.text.empty())
+        writeListFile(found.path, found.text);
+}
+
+// Setting is one setting of the document. Its member has the name of its key.
+struct Setting {
+    const wchar_t* key;
+    ExportedSetting (*toMember)(const std::wstring& key);
+    std::wstring (*fromMember)(const Json::Value& member);
+    FoundSetting (*fromLegacy)(const LegacySettings& legacy, const std::wstring& key);
+    void (*apply)(const std::wstring& key, const FoundSetting& found);
+};
+
+// In the order of reading, tracing and applying.
+constexpr Setting settingsTable[] = {
+    {L"show_training_prompt", exportPrompt, flagOf, legacyPrompt, applyText},
+    {L"open_guard_desk_qa", exportHotKey, textOf, legacyHotKey, applyText},
+    {L"path_dontpromptlist_filename", exportList, textOf, legacyList, applyList},
+    {L"useGrabbingCreds", exportGrabbing, flagOf, notInLegacy, applyText},
+};
+static_assert(std::equal(std::begin(settingsTable), std::end(settingsTable),
+                         std::begin(documentSettings), std::end(documentSettings),
+                         [](const Setting& setting, const DocumentSetting& listed) {
+                             const std::wstring_view key = setting.key;
+                             return std::equal(key.begin(), key.end(), listed.name.begin(),
+                                               listed.name.end());
+                         }),
+              "the tools have another list of the settings");
+
+using FoundSettings = std::array<FoundSetting, std::size(settingsTable)>;
+
+void readMembers(const Json::Value& root, FoundSettings& found)
+{
+    const Json::Value& current = memberOf(root["settings"], "current");
+    for (size_t i = 0; i < found.size(); ++i) {
+        const Setting& setting = settingsTable[i];
+        const Json::Value& member = memberOf(current, utf8FromWide(setting.key));
+        if (!member.empty())
+            found[i].text = setting.fromMember(member);
+    }
+}
+
+void readLegacy(const LegacySettings& legacy, FoundSettings& found)
+{
+    for (size_t i = 0; i < found.size(); ++i)
+        found[i] = settingsTable[i].fromLegacy(legacy, settingsTable[i].key);
+}
+
+bool readDocument(const CDerElement& element, FoundSettings& found)
+{
+    std::string text;
+    try {
+        text = element.NarrowText();
+    } catch (...) {
+        traceCaught("json_settings");
+    }
+    if (text.empty()) {
+        traceFormat(0, "Empty json data.");
+        return false;
+    }
+    Json::Value root;
+    if (!parse(text, root)) {
+        traceFormat(0, "Bad json format.");
+        return false;
+    }
+    readMembers(root, found);
+    return true;
 }
 
 } // namespace
@@ -187,30 +266,16 @@ bool ExportSettings(CDerNode* slot)
 {
     if (!slot)
         return false;
-    const bool promptDefault = settings_getbool(L"show_training_prompt_def", false);
-    const bool prompt = settings_getbool(showPrompt.key, promptDefault);
-    std::string key = utf8FromWide(UpToZero(settings_getpath(hotKey.key)));
-    if (key.empty())
-        key = "Ctrl+Win+72";
-    const std::wstring listPath = settings_getpath(listFile.key);
-    const std::string list = ReadListText(listPath);
-    const bool grab = settings_getpath(grabbing.key) == L"1";
-
-    traceFormat(0, "Pre train [default] = %s", promptDefault ? "Show" : "Hide");
-    traceFormat(0, "Pre train [current] = %s", prompt ? "Show" : "Hide");
-    traceFormat(0, "Hotkey    [current] = %ls", wideFromUtf8(key).c_str());
-    if (!list.empty())
-        traceFormat(0, "Dont prmpt[size=%d] = %ls", static_cast<int>(list.size()),
-                    listPath.c_str());
-    traceFormat(0, "Use Grabbing Creds  = %s", grab ? "Yes" : "No");
-
+    std::array<ExportedSetting, std::size(settingsTable)> exported;
+    for (size_t i = 0; i < exported.size(); ++i)
+        exported[i] = settingsTable[i].toMember(settingsTable[i].key);
+    for (const ExportedSetting& setting : exported)
+        setting.trace();
     Json::Value root;
     Json::Value& current = root["settings"]["current"];
-    current[showPrompt.member] = prompt;
-    current[hotKey.member] = key;
-    current[grabbing.member] = grab;
-    if (const std::string text = UpToZero(list); !text.empty())
-        current[listFile.member] = text;
+    for (size_t i = 0; i < exported.size(); ++i)
+        if (!exported[i].value.isNull())
+            current[utf8FromWide(settingsTable[i].key)] = std::move(exported[i].value);
     std::string text;
     jv2s(root, text);
     slot->SetSequence(1);
@@ -224,19 +289,23 @@ bool RestoreSettings(const CDerElement* element)
         traceFormat(0, "Invalid BLOB pointer.");
         return false;
     }
-    CDerSequenceView elements; // stays without any when the element isn't a sequence
-    static_cast<void>(elements.Decode(*element));
-    NewSettings found;
-    if (elements.Count() == 1) {
-        if (!ReadDocument(elements[0], found))
+    CDerSequenceView items; // stays without any when the element isn't a sequence
+    static_cast<void>(items.Decode(*element));
+    FoundSettings found;
+    switch (settingsFormOf(items.Count())) {
+    case SettingsForm::document:
+        if (!readDocument(items[0], found))
             return false;
-    } else if (elements.Count() >= 2) {
-        ReadLegacy(decodeLegacySettings(elements), found);
-    } else {
+        break;
+    case SettingsForm::legacy:
+        readLegacy(decodeLegacySettings(items), found);
+        break;
+    default:
         traceStatus("Unsupported settings format.", 0);
         return false;
     }
-    Apply(found);
+    for (size_t i = 0; i < found.size(); ++i)
+        settingsTable[i].apply(settingsTable[i].key, found[i]);
     return true;
 }
 
@@ -256,6 +325,6 @@ void jv2s(const Json::Value& value, std::string& text)
         writer->write(value, &line);
         text = line.str();
     } catch (...) {
-        TraceCaught("jv2s");
+        traceCaught("jv2s");
     }
 }
