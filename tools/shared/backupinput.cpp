@@ -1,5 +1,6 @@
 #include "shared/backupinput.h"
 
+#include "formats/backup/documentsettings.h"
 #include "shared/inputfile.h"
 #include "shared/toolerror.h"
 
@@ -24,9 +25,10 @@ const char* documentFault(const Json::Value& root)
         if (!value->isObject())
             return noObject;
     }
-    for (const char* const member : {"open_guard_desk_qa", "path_dontpromptlist_filename"}) {
-        const Json::Value& text = (*value)[member];
-        if (!text.empty() && !text.isString() && !text.isBool())
+    for (const auto& [name, kind] : documentSettings) {
+        const Json::Value& member = (*value)[std::string(name)];
+        if (kind != DocumentSetting::Kind::flag && !member.empty() && !member.isString() &&
+            !member.isBool())
             return "a member that must be a text is none";
     }
     return nullptr;

@@ -29,6 +29,7 @@ std::vector<storedFile_t> filesToStore()
     prepfolderlist(folders);
     collectall(folders, found);
     std::vector<storedFile_t> files;
+    files.reserve(found.size() + 2);
     for (const auto& file : found)
         files.push_back({utf8FromWide(storedname(file)), file.folder + file.name});
     const std::wstring personal = addslash(unifyslashes(personalFolder()));

@@ -3,6 +3,7 @@
 #include "common/scoped.h"
 #include "common/text.h"
 #include "files.h"
+#include "formats/backup/documentsettings.h"
 #include "print.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
@@ -62,17 +63,17 @@ void compareCategories(const CBackupView& backup, std::vector<difference_t>& dif
     }
 }
 
-void compareSetting(const wchar_t* key, const std::wstring& wanted,
+void compareSetting(std::string_view name, const std::wstring& wanted,
                     std::vector<difference_t>& differences)
 {
     std::wstring value;
-    if (FAILED(settings_query(key, value)) || value != wanted)
-        differences.push_back({utf8FromWide(key), "the setting is not as in the backup"});
+    if (FAILED(settings_query(wideFromUtf8(name), value)) || value != wanted)
+        differences.push_back({std::string(name), "the setting is not as in the backup"});
 }
 
-// documentSettings gives the part of the document that a restore reads; an empty object for a
+// currentSettings gives the part of the document that a restore reads; an empty object for a
 // document that it can't.
-Json::Value documentSettings(const std::string& text)
+Json::Value currentSettings(const std::string& text)
 {
     Json::Value value = parseDocument(text).value_or(Json::objectValue);
     for (const char* member : {"settings", "current"}) {
@@ -88,21 +89,20 @@ void compareSettings(const CBackupView& backup, std::vector<difference_t>& diffe
 {
     const auto truth = [](bool value) { return value ? L"1" : L"-1"; };
     if (backup.settings.form == SettingsForm::legacy) {
-        compareSetting(restoredSettings[0], truth(backup.settings.showPrompt), differences);
+        compareSetting("show_training_prompt", truth(backup.settings.showPrompt), differences);
         if (!backup.settings.hotKey.empty())
-            compareSetting(restoredSettings[1], wideFromUtf8(backup.settings.hotKey), differences);
+            compareSetting("open_guard_desk_qa", wideFromUtf8(backup.settings.hotKey), differences);
         return;
     }
-    const Json::Value current = documentSettings(backup.settings.document);
-    const Json::Value& prompt = current["show_training_prompt"];
-    if (prompt.isBool() || prompt.isNumeric())
-        compareSetting(restoredSettings[0], truth(prompt.asBool()), differences);
-    const Json::Value& hotKey = current["open_guard_desk_qa"];
-    if (hotKey.isString() && !hotKey.asString().empty())
-        compareSetting(restoredSettings[1], wideFromUtf8(hotKey.asString()), differences);
-    const Json::Value& grabbing = current["useGrabbingCreds"];
-    if (grabbing.isBool() || grabbing.isNumeric())
-        compareSetting(restoredSettings[2], truth(grabbing.asBool()), differences);
+    const Json::Value current = currentSettings(backup.settings.document);
+    using Kind = DocumentSetting::Kind;
+    for (const auto& [name, kind] : documentSettings) {
+        const Json::Value& member = current[std::string(name)];
+        if (kind == Kind::flag && (member.isBool() || member.isNumeric()))
+            compareSetting(name, truth(member.asBool()), differences);
+        else if (kind == Kind::text && member.isString() && !member.asString().empty())
+            compareSetting(name, wideFromUtf8(member.asString()), differences);
+    }
 }
 
 // namedFolders gives the folders that the settings name. UTF-8

@@ -8,10 +8,6 @@
 
 #include <json/value.h>
 
-// The settings that a restore applies, in its order.
-inline constexpr const wchar_t* restoredSettings[] = {L"show_training_prompt",
-                                                      L"open_guard_desk_qa", L"useGrabbingCreds"};
-
 // fileAction_t is what becomes of a file.
 enum class fileAction_t {
     add,    // it isn't there

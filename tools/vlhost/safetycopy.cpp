@@ -1,6 +1,7 @@
 #include "safetycopy.h"
 
 #include "common/text.h"
+#include "formats/backup/documentsettings.h"
 #include "print.h"
 #include "restoreplan.h"
 #include "shared/commandline.h"
@@ -122,10 +123,11 @@ dashboardState_t dashboardOfJson(const Json::Value& json)
 Json::Value jsonOfSettings()
 {
     Json::Value json(Json::objectValue);
-    for (const auto* key : restoredSettings) {
+    for (const auto& [name, kind] : documentSettings) {
         std::wstring value;
-        if (SUCCEEDED(settings_query(key, value)))
-            json[utf8FromWide(key)] = utf8FromWide(value);
+        if (kind != DocumentSetting::Kind::fileText &&
+            SUCCEEDED(settings_query(wideFromUtf8(name), value)))
+            json[std::string(name)] = utf8FromWide(value);
     }
     return json;
 }
