@@ -1,6 +1,6 @@
 #include "backup/blob.h"
 
-#include "formats/der/derheader.h"
+#include "formats/der/dernode.h"
 #include "formats/der/derview.h"
 
 #include <algorithm>
@@ -8,7 +8,6 @@
 #include <limits>
 #include <new>
 #include <string_view>
-#include <vector>
 
 static_assert(offsetof(CVLBlobSeq, count) == offsetof(CRYPT_SEQUENCE_OF_ANY, cValue) &&
               offsetof(CVLBlobSeq, items) == offsetof(CRYPT_SEQUENCE_OF_ANY, rgValue));
@@ -32,19 +31,6 @@ void _heap_allocator::release(void* memory) noexcept
 namespace {
 
 using bytes_t = std::span<const uint8_t>;
-
-// Makes room for one element in the slot and stores its header. Null, with the slot empty, if it
-// would be too long.
-BYTE* beginElement(uint8_t tag, size_t length, _CRYPTOAPI_BLOB& slot)
-{
-    slot = {};
-    const size_t size = derHeaderSize(length) + length;
-    if (size > std::numeric_limits<DWORD>::max())
-        return nullptr;
-    slot.pbData = _auto_heap_mem<BYTE>(size).release();
-    slot.cbData = static_cast<DWORD>(size);
-    return derWriteHeader(slot.pbData, tag, length);
-}
 
 _CRYPTOAPI_BLOB copyOf(bytes_t bytes)
 {
@@ -77,37 +63,36 @@ template <class Body> auto withStatus(Body body)
     }
 }
 
-} // namespace
-
-uint8_t blobcodec::tagOf(structType_t structType) noexcept
+// Writes the element that build makes of a node over the slot. False, with the slot left empty, if
+// it is too long.
+template <class Build> bool encodeTo(_CRYPTOAPI_BLOB& slot, Build build)
 {
-    return structType == structMultiByteInt ? derTag::integer : derTag::octetString;
+    slot = {};
+    return withStatus([&] {
+        CDerNode node;
+        build(node);
+        const size_t size = node.Measure();
+        if (size > std::numeric_limits<DWORD>::max())
+            return false;
+        _auto_heap_mem<BYTE> encoded(size);
+        node.Write(encoded.get());
+        slot = {static_cast<DWORD>(size), encoded.release()};
+        return true;
+    });
 }
 
-bool blobcodec::encode(uint8_t tag, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_BLOB& slot)
+} // namespace
+
+bool blobcodec::encode(structType_t structType, const _CRYPTOAPI_BLOB& contents,
+                       _CRYPTOAPI_BLOB& slot)
 {
-    bytes_t bytes = blobView(contents);
-    if (tag == derTag::integer) {
-        while (bytes.size() > 1 && derRepeatsSign(bytes.back(), bytes[bytes.size() - 2]))
-            bytes = bytes.first(bytes.size() - 1);
-        static constexpr uint8_t zero[] = {0};
-        if (bytes.empty())
-            bytes = zero; // no bytes stand for 0, which takes one octet
-    }
-    BYTE* out = beginElement(tag, bytes.size(), slot);
-    if (!out)
-        return false;
-    if (tag == derTag::integer) {
-        std::reverse_copy(bytes.begin(), bytes.end(), out);
-    } else if (tag == derTag::bmpString) {
-        for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            out[i] = bytes[i + 1];
-            out[i + 1] = bytes[i];
-        }
-    } else {
-        std::copy(bytes.begin(), bytes.end(), out);
-    }
-    return true;
+    const bytes_t bytes = blobView(contents);
+    return encodeTo(slot, [&](CDerNode& node) {
+        if (structType == structMultiByteInt)
+            node.SetNumber(bytes);
+        else
+            node.SetOctets(bytes);
+    });
 }
 
 bool blobcodec::decode(structType_t structType, const _CRYPTOAPI_BLOB& encoded,
@@ -136,8 +121,9 @@ CVLWStrBlob::CVLWStrBlob(const wchar_t* text) noexcept : CVLAnyBlob(structAnyStr
 
 _CRYPTOAPI_BLOB* CVLWStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
 {
-    // Whole code units only; a blob filled by hand may have half of one after them.
-    return blobcodec::encode(derTag::bmpString, {cbData & ~1U, pbData}, slot) ? &slot : nullptr;
+    const bytes_t units = blobView(*this);
+    const bool encoded = encodeTo(slot, [units](CDerNode& node) { node.SetUnits(units); });
+    return encoded ? &slot : nullptr;
 }
 
 bool CVLWStrBlob::Decode()
@@ -158,7 +144,7 @@ CVLStrBlob::CVLStrBlob(const char* text) noexcept : CVLAnyBlob(structAnyString)
 
 _CRYPTOAPI_BLOB* CVLStrBlob::Encode(_CRYPTOAPI_BLOB& slot) const
 {
-    return blobcodec::encode(derTag::octetString, *this, slot) ? &slot : nullptr;
+    return EncodeAs(structOctetString, slot) ? &slot : nullptr;
 }
 
 bool CVLStrBlob::Decode()
@@ -215,45 +201,36 @@ void CVLBlobSeq::SecureClear() noexcept
 void CVLBlobSeq::Assign(const CRYPT_SEQUENCE_OF_ANY& elements)
 {
     Clear();
-    for (DWORD i = 0; i < elements.cValue; ++i) {
-        if (!Grow())
-            raiseStatus(E_OUTOFMEMORY);
-        // Straight into this list: its owner wipes secrets, whatever fails later.
-        items[i] = copyOf(blobView(elements.rgValue[i]));
-    }
+    for (DWORD i = 0; i < elements.cValue; ++i)
+        Append(blobView(elements.rgValue[i]));
+}
+
+void CVLBlobSeq::Append(bytes_t element)
+{
+    if (!Grow())
+        raiseStatus(E_OUTOFMEMORY);
+    // Straight into this list: its owner wipes secrets, whatever fails later.
+    items[count - 1] = copyOf(element);
 }
 
 void CVLBlobSeq::Encode(_CRYPTOAPI_BLOB& destination) const
 {
-    size_t length = 0;
-    for (DWORD i = 0; i < count; ++i)
-        length += blobView(items[i]).size();
-    BYTE* out = beginElement(derTag::sequence, length, destination);
-    if (!out)
-        return;
-    for (DWORD i = 0; i < count; ++i) {
-        const bytes_t element = blobView(items[i]);
-        out = std::copy(element.begin(), element.end(), out);
-    }
+    encodeTo(destination, [this](CDerNode& node) {
+        node.SetSequence(count);
+        for (DWORD i = 0; i < count; ++i)
+            node.Child(i).SetEncoded(blobView(items[i]));
+    });
 }
 
-bool CVLBlobSeq::Decode(const _CRYPTOAPI_BLOB* source)
+bool CVLBlobSeq::Decode(bytes_t source)
 {
-    if (!source)
+    CDerSequenceView elements;
+    if (!withStatus([&] { return elements.Decode(source); }))
         return false;
-    return withStatus([this, source] {
-        CDerSequenceView elements;
-        if (!elements.Decode(blobView(*source)))
-            return false;
-        std::vector<_CRYPTOAPI_BLOB> records;
-        records.reserve(elements.Count());
-        for (const CDerElement& element : elements) {
-            const bytes_t bytes = element.Encoded();
-            records.push_back({static_cast<DWORD>(bytes.size()), const_cast<BYTE*>(bytes.data())});
-        }
-        Assign({static_cast<DWORD>(records.size()), records.data()});
-        return true;
-    });
+    Clear();
+    for (const CDerElement& element : elements)
+        Append(element.Encoded());
+    return true;
 }
 
 CVLBlobSeq& CVLBlobSeq::ReadNextWStr(_auto_heap_mem<wchar_t>& out)

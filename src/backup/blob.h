@@ -76,18 +76,17 @@ inline std::span<const uint8_t> blobView(const _CRYPTOAPI_BLOB& blob) noexcept
     return {blob.pbData, blob.pbData ? blob.cbData : 0};
 }
 
+// blobcodec is what the blobs share of formats/der.
 namespace blobcodec {
 
-// encode writes one element of that tag over the slot, whatever it pointed at, in a heap buffer of
-// exact size. False, with the slot left empty, if the element is too long for the slot's 32 bits.
-bool encode(uint8_t tag, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_BLOB& slot);
+// encode writes the bytes as an octet string or an integer over the slot, whatever it pointed at,
+// in a heap buffer of exact size. False, with the slot left empty, if the element is too long for
+// the slot's 32 bits.
+bool encode(structType_t structType, const _CRYPTOAPI_BLOB& contents, _CRYPTOAPI_BLOB& slot);
 
 // decode reads an octet string's bytes or an integer's, little-endian. False if the encoded bytes
 // hold none. contents: a heap buffer of its own, the caller's; no bytes and null for an empty value
 bool decode(structType_t structType, const _CRYPTOAPI_BLOB& encoded, _CRYPTOAPI_BLOB& contents);
-
-// tagOf gives the tag that a value of that structure is written with.
-uint8_t tagOf(structType_t structType) noexcept;
 
 } // namespace blobcodec
 
@@ -123,7 +122,7 @@ public:
     // slot. False, with the slot left empty, if they can't be encoded.
     bool EncodeAs(structType_t structType, _CRYPTOAPI_BLOB& slot) const
     {
-        return blobcodec::encode(blobcodec::tagOf(structType), *this, slot);
+        return blobcodec::encode(structType, *this, slot);
     }
 
     // DecodeAs replaces the encoded bytes with the contents of the octet string or integer, an
@@ -253,7 +252,8 @@ public:
     // Decode replaces the list with the elements of the source's sequence, which aren't looked
     // into; the source's bytes are not the list's own. False, with the list unchanged, if the
     // source is null or no well-formed sequence.
-    bool Decode(const _CRYPTOAPI_BLOB* source);
+    bool Decode(const _CRYPTOAPI_BLOB* source) { return source && Decode(blobView(*source)); }
+    bool Decode(std::span<const uint8_t> source);
 
     // Slot gives an element's record for an encoder to fill or a reader to view; null past the end.
     _CRYPTOAPI_BLOB* Slot(DWORD index) noexcept { return index < count ? items + index : nullptr; }
@@ -272,4 +272,5 @@ public:
 
 private:
     bool Grow() noexcept; // by one empty slot
+    void Append(std::span<const uint8_t> element);
 };

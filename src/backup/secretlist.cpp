@@ -18,7 +18,7 @@ public:
     ~CSecretSeq() { SecureClear(); }
 };
 
-std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
+std::wstring textOf(const _CRYPTOAPI_BLOB& data)
 {
     if (!data.pbData)
         return {};
@@ -32,8 +32,8 @@ std::wstring TextOf(const _CRYPTOAPI_BLOB& data)
     return text;
 }
 
-// TakeSecret is true if the item is the secret, whose value it puts into body.
-bool TakeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
+// takeSecret is true if the item is the secret, whose value it puts into body.
+bool takeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
 {
     CSecretSeq item;
     if (!item.Decode(&encoded) || item.count != 2) {
@@ -47,7 +47,7 @@ bool TakeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
     if (!name.get() || std::wcscmp(name.get(), secretName) != 0)
         return false;
     tracecore::traceFormat(0, "Secret Name = %ls", name.get());
-    body = TextOf(data);
+    body = textOf(data);
     return true;
 }
 
@@ -56,13 +56,11 @@ bool TakeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
 std::wstring SecretFromList(std::span<const uint8_t> list)
 {
     try {
-        const _CRYPTOAPI_BLOB loan = {static_cast<DWORD>(list.size()),
-                                      const_cast<BYTE*>(list.data())};
         CSecretSeq items;
-        (void)items.Decode(&loan);
+        (void)items.Decode(list);
         std::wstring body;
         while (const _CRYPTOAPI_BLOB* item = items.ReadNext()) {
-            if (TakeSecret(*item, body))
+            if (takeSecret(*item, body))
                 break;
         }
         return body;

@@ -62,17 +62,45 @@ void CDerNode::SetNarrow(std::string_view text)
     m_tag = derTag::octetString;
 }
 
-void CDerNode::SetInteger(uint32_t value) noexcept
+void CDerNode::SetUnits(std::span<const uint8_t> units)
 {
-    m_content = Integer{{static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
-                         static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)}};
+    Owned octets(units.begin(), units.end() - static_cast<std::ptrdiff_t>(units.size() % 2));
+    for (size_t i = 0; i < octets.size(); i += 2)
+        std::swap(octets[i], octets[i + 1]);
+    m_content = std::move(octets);
+    m_tag = derTag::bmpString;
+}
+
+void CDerNode::SetNumber(std::span<const uint8_t> bytes)
+{
+    size_t size = bytes.size();
+    while (size > 1 && derRepeatsSign(bytes[size - 1], bytes[size - 2]))
+        --size;
+    Owned octets(std::max<size_t>(size, 1)); // a number of no bytes takes one octet, too
+    std::reverse_copy(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size),
+                      octets.begin());
+    m_content = std::move(octets);
     m_tag = derTag::integer;
+}
+
+void CDerNode::SetInteger(uint32_t value)
+{
+    const uint8_t bytes[] = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
+                             static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
+    SetNumber(bytes);
+}
+
+void CDerNode::SetEncoded(std::span<const uint8_t> element) noexcept
+{
+    m_content = Encoded{element};
 }
 
 size_t CDerNode::Measure() noexcept
 {
     if (IsEmpty())
         return 0;
+    if (const auto* encoded = std::get_if<Encoded>(&m_content))
+        return encoded->element.size();
     if (auto* children = std::get_if<Children>(&m_content)) {
         m_size = 0;
         for (CDerNode& child : *children)
@@ -81,10 +109,6 @@ size_t CDerNode::Measure() noexcept
         m_size = owned->size();
     } else if (const auto* borrowed = std::get_if<Borrowed>(&m_content)) {
         m_size = borrowed->bytes.size();
-    } else if (const auto* integer = std::get_if<Integer>(&m_content)) {
-        m_size = 4;
-        for (auto at = integer->bytes.begin(); m_size > 1 && derRepeatsSign(at[0], at[1]); ++at)
-            --m_size;
     }
     return derHeaderSize(m_size) + m_size;
 }
@@ -93,6 +117,8 @@ uint8_t* CDerNode::Write(uint8_t* out) const noexcept
 {
     if (IsEmpty())
         return out;
+    if (const auto* encoded = std::get_if<Encoded>(&m_content))
+        return std::copy(encoded->element.begin(), encoded->element.end(), out);
     out = derWriteHeader(out, m_tag, m_size);
     if (const auto* children = std::get_if<Children>(&m_content)) {
         for (const CDerNode& child : *children)
@@ -101,9 +127,6 @@ uint8_t* CDerNode::Write(uint8_t* out) const noexcept
         out = std::copy(owned->begin(), owned->end(), out);
     } else if (const auto* borrowed = std::get_if<Borrowed>(&m_content)) {
         out = std::copy(borrowed->bytes.begin(), borrowed->bytes.end(), out);
-    } else if (const auto* integer = std::get_if<Integer>(&m_content)) {
-        out = std::copy(integer->bytes.end() - static_cast<std::ptrdiff_t>(m_size),
-                        integer->bytes.end(), out);
     }
     return out;
 }

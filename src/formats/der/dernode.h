@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -35,9 +34,15 @@ public:
 #endif
     // SetNarrow copies the text up to its first zero as an OCTET STRING that ends in 00.
     void SetNarrow(std::string_view text);
-    // SetInteger takes the four bytes as one signed number, in the shortest form: 0xFFFFFFFF is
-    // 02 01 FF.
-    void SetInteger(uint32_t value) noexcept;
+    // SetUnits copies UTF-16 in host order as a BMPString, zeros and all; half a unit at its end is
+    // left out.
+    void SetUnits(std::span<const uint8_t> units);
+    // SetNumber copies one signed number, its bytes little-endian, in the shortest form; none is 0.
+    void SetNumber(std::span<const uint8_t> bytes);
+    // SetInteger takes the four bytes as one signed number: 0xFFFFFFFF is 02 01 FF.
+    void SetInteger(uint32_t value);
+    // SetEncoded borrows an element as it is, tag and length with it.
+    void SetEncoded(std::span<const uint8_t> element) noexcept;
 
     // Measure gives the encoded size of the whole tree in bytes, 0 for an empty node, and keeps
     // each node's part of it for Write. Write then stores exactly that many bytes and gives their
@@ -53,13 +58,13 @@ private:
         std::span<const uint8_t> bytes;
         std::shared_ptr<const void> keepAlive;
     };
-    struct Integer {
-        std::array<uint8_t, 4> bytes; // the low m_size content octets of the number are written
+    struct Encoded {
+        std::span<const uint8_t> element;
     };
     using Owned = std::vector<uint8_t>;
     using Children = std::vector<CDerNode>;
 
-    std::variant<std::monostate, Owned, Borrowed, Integer, Children> m_content;
+    std::variant<std::monostate, Owned, Borrowed, Encoded, Children> m_content;
     size_t m_size = 0; // content octets, as last measured
     uint8_t m_tag = 0;
 };
