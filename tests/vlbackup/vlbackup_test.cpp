@@ -83,6 +83,8 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
 TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
 {
     const std::wstring longName(252, L'x');
+    bytes longer = example;
+    longer.push_back(0);
     const auto files = [](const std::vector<bytes>& pairs) { return seq({seq(pairs), none}); };
     const auto stored = [&](const std::wstring& name) { return files({filePair(name, "x")}); };
     const auto links = [](const std::vector<bytes>& records) {
@@ -97,6 +99,7 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
         const char* finding; // a part of it
     } cases[] = {
         {{example.begin(), example.end() - 1}, "error", "cut at byte 174 of 175"},
+        {longer, "warning", "1 byte after its end"},
         {tlv(0x30, {0x30, 0, 0x30, 9}), "error", "element at byte 4 is damaged"},
         {with(0, seq({integer(1)})), "error", "templates[0]: not a sequence"},
         {with(0, seq({a, seq({wide(L"")})})), "error", "templates[1]: 1 element in a pair"},
@@ -120,6 +123,8 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
         {stored(longName + L".vlm"), "error", "longer than a file name"},
         {stored(L"a.exe"), "error", "is no template"},
         {stored(L"a.vlmx"), "warning", "is no template"},
+        {stored(L"a.vls"), "sound", ""},
+        {stored(L"alien|C:\\a\\b.vls"), "error", "is no template"}, // no export finds one there
         {stored(L"\u202emlv.vlm"), "warning", "direction marks"},
         {stored(L"alien|C:\\a\\b.vlm"), "sound", ""},
         {stored(L"alien|C:\\userspace\\b.vlm"), "sound", ""},

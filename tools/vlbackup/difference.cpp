@@ -15,25 +15,25 @@ constexpr char encodedDifferently[] = "encoded differently";
 constexpr char onlyInTheFirst[] = "only in the first";
 constexpr char inAnotherOrder[] = "in another order";
 
-// One item of an element: its name, and what is compared.
-struct item {
+// Item is one item of an element: its name, and what is compared.
+struct Item {
     std::string name;
     std::vector<std::pair<const char*, std::string>> fields;
     std::span<const uint8_t> content; // of a file, compared without a copy
 };
-using items = std::vector<item>;
+using Items = std::vector<Item>;
 
-items filesOf(const CBackupView& backup)
+Items filesOf(const CBackupView& backup)
 {
-    items out;
+    Items out;
     for (const BackupFile& file : backup.files)
         out.push_back({file.name, {}, file.content});
     return out;
 }
 
-items linksOf(const CBackupView& backup)
+Items linksOf(const CBackupView& backup)
 {
-    items out;
+    Items out;
     for (const BackupLink& link : backup.links) {
         out.push_back({link.name,
                        {{"target", link.target},
@@ -46,16 +46,16 @@ items linksOf(const CBackupView& backup)
     return out;
 }
 
-items categoriesOf(const CBackupView& backup)
+Items categoriesOf(const CBackupView& backup)
 {
-    items out;
+    Items out;
     for (const BackupCategory& category : backup.categories)
         out.push_back({category.name, {{"text", category.text}}, {}});
     return out;
 }
 
 // Each member that holds no others, by its path.
-void addMembers(const Json::Value& value, const std::string& path, items& out)
+void addMembers(const Json::Value& value, const std::string& path, Items& out)
 {
     if (!value.isObject() || value.empty()) {
         out.push_back({path, {{"value", jsonText(value, false)}}, {}});
@@ -66,10 +66,10 @@ void addMembers(const Json::Value& value, const std::string& path, items& out)
         addMembers(value[name], prefix + name, out);
 }
 
-items settingsOf(const CBackupView& backup)
+Items settingsOf(const CBackupView& backup)
 {
     const BackupSettings& settings = backup.settings;
-    items out;
+    Items out;
     if (settings.form == SettingsForm::legacy) {
         out.push_back({"training prompt", {{"value", settings.showPrompt ? "show" : "hide"}}, {}});
         out.push_back({"hot key", {{"value", settings.hotKey}}, {}});
@@ -83,12 +83,12 @@ items settingsOf(const CBackupView& backup)
     return out;
 }
 
-class comparison
+class CComparison
 {
 public:
-    explicit comparison(std::vector<BackupDifference>& found) : m_found(found) {}
+    explicit CComparison(std::vector<BackupDifference>& found) : m_found(found) {}
 
-    void compare(const char* element, const items& first, const items& second)
+    void Compare(const char* element, const Items& first, const Items& second)
     {
         // Of second, by name and how often it came.
         std::map<std::pair<std::string_view, size_t>, size_t> places;
@@ -98,7 +98,7 @@ public:
         seen.clear();
         bool inOrder = true;
         size_t last = 0;
-        for (const item& mine : first) {
+        for (const Item& mine : first) {
             const auto place = places.find({mine.name, seen[mine.name]++});
             if (place == places.end()) {
                 m_found.push_back({element, mine.name, onlyInTheFirst});
@@ -106,7 +106,7 @@ public:
             }
             inOrder = inOrder && place->second >= last;
             last = place->second;
-            compareItem(element, mine, second[place->second]);
+            CompareItem(element, mine, second[place->second]);
             places.erase(place);
         }
         for (const auto& [name, index] : places)
@@ -116,7 +116,7 @@ public:
     }
 
 private:
-    void compareItem(const char* element, const item& mine, const item& other)
+    void CompareItem(const char* element, const Item& mine, const Item& other)
     {
         for (size_t i = 0; i < mine.fields.size() && i < other.fields.size(); ++i) {
             if (mine.fields[i].second == other.fields[i].second)
@@ -149,14 +149,14 @@ std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBa
     }
     if (first.settings.form != second.settings.form)
         found.push_back({"settings", {}, "in another form"});
-    comparison both(found);
-    both.compare("templates", filesOf(first), filesOf(second));
-    both.compare("quicklinks", linksOf(first), linksOf(second));
-    both.compare("categories", categoriesOf(first), categoriesOf(second));
-    both.compare("settings", settingsOf(first), settingsOf(second));
+    CComparison both(found);
+    both.Compare("templates", filesOf(first), filesOf(second));
+    both.Compare("quicklinks", linksOf(first), linksOf(second));
+    both.Compare("categories", categoriesOf(first), categoriesOf(second));
+    both.Compare("settings", settingsOf(first), settingsOf(second));
     // The same for a reader, but maybe not the same bytes.
     constexpr std::array names = {"templates", "quicklinks", "categories", "settings"};
-    const auto told = [&](size_t element) {
+    const auto reported = [&](size_t element) {
         return std::any_of(found.begin(), found.end(), [&](const BackupDifference& difference) {
             return element < names.size() && difference.element == names.at(element);
         });
@@ -164,7 +164,7 @@ std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBa
     for (size_t i = 0; i < std::min(first.elements.size(), second.elements.size()); ++i) {
         const auto& mine = first.elements[i];
         const auto& other = second.elements[i];
-        if (!told(i) && !std::equal(mine.begin(), mine.end(), other.begin(), other.end()))
+        if (!reported(i) && !std::equal(mine.begin(), mine.end(), other.begin(), other.end()))
             found.push_back({"backup", "element " + std::to_string(i), encodedDifferently});
     }
     if (found.empty() && first.size != second.size)

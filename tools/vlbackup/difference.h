@@ -10,6 +10,7 @@ struct BackupDifference {
     std::string element; // "templates", "quicklinks", "categories", "settings" or "backup"
     std::string item;    // the name of the file, link, category or setting; empty for all of it
     std::string what;
+    std::string reason = {}; // why it is no difference after all; empty unless it was looked for
 };
 
 // compareBackups compares two backups element by element. Items are matched by name, and by their

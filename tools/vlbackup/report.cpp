@@ -38,6 +38,11 @@ auto countOf(const CBackupView& backup, Grade grade)
                          [grade](const BackupFinding& f) { return f.grade == grade; });
 }
 
+const char* verdictName(const CBackupView& backup)
+{
+    return backup.Sound() ? "sound" : gradeName(backup.Verdict());
+}
+
 Json::Value settingsJson(const BackupSettings& settings)
 {
     Json::Value value;
@@ -144,7 +149,7 @@ Json::Value infoJson(const CBackupView& backup)
     value["oldQuicklinks"] = backup.oldLinks;
     value["categories"] = Json::UInt64{backup.categories.size()};
     value["settings"] = formName(backup.settings.form);
-    value["verdict"] = backup.Sound() ? "sound" : gradeName(backup.Verdict());
+    value["verdict"] = verdictName(backup);
     for (const Grade grade : {Grade::error, Grade::warning, Grade::note})
         value["findings"][gradeName(grade)] = Json::Int64{countOf(backup, grade)};
     return value;
@@ -160,7 +165,7 @@ void verifyText(const CBackupView& backup, std::ostream& out)
 Json::Value verifyJson(const CBackupView& backup)
 {
     Json::Value value;
-    value["verdict"] = backup.Sound() ? "sound" : gradeName(backup.Verdict());
+    value["verdict"] = verdictName(backup);
     value["findings"] = Json::arrayValue;
     for (const BackupFinding& finding : backup.findings) {
         Json::Value entry;
@@ -168,6 +173,37 @@ Json::Value verifyJson(const CBackupView& backup)
         entry["where"] = finding.where;
         entry["what"] = finding.what;
         value["findings"].append(std::move(entry));
+    }
+    return value;
+}
+
+void diffText(const std::vector<BackupDifference>& differences, std::ostream& out)
+{
+    bool equal = true;
+    for (const BackupDifference& difference : differences) {
+        const std::string& reason = difference.reason;
+        equal = equal && !reason.empty();
+        out << difference.element << (difference.item.empty() ? "" : " ")
+            << printable(difference.item) << ": " << printable(difference.what)
+            << (reason.empty() ? "" : " (" + reason + ")") << '\n';
+    }
+    if (equal)
+        out << (differences.empty() ? "equal\n" : "equal except for that\n");
+}
+
+Json::Value diffJson(const std::vector<BackupDifference>& differences, bool withReasons)
+{
+    Json::Value value;
+    value["equal"] = differences.empty();
+    value["differences"] = Json::arrayValue;
+    for (const BackupDifference& difference : differences) {
+        Json::Value entry;
+        entry["element"] = difference.element;
+        entry["item"] = difference.item;
+        entry["what"] = difference.what;
+        if (withReasons)
+            entry["reason"] = difference.reason;
+        value["differences"].append(std::move(entry));
     }
     return value;
 }
