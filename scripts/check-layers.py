@@ -43,10 +43,11 @@ MAY_INCLUDE = FORMATS | {
     "vlhost": [*PLUGIN, "shared"],
     "vlsetup": ["common", *FORMATS, "shared"],
     "branding": ["resources"],
-    "vlagent": [*TRACED, "agent", "vlagent"],
+    "journal": GROUND,
+    "vlagent": [*TRACED, "agent", "journal"],
     "vlfpapi": GROUND,
     "vloset": GROUND,
-    "vluserconsole": [*GROUND, "resources"],
+    "vluserconsole": [*GROUND, "resources", "journal"],
 }
 
 

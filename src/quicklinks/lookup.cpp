@@ -30,7 +30,7 @@ void QLLookup::widen(const std::vector<QLRecord>& records, size_t position)
     if (record.profile == anyprofile)
         return;
     auto& positions = m_positions[keyof(fileNamePart(record.manifest), record.profile)];
-    const auto [first, last] = std::ranges::equal_range(positions, position);
+    const auto [first, last] = std::equal_range(positions.begin(), positions.end(), position);
     positions.erase(first, last);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "agent/transfer.h"
-#include "vlagent/journal.h"
+#include "journal/journal.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
 #include "agent/discovery.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "journal/journal.h"
 #include "neighbours/linknames.h"
-#include "vlagent/journal.h"
 #include "vlagent/link.h"
 
 #include <windows.h>

@@ -2,11 +2,11 @@
 
 #include "common/scoped.h"
 #include "common/text.h"
+#include "journal/journal.h"
 
 #include <windows.h>
 #include <shellapi.h>
 
-#include <cstdio>
 #include <iterator>
 
 namespace {
@@ -67,42 +67,16 @@ void readArguments(launch_t& launch)
     }
 }
 
-std::string quoted(const std::wstring& text)
-{
-    std::string out = "\"";
-    for (const char character : utf8FromWide(text)) {
-        if (character == '"' || character == '\\') {
-            out += '\\';
-            out += character;
-        } else if (static_cast<unsigned char>(character) < 0x20) {
-            char escape[8] = {};
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(character));
-            out += escape;
-        } else {
-            out += character;
-        }
-    }
-    return out + '"';
-}
-
 std::string logLine(const launch_t& launch)
 {
-    SYSTEMTIME now{};
-    GetSystemTime(&now);
-    char time[40] = {};
-    std::snprintf(time, sizeof time, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", now.wYear, now.wMonth,
-                  now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
-    std::string arguments;
-    for (const std::wstring& argument : launch.arguments)
-        arguments += (arguments.empty() ? "" : ",") + quoted(argument);
-    std::string line = std::string("{\"time\":\"") + time + "\"";
-    line += ",\"process\":" + std::to_string(GetCurrentProcessId());
-    line += ",\"arguments\":[" + arguments + "]";
-    line += ",\"plugin\":" + quoted(launch.plugin);
-    line += ",\"page\":" + quoted(launch.page);
-    line += ",\"item\":" + quoted(launch.item);
-    line += std::string(",\"window\":") + (launch.window ? "true" : "false");
-    return line + "}\n";
+    return journalLine_t()
+        .number("process", GetCurrentProcessId())
+        .texts("arguments", launch.arguments)
+        .text("plugin", utf8FromWide(launch.plugin))
+        .text("page", utf8FromWide(launch.page))
+        .text("item", utf8FromWide(launch.item))
+        .flag("window", launch.window)
+        .finished();
 }
 
 void makeFolders(const std::wstring& file)

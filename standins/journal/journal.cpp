@@ -1,4 +1,4 @@
-#include "vlagent/journal.h"
+#include "journal/journal.h"
 
 #include "common/text.h"
 
@@ -36,25 +36,46 @@ void appendQuoted(std::string& json, std::string_view value)
 
 } // namespace
 
-journalLine_t::journalLine_t(std::string_view event) : m_json("{\"time\":\"" + timeNow() + '"')
+journalLine_t::journalLine_t() : m_json("{\"time\":\"" + timeNow() + '"') {}
+
+journalLine_t::journalLine_t(std::string_view event) : journalLine_t()
 {
     text("event", event);
 }
 
-journalLine_t& journalLine_t::number(std::string_view key, uint64_t value)
+std::string& journalLine_t::member(std::string_view key)
 {
     m_json += ',';
     appendQuoted(m_json, key);
-    m_json += ':' + std::to_string(value);
+    return m_json += ':';
+}
+
+journalLine_t& journalLine_t::number(std::string_view key, uint64_t value)
+{
+    member(key) += std::to_string(value);
+    return *this;
+}
+
+journalLine_t& journalLine_t::flag(std::string_view key, bool value)
+{
+    member(key) += value ? "true" : "false";
     return *this;
 }
 
 journalLine_t& journalLine_t::text(std::string_view key, std::string_view value)
 {
-    m_json += ',';
-    appendQuoted(m_json, key);
-    m_json += ':';
-    appendQuoted(m_json, value);
+    appendQuoted(member(key), value);
+    return *this;
+}
+
+journalLine_t& journalLine_t::texts(std::string_view key, const std::vector<std::wstring>& values)
+{
+    member(key) += '[';
+    for (size_t i = 0; i < values.size(); ++i) {
+        m_json += i ? "," : "";
+        appendQuoted(m_json, utf8FromWide(values[i]));
+    }
+    m_json += ']';
     return *this;
 }
 
