@@ -2,10 +2,7 @@
 
 #include "common/status.h"
 
-#include <objbase.h>
-
 #include <cwchar>
-#include <memory>
 #include <new>
 #include <string>
 
@@ -28,19 +25,13 @@ DWORD bytesWithTerminator(const wchar_t* text) noexcept
     return static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(wchar_t));
 }
 
-struct taskMemory {
-    void operator()(void* memory) const noexcept { CoTaskMemFree(memory); }
-};
-using CTaskText = std::unique_ptr<OLECHAR, taskMemory>;
-
 // withClassText runs body with the text of the class identifier.
 template <class Body> HRESULT withClassText(REFCLSID clsid, Body body) noexcept
 {
-    LPOLESTR raw = nullptr;
-    const HRESULT status = StringFromCLSID(clsid, &raw);
+    CTaskText text;
+    const HRESULT status = StringFromCLSID(clsid, text.put());
     if (FAILED(status))
         return status;
-    const CTaskText text(raw);
     try {
         return body(text.get());
     } catch (const std::bad_alloc&) {

@@ -2,7 +2,17 @@
 
 #include "common/scoped.h"
 
+#include <objbase.h>
+
 namespace VLKT_SDK {
+
+// CTaskText owns a text that the component model gave.
+struct taskText {
+    using value_type = LPOLESTR;
+    static LPOLESTR empty() noexcept { return nullptr; }
+    static void close(LPOLESTR text) noexcept { CoTaskMemFree(text); }
+};
+using CTaskText = CScoped<taskText>;
 
 // CRegistrarBase holds the root of the dashboard's plug-in tree while components are put in or
 // taken out.

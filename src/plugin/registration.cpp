@@ -5,8 +5,6 @@
 #include "plugin/registrar.h"
 #include "vlonlineids.h"
 
-#include <objbase.h>
-
 using VLONLINEIDSLib::CLSID_CVLKTPages;
 
 namespace {
@@ -42,12 +40,11 @@ HRESULT registerRole(VLKT_SDK::CRegisterComponents& registrar, const wchar_t* ro
     HRESULT status = registrar.Status();
     if (SUCCEEDED(status))
         status = registrar.PrepareComponent(CLSID_CVLKTPages, path);
-    LPOLESTR classId = nullptr;
+    VLKT_SDK::CTaskText classId;
     if (SUCCEEDED(status))
-        status = StringFromCLSID(CLSID_CVLKTPages, &classId);
+        status = StringFromCLSID(CLSID_CVLKTPages, classId.put());
     if (SUCCEEDED(status))
-        status = registrar.RegisterComponent(role, classId, path);
-    CoTaskMemFree(classId);
+        status = registrar.RegisterComponent(role, classId.get(), path);
     return status;
 }
 
