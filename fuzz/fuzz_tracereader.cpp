@@ -2,7 +2,7 @@
 #include "require.h"
 #include "vltrace/exports.h"
 #include "vltrace/lines.h"
-#include "vltrace/tracefile.h"
+#include "vltrace/tracefeed.h"
 
 #include <map>
 #include <optional>
@@ -12,8 +12,8 @@ using namespace tracecore;
 
 namespace {
 
-// Every byte from the first record or damage on is told exactly once, in order, and every entry
-// that the walker shows is left or lost at most once.
+// Every byte from the first record or damage on belongs to exactly one item, in order, and every
+// entry that the walker shows is left or lost at most once.
 struct checks_t final : vltrace::traceConsumer_i {
     explicit checks_t(std::span<const uint8_t> input) : bytes(input) {}
 
@@ -27,7 +27,7 @@ struct checks_t final : vltrace::traceConsumer_i {
             pass(record->offset,
                  size_t{7} + bytes[record->offset + 5] + 256U * bytes[record->offset + 6]);
             size_t& depth = depths[record->thread];
-            depth += record->level == '>';
+            depth += record->level == levelEntry;
             require(!step.left || depth-- > 0);
             require(step.open->size() == depth);
         } else if (const auto* damage = std::get_if<traceDamage_t>(&item);

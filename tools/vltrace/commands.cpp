@@ -3,17 +3,20 @@
 #include "exports.h"
 #include "filter.h"
 #include "formats/text/printable.h"
+#include "formats/trace/levels.h"
 #include "lines.h"
 #include "shared/commandline.h"
 #include "shared/inputfile.h"
 #include "shared/outputfile.h"
 #include "stats.h"
-#include "tracefile.h"
+#include "tracefeed.h"
 
 #include <algorithm>
 #include <deque>
 #include <istream>
 #include <ostream>
+
+using tracecore::levelLetters;
 
 namespace vltrace {
 
@@ -44,6 +47,15 @@ struct streams_t {
     std::ostream& err;
 };
 
+// job_t is what a verb gets to do: the options, checked, and where its output goes.
+struct job_t {
+    const options_t& options;
+    const filter_t& filter;
+    const streams_t& streams;
+    const std::function<bool()>& wait;
+    std::ostream& out;
+};
+
 void addShared(CLI::App& command, options_t& options)
 {
     command.add_option("FILE", options.files, "trace files (.trc3); - is standard input")
@@ -54,7 +66,9 @@ void addShared(CLI::App& command, options_t& options)
                     "thread id, decimal or 0x and hexadecimal; repeatable")
         ->group(filters)
         ->allow_extra_args(false);
-    command.add_option("--level", options.levels, "level letters out of ><UEDNTt, as in EU")
+    command
+        .add_option("--level", options.levels,
+                    "level letters out of " + levelLetters() + ", as in EU")
         ->group(filters);
     command
         .add_option("--function", options.functions,
@@ -78,6 +92,37 @@ void addKinds(CLI::App& command, options_t& options)
                      "that were open");
     command.add_flag("--notes", options.notes,
                      "only notes, which have the status 0; with --errors both");
+}
+
+void addLineOptions(CLI::App& command, options_t& options)
+{
+    addKinds(command, options);
+    command.add_flag("--no-marks", options.noMarks, "leave colour directives out");
+}
+
+void addTailOptions(CLI::App& command, options_t& options)
+{
+    addLineOptions(command, options);
+    command.add_flag("-f,--follow", options.follow,
+                     "go on until interrupted; the file may be replaced meanwhile");
+    command.add_option("-n,--lines", options.lines, "number of lines")->capture_default_str();
+}
+
+void addStatsOptions(CLI::App& command, options_t& options)
+{
+    command.add_option("--sort", options.order, "what the table is in the order of")
+        ->check(CLI::IsMember({"name", "calls", "errors", "total", "longest"}))
+        ->capture_default_str();
+}
+
+void addExportOptions(CLI::App& command, options_t& options)
+{
+    addKinds(command, options);
+    command
+        .add_option("--format", options.format,
+                    "jsonl: JSON Lines; chrome: for Perfetto, speedscope and the like")
+        ->check(CLI::IsMember({"jsonl", "chrome"}))
+        ->capture_default_str();
 }
 
 lineOptions_t lineOptionsOf(const options_t& options)
@@ -106,9 +151,9 @@ filter_t filterOf(const options_t& options)
                                        "\"" + text + "\" is no thread id: write 420 or 0x1A4");
         filter.threads.push_back(*thread);
     }
-    if (options.levels.find_first_not_of("><UEDNTt") != std::string::npos)
-        throw CLI::ValidationError("--level", "\"" + options.levels +
-                                                  "\" has a letter that is none of ><UEDNTt");
+    if (options.levels.find_first_not_of(levelLetters()) != std::string::npos)
+        throw CLI::ValidationError(
+            "--level", "\"" + options.levels + "\" has a letter that is none of " + levelLetters());
     filter.levels = options.levels;
     if (options.errors)
         filter.kinds.push_back(kind_t::error);
@@ -122,15 +167,15 @@ filter_t filterOf(const options_t& options)
 }
 
 // readAll reads the files one after the other; one that can't be read doesn't stop the others.
-int readAll(const options_t& options, const streams_t& streams, traceConsumer_i& consumer)
+int readAll(const job_t& job, traceConsumer_i& consumer)
 {
     int status = exitStatus::good;
     const auto complain = [&](const std::string& line) {
-        streams.err << "vltrace: " << printable(line) << '\n';
+        job.streams.err << "vltrace: " << printable(line) << '\n';
     };
-    for (const std::string& name : options.files) {
+    for (const std::string& name : job.options.files) {
         try {
-            const traceFeed_t feed = readTrace(name, streams.in, consumer);
+            const traceFeed_t feed = readTrace(name, job.streams.in, consumer);
             if (feed.cutOffset)
                 complain(shownInput(name) + " is cut at byte " + std::to_string(*feed.cutOffset) +
                          ": the rest is no whole record (is it still being written?)");
@@ -147,40 +192,76 @@ int readAll(const options_t& options, const streams_t& streams, traceConsumer_i&
     return status;
 }
 
-int runTail(const options_t& options, const streams_t& streams, std::ostream& out,
-            const std::function<bool()>& wait)
+int runCat(const job_t& job)
+{
+    linePrinter_t printer(job.filter, lineOptionsOf(job.options),
+                          [&](const std::string& line) { job.out << line; });
+    return readAll(job, printer);
+}
+
+int runTail(const job_t& job)
 {
     std::deque<std::string> last;
     bool live = false;
-    linePrinter_t printer(filterOf(options), lineOptionsOf(options), [&](const std::string& line) {
+    linePrinter_t printer(job.filter, lineOptionsOf(job.options), [&](const std::string& line) {
         if (live) {
-            out << line;
+            job.out << line;
             return;
         }
         last.push_back(line);
-        if (last.size() > options.lines)
+        if (last.size() > job.options.lines)
             last.pop_front();
     });
     const auto showLast = [&] {
         for (const std::string& line : last)
-            out << line;
-        out.flush();
+            job.out << line;
+        job.out.flush();
     };
-    if (!options.follow) {
-        const int status = readAll(options, streams, printer);
+    if (!job.options.follow) {
+        const int status = readAll(job, printer);
         showLast();
         return status;
     }
-    traceFollower_t follower(options.files[0], printer);
+    traceFollower_t follower(job.options.files[0], printer);
     follower.poll();
     showLast();
     live = true;
-    while (out && wait()) {
+    while (job.out && job.wait()) {
         follower.poll();
-        out.flush();
+        job.out.flush();
     }
     return exitStatus::good;
 }
+
+int runStats(const job_t& job)
+{
+    statsTable_t stats(job.filter, job.options.order, job.out);
+    return readAll(job, stats);
+}
+
+int runExport(const job_t& job)
+{
+    if (job.options.format == "chrome") {
+        chromeTrace_t chrome(job.filter, job.out);
+        return readAll(job, chrome);
+    }
+    jsonLines_t lines(job.filter, job.out);
+    return readAll(job, lines);
+}
+
+struct verb_t {
+    const char* name;
+    const char* help;
+    void (*addOptions)(CLI::App& command, options_t& options); // beside those of all verbs
+    int (*run)(const job_t& job);                              // gives the exit status
+};
+
+constexpr verb_t verbs[] = {
+    {"cat", "Show the records as lines", addLineOptions, runCat},
+    {"tail", "Show the last lines, and go on as the file grows", addTailOptions, runTail},
+    {"stats", "Show the functions by calls, errors and duration", addStatsOptions, runStats},
+    {"export", "Write the records for other programs", addExportOptions, runExport},
+};
 
 void checkUse(const options_t& options)
 {
@@ -201,30 +282,13 @@ void checkUse(const options_t& options)
                "redirect the standard output");
 }
 
-int run(const CLI::App& app, const options_t& options, const streams_t& streams,
+int run(const verb_t& verb, const options_t& options, const streams_t& streams,
         const std::function<bool()>& wait)
 {
     checkUse(options);
     const filter_t filter = filterOf(options);
     COutputFile file(options.output, options.force, options.files, streams.out);
-    std::ostream& out = file.Stream();
-    int status = exitStatus::good;
-    if (app.got_subcommand("tail")) {
-        status = runTail(options, streams, out, wait);
-    } else if (app.got_subcommand("cat")) {
-        linePrinter_t printer(filter, lineOptionsOf(options),
-                              [&](const std::string& line) { out << line; });
-        status = readAll(options, streams, printer);
-    } else if (app.got_subcommand("stats")) {
-        statsTable_t stats(filter, options.order, out);
-        status = readAll(options, streams, stats);
-    } else if (options.format == "chrome") {
-        chromeTrace_t chrome(filter, out);
-        status = readAll(options, streams, chrome);
-    } else {
-        jsonLines_t lines(filter, out);
-        status = readAll(options, streams, lines);
-    }
+    const int status = verb.run({options, filter, streams, wait, file.Stream()});
     if (status == exitStatus::good || options.output == "-")
         file.Complete();
     else
@@ -239,33 +303,17 @@ int runVltrace(std::vector<std::string> arguments, std::istream& in, std::ostrea
                std::ostream& err, const std::function<bool()>& wait)
 {
     options_t options;
+    const verb_t* chosen = nullptr;
     CLI::App app("Reads trace files of the plug-in, damaged ones too.", "vltrace");
     app.require_subcommand(1);
-    CLI::App& cat = *app.add_subcommand("cat", "Show the records as lines");
-    CLI::App& tail =
-        *app.add_subcommand("tail", "Show the last lines, and go on as the file grows");
-    CLI::App& stats =
-        *app.add_subcommand("stats", "Show the functions by calls, errors and duration");
-    CLI::App& exports = *app.add_subcommand("export", "Write the records for other programs");
-    for (CLI::App* command : {&cat, &tail, &stats, &exports})
-        addShared(*command, options);
-    for (CLI::App* command : {&cat, &tail, &exports})
-        addKinds(*command, options);
-    for (CLI::App* command : {&cat, &tail})
-        command->add_flag("--no-marks", options.noMarks, "leave colour directives out");
-    tail.add_flag("-f,--follow", options.follow,
-                  "go on until interrupted; the file may be replaced meanwhile");
-    tail.add_option("-n,--lines", options.lines, "number of lines")->capture_default_str();
-    stats.add_option("--sort", options.order, "what the table is in the order of")
-        ->check(CLI::IsMember({"name", "calls", "errors", "total", "longest"}))
-        ->capture_default_str();
-    exports
-        .add_option("--format", options.format,
-                    "jsonl: JSON Lines; chrome: for Perfetto, speedscope and the like")
-        ->check(CLI::IsMember({"jsonl", "chrome"}))
-        ->capture_default_str();
+    for (const verb_t& verb : verbs) {
+        CLI::App& command = *app.add_subcommand(verb.name, verb.help);
+        addShared(command, options);
+        verb.addOptions(command, options);
+        command.callback([&] { chosen = &verb; });
+    }
     return runTool(app, std::move(arguments), out, err, [&] {
-        return run(app, options, {in, out, err}, wait);
+        return run(*chosen, options, {in, out, err}, wait);
     });
 }
 

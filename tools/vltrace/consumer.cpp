@@ -27,7 +27,7 @@ message_t messageOf(const traceRecord_t& record)
 {
     message_t message;
     message.text = record.text;
-    if (record.level == 'E') {
+    if (isOfUse(record.level, levelUse_t::status)) {
         int64_t number = 0;
         const char* begin = record.text.data();
         const char* const last = begin + record.text.size();
@@ -48,14 +48,13 @@ message_t messageOf(const traceRecord_t& record)
 
 kind_t kindOf(const traceRecord_t& record)
 {
-    switch (record.level) {
-    case 'E':
+    const levelInfo_t* const level = levelOf(record.level);
+    switch (level ? level->use : levelUse_t::clock) {
+    case levelUse_t::status:
         return messageOf(record).status == 0 ? kind_t::note : kind_t::error;
-    case 'U':
-    case 'D':
+    case levelUse_t::message:
         return kind_t::message;
-    case '>':
-    case '<':
+    case levelUse_t::call:
         return kind_t::call;
     default:
         return kind_t::stamp;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "formats/trace/levels.h"
 #include "formats/trace/tracewalker.h"
 
 #include <optional>

@@ -197,17 +197,17 @@ void chromeTrace_t::takeRecord(const traceRecord_t& record, const traceStep_t& s
         write(named);
     }
     switch (record.level) {
-    case '>':
+    case levelEntry:
         thread.spans.push_back({record.text, wanted});
         if (const int64_t ts = stamp(thread, step.moment); wanted)
             write(event("B", record.text, record.thread, ts));
         break;
-    case '<':
+    case levelExit:
         if (step.left)
             close(record.thread, thread, stamp(thread, step.moment), false);
         break;
-    case 'T':
-    case 't':
+    case levelTime:
+    case levelDate:
         return;
     default:
         if (wanted) {

@@ -94,7 +94,7 @@ bool filter_t::wants(const traceRecord_t& record, const traceStep_t& step) const
     if (!threads.empty() &&
         std::find(threads.begin(), threads.end(), record.thread) == threads.end())
         return false;
-    if (levels.empty() ? record.level == 'T' || record.level == 't'
+    if (levels.empty() ? isOfUse(record.level, levelUse_t::clock)
                        : levels.find(record.level) == std::string::npos)
         return false;
     if (!kinds.empty() && std::find(kinds.begin(), kinds.end(), kindOf(record)) == kinds.end())
@@ -104,7 +104,7 @@ bool filter_t::wants(const traceRecord_t& record, const traceStep_t& step) const
         (to && (!timed || isAfter(step.moment, *to))))
         return false;
     const std::string left = step.left ? step.left->name : std::string();
-    if (!texts.empty() && !containsAny(record.level == '<' ? left : record.text, texts))
+    if (!texts.empty() && !containsAny(record.level == levelExit ? left : record.text, texts))
         return false;
     if (functions.empty() || (step.left && containsAny(left, functions)))
         return true;

@@ -20,7 +20,7 @@ struct instant_t {
 // compared without regard to the case of ASCII letters.
 struct filter_t {
     std::vector<uint32_t> threads;
-    std::string levels;                 // level bytes; empty: all but the stamps T and t
+    std::string levels;                 // level bytes; empty: all but the stamps of time and date
     std::vector<kind_t> kinds;          // empty: all
     std::vector<std::string> functions; // part of the name of one that is open, or is being left
     std::vector<std::string> texts;     // part of the record's text; of a <: of the function's name

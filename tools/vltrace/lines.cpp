@@ -65,12 +65,12 @@ void linePrinter_t::take(const traceItem_t& item, const traceStep_t& step)
 
 std::string linePrinter_t::recordLine(const traceRecord_t& record, const traceStep_t& step) const
 {
-    const bool entry = record.level == '>';
+    const bool entry = record.level == levelEntry;
     const size_t depth = m_options.chains ? 0 : step.open->size() - (entry ? 1 : 0);
     std::string line = dateText(step.moment) + " " + timeText(step.moment) + "  " +
                        threadText(record.thread) + "  " +
                        std::string(2 * std::min(depth, deepestIndent), ' ') + record.level + " ";
-    if (record.level == '<') {
+    if (record.level == levelExit) {
         line += step.left ? printable(step.left->name) : "(a function whose entry is not known)";
         if (step.left)
             if (const auto duration = durationOf(step.left->entered, step.moment))

@@ -43,42 +43,42 @@ void statsTable_t::take(const traceItem_t& item, const traceStep_t& step)
     if (!record)
         return;
     const bool wanted = m_filter.wants(*record, step);
-    switch (record->level) {
-    case '>': {
-        thread_t& walking = m_walking[record->thread];
-        size_t& open = walking.open[record->text];
-        walking.calls.push_back({record->text, wanted, open++ > 0});
-        if (wanted)
-            ++row(record->text).calls;
+    if (record->level == levelEntry)
+        enter(*record, wanted);
+    else if (record->level == levelExit && step.left)
+        leave(*record, step);
+    else if (record->level != levelExit && wanted)
+        count(*record, step);
+}
+
+void statsTable_t::enter(const traceRecord_t& record, bool wanted)
+{
+    thread_t& walking = m_walking[record.thread];
+    size_t& open = walking.open[record.text];
+    walking.calls.push_back({record.text, wanted, open++ > 0});
+    if (wanted)
+        ++row(record.text).calls;
+}
+
+void statsTable_t::leave(const traceRecord_t& record, const traceStep_t& step)
+{
+    const call_t call = pop(record.thread);
+    const auto duration = durationOf(step.left->entered, step.moment);
+    if (!call.counted || !duration)
         return;
-    }
-    case '<': {
-        if (!step.left)
-            return;
-        const call_t call = pop(record->thread);
-        const auto duration = durationOf(step.left->entered, step.moment);
-        if (!call.counted || !duration)
-            return;
-        functionStats_t& stats = row(call.name);
-        ++stats.timed;
-        stats.total += call.inner ? 0 : *duration;
-        stats.longest = std::max(stats.longest, *duration);
+    functionStats_t& stats = row(call.name);
+    ++stats.timed;
+    stats.total += call.inner ? 0 : *duration;
+    stats.longest = std::max(stats.longest, *duration);
+}
+
+void statsTable_t::count(const traceRecord_t& record, const traceStep_t& step)
+{
+    const kind_t kind = kindOf(record);
+    if (kind == kind_t::stamp)
         return;
-    }
-    case 'E':
-    case 'U':
-    case 'D':
-        if (wanted) {
-            functionStats_t& stats = row(step.open->empty() ? "main" : step.open->back().name);
-            const kind_t kind = kindOf(*record);
-            ++(kind == kind_t::error  ? stats.errors
-               : kind == kind_t::note ? stats.notes
-                                      : stats.messages);
-        }
-        return;
-    default:
-        return;
-    }
+    functionStats_t& stats = row(step.open->empty() ? "main" : step.open->back().name);
+    ++(kind == kind_t::error ? stats.errors : kind == kind_t::note ? stats.notes : stats.messages);
 }
 
 void statsTable_t::end()

@@ -48,6 +48,9 @@ private:
         std::vector<call_t> calls; // in step with the walker's open functions
         std::map<std::string, size_t> open;
     };
+    void enter(const tracecore::traceRecord_t& record, bool wanted);
+    void leave(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step);
+    void count(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step);
     functionStats_t& row(const std::string& name);
     call_t pop(uint32_t thread);
 

@@ -11,7 +11,8 @@ namespace tracecore {
 inline constexpr size_t recordHeaderSize = 7;
 
 // scrambleText scrambles the text of one record in place; unscrambleText is its opposite. The
-// stream restarts with each call, so equal texts have equal scrambled bytes.
+// stream restarts with each call, so equal texts have equal scrambled bytes. scrambleText is in
+// recordformat.cpp; unscrambleText, which the tracer doesn't need, in unscramble.cpp.
 void scrambleText(uint8_t* buffer, size_t length) noexcept;
 void unscrambleText(uint8_t* buffer, size_t length) noexcept;
 

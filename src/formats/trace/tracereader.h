@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/trace/recordjudge.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -20,7 +22,7 @@ struct traceHeader_t {
 struct traceRecord_t {
     uint64_t offset = 0; // of the record in the file
     uint32_t thread = 0;
-    char level = 0;      // one of > < U E D T t N
+    char level = 0;      // one of traceLevels
     std::string text;    // valid UTF-8
     bool mended = false; // bytes of the text that were no UTF-8 have been replaced by U+FFFD
 };
@@ -55,11 +57,9 @@ public:
 
 private:
     enum class phase_t { mark, header, records, search };
-    enum class look_t { no, cut, more, weak, sure };
 
     std::span<const uint8_t> rest(size_t at) const noexcept;
-    look_t look(size_t at, size_t textLimit) const;
-    bool saneText(std::span<const uint8_t> scrambled, char level) const;
+    look_t look(size_t at, size_t textLimit);
     std::optional<traceItem_t> nextHeader();
     std::optional<traceItem_t> nextRecord();
     bool search(size_t end);
@@ -77,10 +77,7 @@ private:
     traceHeader_t m_header;
     size_t m_headerSize = 0;
     std::string m_reason;
-    mutable std::vector<uint8_t> m_text; // scratch
+    recordJudge_t m_judge;
 };
-
-// validUtf8 gives the text with every byte that belongs to no UTF-8 character replaced by U+FFFD.
-std::string validUtf8(std::span<const uint8_t> bytes);
 
 } // namespace tracecore

@@ -1,7 +1,8 @@
 #include "formats/trace/tracewalker.h"
 
+#include "formats/trace/levels.h"
+
 #include <chrono>
-#include <iterator>
 
 namespace tracecore {
 
@@ -15,21 +16,8 @@ int number(const std::string& text, size_t at, size_t digits)
     return value;
 }
 
-// hasShape compares text with a pattern in which 0 stands for any digit.
-bool hasShape(const std::string& text, const std::string& pattern)
-{
-    if (text.size() != pattern.size())
-        return false;
-    for (size_t i = 0; i < text.size(); ++i)
-        if (pattern[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != pattern[i])
-            return false;
-    return true;
-}
-
 std::optional<int32_t> timeOf(const std::string& text)
 {
-    if (!hasShape(text, "00:00:00.000"))
-        return std::nullopt;
     const int hour = number(text, 0, 2);
     const int minute = number(text, 3, 2);
     const int second = number(text, 6, 2);
@@ -76,14 +64,16 @@ void traceWalker_t::takeHeader(const traceHeader_t& header)
 void traceWalker_t::takeStamp(const traceRecord_t& record)
 {
     const std::string& text = record.text;
-    if (record.level == 'T') {
-        m_now.msOfDay = timeOf(text);
-    } else if (record.level == 't' && hasShape(text, "00/00/00")) {
+    const levelInfo_t* const level = levelOf(record.level);
+    const bool shaped = level && level->shape && hasShape(text, *level->shape);
+    if (record.level == levelTime) {
+        m_now.msOfDay = shaped ? timeOf(text) : std::nullopt;
+    } else if (record.level == levelDate && shaped) {
         // The year nearest to the last one known: a file may run over the turn of a century.
         int year = m_year - m_year % 100 + number(text, 6, 2);
         year += year < m_year - 50 ? 100 : year > m_year + 50 ? -100 : 0;
         m_now.day = dayOf(year, number(text, 0, 2), number(text, 3, 2));
-    } else if (record.level == 'N' && hasShape(text, "00-00-0000")) {
+    } else if (record.level == levelWriter && shaped) {
         m_year = number(text, 6, 4);
         m_now.day = dayOf(m_year, number(text, 0, 2), number(text, 3, 2));
     }
@@ -101,7 +91,7 @@ const std::vector<openFunction_t>& traceWalker_t::takeCall(const traceRecord_t& 
 {
     static const std::vector<openFunction_t> none;
     auto place = m_open.find(record.thread);
-    if (record.level == '>') {
+    if (record.level == levelEntry) {
         if (place == m_open.end())
             place = m_open.try_emplace(record.thread).first;
         place->second.push_back({record.text, m_now});
@@ -109,9 +99,9 @@ const std::vector<openFunction_t>& traceWalker_t::takeCall(const traceRecord_t& 
     }
     if (place == m_open.end())
         return none;
-    if (record.level == 'N') {
+    if (record.level == levelWriter) {
         forget(record.thread, place->second, step);
-    } else if (record.level == '<') {
+    } else if (record.level == levelExit) {
         step.left = std::move(place->second.back());
         place->second.pop_back();
     }

@@ -1,4 +1,4 @@
-#include "tracefile.h"
+#include "tracefeed.h"
 
 #include "shared/filesystem.h"
 #include "shared/inputfile.h"
