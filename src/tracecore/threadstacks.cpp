@@ -30,16 +30,6 @@ systemClock_t entryClock() noexcept
 
 } // namespace
 
-bool traceStackEntry_t::isWritten() const noexcept
-{
-    return __atomic_load_n(&written, __ATOMIC_RELAXED);
-}
-
-void traceStackEntry_t::setWritten(bool value) noexcept
-{
-    __atomic_store_n(&written, value, __ATOMIC_RELAXED);
-}
-
 SYSTEMTIME traceStackEntry_t::localTime() const noexcept
 {
     // The clock of the push can be up to a tick ahead of the one that stamps the records.
@@ -61,7 +51,7 @@ void threadFrames_t::push(const char* name, uint64_t now)
     traceStackEntry_t& frame = frames[depth];
     frame.name = name ? name : "";
     frame.entered = now;
-    frame.written = false;
+    frame.setWritten(false);
     ++depth;
 }
 
@@ -88,7 +78,7 @@ void threadStacks_t::pop() noexcept
     if (--mine->depth)
         return;
     if (mine->frames.size() > keptFrames)
-        mine->frames = {};
+        mine->frames = std::vector<traceStackEntry_t>();
     if (thread != ownerThread)
         release(*mine, thread);
 }

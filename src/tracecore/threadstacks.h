@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tracecore {
@@ -17,13 +18,21 @@ using systemClock_t = void(WINAPI*)(FILETIME*);
 // traceStackEntry_t is one open function. Asking the system for the local time is expensive, so the
 // entry time becomes local only when it is written.
 struct traceStackEntry_t {
+    traceStackEntry_t() = default;
+    traceStackEntry_t(traceStackEntry_t&& other) noexcept // when its thread's stack grows
+        : name(std::move(other.name)), entered(other.entered), written(other.isWritten())
+    {}
+
+    bool isWritten() const noexcept { return written.load(std::memory_order_relaxed); }
+    void setWritten(bool value) noexcept { written.store(value, std::memory_order_relaxed); }
+    SYSTEMTIME localTime() const noexcept;
+
     std::string name;     // UTF-8, a copy of the caller's
     uint64_t entered = 0; // the push, by the system clocks
-    bool written = false; // the entry record was emitted; the main frame's is read by other threads
 
-    bool isWritten() const noexcept;
-    void setWritten(bool value) noexcept;
-    SYSTEMTIME localTime() const noexcept;
+private:
+    std::atomic<bool> written{
+        false}; // the entry record was emitted; threads share the main frame's
 };
 
 // threadFrames_t is the stack of one thread, outermost first. Frames above depth are kept for their
