@@ -1,3 +1,4 @@
+#include "formats/trace/levels.h"
 #include "formats/trace/recordformat.h"
 #include "formats/trace/textcipher.h"
 #include "ratio.h"
@@ -108,7 +109,7 @@ void pairs()
             times(count, tracedPair)();
         };
     };
-    row("tracing off: with a second thread at it / alone", 1.50, beside(shared), beside(own));
+    row("tracing off: with a second thread tracing / alone", 1.50, beside(shared), beside(own));
     work = ended;
     second.join();
 }
@@ -126,7 +127,8 @@ void records(const std::wstring& folder)
     };
     theTracer().nextPoll = MAXDWORD;
     theTracer().mode = sinkFileNew;
-    sink.store(std::make_shared<outputStorageFile_t>(folder + L"vl_trace_bench.trc3", true));
+    traceState().sink.store(
+        std::make_shared<outputStorageFile_t>(folder + L"vl_trace_bench.trc3", true));
     traceScope_t open("open");
     row("tracing on: silent pair / wait and release of the mutex", 0.10, times(count, tracedPair),
         times(count, turn([] {})));
@@ -136,16 +138,16 @@ void records(const std::wstring& folder)
                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS,
                                        FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     const std::vector<char> bytes(recordHeaderSize + text.size());
-    traceWrite('U', text);
+    traceWrite(levelMessage, text);
     row("tracing on: message / mutex pair, seek and write", 1.25,
-        times(count, [&text] { traceWrite('U', text); }),
+        times(count, [&text] { traceWrite(levelMessage, text); }),
         times(count, turn([&] {
                   DWORD written = 0;
                   SetFilePointer(file.get(), 0, nullptr, FILE_END);
                   WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
                             nullptr);
               })));
-    sink.store(nullptr);
+    traceState().sink.store(nullptr);
 }
 
 void scrambling()

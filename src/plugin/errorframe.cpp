@@ -15,7 +15,7 @@ struct ClauseTag {
     char text[64] = {};
     ClauseTag(const char* operation, const char* clause) noexcept
     {
-        if (!tracecore::traceDisabled)
+        if (!tracecore::traceState().traceDisabled)
             std::snprintf(text, sizeof text, "%s%s", operation, clause);
     }
 };

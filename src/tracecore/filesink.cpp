@@ -1,5 +1,6 @@
 #include "common/module.h"
 #include "common/text.h"
+#include "formats/trace/levels.h"
 #include "formats/trace/recordformat.h"
 #include "tracecore/realtracer.h"
 #include "tracecore/sinks.h"
@@ -81,31 +82,10 @@ bool outputStorageFile_t::ensureOpen()
     } else {
         SYSTEMTIME now;
         GetLocalTime(&now);
-        writeRecord(handle.get(), 'N',
+        writeRecord(handle.get(), levelWriter,
                     formatWide(L"%02d-%02d-%02d", now.wMonth, now.wDay, now.wYear));
     }
     return true;
-}
-
-std::unique_ptr<outputStorageInterface_i> createSink(uint32_t kind)
-{
-    switch (kind) {
-    case sinkNowhere:
-        return std::make_unique<outputStorageNowhere_t>();
-    case sinkFileAppend:
-    case sinkFileNew: {
-        const bool newFile = kind == sinkFileNew;
-        std::wstring path;
-        theTracer().fileName(path, newFile);
-        return std::make_unique<outputStorageFile_t>(std::move(path), newFile);
-    }
-    case sinkConsole:
-        return std::make_unique<outputStorageConsole_t>();
-    case sinkIDE:
-        return std::make_unique<outputStorageIDE_t>();
-    default:
-        return nullptr;
-    }
 }
 
 } // namespace tracecore

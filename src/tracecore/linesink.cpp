@@ -1,4 +1,5 @@
 #include "common/systemtext.h"
+#include "formats/trace/levels.h"
 #include "tracecore/sinks.h"
 #include "tracecore/tracer.h"
 
@@ -49,17 +50,18 @@ std::wstring shownStatus(const std::wstring& text)
 
 void outputStorageWindow_t::write(char level, const std::wstring& text, const std::string& function)
 {
-    if (level == 'T') {
+    if (level == levelTime) {
         timeText = text;
         return;
     }
-    if (level != 'D' && level != 'E' && level != 'U')
+    const bool status = isOfUse(level, levelUse_t::status);
+    if (!status && !isOfUse(level, levelUse_t::message))
         return;
     prepare();
     std::wstring shown;
     bool coloured = false;
     WORD colour = errorColour;
-    if (console && level == 'E') {
+    if (console && status) {
         coloured = true;
     } else if (console && readColour(text, colour)) {
         coloured = true;
@@ -67,10 +69,10 @@ void outputStorageWindow_t::write(char level, const std::wstring& text, const st
     }
     if (coloured)
         SetConsoleTextAttribute(console, colour);
-    if (level == 'E')
+    if (status)
         shown = shownStatus(text);
     emit(formatWide(L"0x%x %s %S() %s%s\n", GetCurrentThreadId(), timeText.c_str(),
-                    function.c_str(), level == 'E' ? L"*ERR* " : L"",
+                    function.c_str(), status ? L"*ERR* " : L"",
                     (shown.empty() ? text : shown).c_str()));
     if (coloured)
         SetConsoleTextAttribute(console, plainColour);

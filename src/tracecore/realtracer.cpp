@@ -61,8 +61,8 @@ realTracer_t::realTracer_t()
 
 realTracer_t::~realTracer_t()
 {
-    sink.clear();
-    sinkKind = sinkNone;
+    traceState().sink.clear();
+    traceState().sinkKind = sinkNone;
 }
 
 } // namespace tracecore

@@ -12,16 +12,6 @@
 
 namespace tracecore {
 
-// The kinds of sinks, the values of the tracer's mode and of sinkKind.
-enum : uint32_t {
-    sinkNone = 0,
-    sinkNowhere = 1,
-    sinkFileAppend = 2,
-    sinkFileNew = 3,
-    sinkConsole = 4,
-    sinkIDE = 5,
-};
-
 // tracer_t is the tracer as its configuration drives it.
 class tracer_t
 {
@@ -82,18 +72,23 @@ private:
     pointer m_sink;
 };
 
-// theTracer is the module's one tracer.
-realTracer_t& theTracer() noexcept;
+// traceState_t is what lies beside the tracer: built before it, destroyed after it.
+struct traceState_t {
+    std::atomic<uint8_t> traceDisabled{0}; // nonzero empties all operations; nothing here sets it
+    criticalSection_t configLock;
+    sinkHolder_t sink; // replaced with configLock held
+    std::atomic<uint32_t> sinkKind{sinkNone};
+    SYSTEMTIME lastStamp{}; // the time of the last record emitted, under the writers' mutex
+    std::atomic<int32_t> debuggerPresent{-1}; // -1 until first asked; the answer is kept
+    std::atomic<uint8_t> sweepDone{0};        // the sweep's turn of this process is taken
+};
 
-// The state beside the tracer. sink is replaced with configLock held.
-extern std::atomic<uint8_t> traceDisabled; // nonzero empties all operations; nothing here sets it
-extern criticalSection_t configLock;
-extern sinkHolder_t sink;
-extern std::atomic<uint32_t> sinkKind;
-extern SYSTEMTIME lastStamp; // the time of the last record emitted, under the writers' mutex
+// theTracer is the module's one tracer, traceState its state. Both are in tracer.cpp.
+realTracer_t& theTracer() noexcept;
+traceState_t& traceState() noexcept;
 
 // pollConfiguration looks at the configuration if that is due, and replaces the sink when another
-// is wanted. Raises nothing.
+// is wanted. Raises nothing. It is in traceconfig.cpp, as is what the configuration drives.
 void pollConfiguration(tracer_t& tracer) noexcept;
 
 } // namespace tracecore

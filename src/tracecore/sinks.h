@@ -3,10 +3,10 @@
 #include "common/scoped.h"
 #include "tracecore/sink.h"
 
-#include <cstdint>
-#include <memory>
 #include <string>
 
+// Each sink is in a file of its own: filesink.cpp, consolesink.cpp, and for the debugger and what it
+// shares with the console linesink.cpp.
 namespace tracecore {
 
 // outputStorageNowhere_t is tracing switched off.
@@ -20,11 +20,12 @@ public:
 // file that can't be opened sets the tracer's fileFailed: no sink of this process tries again.
 //
 // fullName: where the file is
-// anew:     replaces an existing file; otherwise it is appended to, after a note of the new writer
+// replace:  replaces an existing file; otherwise it is appended to, after a note of the new writer
 class outputStorageFile_t final : public outputStorageInterface_i
 {
 public:
-    outputStorageFile_t(std::wstring fullName, bool anew) : path(std::move(fullName)), newFile(anew)
+    outputStorageFile_t(std::wstring fullName, bool replace)
+        : path(std::move(fullName)), newFile(replace)
     {}
     void write(char level, const std::wstring& text, const std::string& function) override;
 
@@ -73,10 +74,6 @@ protected:
     void prepare() override {}
     void emit(const std::wstring& line) override;
 };
-
-// createSink makes the sink of a kind, sinkNowhere to sinkIDE; null for any other. The file sinks
-// get their path from the tracer.
-std::unique_ptr<outputStorageInterface_i> createSink(uint32_t kind);
 
 // writeRecord appends one record to a trace file with a single write. An invalid handle writes
 // nothing. A text of 65,536 bytes or more breaks the parsing of the file: its length field wraps.

@@ -5,7 +5,6 @@
 #include "common/osversion.h"
 #include "common/scoped.h"
 #include "tracecore/realtracer.h"
-#include "tracecore/sinks.h"
 #include "tracecore/tracefilename.h"
 
 #include <ctime>
@@ -13,9 +12,6 @@
 #include <mutex>
 
 namespace tracecore {
-
-std::atomic<int32_t> debuggerPresent{-1};
-std::atomic<uint8_t> sweepDone{0};
 
 namespace {
 
@@ -118,22 +114,24 @@ bool dayOf(int64_t time, int64_t& day) noexcept
 
 bool underDebugger() noexcept
 {
-    int32_t present = debuggerPresent;
+    std::atomic<int32_t>& known = traceState().debuggerPresent;
+    int32_t present = known;
     if (present < 0)
-        debuggerPresent = present = IsDebuggerPresent() ? 1 : 0;
+        known = present = IsDebuggerPresent() ? 1 : 0;
     return present != 0;
 }
 
 void replaceSink(uint32_t wanted)
 {
-    if (sinkKind == wanted)
+    traceState_t& state = traceState();
+    if (state.sinkKind == wanted)
         return;
-    sink.store(nullptr);
-    sinkKind = sinkNone;
+    state.sink.store(nullptr);
+    state.sinkKind = sinkNone;
     std::shared_ptr<outputStorageInterface_i> made = createSink(wanted);
     if (made) {
-        sink.store(std::move(made));
-        sinkKind = wanted;
+        state.sink.store(std::move(made));
+        state.sinkKind = wanted;
     }
 }
 
@@ -141,7 +139,7 @@ void followConfiguration(tracer_t& tracer)
 {
     const uint32_t wanted = tracer.traceMode();
     if (wanted != tracer.mode) {
-        std::lock_guard guard(configLock);
+        std::lock_guard guard(traceState().configLock);
         tracer.mode = wanted;
         replaceSink(wanted);
         tracer.nextPoll = 0;
@@ -182,16 +180,12 @@ uint32_t realTracer_t::traceMode()
         return sinkNowhere;
     if (!componentTraced())
         return sinkNowhere;
-    switch (numberOf(key, L"TraceToFile", 1)) {
-    case 1:
-        return numberOf(key, L"NewFileAlways", 1) ? sinkFileNew : sinkFileAppend;
-    case 3:
+    const uint32_t kind = sinkOfSetting(numberOf(key, L"TraceToFile", 1));
+    if (kind == sinkFileNew && !numberOf(key, L"NewFileAlways", 1))
+        return sinkFileAppend;
+    if (kind == sinkIDE && !underDebugger())
         return sinkConsole;
-    case 4:
-        return underDebugger() ? sinkIDE : sinkConsole;
-    default:
-        return sinkNowhere;
-    }
+    return kind;
 }
 
 void realTracer_t::fileName(std::wstring& out, bool newFileAlways)
@@ -245,7 +239,7 @@ bool switchExpired()
 
 void sweepOldTraces(const std::wstring& path, uint8_t flag)
 {
-    if (sweepDone)
+    if (traceState().sweepDone)
         return;
     const CKernelHandle turn(
         CreateMutexW(nullptr, FALSE, L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}"));
@@ -258,7 +252,7 @@ void sweepOldTraces(const std::wstring& path, uint8_t flag)
     const DWORD waited = WaitForSingleObject(turn.get(), 0);
     if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
         return; // another process is sweeping: a later look tries again
-    sweepDone = 1;
+    traceState().sweepDone = 1;
     const size_t dot = path.rfind(L'.');
     if (!flag || dot == std::wstring::npos)
         return;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -8,9 +7,6 @@ namespace tracecore {
 
 // The switch of tracing and what goes with it, in SOFTWARE\Veltrano\Tracing of HKEY_LOCAL_MACHINE.
 // A missing key, a missing value and a value of the wrong type read as the default.
-
-extern std::atomic<int32_t> debuggerPresent; // -1 until first asked; the answer is kept
-extern std::atomic<uint8_t> sweepDone;       // the sweep's turn of this process is taken
 
 // componentTraced is false if the subkey ComponentsNOT names this module and Components doesn't.
 bool componentTraced();

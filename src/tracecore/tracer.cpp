@@ -4,6 +4,7 @@
 #include "common/lasterror.h"
 #include "common/status.h"
 #include "common/text.h"
+#include "formats/trace/levels.h"
 #include "tracecore/realtracer.h"
 
 #include <cstdarg>
@@ -12,15 +13,11 @@
 
 namespace tracecore {
 
-std::atomic<uint8_t> traceDisabled{0};
-std::atomic<uint32_t> sinkKind{sinkNone};
-SYSTEMTIME lastStamp{};
-[[gnu::init_priority(initTracer)]] criticalSection_t configLock;
-[[gnu::init_priority(initTracer)]] sinkHolder_t sink;
-
 namespace {
 
 std::atomic<bool> ready{false}; // the tracer is built and not yet destroyed
+
+[[gnu::init_priority(initTracer)]] traceState_t state;
 
 [[gnu::init_priority(initTracer)]] realTracer_t tracer;
 
@@ -32,7 +29,8 @@ std::atomic<bool> ready{false}; // the tracer is built and not yet destroyed
 
 bool closed() noexcept
 {
-    return traceDisabled.load(std::memory_order_relaxed) || !ready.load(std::memory_order_relaxed);
+    return state.traceDisabled.load(std::memory_order_relaxed) ||
+           !ready.load(std::memory_order_relaxed);
 }
 
 // writerTurn_t is the right to write. The mutex may be missing, or belong to somebody who grants no
@@ -75,25 +73,26 @@ bool sameTime(const SYSTEMTIME& a, const SYSTEMTIME& b) noexcept
 void traceEmit(const SYSTEMTIME& time, char level, const std::wstring& text,
                const std::string& function)
 {
-    const std::shared_ptr<outputStorageInterface_i> out = sink.load();
+    const std::shared_ptr<outputStorageInterface_i> out = state.sink.load();
     if (!out)
         return;
-    if (!sameDate(time, lastStamp) || !sameTime(time, lastStamp)) {
-        if (!sameDate(time, lastStamp))
-            out->write('t', formatWide(L"%02d/%02d/%02d", time.wMonth, time.wDay, time.wYear % 100),
+    if (!sameDate(time, state.lastStamp) || !sameTime(time, state.lastStamp)) {
+        if (!sameDate(time, state.lastStamp))
+            out->write(levelDate,
+                       formatWide(L"%02d/%02d/%02d", time.wMonth, time.wDay, time.wYear % 100),
                        function);
-        out->write('T',
+        out->write(levelTime,
                    formatWide(L"%02d:%02d:%02d.%03d", time.wHour, time.wMinute, time.wSecond,
                               time.wMilliseconds),
                    function);
-        lastStamp = time;
+        state.lastStamp = time;
     }
     out->write(level, text, function);
 }
 
 void writeEntry(traceStackEntry_t& frame)
 {
-    traceEmit(frame.localTime(), '>', wideFromUtf8(frame.name), frame.name);
+    traceEmit(frame.localTime(), levelEntry, wideFromUtf8(frame.name), frame.name);
     frame.setWritten(true);
 }
 
@@ -129,6 +128,11 @@ realTracer_t& theTracer() noexcept
     return tracer;
 }
 
+traceState_t& traceState() noexcept
+{
+    return state;
+}
+
 bool traceActive() noexcept
 {
     return !closed() && tracer.mode.load(std::memory_order_relaxed) >= sinkFileAppend;
@@ -149,7 +153,7 @@ void traceLeave()
         return;
     if (tracer.mode.load(std::memory_order_relaxed) > sinkNowhere) {
         try {
-            traceWrite('<', {});
+            traceWrite(levelExit, {});
         } catch (...) { // out of memory: the frame is popped all the same
         }
     }
@@ -158,13 +162,13 @@ void traceLeave()
 
 void traceWrite(char level, const std::wstring& text)
 {
-    if (closed() || level == '>')
+    if (closed() || level == levelEntry)
         return;
-    if (level == '<' && !tracer.stacks.current().isWritten()) // nothing for a silent function
+    if (level == levelExit && !tracer.stacks.current().isWritten()) // nothing for a silent function
         return;
     const lastErrorKeeper_t keeper;
     const writerTurn_t turn;
-    if (level != '<')
+    if (level != levelExit)
         flushPending();
     SYSTEMTIME now;
     GetLocalTime(&now);
@@ -176,7 +180,7 @@ void traceText(const char* text)
     if (!traceActive())
         return;
     const lastErrorKeeper_t keeper;
-    traceWrite('U', wideFromUtf8(text ? text : ""));
+    traceWrite(levelMessage, wideFromUtf8(text ? text : ""));
 }
 
 void traceFormat(int, const char* format, ...)
@@ -194,7 +198,7 @@ void traceFormat(int, const char* format, ...)
     va_start(arguments, format);
     _vsnwprintf(text, std::size(text) - 1, wide.c_str(), arguments);
     va_end(arguments);
-    traceWrite('U', text);
+    traceWrite(levelMessage, text);
 }
 
 void traceFormatW(const wchar_t* format, ...)
@@ -206,19 +210,19 @@ void traceFormatW(const wchar_t* format, ...)
     va_start(arguments, format);
     const std::wstring text = formatWideV(format, arguments);
     va_end(arguments);
-    traceWrite('U', text);
+    traceWrite(levelMessage, text);
 }
 
 void traceStatus(const char* text, HRESULT status)
 {
     if (traceActive())
-        traceWrite('E', formatWide(L"%d %hs", static_cast<int>(status), text ? text : ""));
+        traceWrite(levelError, formatWide(L"%d %hs", static_cast<int>(status), text ? text : ""));
 }
 
 void traceStatusW(const std::wstring& text, HRESULT status)
 {
     if (traceActive())
-        traceWrite('E', formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
+        traceWrite(levelError, formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
 }
 
 void traceStatusFormat(HRESULT status, const wchar_t* format, ...)

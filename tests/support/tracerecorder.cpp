@@ -22,20 +22,20 @@ struct recordingSink_t final : outputStorageInterface_i {
 traceRecorder_t::traceRecorder_t() : m_sink(std::make_shared<recordingSink_t>())
 {
     realTracer_t& tracer = theTracer();
-    std::lock_guard guard(configLock);
+    std::lock_guard guard(traceState().configLock);
     m_nextPoll = tracer.nextPoll.exchange(0xFFFFFFFF); // no tick count is above it
     m_mode = tracer.mode.exchange(sinkFileAppend);
-    m_kind = sinkKind.exchange(sinkFileAppend);
-    m_replaced = sink.exchange(m_sink);
+    m_kind = traceState().sinkKind.exchange(sinkFileAppend);
+    m_replaced = traceState().sink.exchange(m_sink);
     tracer.stacks.mainFrame.setWritten(false);
 }
 
 traceRecorder_t::~traceRecorder_t()
 {
     realTracer_t& tracer = theTracer();
-    std::lock_guard guard(configLock);
-    sink.store(m_replaced);
-    sinkKind = m_kind;
+    std::lock_guard guard(traceState().configLock);
+    traceState().sink.store(m_replaced);
+    traceState().sinkKind = m_kind;
     tracer.mode = m_mode;
     tracer.nextPoll = m_nextPoll;
 }

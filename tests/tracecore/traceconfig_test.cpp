@@ -48,7 +48,7 @@ TEST_F(TraceConfig, WantedSinkByTheRegistry)
     }
     debugged = TRUE;
     EXPECT_EQ(theTracer().traceMode(), sinkConsole); // the answer is kept
-    debuggerPresent = -1;
+    traceState().debuggerPresent = -1;
     EXPECT_EQ(theTracer().traceMode(), sinkIDE);
 }
 
@@ -96,10 +96,10 @@ TEST_F(TraceConfig, SweepWaitsForNobody)
     const wchar_t name[] = L"{32FA2EA5-DF93-459d-8F49-C1DC80404214}";
     const CKernelHandle turn(CreateMutexW(nullptr, TRUE, name));
     std::jthread([] { sweepOldTraces(L"x.trc3", 1); });
-    EXPECT_EQ(sweepDone, 0); // a later look tries again
+    EXPECT_EQ(traceState().sweepDone, 0); // a later look tries again
     ReleaseMutex(turn.get());
     std::jthread([] { sweepOldTraces(L"x.trc3", 0); });
-    EXPECT_EQ(sweepDone, 1);
+    EXPECT_EQ(traceState().sweepDone, 1);
     EXPECT_EQ(WaitForSingleObject(turn.get(), 0), WAIT_OBJECT_0); // given back
 }
 
@@ -117,7 +117,7 @@ TEST_F(TraceConfig, ExpiredNumberIsDeletedAndTheTracesAreLookedAtButStay)
         follow();
         EXPECT_EQ(traceActive(), on);
         EXPECT_EQ(theTracer().expire(), on); // was still there
-        EXPECT_NE(sweepDone, on);
+        EXPECT_NE(traceState().sweepDone, on);
     }
     EXPECT_EQ(marked, 0);
     setNumber(L"DoTrace", 0);

@@ -141,7 +141,7 @@ TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)
     traceText("lost");
     setNumber(L"NewFileAlways", 0);
     const std::filesystem::path path = traceTo(L"t.trc3");
-    ASSERT_EQ(sinkKind, sinkFileAppend);
+    ASSERT_EQ(traceState().sinkKind, sinkFileAppend);
     traceText("lost as well");
     EXPECT_FALSE(std::filesystem::exists(path));
 }

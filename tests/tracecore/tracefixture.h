@@ -29,21 +29,21 @@ protected:
         using namespace tracecore;
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano");
         realTracer_t& tracer = theTracer();
-        sinkKind = sinkNone;
+        traceState().sinkKind = sinkNone;
         tracer.mode = sinkNowhere;
         tracer.nextPoll = 0;
         tracer.fileFailed = 0;
         tracer.stacks.mainFrame.setWritten(false);
         tracer.stacks.clock = readSystem;
-        lastStamp = {};
-        debuggerPresent = -1;
-        sweepDone = 0;
+        traceState().lastStamp = {};
+        traceState().debuggerPresent = -1;
+        traceState().sweepDone = 0;
         testTime = {2017, 7, 0, 14, 1, 2, 3, 45};
         std::filesystem::create_directories(folder);
     }
     ~tracingFixture() override
     {
-        tracecore::sink.store(nullptr);
+        tracecore::traceState().sink.store(nullptr);
         std::filesystem::remove_all(folder);
     }
 

@@ -28,12 +28,12 @@ TEST(Tracer, MessagesHaveTheirForms)
     traceLastError(L"open");
     EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(traceException("label: ", std::runtime_error("what")), E_UNEXPECTED);
-    traceDisabled = 1;
+    traceState().traceDisabled = 1;
     traceScope_t scope("f");
     EXPECT_EQ(theTracer().stacks.frames()->depth, 0u);
     traceText("x");
     EXPECT_FALSE(traceActive());
-    traceDisabled = 0;
+    traceState().traceDisabled = 0;
     EXPECT_EQ(recorder.joined(), L"|U caf\u00E9|U |U narrow|c|   42|wide|%hs|U " +
                                      std::wstring(399, L'x') + L"|E -2147024891 text|E 7 |E -1 " +
                                      std::wstring(2000, L'y') +
