@@ -113,6 +113,16 @@ void flushPending()
     }
 }
 
+// A record that can't be made for lack of memory is lost: tracing doesn't fail what it traces.
+template <class Body> void quietly(Body body) noexcept
+{
+    const lastErrorKeeper_t keeper;
+    try {
+        body();
+    } catch (...) {
+    }
+}
+
 // Narrow formats mean narrow arguments, which a wide format has to mark.
 void markNarrow(std::wstring& format, const wchar_t* conversion)
 {
@@ -151,12 +161,8 @@ void traceLeave()
 {
     if (closed())
         return;
-    if (tracer.mode.load(std::memory_order_relaxed) > sinkNowhere) {
-        try {
-            traceWrite(levelExit, {});
-        } catch (...) { // out of memory: the frame is popped all the same
-        }
-    }
+    if (tracer.mode.load(std::memory_order_relaxed) > sinkNowhere)
+        traceWrite(levelExit, {});
     tracer.stacks.pop();
 }
 
@@ -166,75 +172,76 @@ void traceWrite(char level, const std::wstring& text)
         return;
     if (level == levelExit && !tracer.stacks.current().isWritten()) // nothing for a silent function
         return;
-    const lastErrorKeeper_t keeper;
-    const writerTurn_t turn;
-    if (level != levelExit)
-        flushPending();
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    traceEmit(now, level, text, tracer.stacks.current().name);
+    quietly([&] {
+        const writerTurn_t turn;
+        if (level != levelExit)
+            flushPending();
+        SYSTEMTIME now;
+        GetLocalTime(&now);
+        traceEmit(now, level, text, tracer.stacks.current().name);
+    });
 }
 
 void traceText(const char* text)
 {
-    if (!traceActive())
-        return;
-    const lastErrorKeeper_t keeper;
-    traceWrite(levelMessage, wideFromUtf8(text ? text : ""));
+    if (traceActive())
+        quietly([&] { traceWrite(levelMessage, wideFromUtf8(text ? text : "")); });
 }
 
 void traceFormat(int, const char* format, ...)
 {
     if (!traceActive() || !format)
         return;
-    const lastErrorKeeper_t keeper;
-    std::wstring wide = wideFromAnsi(format);
-    if (wide.empty())
-        return;
-    markNarrow(wide, L"%s");
-    markNarrow(wide, L"%c");
-    wchar_t text[400] = {};
     va_list arguments;
     va_start(arguments, format);
-    _vsnwprintf(text, std::size(text) - 1, wide.c_str(), arguments);
+    quietly([&] {
+        std::wstring wide = wideFromAnsi(format);
+        if (wide.empty())
+            return;
+        markNarrow(wide, L"%s");
+        markNarrow(wide, L"%c");
+        wchar_t text[400] = {};
+        _vsnwprintf(text, std::size(text) - 1, wide.c_str(), arguments);
+        traceWrite(levelMessage, text);
+    });
     va_end(arguments);
-    traceWrite(levelMessage, text);
 }
 
 void traceFormatW(const wchar_t* format, ...)
 {
     if (!traceActive())
         return;
-    const lastErrorKeeper_t keeper;
     va_list arguments;
     va_start(arguments, format);
-    const std::wstring text = formatWideV(format, arguments);
+    quietly([&] { traceWrite(levelMessage, formatWideV(format, arguments)); });
     va_end(arguments);
-    traceWrite(levelMessage, text);
 }
 
 void traceStatus(const char* text, HRESULT status)
 {
     if (traceActive())
-        traceWrite(levelError, formatWide(L"%d %hs", static_cast<int>(status), text ? text : ""));
+        quietly([&] {
+            traceWrite(levelError,
+                       formatWide(L"%d %hs", static_cast<int>(status), text ? text : ""));
+        });
 }
 
 void traceStatusW(const std::wstring& text, HRESULT status)
 {
     if (traceActive())
-        traceWrite(levelError, formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
+        quietly([&] {
+            traceWrite(levelError, formatWide(L"%d %s", static_cast<int>(status), text.c_str()));
+        });
 }
 
 void traceStatusFormat(HRESULT status, const wchar_t* format, ...)
 {
     if (!traceActive())
         return;
-    const lastErrorKeeper_t keeper;
     va_list arguments;
     va_start(arguments, format);
-    const std::wstring text = formatWideV(format, arguments);
+    quietly([&] { traceStatusW(formatWideV(format, arguments), status); });
     va_end(arguments);
-    traceStatusW(text, status);
 }
 
 void traceLastError(const std::wstring& text)
@@ -261,7 +268,9 @@ void traceNoteW(const std::wstring& text)
 void traceNotePair(const char* first, const char* second)
 {
     if (traceActive())
-        traceStatusW(formatWide(L"%hs%hs", first ? first : "", second ? second : ""), S_OK);
+        quietly([&] {
+            traceStatusW(formatWide(L"%hs%hs", first ? first : "", second ? second : ""), S_OK);
+        });
 }
 
 HRESULT traceException(const char* label, const std::exception& exception)

@@ -10,9 +10,9 @@
 // record is written late, when something inside it is traced, with the time at which it was really
 // entered.
 //
-// Every operation may be called on any thread, raises nothing by design and returns no failure.
-// Each leaves the thread's last error as it found it. Narrow texts are UTF-8 except formats, which
-// are in the active code page.
+// Every operation may be called on any thread and returns no failure. Only traceEnter can raise:
+// std::bad_alloc, with nothing pushed. Each leaves the thread's last error as it found it. Narrow
+// texts are UTF-8 except formats, which are in the active code page.
 namespace tracecore {
 
 // traceActive is true if messages go anywhere; test it before building an expensive text.
@@ -61,8 +61,8 @@ HRESULT traceException(const char* label, const std::exception& exception);
 // nothing.
 void traceWrite(char level, const std::wstring& text);
 
-// formatWide is the printf of this system, with the platform's rules for wide formats: %s and %ls
-// take a wide string, %hs and %S a narrow one; the size I64 is known.
+// formatWide, in tracetext.cpp, is the printf of this system, with the platform's rules for wide
+// formats: %s and %ls take a wide string, %hs and %S a narrow one; the size I64 is known.
 std::wstring formatWide(const wchar_t* format, ...);
 std::wstring formatWideV(const wchar_t* format, va_list arguments);
 

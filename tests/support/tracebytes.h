@@ -28,7 +28,7 @@ public:
         return text(mixedTraceText(plain.substr(0, plain.size() & 0xFFFF), true));
     }
 
-    // Adds records of one thread, each told as its level and text in one.
+    // Adds records of one thread, each given as its level and text in one.
     traceBytes_t& records(uint32_t thread, std::initializer_list<std::string> lines)
     {
         for (const std::string& line : lines)

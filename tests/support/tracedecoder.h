@@ -32,13 +32,13 @@ struct decodedTrace_t {
     }
 };
 
-// The block cipher behind the texts.
+// The block cipher of the texts.
 using traceBlock_t = std::array<uint32_t, 2>;
 
 inline traceBlock_t encipherTraceBlock(traceBlock_t block)
 {
     constexpr uint32_t k[] = {0x6B7D1A35, 0xC2E94F08, 0x1F53B8D6, 0x94A0E72C};
-    // A shift that keeps the sign, told without signed numbers.
+    // A shift that keeps the sign, written without signed numbers.
     const auto shifted = [](uint32_t v) { return (v >> 5) | (v >> 31 ? 0xF8000000U : 0U); };
     auto& [y, z] = block;
     for (uint32_t round = 1; round <= 32; ++round) {

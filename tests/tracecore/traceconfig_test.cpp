@@ -19,7 +19,7 @@ using TraceConfig = tracingFixture;
 
 const std::wstring component = baseNameOf(moduleFileName(nullptr));
 
-TEST_F(TraceConfig, WantedSinkByTheRegistry)
+TEST_F(TraceConfig, WantedSinkFollowsTheRegistry)
 {
     static BOOL debugged;
     const importPatch_t debugger{"IsDebuggerPresent", +[] { return debugged; }};

@@ -146,7 +146,7 @@ TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
+TEST_F(TraceFile, RecordHoldsAsMuchTextAsItsLengthFieldCanSay)
 {
     for (const size_t length : {0U, 1U, 8U, 349U, 350U, 65535U, 65546U}) {
         const std::wstring text(length, L'a');
@@ -154,14 +154,14 @@ TEST_F(TraceFile, RecordHoldsTheTextUpToTheLengthThatItsFieldCanTell)
                                            nullptr, CREATE_ALWAYS, 0, nullptr));
         writeRecord(file.get(), 'U', text);
         const std::string bytes = fileBytes(folder / "f");
-        const size_t told = length % 65536;
-        EXPECT_EQ(decodeTrace(".\r\n" + bytes.substr(0, 7 + told)).records.at(0).text,
-                  utf8FromWide(text.substr(0, told)));
-        EXPECT_EQ(bytes.substr(7 + told), std::string(length - told, '\0'));
+        const size_t stated = length % 65536;
+        EXPECT_EQ(decodeTrace(".\r\n" + bytes.substr(0, 7 + stated)).records.at(0).text,
+                  utf8FromWide(text.substr(0, stated)));
+        EXPECT_EQ(bytes.substr(7 + stated), std::string(length - stated, '\0'));
     }
 }
 
-TEST_F(TraceFile, Header)
+TEST_F(TraceFile, HeaderNamesBuildSystemVersionAndProducts)
 {
     static OSVERSIONINFOA system;
     system = {sizeof system, 6, 2, 0, 2, "Service Pack 3"};
@@ -210,7 +210,7 @@ TEST_F(TraceFile, Header)
                        "UNKNOWN OS(Major:4 Minor:1) ");
 }
 
-TEST_F(TraceFile, NameRules)
+TEST_F(TraceFile, NameComesFromProgramModuleTimeAndSettings)
 {
     static const wchar_t* program;
     const auto nameOf = [](HMODULE module, wchar_t* path) {

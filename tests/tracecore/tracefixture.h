@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-inline std::atomic<DWORD> testTicks{1000000}; // what GetTickCount tells the program under test
-inline SYSTEMTIME testTime{};                 // what all its clocks tell, local
+inline std::atomic<DWORD> testTicks{1000000}; // what GetTickCount gives the program under test
+inline SYSTEMTIME testTime{};                 // what all its clocks show, local
 
 // tracingFixture gives each test the tracer as it is when a process starts, an empty configuration
 // in the registry, a folder of its own, and stopped clocks.

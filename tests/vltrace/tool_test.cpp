@@ -50,7 +50,7 @@ protected:
             << std::string(trace.bytes.begin(), trace.bytes.end());
     }
 
-    // Gives the events of the sample's first thread, behind a check of what viewers rely on: each
+    // Gives the events of the sample's first thread, after a check of what viewers rely on: each
     // thread's time goes forward, and each B has its E, of the same name.
     std::string goodChrome(const std::vector<uint8_t>& bytes) const
     {
@@ -187,7 +187,7 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
               run({"cat", "-"}, sampleTrace().bytes).out);
 }
 
-TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsMadeAnew)
+TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsReplaced)
 {
     std::istringstream in;
     std::ostringstream out, err;
