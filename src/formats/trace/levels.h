@@ -60,7 +60,7 @@ inline std::string levelLetters()
 {
     std::string letters;
     for (const levelInfo_t& level : traceLevels)
-        letters += level.letter;
+        letters.push_back(level.letter);
     return letters;
 }
 
