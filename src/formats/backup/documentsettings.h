@@ -14,7 +14,7 @@ struct DocumentSetting {
 };
 
 // documentSettings lists them in the order in which a restore applies them. The plug-in's own table
-// (backup/settingsdocument.cpp) doesn't compile with another list.
+// (backup/settingstable.cpp) doesn't compile with another list.
 inline constexpr DocumentSetting documentSettings[] = {
     {"show_training_prompt", DocumentSetting::Kind::flag},
     {"open_guard_desk_qa", DocumentSetting::Kind::text},
