@@ -31,7 +31,7 @@ private:
     CKernelHandle m_saved;
 };
 
-CKernelHandle OpenUserToken()
+CKernelHandle openUserToken()
 {
     CKernelHandle token;
     DWORD error = ERROR_SUCCESS;
@@ -50,7 +50,7 @@ CKernelHandle OpenUserToken()
     return token;
 }
 
-std::unique_ptr<BYTE[]> NewBytes(size_t size)
+std::unique_ptr<BYTE[]> newBytes(size_t size)
 {
     try {
         return std::make_unique<BYTE[]>(size);
@@ -69,20 +69,20 @@ void raiseIfError(DWORD error)
 
 CCurrentUser::CCurrentUser()
 {
-    const CKernelHandle token = OpenUserToken();
+    const CKernelHandle token = openUserToken();
     DWORD size = 0;
     GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
     if (size == 0)
         raiseIfError(GetLastError());
     // Zeroed, so that a call which fails without an error leaves no identifier.
-    const auto information = NewBytes(std::max<size_t>(size, sizeof(TOKEN_USER)));
+    const auto information = newBytes(std::max<size_t>(size, sizeof(TOKEN_USER)));
     if (!GetTokenInformation(token.get(), TokenUser, information.get(), size, &size))
         raiseIfError(GetLastError());
     const PSID sid = reinterpret_cast<const TOKEN_USER*>(information.get())->User.Sid;
     if (!sid || !IsValidSid(sid))
         raiseStatus(E_INVALIDARG);
     const DWORD length = GetLengthSid(sid);
-    m_sid = NewBytes(length);
+    m_sid = newBytes(length);
     CopySid(length, m_sid.get(), sid);
     if (!IsValidSid(m_sid.get()))
         raiseStatus(E_INVALIDARG);

@@ -1,8 +1,8 @@
 #include "backup/secretlist.h"
 
 #include "backup/blob.h"
-#include "backup/secretexistence.h"
 #include "common/status.h"
+#include "neighbours/vlfpapi.h"
 #include "tracecore/tracer.h"
 
 #include <cstring>
@@ -44,7 +44,7 @@ bool takeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
     item.ReadNextWStr(name);
     CDataBlob_s data;
     data.DecodeOctetsFrom(item.ReadNext());
-    if (!name.get() || std::wcscmp(name.get(), secretName) != 0)
+    if (!name.get() || std::wcscmp(name.get(), protectedStorage) != 0)
         return false;
     tracecore::traceFormat(0, "Secret Name = %ls", name.get());
     body = textOf(data);
@@ -53,7 +53,7 @@ bool takeSecret(const _CRYPTOAPI_BLOB& encoded, std::wstring& body)
 
 } // namespace
 
-std::wstring SecretFromList(std::span<const uint8_t> list)
+std::wstring secretFromList(std::span<const uint8_t> list)
 {
     try {
         CSecretSeq items;

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr uint32_t secretKind = 3;
-
 // The qualified name domain\account of this process's user; empty on failure, with the last error
 // set.
 std::wstring processUser()

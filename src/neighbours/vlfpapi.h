@@ -20,6 +20,10 @@ struct VLFPPolicyRecord {
 };
 static_assert(sizeof(VLFPPolicyRecord) == 40);
 
+// The secret that a host keeps beside a backup, and the kind of all that we ask for.
+inline constexpr wchar_t protectedStorage[] = L"KRS Protected Storage";
+inline constexpr uint32_t secretKind = 3;
+
 extern "C" {
 
 // VLFPGetPolicySettingsEx fills status, size and value of each record by its name. A record without

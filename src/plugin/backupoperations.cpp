@@ -8,6 +8,7 @@
 #include "common/scoped.h"
 #include "common/status.h"
 #include "common/text.h"
+#include "neighbours/vlfpapi.h"
 #include "plugin/errorframe.h"
 #include "plugin/vlktpages.h"
 #include "tracecore/tracer.h"
@@ -33,7 +34,7 @@ void deliver(CVLSafeArray& array, VARTYPE type, VARIANT* output)
 void deliverNames(VARIANT* output)
 {
     CVLBstrArray names;
-    names.Add(secretName);
+    names.Add(protectedStorage);
     deliver(names, namesType, output);
 }
 
@@ -80,7 +81,7 @@ STDMETHODIMP CVLKTPages::GetStorageData(VARIANT* secretNames, VARIANT* storageDa
         const CLoadedModule library(LoadLibraryW(L"VLFPApi.dll"));
         if (!library)
             raiseLastError();
-        const bool secretExists = DoesSecretExist(library.get());
+        const bool secretExists = doesSecretExist(library.get());
         const bool dataPresent = CStorageData::IsStorageDataPresent();
         if (secretExists)
             deliverNames(secretNames);
@@ -125,11 +126,11 @@ STDMETHODIMP CVLKTPages::SetPluginData(ULONG secretsSize, const BYTE* secrets, U
             raiseStatus(E_POINTER);
         if (storageSize == 0)
             raiseStatus(E_INVALIDARG);
-        const std::wstring body = SecretFromList({secrets, secrets ? secretsSize : 0});
+        const std::wstring body = secretFromList({secrets, secrets ? secretsSize : 0});
         RestoreBackup({storage, storageSize});
         // The agent gets the name even when there is no secret, and no other notice of the restore.
         if (const HWND window = findAgentWindow())
-            sendToAgent(window, restore2DoneMessage(), utf8FromWide(secretName),
+            sendToAgent(window, restore2DoneMessage(), utf8FromWide(protectedStorage),
                         utf8FromWide(body));
         else
             traceFormat(0, "VlAgent window NOT found!");

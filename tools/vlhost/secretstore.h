@@ -1,6 +1,7 @@
 #pragma once
 
 #include "neighbours/secretclient.h"
+#include "neighbours/vlfpapi.h"
 
 #include <string>
 
@@ -20,9 +21,6 @@ public:
 private:
     CSecretClient m_client;
 };
-
-// The one secret that a backup names.
-inline constexpr wchar_t protectedStorage[] = L"KRS Protected Storage";
 
 // readSecretBytes reads all that a file descriptor, such as 0 for standard input, or a file has to
 // give, up to 1 MiB. No other copy of it stays in memory.
