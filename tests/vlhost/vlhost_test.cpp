@@ -1,8 +1,11 @@
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/text.h"
+#include "shared/commandline.h"
 #include "support/files.h"
+#include "support/importhooks.h"
 #include "support/registry.h"
+#include "vlhost/commands.h"
 
 #include <windows.h>
 
@@ -59,14 +62,21 @@ public:
         EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                    nullptr, &startup, &process))
             << "error " << GetLastError();
-        CloseHandle(process.hThread);
+        m_thread.reset(process.hThread);
         m_process.reset(process.hProcess);
     }
+
+    bool Runs(DWORD milliseconds) const
+    {
+        return WaitForSingleObject(m_process.get(), milliseconds) == WAIT_TIMEOUT;
+    }
+    void Stop() const { SuspendThread(m_thread.get()); }
+    void GoOn() const { ResumeThread(m_thread.get()); }
 
     // KillOnce ends the process as soon as it has done what is looked for, or if it ends itself.
     void KillOnce(const std::function<bool()>& done) const
     {
-        while (WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT && !done())
+        while (Runs(0) && !done())
             SwitchToThread();
         TerminateProcess(m_process.get(), 9);
         WaitForSingleObject(m_process.get(), limit);
@@ -83,7 +93,7 @@ public:
 private:
     static inline int count = 0;
     const fs::path m_streams = fs::path(L"streams") / std::to_wstring(++count);
-    CKernelHandle m_process;
+    CKernelHandle m_process, m_thread;
 };
 
 result_t host(const std::wstring& arguments, const std::string& input = "")
@@ -98,7 +108,7 @@ std::string hostText(const std::wstring& arguments, const std::string& input = "
     return result.out;
 }
 
-// Host has a user with templates, quick links, categories and settings, anew for each test.
+// Host has a user with templates, quick links, categories and settings, made again for each test.
 class Host : public testing::Test
 {
 protected:
@@ -172,6 +182,7 @@ protected:
         writeFile(L"own\\late.vlm", "late");
         writeFile(L"own\\updata.vls", "later state");
         setValue(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory");
         hostText(L"setting set open_guard_desk_qa Ctrl+2");
     }
 };
@@ -190,11 +201,16 @@ TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
     EXPECT_TRUE(has(summary, "2 templates and 1 data file, equal to the disk; 1 quick link; "
                              "1 category; settings"))
         << summary;
+    writeFile(L"own\\nothing.vlm", "");
+    const auto [warned, plain, warning] = host(L"backup warned.vlb --force");
+    EXPECT_EQ(0u, warned);
+    EXPECT_TRUE(has(warning, "vlhost: warning: ") && has(warning, "nothing.vlm")) << warning;
+    fs::remove(L"own\\nothing.vlm");
     const std::pair<const char*, std::function<CFileHandle()>> faults[] = {
         {"bank.vlm", [] { return held(L"own\\bank.vlm"); }},
         {"links.txt", [] { return held(L"links.txt"); }},
         {"never.txt", [] { return held(L"never.txt"); }},
-        {"Work", // behind one that is no text
+        {"Work", // after one that is no text
          [] {
              setValue(HKEY_CURRENT_USER, categoriesKey, L"Odd", L"odd", REG_DWORD, 4);
              return CFileHandle();
@@ -238,6 +254,11 @@ TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
     bytes.replace(bytes.find(std::string("\0.\0.\0\\", 6)), 16, "\0\n\0\x1B\0[\0m\0.\0v\0l\0m", 16);
     writeFile(L"steering.vlb", bytes);
     change();
+    fs::create_directories(copies);
+    CFileHandle other(CreateFileW((copies / L"lock").c_str(), GENERIC_READ, 7, nullptr, OPEN_ALWAYS,
+                                  FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    EXPECT_TRUE(has(host(L"restore good.vlb").err, "is another restore at work"));
+    other.reset();
     const auto before = state();
     const std::string plan = hostText(L"restore --dry-run good.vlb");
     for (const char* told : {"delete           4  C:\\vlhost test\\own\\late.vlm",
@@ -256,6 +277,18 @@ TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
                                    L"good.vlb --entry plugin-data --secret-from 0"}) // no agent
         EXPECT_EQ(1u, host(std::wstring(L"restore ") + refused, "x").status);
     EXPECT_EQ(before, state());
+}
+
+TEST_F(Host, OfTwoFilesOfOnePlaceTheLastStays)
+{
+    std::string bytes = fileBytes(L"good.vlb");
+    const std::string one("\0b\0a\0n\0k\0.", 10), other("\0K\0\xF6\0l\0n\0.", 10);
+    const size_t places[] = {bytes.find(one), bytes.find(other)};
+    ASSERT_NE(std::string::npos, std::max(places[0], places[1]));
+    writeFile(L"own\\bank.vlm", "none");
+    writeFile(L"twice.vlb", bytes.replace(places[1], 10, one));
+    hostText(L"restore twice.vlb --force"); // which compares what it left with its plan
+    EXPECT_EQ(places[0] > places[1] ? "bank" : "post", fileBytes(L"own\\bank.vlm"));
 }
 
 TEST_F(Host, UndoBringsBackTheExactStateAndCanBeUndone)
@@ -278,6 +311,8 @@ TEST_F(Host, UndoBringsBackTheExactStateAndCanBeUndone)
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
     const std::string out = host(L"restore good.vlb").out;
     EXPECT_TRUE(has(out, "late.vlm: was not deleted")) << out;
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    fs::remove(file);
     hostText(L"restore --undo");
     EXPECT_EQ(before, state());
     EXPECT_TRUE(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY);
@@ -339,7 +374,7 @@ TEST_F(Host, NothingIsLostWhereverItIsKilled)
     const std::string list = hostText(L"restore --list-undo");
     EXPECT_TRUE(has(list, "which did not finish")) << list;
     for (int i = 0; i < 8; ++i)
-        hostText(i % 2 ? L"restore --undo" : L"restore good.vlb");
+        hostText(L"restore good.vlb");
     EXPECT_EQ("", lost());
     const auto count = std::distance(fs::directory_iterator(copies), fs::directory_iterator());
     EXPECT_TRUE(count >= 5 && count <= 7) << hostText(L"restore --list-undo");
@@ -404,6 +439,7 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
     const std::tuple<const wchar_t*, DWORD, const char*> cases[] = {
         {L"", 2, "--help"},
         {L"restore C:\\none.vlb --secret-from 0", 2, "plugin-data"},
+        {L"restore --undo 0", 2, "'0' is no number of a safety copy"},
         {L"--plugin C:\\none.dll info", 1, "--plugin names another"},
         {L"--plugin text.dll info", 1, "64-bit DLL"},
         {L"--plugin C:\\windows\\system32\\version.dll info", 1, "is this the plug-in's DLL"},
@@ -438,11 +474,14 @@ TEST_F(Host, DismissalHoldsUntilShown)
     RegDeleteKeyW(HKEY_CURRENT_USER, card);
 }
 
-// What vlhost console starts tells what it was started with.
+// What vlhost console starts notes down each start and what it was started with.
 TEST_F(Host, ConsoleLogsItsTarget)
 {
-    const wchar_t options[] = L"--no-window --log log\\c.txt {42}:3:-1";
-    EXPECT_EQ(0u, process_t(L"VLUserConsole.exe", options).Result().status);
+    for (const wchar_t* item : {L"-1", L"0"})
+        EXPECT_EQ(0u, process_t(L"VLUserConsole.exe",
+                                std::wstring(L"--no-window --log log\\c.txt {42}:3:") + item)
+                          .Result()
+                          .status);
     EXPECT_TRUE(has(fileBytes(L"log\\c.txt"),
                     R"("{42}:3:-1"],"plugin":"{42}","page":"3","item":"-1","window":false})"));
 }
@@ -450,15 +489,23 @@ TEST_F(Host, ConsoleLogsItsTarget)
 TEST_F(Host, SecretGoesFromStandardInputToTheStoreAndNowhereElse)
 {
     const std::string secret = "pässwörd of nobody";
+    const char messageLine[] = R"("message")";
     const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vlhost-test-ready"));
     const process_t agent(L"vlagent.exe",
                           L"--ready-event vlhost-test-ready --journal journal.jsonl");
     ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), limit));
     const std::string out =
-        hostText(L"restore good.vlb --entry plugin-data --secret-from 0", secret + "\n");
+        hostText(L"restore good.vlb --entry plugin-data --secret-from 0", secret + "\r\n");
     EXPECT_EQ(secret + "\n", hostText(L"secret read"));
-    EXPECT_EQ(0u, process_t(L"vlagent.exe", L"--quit").Result().status);
+    hostText(L"restore --undo"); // the agent hears of it as it does of a restore
+    agent.Stop();
+    const process_t quit(L"vlagent.exe", L"--quit");
+    EXPECT_TRUE(quit.Runs(300)); // until the agent has ended
+    agent.GoOn();
+    EXPECT_EQ(0u, quit.Result().status);
     EXPECT_EQ(0u, agent.Result().status);
+    const std::string journal = fileBytes(L"journal.jsonl");
+    EXPECT_NE(journal.find(messageLine), journal.rfind(messageLine)) << journal;
     EXPECT_FALSE(has(out, secret));
     for (const auto& entry : fs::recursive_directory_iterator(L"."))
         EXPECT_TRUE(has(entry.path().string(), "streams") || !has(fileBytes(entry.path()), secret))
@@ -490,6 +537,23 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
     hostText(L"trace off --wait " + self);
     EXPECT_TRUE(has(hostText(L"trace on --until 2090-12-31 --to console"),
                     "until the beginning of 2090-12-31"));
+    const std::string console = hostText(L"trace status");
+    static int left; // registry values that can be written until one can't; negative after that
+    for (int n = 0, status = 1; status != 0; ++n) {
+        SCOPED_TRACE(left = n);
+        CLI::App app("", "vlhost");
+        const options_t options;
+        addTraceCommands(app, options);
+        {
+            const importHooks_t hooks(
+                GetModuleHandleW(nullptr), {{"RegSetValueExW", ERROR_DISK_FULL}},
+                +[](const hookedCall_t&) { return left-- == 0; });
+            std::ostringstream out, err;
+            status = runTool(app, {"trace", "on", "--dir", "C:\\other"}, out, err);
+        }
+        EXPECT_EQ(left < 0, status == 1);
+        EXPECT_EQ(status == 0, console != hostText(L"trace status"));
+    }
     EXPECT_TRUE(has(hostText(L"trace off"), "tracing: off"));
 }
 

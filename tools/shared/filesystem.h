@@ -4,13 +4,14 @@
 #include <string>
 #include <system_error>
 
-// What the tools need of the file system, with long and any UTF-8 names on all platforms.
+// What the tools need of the file system, with long and any UTF-8 names on all platforms:
+// filesystemwindows.cpp and filesystemposix.cpp; what needs no platform is in filesystem.cpp.
 
 // pathOf gives the path of a UTF-8 name. On Windows it is the full one, in the form that may be
 // longer than MAX_PATH.
 std::filesystem::path pathOf(const std::string& name);
 
-enum class EntryKind {
+enum class entryKind_t {
     missing,
     file,
     folder,
@@ -18,7 +19,7 @@ enum class EntryKind {
 };
 // entryKind looks at what a path leads to, through links. What can't be looked at counts as missing
 // or, if it was refused, as a file, so that opening it reports the reason.
-EntryKind entryKind(const std::filesystem::path& path) noexcept;
+entryKind_t entryKind(const std::filesystem::path& path) noexcept;
 
 // isSameFile is true for two paths of one existing file.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) noexcept;
@@ -34,8 +35,8 @@ std::error_code flushFile(const std::filesystem::path& path) noexcept;
 std::error_code moveFile(const std::filesystem::path& from, const std::filesystem::path& to,
                          bool replace) noexcept;
 
-// removeFile removes a file, and does not say whether it could.
-void removeFile(const std::filesystem::path& path) noexcept;
+// removeFile removes a file, read-only or not; one that isn't there is no error.
+std::error_code removeFile(const std::filesystem::path& path) noexcept;
 
 // reasonOf gives the reason for a failed file operation as a clause. UTF-8
 std::string reasonOf(std::error_code error);

@@ -56,7 +56,7 @@ bool isText(std::string_view text)
     return true;
 }
 
-std::string hexText(std::span<const uint8_t> bytes)
+std::string spacedHex(std::span<const uint8_t> bytes)
 {
     std::string text;
     for (const uint8_t byte : bytes) {
@@ -92,9 +92,9 @@ std::ifstream openInput(const std::string& name)
 {
     const std::filesystem::path path = pathOf(name);
     switch (entryKind(path)) {
-    case EntryKind::missing:
+    case entryKind_t::missing:
         throw CToolError(name + " does not exist", "is the name spelt right?");
-    case EntryKind::folder:
+    case entryKind_t::folder:
         throw CToolError(name + " is a folder", "name a file in it");
     default:
         break;
@@ -151,5 +151,5 @@ std::string describeBytes(std::span<const uint8_t> bytes)
                : text[first] == '<'                     ? "XML or HTML text"
                                                         : "text";
     }
-    return "bytes that begin" + hexText(bytes.first(std::min<size_t>(bytes.size(), 8)));
+    return "bytes that begin" + spacedHex(bytes.first(std::min<size_t>(bytes.size(), 8)));
 }

@@ -7,10 +7,10 @@
 
 void refuseExisting(const std::string& name, bool replace)
 {
-    const EntryKind kind = name == "-" ? EntryKind::other : entryKind(pathOf(name));
-    if (kind == EntryKind::folder)
+    const entryKind_t kind = name == "-" ? entryKind_t::other : entryKind(pathOf(name));
+    if (kind == entryKind_t::folder)
         throw CToolError(name + " is a folder", "name a file in it");
-    if (kind == EntryKind::file && !replace)
+    if (kind == entryKind_t::file && !replace)
         throw CToolError(name + " exists already", "give another name, or --force to replace it");
 }
 
@@ -39,7 +39,7 @@ COutputFile::~COutputFile()
 
 void COutputFile::Create()
 {
-    if (entryKind(m_target) == EntryKind::other) {
+    if (entryKind(m_target) == entryKind_t::other) {
         m_file.open(m_target, std::ios::binary);
     } else {
         // Not the target's name with a suffix: it may be as long as names can be.

@@ -2,9 +2,10 @@
 
 #include "common/text.h"
 #include "files.h"
-#include "print.h"
+#include "progress.h"
 #include "quicklinks/quicklinks.h"
 #include "shared/commandline.h"
+#include "shared/systemerror.h"
 #include "storage/folderlist.h"
 #include "storage/paths.h"
 #include "storage/settings.h"

@@ -47,14 +47,15 @@ Json::Value jsonOf(const backupContents_t& contents, const backup_t& backup)
     return json;
 }
 
-void report(Json::Value& json, const std::string& where, const std::string& what, bool asJson)
+void report(Json::Value& json, const BackupFinding& finding, bool asJson)
 {
     Json::Value one(Json::objectValue);
-    one["item"] = where;
-    one["what"] = what;
+    one["grade"] = gradeName(finding.grade);
+    one["item"] = finding.where;
+    one["what"] = finding.what;
     json["findings"].append(one);
     if (!asJson)
-        std::cerr << "vlhost: " << printable(where) << ": " << printable(what) << '\n';
+        std::cerr << "vlhost: " << printable(findingText(finding)) << '\n';
 }
 
 void takeAndCheck(const arguments_t& arguments, const options_t& options)
@@ -70,16 +71,18 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
     CBackupView view;
     decodeBackup(backup.bytes, view);
     backupContents_t contents;
-    const std::vector<difference_t> differences = compareWithDisk(view, contents);
+    std::vector<BackupFinding> findings = view.findings;
+    for (const auto& difference : compareWithDisk(view, contents))
+        findings.push_back({BackupFinding::Grade::error, difference.item, difference.what});
     Json::Value json = jsonOf(contents, backup);
     json["file"] = arguments.file;
     json["findings"] = Json::Value(Json::arrayValue);
-    for (const auto& finding : view.findings) // warnings apply to what is on the disk as well
-        if (finding.grade == BackupFinding::Grade::error)
-            report(json, finding.where, finding.what, options.json);
-    for (const auto& difference : differences)
-        report(json, difference.item, difference.what, options.json);
-    const bool good = json["findings"].empty();
+    bool good = true; // a warning is about what is on the disk as well
+    for (const auto& finding : findings) {
+        if (finding.grade != BackupFinding::Grade::note)
+            report(json, finding, options.json);
+        good = good && finding.grade != BackupFinding::Grade::error;
+    }
     json["written"] = good;
     if (good) {
         COutputFile file(arguments.file, arguments.force, {}, std::cout);

@@ -4,6 +4,8 @@
 #include "secretstore.h"
 #include "shared/commandline.h"
 #include "shared/inputfile.h"
+#include "shared/systemerror.h"
+#include "variantjson.h"
 #include "variants.h"
 
 #include <iostream>
@@ -76,11 +78,11 @@ Json::Value setProperty(const CPluginHost& host, const arguments_t& arguments)
     } else if (arguments.type == "number") {
         value.Get()->vt = VT_I4;
         if (!CLI::detail::lexical_cast(arguments.value, value.Get()->lVal))
-            throw CToolError("'" + arguments.value + "' is no number", "", 2);
+            throw CToolError("'" + arguments.value + "' is no number", "", exitStatus::wrongUsage);
     } else if (arguments.type == "bool") {
         if (arguments.value != "true" && arguments.value != "false")
             throw CToolError("the value is neither true nor false",
-                             "--value true; --type tells what else it may be", 2);
+                             "give --value true, or another --type", exitStatus::wrongUsage);
         value.Get()->vt = VT_BOOL;
         value.Get()->boolVal = arguments.value == "true" ? VARIANT_TRUE : VARIANT_FALSE;
     }
@@ -89,7 +91,7 @@ Json::Value setProperty(const CPluginHost& host, const arguments_t& arguments)
                                               arguments.type == "null" ? nullptr : value.Get()));
 }
 
-Json::Value getStatus(const CPluginHost& host)
+Json::Value getStatus(const CPluginHost& host, const arguments_t&)
 {
     ULONG status = 0;
     BSTR text = nullptr;
@@ -102,7 +104,30 @@ Json::Value getStatus(const CPluginHost& host)
     return json;
 }
 
-Json::Value getStorageData(const CPluginHost& host)
+Json::Value getInfo(const CPluginHost& host, const arguments_t& arguments)
+{
+    CVariant value;
+    const HRESULT status =
+        host.Get<IVLKTPluginInfo>().get()->GetInfo(arguments.number, value.Get());
+    return withValue(status, value);
+}
+
+Json::Value disableStatus(const CPluginHost& host, const arguments_t&)
+{
+    ULONG status = 0;
+    Json::Value json = outcome(host.Get<IVLKTDisableApp>().get()->GetStatus(&status));
+    json["number"] = static_cast<Json::UInt>(status);
+    return json;
+}
+
+Json::Value setStorageData(const CPluginHost& host, const arguments_t& arguments)
+{
+    CVariant data;
+    setBytes(data, readInput(arguments.file, std::cin));
+    return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get()));
+}
+
+Json::Value getStorageData(const CPluginHost& host, const arguments_t&)
 {
     CVariant names;
     CVariant data;
@@ -113,20 +138,93 @@ Json::Value getStorageData(const CPluginHost& host)
     return json;
 }
 
-} // namespace
-
-void addCallCommands(CLI::App& app, const options_t& options)
+Json::Value setStorageData2(const CPluginHost& host, const arguments_t& arguments)
 {
-    CLI::App* const call =
-        app.add_subcommand("call", "Call one operation and print all that it gives");
-    call->require_subcommand(1);
-    const auto arguments = std::make_shared<arguments_t>();
+    CVariant data;
+    setBytes(data, readInput(arguments.file, std::cin));
+    return outcome(
+        host.Get<IVLKTBackupRestore2>().get()->SetStorageData2(arguments.number, data.Get()));
+}
 
-    const auto operation = [call, &options](const char* name, const char* help, auto body) {
-        CLI::App* const command = call->add_subcommand(name, help);
-        command->callback([&options, body] {
+Json::Value setPluginData(const CPluginHost& host, const arguments_t& arguments)
+{
+    const bytes_t storage = readInput(arguments.file, std::cin);
+    const CSecretBytes secrets =
+        arguments.secretsFile.empty() ? CSecretBytes() : readSecretFile(arguments.secretsFile);
+    return outcome(host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
+        static_cast<ULONG>(secrets.bytes.size()), secrets.bytes.data(),
+        static_cast<ULONG>(storage.size()), storage.data()));
+}
+
+// CCalls adds one command for each operation.
+class CCalls
+{
+public:
+    CCalls(CLI::App* call, const options_t& options) : m_call(call), m_options(options) {}
+
+    void AddProperties()
+    {
+        CLI::App* const get = Add("get-property", "IVLKTElementUI::GetProperty", getProperty);
+        get->add_option("id", m_arguments->number)->required();
+        CLI::App* const set = Add("set-property", "IVLKTElementUI::SetProperty", setProperty);
+        set->add_option("id", m_arguments->command)->required();
+        set->add_option("--type", m_arguments->type, "Type of the value; null is no VARIANT at all")
+            ->check(CLI::IsMember({"bool", "number", "text", "empty", "null"}))
+            ->capture_default_str();
+        set->add_option("--value", m_arguments->value, "true, false, a number or a text");
+        for (CLI::App* const command : {get, set})
+            command->add_option("--notification", m_arguments->notification,
+                                "Of that notification, the first is 1, instead of the plug-in");
+        Add("get-info", "IVLKTPluginInfo::GetInfo", getInfo)
+            ->add_option("id", m_arguments->number)
+            ->required();
+    }
+
+    void AddState()
+    {
+        Add("add-pages", "IVLKTPages::AddPages", [](const CPluginHost& host, const arguments_t&) {
+            return outcome(host.Get<IVLKTPages>().get()->AddPages());
+        });
+        Add("get-status", "IVLKSecurityStatus::GetStatus", getStatus);
+        Add("disable-status", "IVLKTDisableApp::GetStatus", disableStatus);
+        Add("disable-local", "IVLKTDisableApp::DisableLocal",
+            [](const CPluginHost& host, const arguments_t& arguments) {
+                return outcome(host.Get<IVLKTDisableApp>().get()->DisableLocal(arguments.number));
+            })
+            ->add_option("flag", m_arguments->number)
+            ->required();
+        Add("subscribe", "IVLKTTraySubscribe::Subscribe",
+            [](const CPluginHost& host, const arguments_t&) {
+                return outcome(host.Get<IVLKTTraySubscribe>().get()->Subscribe());
+            });
+    }
+
+    void AddBackup()
+    {
+        Add("get-storage-data", "IVLKTBackupRestore2::GetStorageData", getStorageData);
+        Add("set-storage-data", "IVLKTBackupRestore2::SetStorageData", setStorageData)
+            ->add_option("file", m_arguments->file)
+            ->required();
+        CLI::App* const second =
+            Add("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2", setStorageData2);
+        second->add_option("flags", m_arguments->number)->required();
+        second->add_option("file", m_arguments->file)->required();
+        CLI::App* const third =
+            Add("set-plugin-data", "IVLKTBackupRestore3::SetPluginData", setPluginData);
+        third->add_option("file", m_arguments->file, "The backup")->required();
+        third->add_option("--secrets", m_arguments->secretsFile,
+                          "The encoded secret list; - is standard input");
+    }
+
+private:
+    using body_t = Json::Value (*)(const CPluginHost&, const arguments_t&);
+
+    CLI::App* Add(const char* name, const char* help, body_t body)
+    {
+        CLI::App* const command = m_call->add_subcommand(name, help);
+        command->callback([&options = m_options, arguments = m_arguments, body] {
             const CPluginHost host(options.plugin);
-            const Json::Value result = body(host);
+            const Json::Value result = body(host, *arguments);
             printResult(result, options.json);
             const Json::Value& status = result["status"];
             if (result["failed"].asBool())
@@ -134,86 +232,22 @@ void addCallCommands(CLI::App& app, const options_t& options)
                                  status["name"].asString());
         });
         return command;
-    };
+    }
 
-    operation("add-pages", "IVLKTPages::AddPages", [](const CPluginHost& host) {
-        return outcome(host.Get<IVLKTPages>().get()->AddPages());
-    });
-    const auto onNotification = [arguments](CLI::App* command) {
-        command->add_option("--notification", arguments->notification,
-                            "Of that notification, the first is 1, instead of the plug-in");
-    };
-    CLI::App* const get =
-        operation("get-property", "IVLKTElementUI::GetProperty",
-                  [arguments](const CPluginHost& host) { return getProperty(host, *arguments); });
-    get->add_option("id", arguments->number)->required();
-    onNotification(get);
-    CLI::App* const set =
-        operation("set-property", "IVLKTElementUI::SetProperty",
-                  [arguments](const CPluginHost& host) { return setProperty(host, *arguments); });
-    set->add_option("id", arguments->command)->required();
-    set->add_option("--type", arguments->type, "Type of the value; null is no VARIANT at all")
-        ->check(CLI::IsMember({"bool", "number", "text", "empty", "null"}))
-        ->capture_default_str();
-    set->add_option("--value", arguments->value, "true, false, a number or a text");
-    onNotification(set);
-    operation("get-status", "IVLKSecurityStatus::GetStatus", getStatus);
-    operation("get-info", "IVLKTPluginInfo::GetInfo",
-              [arguments](const CPluginHost& host) {
-                  CVariant value;
-                  const HRESULT status =
-                      host.Get<IVLKTPluginInfo>().get()->GetInfo(arguments->number, value.Get());
-                  return withValue(status, value);
-              })
-        ->add_option("id", arguments->number)
-        ->required();
-    operation("disable-status", "IVLKTDisableApp::GetStatus", [](const CPluginHost& host) {
-        ULONG status = 0;
-        Json::Value json = outcome(host.Get<IVLKTDisableApp>().get()->GetStatus(&status));
-        json["number"] = static_cast<Json::UInt>(status);
-        return json;
-    });
-    operation("disable-local", "IVLKTDisableApp::DisableLocal",
-              [arguments](const CPluginHost& host) {
-                  return outcome(
-                      host.Get<IVLKTDisableApp>().get()->DisableLocal(arguments->number));
-              })
-        ->add_option("flag", arguments->number)
-        ->required();
-    operation("subscribe", "IVLKTTraySubscribe::Subscribe", [](const CPluginHost& host) {
-        return outcome(host.Get<IVLKTTraySubscribe>().get()->Subscribe());
-    });
-    operation("get-storage-data", "IVLKTBackupRestore2::GetStorageData", getStorageData);
-    operation("set-storage-data", "IVLKTBackupRestore2::SetStorageData",
-              [arguments](const CPluginHost& host) {
-                  CVariant data;
-                  setBytes(data, readInput(arguments->file, std::cin));
-                  return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get()));
-              })
-        ->add_option("file", arguments->file)
-        ->required();
-    CLI::App* const second =
-        operation("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
-                  [arguments](const CPluginHost& host) {
-                      CVariant data;
-                      setBytes(data, readInput(arguments->file, std::cin));
-                      return outcome(host.Get<IVLKTBackupRestore2>().get()->SetStorageData2(
-                          arguments->number, data.Get()));
-                  });
-    second->add_option("flags", arguments->number)->required();
-    second->add_option("file", arguments->file)->required();
-    CLI::App* const third =
-        operation("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
-                  [arguments](const CPluginHost& host) {
-                      const bytes_t storage = readInput(arguments->file, std::cin);
-                      const CSecretBytes secrets = arguments->secretsFile.empty()
-                                                       ? CSecretBytes()
-                                                       : readSecretFile(arguments->secretsFile);
-                      return outcome(host.Get<IVLKTBackupRestore3>().get()->SetPluginData(
-                          static_cast<ULONG>(secrets.bytes.size()), secrets.bytes.data(),
-                          static_cast<ULONG>(storage.size()), storage.data()));
-                  });
-    third->add_option("file", arguments->file, "The backup")->required();
-    third->add_option("--secrets", arguments->secretsFile,
-                      "The encoded secret list; - is standard input");
+    CLI::App* m_call;
+    const options_t& m_options;
+    const std::shared_ptr<arguments_t> m_arguments = std::make_shared<arguments_t>();
+};
+
+} // namespace
+
+void addCallCommands(CLI::App& app, const options_t& options)
+{
+    CLI::App* const call =
+        app.add_subcommand("call", "Call one operation and print all that it gives");
+    call->require_subcommand(1);
+    CCalls calls(call, options);
+    calls.AddProperties();
+    calls.AddState();
+    calls.AddBackup();
 }

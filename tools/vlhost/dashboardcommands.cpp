@@ -1,8 +1,12 @@
 #include "commands.h"
 #include "common/text.h"
+#include "neighbours/dashboardkeys.h"
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
+#include "shared/systemerror.h"
+#include "shared/windowsfiles.h"
+#include "variantjson.h"
 #include "variants.h"
 
 #include <array>
@@ -29,7 +33,7 @@ constexpr LONG levelDismissed = 4;
 constexpr std::array switchMeanings = {"on: no policy, or none that can be read", "on, by policy",
                                        "off, by the user's own setting", "off, by policy"};
 
-void tell(Json::Value& json, const char* name, int64_t number, const char* meaning)
+void addNumber(Json::Value& json, const char* name, int64_t number, const char* meaning)
 {
     json[name] = Json::Value::Int64{number};
     json[std::string(name) + "Meaning"] = meaning;
@@ -52,7 +56,7 @@ LONG securityLevel(const CPluginHost& host)
     const HRESULT status =
         host.Get<IVLKTElementUI>().get()->GetProperty(propertySecurityLevel, value.Get());
     if (FAILED(status))
-        throw CToolError("the plug-in told no level: " + statusText(status));
+        throw CToolError("the plug-in gave no level: " + statusText(status));
     return value.Value().lVal;
 }
 
@@ -66,18 +70,19 @@ Json::Value statusOf(const CPluginHost& host)
         host.Get<IVLKSecurityStatus>().get()->GetStatus(&status, &text.Get()->bstrVal);
     const bool off = result == E_NOTIMPL; // how the plug-in says that policy switched it off
     if (FAILED(result) && !off)
-        throw CToolError("the plug-in told no status: " + statusText(result));
+        throw CToolError("the plug-in gave no status: " + statusText(result));
     Json::Value json(Json::objectValue);
-    tell(json, "status", status, off ? "switched off" : meaningOf(statusMeanings, status));
+    addNumber(json, "status", status, off ? "switched off" : meaningOf(statusMeanings, status));
     json["text"] = jsonOfVariant(text.Value())["value"];
     json["disabledByPolicy"] = off;
     const LONG level = securityLevel(host);
-    tell(json, "level", level, meaningOf(levelMeanings, level));
+    addNumber(json, "level", level, meaningOf(levelMeanings, level));
     ULONG switched = 0;
     const HRESULT asked = host.Get<IVLKTDisableApp>().get()->GetStatus(&switched);
     if (FAILED(asked))
-        throw CToolError("the plug-in didn't tell whether it is on: " + statusText(asked));
-    tell(json, "switch", switched, meaningOf(switchMeanings, switched));
+        throw CToolError("the plug-in did not say whether it is switched off: " +
+                         statusText(asked));
+    addNumber(json, "switch", switched, meaningOf(switchMeanings, switched));
     return json;
 }
 
@@ -162,15 +167,16 @@ Json::Value infoOf(const CPluginHost& host)
     return json;
 }
 
-constexpr wchar_t dismissedKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard\\"
-                                   L"DismissMessages\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
+const std::wstring dismissedKey =
+    std::wstring(dashboardDismissedKey) + L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
 constexpr wchar_t dismissedLevel[] = L"2"; // the value that turns level 2 into level 4
 
 // undismiss takes the user's dismissal back. A dismissed notification can't do that itself: it is
 // of level 4, and writes its flag under that number.
 void undismiss()
 {
-    const LSTATUS error = RegDeleteKeyValueW(HKEY_CURRENT_USER, dismissedKey, dismissedLevel);
+    const LSTATUS error =
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, dismissedKey.c_str(), dismissedLevel);
     if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
         throw CToolError("the dismissal can't be taken back: " +
                              errorText(static_cast<DWORD>(error)),
@@ -201,7 +207,7 @@ Json::Value setShown(const CPluginHost& host, bool shown)
     });
     Json::Value json(Json::objectValue);
     const LONG level = securityLevel(host);
-    tell(json, "level", level, meaningOf(levelMeanings, level));
+    addNumber(json, "level", level, meaningOf(levelMeanings, level));
     json["notifications"] = notificationsOf(host);
     return json;
 }
@@ -246,7 +252,7 @@ void registerWith(const options_t& options, const char* function, bool registere
     } else if (registered) {
         path = registeredPluginPath();
     } else {
-        path = besideThisProgram(L"VLOnlineIDs.dll");
+        path = programFolder() + L"\\VLOnlineIDs.dll";
     }
     const CLoadedModule library = loadPlugin(path);
     using registration = HRESULT(WINAPI*)();

@@ -1,15 +1,11 @@
 #include "dashboardstate.h"
 
 #include "common/scoped.h"
-#include "print.h"
-#include "shared/commandline.h"
+#include "neighbours/dashboardkeys.h"
+#include "shared/systemerror.h"
+#include "shared/toolerror.h"
 
 namespace {
-
-constexpr wchar_t dashboardKey[] = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
-constexpr wchar_t categoriesName[] = L"QLCategories";
-constexpr wchar_t lastName[] = L"LastQLCategory";
-constexpr size_t longestName = 16384; // characters of a value's name, its zero included
 
 void check(LSTATUS error, const char* what)
 {
@@ -19,10 +15,10 @@ void check(LSTATUS error, const char* what)
 }
 
 // open gives no key if there is none.
-CRegistryKey open(HKEY parent, const wchar_t* name, REGSAM access)
+CRegistryKey open(const wchar_t* path, REGSAM access)
 {
     CRegistryKey key;
-    const LSTATUS error = RegOpenKeyExW(parent, name, 0, access, key.put());
+    const LSTATUS error = RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, access, key.put());
     if (error != ERROR_FILE_NOT_FOUND)
         check(error, "open");
     return key;
@@ -41,11 +37,11 @@ void write(HKEY key, const registryValue_t& value)
     check(writeValue(key, value), "write");
 }
 
-CRegistryKey make(HKEY parent, const wchar_t* name)
+CRegistryKey make(const wchar_t* path)
 {
     CRegistryKey key;
-    check(RegCreateKeyExW(parent, name, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, key.put(),
-                          nullptr),
+    check(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
+                          key.put(), nullptr),
           "write");
     return key;
 }
@@ -55,43 +51,33 @@ CRegistryKey make(HKEY parent, const wchar_t* name)
 dashboardState_t readDashboard()
 {
     dashboardState_t state;
-    const CRegistryKey dashboard = open(HKEY_CURRENT_USER, dashboardKey, KEY_READ);
+    const CRegistryKey dashboard = open(dashboardKey, KEY_READ);
     if (!dashboard)
         return state;
-    registryValue_t last{lastName, REG_SZ, {}};
+    registryValue_t last{dashboardLastCategory, REG_SZ, {}};
     if (read(dashboard.get(), last))
         state.lastCategory = std::move(last);
-    const CRegistryKey key = open(dashboard.get(), categoriesName, KEY_READ);
+    const CRegistryKey key = open(dashboardCategoriesKey, KEY_READ);
     if (!key)
         return state;
     auto& categories = state.categories.emplace();
-    std::wstring name(longestName, L'\0');
-    for (DWORD index = 0;; ++index) {
-        auto length = static_cast<DWORD>(name.size());
-        const LSTATUS error = RegEnumValueW(key.get(), index, name.data(), &length, nullptr,
-                                            nullptr, nullptr, nullptr);
-        if (error == ERROR_NO_MORE_ITEMS)
-            return state;
-        check(error, "read");
-        registryValue_t value{name.substr(0, length), REG_SZ, {}};
-        if (read(key.get(), value))
-            categories.push_back(std::move(value));
-    }
+    check(readValues(key.get(), categories), "read");
+    return state;
 }
 
 void writeDashboard(const dashboardState_t& state)
 {
-    const CRegistryKey dashboard = make(HKEY_CURRENT_USER, dashboardKey);
+    const CRegistryKey dashboard = make(dashboardKey);
     if (state.lastCategory)
         write(dashboard.get(), *state.lastCategory);
     else
-        RegDeleteValueW(dashboard.get(), lastName);
-    const LSTATUS error = RegDeleteKeyW(dashboard.get(), categoriesName);
+        RegDeleteValueW(dashboard.get(), dashboardLastCategory);
+    const LSTATUS error = RegDeleteKeyW(HKEY_CURRENT_USER, dashboardCategoriesKey);
     if (error != ERROR_FILE_NOT_FOUND)
         check(error, "replace");
     if (!state.categories)
         return;
-    const CRegistryKey key = make(dashboard.get(), categoriesName);
+    const CRegistryKey key = make(dashboardCategoriesKey);
     for (const auto& category : *state.categories)
         write(key.get(), category);
 }

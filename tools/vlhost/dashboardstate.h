@@ -1,6 +1,6 @@
 #pragma once
 
-#include "registryvalue.h"
+#include "shared/registryvalue.h"
 
 #include <optional>
 #include <vector>

@@ -1,9 +1,10 @@
 #include "files.h"
 
 #include "common/text.h"
-#include "print.h"
 #include "shared/commandline.h"
 #include "shared/filesystem.h"
+#include "shared/systemerror.h"
+#include "shared/windowsfiles.h"
 #include "storage/paths.h"
 
 #include <algorithm>
@@ -17,9 +18,7 @@ constexpr DWORD pieceSize = 1u << 16;
 
 std::wstring fileKey(const std::wstring& path)
 {
-    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(
-        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    std::wstring full = fullPath(path);
     CharUpperBuffW(full.data(), static_cast<DWORD>(full.size()));
     return full;
 }
@@ -91,16 +90,17 @@ bool fileEquals(const std::wstring& one, const std::wstring& other)
     }
 }
 
-void copyFile(const std::wstring& from, const std::wstring& to)
+void copyOver(const std::wstring& from, const std::wstring& to)
 {
-    const std::wstring target = longform(to);
-    std::error_code ignored; // the copy itself says what is wrong
-    std::filesystem::create_directories(std::filesystem::path(to).parent_path(), ignored);
-    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL); // of a target that is read-only
-    if (!CopyFileW(longform(from).c_str(), target.c_str(), FALSE))
+    std::error_code error = copyFile(longform(from), longform(to));
+    if (error.value() == ERROR_PATH_NOT_FOUND) {
+        std::error_code ignored; // the copy itself says what is wrong
+        std::filesystem::create_directories(std::filesystem::path(to).parent_path(), ignored);
+        error = copyFile(longform(from), longform(to));
+    }
+    if (error)
         throw CToolError("can't copy " + utf8FromWide(from) + " to " + utf8FromWide(to) + ": " +
-                         errorText(GetLastError()));
-    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
+                         errorText(static_cast<DWORD>(error.value())));
 }
 
 void settleFile(const std::wstring& path, DWORD attributes)
@@ -110,21 +110,4 @@ void settleFile(const std::wstring& path, DWORD attributes)
         throw CToolError("can't write " + utf8FromWide(path) + ": " + reasonOf(error));
     if (attributes != FILE_ATTRIBUTE_NORMAL)
         SetFileAttributesW(name.c_str(), attributes);
-}
-
-bool deleteFile(const std::wstring& path)
-{
-    const std::wstring name = longform(path);
-    if (DeleteFileW(name.c_str()) || !isThere(path))
-        return true;
-    SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL); // read-only, perhaps
-    return DeleteFileW(name.c_str()) || !isThere(path);
-}
-
-std::wstring besideThisProgram(const wchar_t* name)
-{
-    std::wstring path(32768, L'\0'); // the longest that there is
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    path.resize(path.find_last_of(L'\\') + 1);
-    return path + name;
 }

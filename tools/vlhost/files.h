@@ -51,16 +51,10 @@ private:
 bool fileHolds(const std::wstring& path, std::span<const BYTE> bytes);
 bool fileEquals(const std::wstring& one, const std::wstring& other);
 
-// copyFile copies bytes and times over what may be there, read-only or not; the folder is made. The
-// copy's attributes are normal. settleFile waits until its bytes are on the disk, and gives it its
-// attributes. Many files are copied first and then settled: the first wait covers most of them.
+// copyOver is copyFile, which makes the folder if there is none. settleFile waits until a file's
+// bytes are on the disk, and gives it its attributes. Many files are copied first and then settled:
+// the first wait covers most of them.
 //
 // Errors: CToolError
-void copyFile(const std::wstring& from, const std::wstring& to);
+void copyOver(const std::wstring& from, const std::wstring& to);
 void settleFile(const std::wstring& path, DWORD attributes);
-
-// deleteFile deletes a file, read-only or not. Returns: false if it is still there
-bool deleteFile(const std::wstring& path);
-
-// besideThisProgram is the full path of a file in this program's folder.
-std::wstring besideThisProgram(const wchar_t* name);

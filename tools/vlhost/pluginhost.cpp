@@ -1,8 +1,8 @@
 #include "pluginhost.h"
 
 #include "common/text.h"
-#include "print.h"
 #include "shared/commandline.h"
+#include "shared/systemerror.h"
 
 using namespace VLONLINEIDSLib;
 

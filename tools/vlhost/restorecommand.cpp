@@ -4,21 +4,21 @@
 #include "formats/text/printable.h"
 #include "print.h"
 #include "restoreplan.h"
+#include "restorereport.h"
 #include "safetycopy.h"
 #include "secretstore.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
 #include "shared/inputfile.h"
+#include "shared/systemerror.h"
 #include "takebackup.h"
 #include "undo.h"
+#include "undocommand.h"
 #include "variants.h"
 
-#include <algorithm>
-#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <tuple>
 
 using namespace VLONLINEIDSLib;
@@ -100,55 +100,12 @@ void compareLinks(const CPluginHost& host, const CBackupView& wanted,
                                               "template may be missing on this machine)"});
 }
 
-// CReport prints what is done, for people as it happens, in JSON as one document at the end.
-class CReport
-{
-public:
-    explicit CReport(bool json) : m_asJson(json) {}
-
-    // Text is for people alone, Add for the document alone.
-    void Text(const std::string& text) const
-    {
-        if (!m_asJson)
-            std::cout << text << std::flush;
-    }
-    Json::Value& operator[](const char* member) { return m_document[member]; }
-    void Print() const
-    {
-        if (m_asJson)
-            printResult(m_document, true);
-    }
-
-    void Differences(const std::vector<difference_t>& differences)
-    {
-        Json::Value& list = m_document["differences"] = Json::Value(Json::arrayValue);
-        for (const auto& difference : differences) {
-            Json::Value one(Json::objectValue);
-            one["item"] = difference.item;
-            one["what"] = difference.what;
-            list.append(one);
-            Text("difference: " + printable(difference.item) + ": " + printable(difference.what) +
-                 '\n');
-        }
-    }
-
-private:
-    bool m_asJson;
-    Json::Value m_document{Json::objectValue};
-};
-
 constexpr char undoHint[] = "'vlhost restore --undo' puts the old state back";
 constexpr char untouched[] = "nothing was touched";
 
-std::string copyText(unsigned number)
-{
-    return "safety copy: " + std::to_string(number) + " in " +
-           printable(utf8FromWide(safetyCopiesFolder())) + '\n';
-}
-
 // judge refuses bytes that the plug-in would restore only in part: it checks nothing but the
 // number of elements, and has deleted the old files by then. It shows all that has to be looked at.
-void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CReport& report)
+void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CRestoreReport& report)
 {
     Json::Value& list = report["findings"] = Json::Value(Json::arrayValue);
     const auto show = [&](const std::string& grade, const std::string& where,
@@ -176,14 +133,6 @@ void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CRe
                      std::string(untouched) + "; --force restores it all the same");
 }
 
-void finish(CSafetyCopies& copies, unsigned number)
-{
-    copies.Finish(number);
-    std::vector<std::wstring> damaged;
-    const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    copies.Prune(chooseCopies(all, std::nullopt).front()->number);
-}
-
 void restoreFile(const arguments_t& arguments, const options_t& options)
 {
     const bytes_t bytes = readInput(arguments.file, std::cin);
@@ -191,31 +140,25 @@ void restoreFile(const arguments_t& arguments, const options_t& options)
     if (!decodeBackup(bytes, backup))
         refuseBackup(arguments.file, bytes, backup);
     const CPluginHost host(options.plugin);
-    CReport report(options.json);
+    CRestoreReport report(options.json);
     const restorePlan_t plan = planRestore(backup);
     report["elements"] = backup.elementCount;
-    report["plan"] = jsonOfPlan(plan, backup);
-    report["done"] = false;
-    report.Text("backup: " + backupVersionText(backup.elementCount) + "\nplan:\n" +
-                textOfPlan(report["plan"]));
+    report.Text("backup: " + backupVersionText(backup.elementCount) + '\n');
+    report.Plan(jsonOfPlan(plan, backup));
     judge(backup, plan, arguments.force, report);
-    if (arguments.dryRun) {
-        report.Text("nothing was done: --dry-run\n");
-        report.Print();
-        return;
-    }
+    if (arguments.dryRun)
+        return report.NothingDone();
     const CSecretBytes secret = readSecret(arguments);
     CSafetyCopies copies;
     const unsigned copy = copies.Make(plan.Touched(), {});
-    report["safetyCopy"] = copy;
-    report.Text(copyText(copy));
+    report.SafetyCopy(copy);
     const HRESULT status = restore(host, arguments, bytes, secret);
     if (FAILED(status)) {
         report["status"] = jsonOfStatus(status);
         report.Print();
         throw CToolError("the plug-in's restore failed: " + statusText(status), undoHint);
     }
-    finish(copies, copy);
+    finishCopy(copies, copy);
     report["done"] = true;
     std::vector<difference_t> differences = compareRestored(backup, plan);
     compareLinks(host, backup, differences);
@@ -225,106 +168,6 @@ void restoreFile(const arguments_t& arguments, const options_t& options)
     if (!differences.empty())
         throw CToolError("not everything came back as the backup has it", undoHint);
     report.Text("restored and compared: all is as the backup has it\n");
-}
-
-void warnOfDamaged(const std::vector<std::wstring>& damaged)
-{
-    for (const auto& folder : damaged)
-        std::cerr << "vlhost: the safety copy in " << printable(utf8FromWide(folder))
-                  << " is damaged; what is left of its files can be copied by hand\n";
-}
-
-void undo(const arguments_t& arguments, const options_t& options)
-{
-    CSafetyCopies copies;
-    std::vector<std::wstring> damaged;
-    const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    warnOfDamaged(damaged);
-    CReport report(options.json);
-    const undoPlan_t plan = planUndo(chooseCopies(all, arguments.undoNumber));
-    report["plan"] = jsonOfPlan(plan);
-    report["done"] = false;
-    report.Text("puts back: safety copy");
-    for (const unsigned number : plan.copies)
-        report.Text(' ' + std::to_string(number));
-    report.Text("\nplan:\n" + textOfPlan(report["plan"]));
-    if (arguments.dryRun) {
-        report.Text("nothing was done: --dry-run\n");
-        report.Print();
-        return;
-    }
-    std::vector<std::wstring> touched;
-    for (const auto& file : plan.files)
-        touched.push_back(file.path);
-    const unsigned copy = copies.Make(touched, plan.copies);
-    report["safetyCopy"] = copy;
-    report.Text(copyText(copy));
-    const std::vector<difference_t> differences = putBack(plan);
-    if (const HWND agent = findAgentWindow())
-        PostMessageW(agent, restoreDoneMessage(), 0, 0); // as after a restore by the plug-in
-    if (differences.empty())
-        finish(copies, copy);
-    report["done"] = differences.empty();
-    report.Differences(differences);
-    report.Print();
-    if (!differences.empty())
-        throw CToolError("not everything could be put back",
-                         "the safety copies are whole: try 'vlhost restore --undo' again");
-    report.Text("put back\n");
-}
-
-std::string purposeText(const safetyCopy_t& copy)
-{
-    std::string text = copy.undoes.empty() ? "before a restore" : "before undoing with copy";
-    for (const unsigned number : copy.undoes)
-        text += ' ' + std::to_string(number);
-    if (!copy.finished)
-        text += ", which did not finish";
-    if (copy.continues != 0)
-        text += "; holds what the work before, after copy " + std::to_string(copy.continues) +
-                ", had left unfinished";
-    return text;
-}
-
-void listUndo(const options_t& options)
-{
-    const CSafetyCopies copies; // takes over the copy of an earlier version
-    std::vector<std::wstring> damaged;
-    std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    warnOfDamaged(damaged);
-    std::set<unsigned> next;
-    if (!all.empty())
-        for (const safetyCopy_t* const copy : chooseCopies(all, std::nullopt))
-            next.insert(copy->number);
-    std::reverse(all.begin(), all.end());
-    Json::Value json(Json::objectValue);
-    json["folder"] = utf8FromWide(safetyCopiesFolder());
-    json["copies"] = Json::Value(Json::arrayValue);
-    std::ostringstream text;
-    for (const auto& copy : all) {
-        const auto files = std::count_if(copy.files.begin(), copy.files.end(),
-                                         [](const copiedFile_t& file) { return file.copy; });
-        const bool isNext = next.contains(copy.number);
-        Json::Value one(Json::objectValue);
-        one["number"] = copy.number;
-        one["made"] = copy.made;
-        one["files"] = files;
-        one["bytes"] = copy.Bytes();
-        one["undoes"] = Json::Value(Json::arrayValue);
-        for (const unsigned number : copy.undoes)
-            one["undoes"].append(number);
-        one["finished"] = copy.finished;
-        one["continues"] = copy.continues;
-        one["next"] = isNext;
-        json["copies"].append(one);
-        text << std::setw(4) << copy.number << "  " << printable(copy.made) << std::setw(7) << files
-             << " files" << std::setw(12) << copy.Bytes() << " bytes  " << purposeText(copy)
-             << (isNext ? " <- put back by --undo" : "") << '\n';
-    }
-    if (options.json)
-        printResult(json, true);
-    else
-        std::cout << (all.empty() ? "there is no safety copy\n" : text.str());
 }
 
 } // namespace
@@ -348,12 +191,17 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
     command->add_flag("--force", arguments->force,
                       "Restore a backup that is not sound, or that writes to other folders than "
                       "this profile's");
-    auto* const undoOption = command->add_option_function<std::vector<unsigned>>(
+    auto* const undoOption = command->add_option_function<std::vector<std::string>>(
         "--undo",
-        [arguments](const std::vector<unsigned>& given) {
+        [arguments](const std::vector<std::string>& given) {
             arguments->undo = true;
-            if (!given.empty() && given.front() != 0) // the parser's word for none
-                arguments->undoNumber = given.front();
+            if (given.empty() || given.front().empty())
+                return;
+            unsigned number = 0;
+            if (!CLI::detail::lexical_cast(given.front(), number) || number == 0)
+                throw CToolError("'" + given.front() + "' is no number of a safety copy",
+                                 "'vlhost restore --list-undo' lists them", exitStatus::wrongUsage);
+            arguments->undoNumber = number;
         },
         "Put back what the last restore replaced, or the safety copy of that number");
     undoOption->expected(0, 1)->type_name("NUMBER")->excludes(file);
@@ -370,7 +218,7 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
         if (arguments->listUndo)
             listUndo(options);
         else if (arguments->undo)
-            undo(*arguments, options);
+            undoRestore(arguments->undoNumber, arguments->dryRun, options);
         else
             restoreFile(*arguments, options);
     });

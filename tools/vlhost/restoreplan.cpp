@@ -4,7 +4,7 @@
 #include "common/text.h"
 #include "files.h"
 #include "formats/backup/documentsettings.h"
-#include "print.h"
+#include "progress.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
 #include "storage/folderlist.h"

@@ -3,8 +3,8 @@
 #include "dashboardstate.h"
 #include "files.h"
 
+#include <ctime>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -41,8 +41,12 @@ struct safetyCopy_t {
     dashboardState_t dashboard;
     std::vector<copiedSetting_t> settings;
 
-    uint64_t Bytes() const; // of all files
+    size_t FileCount() const; // of those that are copied
+    uint64_t Bytes() const;   // of these
 };
+
+// utcText is a time as in made.
+std::string utcText(std::time_t time);
 
 // safetyCopiesFolder is where they lie.
 //

@@ -2,8 +2,8 @@
 
 #include "common/text.h"
 #include "formats/der/dernode.h"
-#include "print.h"
 #include "shared/commandline.h"
+#include "shared/systemerror.h"
 
 #include <fcntl.h>
 #include <io.h>

@@ -3,6 +3,7 @@
 #include "print.h"
 #include "secretstore.h"
 #include "shared/commandline.h"
+#include "shared/systemerror.h"
 #include "storage/settings.h"
 
 namespace {

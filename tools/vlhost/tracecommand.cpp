@@ -1,14 +1,17 @@
 #include "commands.h"
 #include "common/text.h"
-#include "files.h"
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
+#include "shared/windowsfiles.h"
 #include "traceswitch.h"
 #include "tracewatch.h"
 
+#include <filesystem>
 #include <functional>
 #include <optional>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -25,24 +28,19 @@ struct arguments_t {
 
 // The plug-in as tracing knows it: its file name and folder.
 struct module_t {
-    std::wstring folder = besideThisProgram(L"");
-    std::wstring name = L"VLOnlineIDs.dll";
+    fs::path file = fs::path(programFolder()) / L"VLOnlineIDs.dll";
 
     explicit module_t(const std::string& plugin)
     {
-        std::wstring path = wideFromUtf8(plugin);
-        if (path.empty()) {
-            try {
-                path = registeredPluginPath();
-            } catch (const CToolError&) {
-                return; // tracing can be switched before the plug-in is registered
-            }
+        try {
+            file = plugin.empty() ? registeredPluginPath() : wideFromUtf8(plugin);
+        } catch (const CToolError&) {
+            // tracing can be switched before the plug-in is registered
         }
-        const size_t end = path.find_last_of(L"\\/") + 1;
-        folder = path.substr(0, end);
-        name = path.substr(end);
     }
-    std::wstring Component() const { return name.substr(0, name.rfind(L'.')); }
+    std::wstring Name() const { return file.filename(); }
+    std::wstring Folder() const { return file.parent_path(); }
+    std::wstring Component() const { return file.stem(); }
 };
 
 std::string stateText(const traceSwitch_t& set, bool excluded)
@@ -108,7 +106,7 @@ Json::Value valuesOf(const traceSwitch_t& set)
 Json::Value statusOf(const module_t& module)
 {
     const traceSwitch_t set = readTraceSwitch();
-    const std::wstring folder = set.Folder(module.folder);
+    const std::wstring folder = set.Folder(module.Folder());
     Json::Value json(Json::objectValue);
     json["tracing"] = stateText(set, excludedFromTracing(module.Component()));
     json["to"] = targetText(set);
@@ -135,7 +133,8 @@ std::vector<DWORD> processesToFollow(const arguments_t& arguments, const module_
     if (!arguments.process)
         return {};
     if (on && arguments.to != "file")
-        throw CToolError("--wait can prove it by a trace file alone", "leave --wait out", 2);
+        throw CToolError("--wait can prove it by a trace file alone", "leave --wait out",
+                         exitStatus::wrongUsage);
     if (!readTraceSwitch().Stamped())
         throw CToolError("--wait needs a trace file for each process, and a value under "
                          "HKLM\\SOFTWARE\\Veltrano\\Tracing gives all one name",
@@ -144,8 +143,8 @@ std::vector<DWORD> processesToFollow(const arguments_t& arguments, const module_
         throw CToolError("the plug-in writes no trace: it is listed in ComponentsNOT",
                          "remove it there, below HKLM\\SOFTWARE\\Veltrano\\Tracing");
     if (*arguments.process == everyProcess)
-        return processesWith(module.name);
-    checkWatchable(*arguments.process, module.name);
+        return processesWith(module.Name());
+    checkWatchable(*arguments.process, module.Name());
     return {*arguments.process};
 }
 
@@ -155,11 +154,12 @@ Json::Value waitForAll(const std::vector<DWORD>& processes, const arguments_t& a
 {
     const auto deadline =
         std::chrono::steady_clock::now() + std::chrono::seconds(arguments.timeout);
-    const std::wstring folder = readTraceSwitch().Folder(module.folder);
+    const std::wstring folder = readTraceSwitch().Folder(module.Folder());
     Json::Value list(Json::arrayValue);
     std::string late;
     for (const DWORD process : processes) {
-        const followed_t result = waitUntilFollowed(process, module.name, folder, toFile, deadline);
+        const followed_t result =
+            waitUntilFollowed(process, module.Name(), folder, toFile, deadline);
         Json::Value one(Json::objectValue);
         one["process"] = static_cast<Json::UInt>(process);
         one["result"] = result == followed_t::yes     ? "followed"
@@ -205,7 +205,8 @@ void switchOn(const arguments_t& arguments, const options_t& options)
                       (folder.starts_with(L"\\\\") || folder[1] == L':' || folder[0] == L'%');
     if (!folder.empty() && !full)
         throw CToolError("'" + arguments.folder + "' is no full path",
-                         "every process would take it from its own current folder", 2);
+                         "every process would take it from its own current folder",
+                         exitStatus::wrongUsage);
     const traceTarget_t target = arguments.to == "console"    ? traceTarget_t::console
                                  : arguments.to == "debugger" ? traceTarget_t::debugger
                                                               : traceTarget_t::file;

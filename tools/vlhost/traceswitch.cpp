@@ -1,8 +1,8 @@
 #include "traceswitch.h"
 
-#include "common/scoped.h"
-#include "print.h"
-#include "shared/commandline.h"
+#include "common/registry.h"
+#include "shared/systemerror.h"
+#include "shared/toolerror.h"
 #include "storage/paths.h"
 
 #include <algorithm>
@@ -14,13 +14,6 @@ namespace {
 constexpr wchar_t tracingKey[] = L"SOFTWARE\\Veltrano\\Tracing";
 constexpr const wchar_t* changedValues[] = {L"DoTrace", L"TraceToFile", L"TracePath",
                                             L"TracePathLow"};
-
-CRegistryKey openKey(HKEY parent, const wchar_t* name)
-{
-    CRegistryKey key;
-    RegOpenKeyExW(parent, name, 0, KEY_READ, key.put());
-    return key;
-}
 
 std::optional<DWORD> numberOf(const wchar_t* name)
 {
@@ -83,7 +76,7 @@ void setNumber(const CRegistryKey& key, const wchar_t* name, DWORD number)
 
 bool isListed(const CRegistryKey& parent, const wchar_t* subkey, const std::wstring& name)
 {
-    const CRegistryKey key = openKey(parent.get(), subkey);
+    const CRegistryKey key = openKey(parent.get(), subkey, KEY_READ);
     return key && RegQueryValueExW(key.get(), name.c_str(), nullptr, nullptr, nullptr, nullptr) ==
                       ERROR_SUCCESS; // the registry compares names without regard to case
 }
@@ -119,7 +112,7 @@ traceSwitch_t readTraceSwitch()
 
 bool excludedFromTracing(const std::wstring& component)
 {
-    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey);
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey, KEY_READ);
     return key && isListed(key, L"ComponentsNOT", component) &&
            !isListed(key, L"Components", component);
 }
@@ -150,7 +143,7 @@ void switchTraceOff()
 
 CTraceSwitchGuard::CTraceSwitchGuard()
 {
-    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey);
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey, KEY_READ);
     for (const auto* name : changedValues)
         if (registryValue_t value{name, REG_SZ, {}}; key && readValue(key.get(), value) == 0)
             m_before.push_back(std::move(value));
@@ -158,9 +151,11 @@ CTraceSwitchGuard::CTraceSwitchGuard()
 
 CTraceSwitchGuard::~CTraceSwitchGuard()
 {
-    CRegistryKey key;
-    if (m_kept || RegOpenKeyExW(HKEY_LOCAL_MACHINE, tracingKey, 0, KEY_SET_VALUE, key.put()) != 0)
-        return; // a key that can't be written has not been changed
+    if (m_kept)
+        return;
+    const CRegistryKey key = openKey(HKEY_LOCAL_MACHINE, tracingKey, KEY_SET_VALUE);
+    if (!key)
+        return; // what can't be written has not been changed
     for (const auto* name : changedValues)
         RegDeleteValueW(key.get(), name);
     for (const auto& value : m_before)
@@ -182,16 +177,17 @@ DWORD noonOf(const std::string& day)
     if (static_cast<size_t>(end) != day.size() || noon < 0 ||
         fields.tm_year + 1900 != asked.tm_year || fields.tm_mon + 1 != asked.tm_mon ||
         fields.tm_mday != asked.tm_mday)
-        throw CToolError("'" + day + "' is no day", "such as --until 2026-12-31", 2);
+        throw CToolError("'" + day + "' is no day", "such as --until 2026-12-31",
+                         exitStatus::wrongUsage);
     // The plug-in counts the seconds from today's midnight to that day's in 31 bits: a day that is
     // further away is a past one to it.
     constexpr int64_t oneDay = 86400;
     if (noon > std::min<int64_t>(MAXDWORD, std::time(nullptr) + INT32_MAX - oneDay))
-        throw CToolError(day + " is further away than the switch can tell",
-                         "leave --until out for no end", 2);
+        throw CToolError(day + " is further away than the switch can hold",
+                         "leave --until out for no end", exitStatus::wrongUsage);
     if (!dayIsToCome(static_cast<DWORD>(noon)))
         throw CToolError(day + " is not to come: tracing ends at the beginning of that day",
-                         "the earliest is tomorrow", 2);
+                         "the earliest is tomorrow", exitStatus::wrongUsage);
     return static_cast<DWORD>(noon);
 }
 

@@ -1,8 +1,10 @@
 #include "undo.h"
 
 #include "common/text.h"
-#include "print.h"
-#include "shared/commandline.h"
+#include "progress.h"
+#include "shared/filesystem.h"
+#include "shared/systemerror.h"
+#include "shared/toolerror.h"
 #include "storage/paths.h"
 #include "storage/settings.h"
 
@@ -72,12 +74,13 @@ std::vector<const safetyCopy_t*> chooseCopies(const std::vector<safetyCopy_t>& a
     for (auto copy = all.rbegin(); copy != all.rend(); ++copy) {
         if (copy->number != wanted)
             continue;
-        chosen.insert(chosen.begin(), &*copy);
+        chosen.push_back(&*copy);
         wanted = std::find(copy->undoes.begin(), copy->undoes.end(), copy->continues) ==
                          copy->undoes.end()
                      ? copy->continues
                      : 0;
     }
+    std::reverse(chosen.begin(), chosen.end());
     return chosen;
 }
 
@@ -141,9 +144,11 @@ std::vector<difference_t> putBack(const undoPlan_t& plan)
     std::vector<difference_t> failures;
     eachFile("putting back", plan.files, failures, [&](const plannedFile_t& file) {
         if (file.action == fileAction_t::add || file.action == fileAction_t::change)
-            copyFile(*plan.sources[file.source].copy, file.path);
-        else if (file.action == fileAction_t::remove && !deleteFile(file.path))
-            throw CToolError("can't be deleted");
+            copyOver(*plan.sources[file.source].copy, file.path);
+        else if (file.action != fileAction_t::remove)
+            return;
+        else if (const std::error_code error = removeFile(longform(file.path)))
+            throw CToolError("can't be deleted: " + errorText(static_cast<DWORD>(error.value())));
     });
     eachFile("writing to the disk", plan.files, failures, [&](const plannedFile_t& file) {
         if (file.action == fileAction_t::add || file.action == fileAction_t::change)
@@ -157,4 +162,12 @@ std::vector<difference_t> putBack(const undoPlan_t& plan)
                                 "the setting can't be put back: " + statusText(status)});
     }
     return failures;
+}
+
+void finishCopy(CSafetyCopies& copies, unsigned number)
+{
+    copies.Finish(number);
+    std::vector<std::wstring> damaged;
+    const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
+    copies.Prune(chooseCopies(all, std::nullopt).front()->number);
 }

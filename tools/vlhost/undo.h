@@ -32,6 +32,11 @@ std::vector<const safetyCopy_t*> chooseCopies(const std::vector<safetyCopy_t>& a
 undoPlan_t planUndo(const std::vector<const safetyCopy_t*>& copies);
 Json::Value jsonOfPlan(const undoPlan_t& plan);
 
+// finishCopy marks the copy whose work ran to its end, and removes those that nobody needs any more.
+//
+// Errors: CToolError
+void finishCopy(CSafetyCopies& copies, unsigned number);
+
 // putBack does it, file by file, then categories and settings.
 //
 // Returns: what could not be put back or removed

@@ -1,4 +1,10 @@
-#include "registryvalue.h"
+#include "shared/registryvalue.h"
+
+namespace {
+
+constexpr size_t longestName = 16384; // characters of a value's name, its zero included
+
+} // namespace
 
 LSTATUS readValue(HKEY key, registryValue_t& value)
 {
@@ -23,7 +29,27 @@ LSTATUS writeValue(HKEY key, const registryValue_t& value)
                           static_cast<DWORD>(value.data.size()));
 }
 
-bytes_t bytesOfText(const std::wstring& text)
+LSTATUS readValues(HKEY key, std::vector<registryValue_t>& values)
+{
+    std::wstring name(longestName, L'\0');
+    for (DWORD index = 0;; ++index) {
+        auto length = static_cast<DWORD>(name.size());
+        LSTATUS error =
+            RegEnumValueW(key, index, name.data(), &length, nullptr, nullptr, nullptr, nullptr);
+        if (error == ERROR_NO_MORE_ITEMS)
+            return ERROR_SUCCESS;
+        registryValue_t value{name.substr(0, length), REG_SZ, {}};
+        if (error == ERROR_SUCCESS)
+            error = readValue(key, value);
+        if (error == ERROR_FILE_NOT_FOUND)
+            continue; // gone meanwhile
+        if (error != ERROR_SUCCESS)
+            return error;
+        values.push_back(std::move(value));
+    }
+}
+
+std::vector<BYTE> bytesOfText(const std::wstring& text)
 {
     const auto* const first = reinterpret_cast<const BYTE*>(text.c_str());
     return {first, first + (text.size() + 1) * sizeof(wchar_t)};
