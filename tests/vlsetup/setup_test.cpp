@@ -1,6 +1,7 @@
 #include "vlsetup/setup.h"
 
 #include "common/module.h"
+#include "common/scoped.h"
 #include "common/text.h"
 #include "shared/commandline.h"
 #include "support/files.h"
@@ -169,8 +170,16 @@ TEST_F(setupTest, RemovalLeavesEverythingAsItWas)
 
 TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
 {
+    SetFileAttributesW((medium / L"tool.exe").c_str(), FILE_ATTRIBUTE_READONLY); // as on a disc
     install(m_asked);
+    SetFileAttributesW((medium / L"tool.exe").c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_FALSE(GetFileAttributesW((bin / L"tool.exe").c_str()) & FILE_ATTRIBUTE_READONLY);
     const state_t installed = state();
+    CFileHandle user(CreateFileW((bin / L"tool.exe").c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                 nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_THROW(uninstall(root), CToolError);
+    user.reset();
+    EXPECT_EQ(difference(installed, state()), "");
     writeFile(policyLibrary, "theirs");
     setValue(HKEY_LOCAL_MACHINE, key + L"\\Applications", L"BinDir", L"C:\\Theirs");
     setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Common", L"Other", L"new");
