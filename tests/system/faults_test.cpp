@@ -1,11 +1,9 @@
+#include "childruns.h"
 #include "operations.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
 #include "support/memorysearch.h"
 
-#include <process.h>
-
-#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -108,8 +106,6 @@ bytes secretList()
 }
 constexpr size_t ownCopies = 2 * timesBehind + 1; // of the list, and the octets themselves
 
-const fs::path reportFile = L"C:\\faults.txt";
-
 class Faults : public operationsTest
 {
 protected:
@@ -164,7 +160,7 @@ void Faults::sweep(const std::string& scenario, size_t first, std::ostream& repo
     const auto tryOnce = [&](size_t at, bool isFirst) {
         const outcome_t outcome = once(at);
         if (isFirst) {
-            report << "failed " << failed << '\n';
+            report << "about " << failed << '\n';
             for (size_t i = 0; i < outcome.statuses.size(); ++i)
                 if (!allowed.count(outcome.statuses[i]) && outcome.statuses[i] != whole.statuses[i])
                     report << "BAD status " << std::hex << outcome.statuses[i] << std::dec
@@ -206,7 +202,7 @@ TEST_F(Faults, DISABLED_Child)
 {
     const std::string scenario = getenv("VL_SCENARIO");
     const auto first = static_cast<size_t>(atoi(getenv("VL_FIRST")));
-    stride = static_cast<size_t>(atoi(getenv("VL_STRIDE")));
+    stride = static_cast<size_t>(atoi(getenv("VL_EVERY")));
     setTracing(scenario.ends_with("+trace"));
     std::ofstream report(reportFile);
     sweep(scenario, first, report);
@@ -219,43 +215,10 @@ TEST_P(EachFault, EndsWellAndKeepsNothing)
 {
     const std::string scenario = GetParam();
     // One allocation in so many is taken; 1 for all. A restore's can cut a file.
-    const std::string sample = scenario == "restore" ? "1" : "29";
-    const std::string every = getenv("VL_STRIDE") ? getenv("VL_STRIDE") : sample;
-    size_t first = 1, runs = 0, stillborn = 0;
-    for (std::string last; last != "done";) {
-        _putenv_s("VL_SCENARIO", scenario.c_str());
-        _putenv_s("VL_FIRST", std::to_string(first).c_str());
-        _putenv_s("VL_STRIDE", every.c_str());
-        fs::remove(reportFile);
-        const fs::path program = moduleFileName(nullptr);
-        const CKernelHandle child(reinterpret_cast<HANDLE>(
-            _wspawnl(_P_NOWAIT, program.c_str(), L"faults_test", L"--gtest_filter=*DISABLED_Child",
-                     L"--gtest_also_run_disabled_tests", L"--gtest_brief=1", nullptr)));
-        const bool hangs = WaitForSingleObject(child.get(), 200000) != WAIT_OBJECT_0;
-        if (hangs)
-            TerminateProcess(child.get(), 1);
-        std::string function;
-        size_t at = first - 1;
-        std::ifstream report(reportFile);
-        for (std::string line; std::getline(report, line); last = line) {
-            if (line.starts_with("at "))
-                at = std::stoul(line.substr(3)), ++runs;
-            else if (line.starts_with("failed "))
-                function = line.substr(7);
-            else if (line.starts_with("BAD "))
-                ADD_FAILURE() << scenario << ", call " << at << " (" << function << "): " << line;
-        }
-        if (last == "done")
-            break;
-        if (at >= first)
-            ADD_FAILURE() << scenario << ", call " << at << (hangs ? ": hangs" : ": crashes");
-        if (at < first && ++stillborn == 20)
-            break;
-        Sleep(at < first ? 100 : 0); // the system lets go of a crashed process's folder later
-        first = std::max(first, at + 1);
-    }
-    EXPECT_GT(20u, stillborn) << "the other process doesn't even start";
-    std::printf("%s: %zu runs\n", scenario.c_str(), runs);
+    const char* const sample = scenario == "restore" ? "1" : "29";
+    const char* const every = getenv("VL_STRIDE");
+    _putenv_s("VL_EVERY", every ? every : sample);
+    inChildren(scenario, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, EachFault,
