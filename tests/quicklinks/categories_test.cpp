@@ -65,26 +65,14 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
     }
 }
 
-TEST(Categories, RestoreReplacesAllAndEmptiesTheLastUsed)
+TEST(Categories, RestoreEmptiesTheLastUsedOnlyWhereTheKeyWas)
 {
-    const std::pair<bytes, const wchar_t*> cases[] = {
-        {{0x30, 5, 1}, L""},
-        {{0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0}, L"=;n=;"},      // without items
-        {{0x30, 24, 0x30, 12, 0x1E, 4,   0, 'n', 0, 0, 0x1E, 4, 0, 'b', 0, 0, // one name twice
-          0x30, 8,  0x1E, 4,  0,    'N', 0, 0,   4, 0},
-         L"n=\4;"}};
-    for (const auto& [encoded, restored] : cases) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, dashboard, L"LastQLCategory", REG_EXPAND_SZ, L"n", 4);
-        RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"old", REG_SZ, L"o", 4);
-        restore(encoded);
-        EXPECT_EQ(valuesOf(categories), restored);
-        EXPECT_EQ(valuesOf(dashboard), L"LastQLCategory=;");
-    }
+    restore({0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0});
     qlcategories_restore(nullptr);
-    EXPECT_EQ(valuesOf(categories), L"n=\4;");
+    EXPECT_EQ(valuesOf(categories), L"=;n=;");
     RegDeleteTreeW(HKEY_CURRENT_USER, dashboard);
     restore({0x30, 0});
-    EXPECT_EQ(valuesOf(dashboard), L""); // emptied only where the key was already
+    EXPECT_EQ(valuesOf(dashboard), L"");
 }
 
 } // namespace
