@@ -11,7 +11,7 @@ compile = cmake --build --preset $(1) $(if $(2),--target $(2))
 configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
     $(if $(CI),-D VL_WERROR=ON) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 
-.PHONY: build demo test bench fuzz lint coverage package package-test clean
+.PHONY: build demo test bench faults fuzz lint coverage package package-test clean
 set-up = @mkdir -p build && scripts/setup.sh
 
 build:
@@ -54,6 +54,14 @@ fuzz:
 	@$(call configure,fuzz)
 	@$(call compile,fuzz)
 	@scripts/fuzz.sh $(SECONDS)
+
+faults: build
+	$(set-up) test
+	@$(call configure,release)
+	@$(call compile,release,hostile_test)
+	@$(call compile,release,faults_test)
+	@scripts/base-prefix.sh
+	@scripts/faults.sh
 
 coverage:
 	$(set-up) build test coverage
