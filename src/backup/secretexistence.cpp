@@ -1,6 +1,7 @@
 #include "backup/secretexistence.h"
 
 #include "backup/currentuser.h"
+#include "common/guardedcall.h"
 #include "common/status.h"
 #include "neighbours/vlfpapi.h"
 #include "storage/settings.h"
@@ -14,5 +15,5 @@ bool doesSecretExist(HMODULE library)
         reinterpret_cast<void*>(GetProcAddress(library, "VLFPDoesSecretExist")));
     if (!ask)
         raiseLastError();
-    return ask(user.Qualified().c_str(), secretKind, protectedStorage) == 1;
+    return callGuarded(ask, user.Qualified().c_str(), secretKind, protectedStorage) == 1;
 }

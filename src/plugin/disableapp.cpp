@@ -1,3 +1,4 @@
+#include "common/guardedcall.h"
 #include "common/registry.h"
 #include "common/status.h"
 #include "neighbours/dashboardkeys.h"
@@ -34,7 +35,7 @@ void callPolicyLibrary(const char* function, VLFPPolicyRecord& record)
     if (!call)
         raiseLastError();
     record.name = settingName;
-    const HRESULT status = call(1, &record);
+    const HRESULT status = callGuarded(call, 1, &record);
     if (FAILED(status))
         raiseStatus(status);
 }

@@ -1,5 +1,6 @@
 #include "storage/settings.h"
 
+#include "common/guardedcall.h"
 #include "common/module.h"
 #include "common/scoped.h"
 #include "common/status.h"
@@ -88,7 +89,7 @@ HRESULT callprovider(SettingsCall SettingsProvider::*operation, BSTR key, void* 
 {
     SettingsRequest request{sizeof request, key, value};
     const SettingsCall call = provider().*operation;
-    return call ? call(&request) : E_NOTIMPL;
+    return call ? callGuarded(call, &request) : E_NOTIMPL;
 }
 
 template <class Operation> HRESULT statusof(const Operation& operation) noexcept

@@ -7,6 +7,8 @@
 #include <tuple>
 #include <vector>
 
+extern "C" PPEB NTAPI RtlGetCurrentPeb();
+
 namespace {
 
 // GetProcessHandleCount gives 0 under Wine.
@@ -44,6 +46,22 @@ size_t viewCount()
     return count;
 }
 
+// A library that stays to the end of the process has a count of -1, which never changes.
+size_t libraryReferences()
+{
+    // The header knows neither the entry's node nor the node's count.
+    constexpr size_t nodeOfEntry = 0x98, countOfNode = 0x18;
+    size_t count = 0;
+    const LIST_ENTRY& first = RtlGetCurrentPeb()->Ldr->InMemoryOrderModuleList;
+    for (const LIST_ENTRY* at = first.Flink; at != &first; at = at->Flink) {
+        const auto* const entry = CONTAINING_RECORD(at, LDR_DATA_TABLE_ENTRY, InMemoryOrderLinks);
+        const char* const node = *reinterpret_cast<const char* const*>(
+            reinterpret_cast<const char*>(entry) + nodeOfEntry);
+        count += *reinterpret_cast<const ULONG*>(node + countOfNode);
+    }
+    return count;
+}
+
 // indexCount counts the indexes that are taken: as many as there are, less those that are left.
 template <class Alloc, class Free> size_t indexCount(Alloc alloc, Free free)
 {
@@ -63,7 +81,8 @@ heldResources_t::heldResources_t()
       indexes(indexCount(TlsAlloc, TlsFree) +
               indexCount([] { return FlsAlloc(nullptr); }, FlsFree)),
       blocks(blockCount()),
-      views(viewCount())
+      views(viewCount()),
+      libraries(libraryReferences())
 {}
 
 std::string heldResources_t::grownSince(const heldResources_t& before, size_t rounds) const
@@ -72,7 +91,8 @@ std::string heldResources_t::grownSince(const heldResources_t& before, size_t ro
     for (const auto& [now, then, name] : {std::tuple(handles, before.handles, " handles "),
                                           {blocks, before.blocks, " blocks "},
                                           {indexes, before.indexes, " indexes "},
-                                          {views, before.views, " views "}})
+                                          {views, before.views, " views "},
+                                          {libraries, before.libraries, " library references "}})
         if (now >= then + rounds)
             grown += std::to_string(now - then) + name;
     return grown;

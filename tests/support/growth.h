@@ -8,9 +8,10 @@ struct heldResources_t {
     heldResources_t();
 
     size_t handles = 0;
-    size_t indexes = 0; // of thread-local and fiber-local storage
-    size_t blocks = 0;  // of memory, in use in all heaps
-    size_t views = 0;   // of files and shared memory
+    size_t indexes = 0;   // of thread-local and fiber-local storage
+    size_t blocks = 0;    // of memory, in use in all heaps
+    size_t views = 0;     // of files and shared memory
+    size_t libraries = 0; // references to all that are loaded
 
     // grownSince says by how much more than before, at least one for each of so many rounds; empty
     // for no more.
