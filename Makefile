@@ -11,7 +11,7 @@ compile = cmake --build --preset $(1) $(if $(2),--target $(2))
 configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
     $(if $(CI),-D VL_WERROR=ON) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 
-.PHONY: build demo test bench faults fuzz lint coverage package package-test clean
+.PHONY: build demo test bench faults fuzz soak lint coverage package package-test clean
 set-up = @mkdir -p build && scripts/setup.sh
 
 build:
@@ -62,6 +62,14 @@ faults: build
 	@$(call compile,release,faults_test)
 	@scripts/base-prefix.sh
 	@scripts/faults.sh
+
+# SECONDS for the threads; the counted checks take as long as they take.
+soak: build
+	$(set-up) build test
+	@$(call compile,release,system_test)
+	@$(call compile,release,soak_test)
+	@scripts/base-prefix.sh
+	@scripts/soak.sh $(if $(filter file,$(origin SECONDS)),300,$(SECONDS))
 
 coverage:
 	$(set-up) build test coverage

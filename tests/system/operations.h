@@ -46,6 +46,7 @@ protected:
     }
 
     bytes m_secrets = seq({seq({wide(L"KRS Protected Storage"), octets("s")})});
+    const agentStub_t m_agentStub;
 
 private:
     outcome_t information(const plugin_t& plugin)
@@ -169,5 +170,4 @@ private:
     const bytes m_settings = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
                                          R"("show_training_prompt":true}}})")});
     const bytes m_oldSettings = seq({integer(1), wide(L"K"), octets("list")});
-    const agentStub_t m_agentStub;
 };
