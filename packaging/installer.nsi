@@ -32,6 +32,31 @@ UninstPage instfiles
   ${EndIf}
 !macroend
 
+; A folder in /D= that can't be one, as on a missing drive, would silently become the default. The system's own command
+; line still has it.
+Function .onInit
+  System::Call 'kernel32::GetCommandLineW() w .r0'
+  StrCpy $2 0
+  ${Do}
+    StrCpy $1 $0 4 $2 ; nothing at the end
+    IntOp $2 $2 + 1
+    ${If} $1 == ""
+      Return ; no folder is named
+    ${EndIf}
+  ${LoopUntil} $1 == " /D="
+  IntOp $2 $2 + 3
+  StrCpy $1 $0 "" $2
+  StrCpy $2 $1 1 -1
+  ${If} $2 == "\"
+    StrCpy $1 $1 -1
+  ${EndIf}
+  ${If} $1 != $INSTDIR
+    SetErrorLevel 1
+    MessageBox MB_ICONSTOP "Nothing can be installed in $1. Is there such a drive?" /SD IDOK
+    Abort
+  ${EndIf}
+FunctionEnd
+
 Section
   InitPluginsDir
   SetOutPath "$PLUGINSDIR\package"
