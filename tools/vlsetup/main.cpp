@@ -1,7 +1,7 @@
-#include "common/module.h"
 #include "common/text.h"
 #include "setup.h"
 #include "shared/commandline.h"
+#include "shared/windowsfiles.h"
 
 #include <windows.h>
 
@@ -29,9 +29,8 @@ int main(int argc, char** argv)
 {
     CLI::App app("Installs and removes the plug-in, its tools and its texts.", "vlsetup");
     app.require_subcommand(1);
-    const std::wstring own = moduleFileName(nullptr);
     std::string root = utf8FromWide(environment(L"ProgramFiles") + L"\\Veltrano");
-    std::string from = utf8FromWide(own.substr(0, own.find_last_of(L'\\')));
+    std::string from = utf8FromWide(programFolder());
     std::string uninstaller;
     standIns_t standIns = standIns_t::missing;
     bool replace = false;

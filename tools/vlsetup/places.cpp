@@ -2,13 +2,16 @@
 
 #include "common/scoped.h"
 #include "common/text.h"
-#include "shared/commandline.h"
+#include "shared/filesystem.h"
+#include "shared/hextext.h"
+#include "shared/registryvalue.h"
+#include "shared/systemerror.h"
+#include "shared/toolerror.h"
+#include "shared/windowsfiles.h"
 
 #include <bcrypt.h>
 
 namespace {
-
-using bytes_t = std::vector<BYTE>;
 
 struct hashHandle {
     using value_type = BCRYPT_HASH_HANDLE;
@@ -20,27 +23,6 @@ struct algorithmHandle {
     static BCRYPT_ALG_HANDLE empty() noexcept { return nullptr; }
     static void close(BCRYPT_ALG_HANDLE h) noexcept { BCryptCloseAlgorithmProvider(h, 0); }
 };
-
-std::string hexText(const bytes_t& bytes)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    std::string text;
-    for (const BYTE byte : bytes) {
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
-}
-
-std::string errorText(DWORD error)
-{
-    wchar_t text[512] = {};
-    DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                  nullptr, error, 0, text, 512, nullptr);
-    while (length && text[length - 1] <= L' ')
-        --length;
-    return length ? utf8FromWide({text, length}) : "error " + std::to_string(error);
-}
 
 const char* hintFor(DWORD error)
 {
@@ -60,6 +42,11 @@ const char* hintFor(DWORD error)
     default:
         return "";
     }
+}
+
+DWORD codeOf(std::error_code error)
+{
+    return static_cast<DWORD>(error.value());
 }
 
 bool missing(LSTATUS error)
@@ -101,20 +88,28 @@ bool folderExists(const std::wstring& path)
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+std::string contentOf(const registryValue_t& value)
+{
+    return std::to_string(value.type) + ':' + hexText(value.data);
+}
+
+constexpr DWORD longestKey = 256; // characters of a key's name, its zero included
+
 void readTreeInto(const std::wstring& path, registryTree_t& tree)
 {
     const CRegistryKey key = openKey(path, KEY_READ);
     if (!key)
         return;
-    auto& values = tree[path];
-    wchar_t name[16384];
-    for (DWORD i = 0, size = 16384;
-         !RegEnumValueW(key.get(), i, name, &size, nullptr, nullptr, nullptr, nullptr);
-         ++i, size = 16384)
-        values[name] = valueContent(path, name);
-    for (DWORD i = 0, size = 16384;
+    auto& content = tree[path];
+    std::vector<registryValue_t> values;
+    if (const LSTATUS error = readValues(key.get(), values))
+        failed("can't read", L"HKLM\\" + path, static_cast<DWORD>(error));
+    for (const registryValue_t& value : values)
+        content[value.name] = contentOf(value);
+    wchar_t name[longestKey];
+    for (DWORD i = 0, size = longestKey;
          !RegEnumKeyExW(key.get(), i, name, &size, nullptr, nullptr, nullptr, nullptr);
-         ++i, size = 16384)
+         ++i, size = longestKey)
         readTreeInto(path + L'\\' + name, tree);
 }
 
@@ -143,13 +138,13 @@ std::string fileContent(const std::wstring& path)
         BCryptOpenAlgorithmProvider(algorithm.put(), BCRYPT_SHA256_ALGORITHM, nullptr, 0);
     if (status >= 0)
         status = BCryptCreateHash(algorithm.get(), hash.put(), nullptr, 0, nullptr, 0, 0);
-    bytes_t buffer(1 << 16);
+    std::vector<BYTE> buffer(1 << 16);
     for (DWORD read = 1; status >= 0 && read;) {
         if (!ReadFile(file.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &read, nullptr))
             failed("can't read", path, GetLastError());
         status = BCryptHashData(hash.get(), buffer.data(), read, 0);
     }
-    bytes_t digest(32);
+    std::vector<BYTE> digest(32);
     if (status >= 0)
         status = BCryptFinishHash(hash.get(), digest.data(), 32, 0);
     if (status < 0)
@@ -160,77 +155,56 @@ std::string fileContent(const std::wstring& path)
 std::string valueContent(const std::wstring& key, const std::wstring& name)
 {
     const CRegistryKey open = openKey(key, KEY_QUERY_VALUE);
-    DWORD type = 0, size = 0;
-    LSTATUS error = open
-                        ? RegQueryValueExW(open.get(), name.c_str(), nullptr, &type, nullptr, &size)
-                        : ERROR_FILE_NOT_FOUND;
-    bytes_t data(size);
-    if (!error)
-        error = RegQueryValueExW(open.get(), name.c_str(), nullptr, &type, data.data(), &size);
+    registryValue_t value{name, REG_NONE, {}};
+    const LSTATUS error = open ? readValue(open.get(), value) : ERROR_FILE_NOT_FOUND;
     if (missing(error))
         return {};
     if (error)
         failed("can't read", shown(key, name), static_cast<DWORD>(error));
-    data.resize(size);
-    return std::to_string(type) + ':' + hexText(data);
+    return contentOf(value);
 }
 
 std::string textValue(const std::wstring& text, DWORD type)
 {
-    bytes_t data;
-    for (size_t i = 0; i <= text.size(); ++i) {
-        data.push_back(static_cast<BYTE>(text.c_str()[i]));
-        data.push_back(static_cast<BYTE>(text.c_str()[i] >> 8));
-    }
-    return std::to_string(type) + ':' + hexText(data);
+    return contentOf({{}, type, bytesOfText(text)});
 }
 
 void copyTo(const std::wstring& source, const std::wstring& target)
 {
     const std::wstring part = target + L'.' + std::to_wstring(GetCurrentProcessId()) + L".part";
-    const bool moved = CopyFileW(source.c_str(), part.c_str(), TRUE) &&
-                       SetFileAttributesW(part.c_str(), FILE_ATTRIBUTE_NORMAL) &&
-                       MoveFileExW(part.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING);
-    if (moved)
+    std::error_code error = copyFile(source, part);
+    if (!error)
+        error = moveFile(part, target, true);
+    if (!error)
         return;
-    const DWORD error = GetLastError();
-    DeleteFileW(part.c_str());
-    failed("can't write", target, error);
+    removeFile(part);
+    failed("can't write", target, codeOf(error));
 }
 
 void putValue(const std::wstring& key, const std::wstring& name, const std::string& content)
 {
     const size_t colon = content.find(':');
-    bytes_t data;
-    for (size_t at = colon + 1; at + 1 < content.size(); at += 2)
-        data.push_back(static_cast<BYTE>(std::stoul(content.substr(at, 2), nullptr, 16)));
+    const registryValue_t value{name, std::stoul(content.substr(0, colon)),
+                                bytesOfHex(std::string_view(content).substr(colon + 1))};
     CRegistryKey open;
     LSTATUS error = RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
                                     nullptr, open.put(), nullptr);
     if (!error)
-        error = RegSetValueExW(open.get(), name.c_str(), 0, std::stoul(content.substr(0, colon)),
-                               data.data(), static_cast<DWORD>(data.size()));
+        error = writeValue(open.get(), value);
     if (error)
         failed("can't write", shown(key, name), static_cast<DWORD>(error));
 }
 
 void moveTo(const std::wstring& from, const std::wstring& to)
 {
-    if (!MoveFileExW(from.c_str(), to.c_str(), 0))
-        failed("can't rename", from, GetLastError());
+    if (const std::error_code error = moveFile(from, to, false))
+        failed("can't rename", from, codeOf(error));
 }
 
-void removeFile(const std::wstring& path)
+void takeAway(const std::wstring& path)
 {
-    if (DeleteFileW(path.c_str()) || missing(static_cast<LSTATUS>(GetLastError())))
-        return;
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY)) {
-        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (DeleteFileW(path.c_str()))
-            return;
-    }
-    failed("can't remove", path, GetLastError());
+    if (const std::error_code error = removeFile(path))
+        failed("can't remove", path, codeOf(error));
 }
 
 void removeValue(const std::wstring& key, const std::wstring& name)

@@ -28,7 +28,7 @@ void putValue(const std::wstring& key, const std::wstring& name, const std::stri
 void moveTo(const std::wstring& from, const std::wstring& to);
 
 // Each is good also if there is nothing to remove.
-void removeFile(const std::wstring& path);
+void takeAway(const std::wstring& path); // a file
 void removeValue(const std::wstring& key, const std::wstring& name);
 
 // missingFolders and missingKeys list what has to be made so that the last one is there, the

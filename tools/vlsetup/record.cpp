@@ -67,7 +67,7 @@ std::vector<written_t> entries(const Json::Value& value)
 
 } // namespace
 
-bool written_t::Ours(const std::string& content) const
+bool written_t::ours(const std::string& content) const
 {
     return std::ranges::find(contents, content) != contents.end();
 }

@@ -16,7 +16,7 @@ struct written_t {
     // What was there before and comes back: the path where a file waits, or a value's content.
     std::string former;
 
-    bool Ours(const std::string& content) const;
+    bool ours(const std::string& content) const;
 };
 
 struct record_t {
@@ -25,7 +25,7 @@ struct record_t {
     std::vector<written_t> files;
     std::vector<written_t> values;
 
-    bool Empty() const noexcept
+    bool empty() const noexcept
     {
         return folders.empty() && keys.empty() && files.empty() && values.empty();
     }

@@ -5,7 +5,8 @@
 #include "common/text.h"
 #include "places.h"
 #include "record.h"
-#include "shared/commandline.h"
+#include "shared/toolerror.h"
+#include "shared/windowsfiles.h"
 
 #include <windows.h>
 
@@ -24,11 +25,9 @@ const std::wstring registrationKeys[] = {pluginsKey + L"\\UIElements\\AppControl
                                          pluginsKey + L"\\TrayIcon\\" + classId};
 constexpr const wchar_t* registrationValues[] = {L"", L"TargetShellVersions"};
 
-std::wstring fullPath(const std::wstring& path)
+std::wstring folderPath(const std::wstring& path)
 {
-    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(
-        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    std::wstring full = fullPath(path);
     while (full.size() > 3 && full.back() == L'\\')
         full.pop_back();
     return full;
@@ -45,10 +44,6 @@ std::wstring recordOf(const std::wstring& root)
 std::wstring pluginOf(const std::wstring& root)
 {
     return binOf(root) + L"\\VLOnlineIDs.dll";
-}
-std::wstring folderOf(const std::wstring& path)
-{
-    return path.substr(0, path.find_last_of(L'\\'));
 }
 
 std::wstring systemFolder()
@@ -103,18 +98,18 @@ std::vector<std::wstring> shipped(const std::wstring& from)
     return files;
 }
 
-// CPlanner finds out what is to be written, and what stays.
-class CPlanner
+// planner_t finds out what is to be written, and what stays.
+class planner_t
 {
 public:
-    CPlanner(const installation_t& wanted, const record_t& before)
+    planner_t(const installation_t& wanted, const record_t& before)
         : m_wanted(wanted), m_bin(binOf(wanted.root)), m_before(before)
     {
         m_plan.record.folders = before.folders;
         m_plan.record.keys = before.keys;
     }
 
-    plan_t Plan()
+    plan_t plan()
     {
         addValues();
         std::vector<std::wstring> files = shipped(m_wanted.from);
@@ -133,7 +128,8 @@ public:
         keepRest(m_before.files, m_plan.record.files);
         keepRest(m_before.values, m_plan.record.values);
         for (const written_t& file : m_plan.record.files)
-            note(missingFolders(folderOf(file.path)), m_plan.record.folders);
+            note(missingFolders(std::filesystem::path(file.path).parent_path()),
+                 m_plan.record.folders);
         for (const written_t& value : m_plan.record.values)
             note(missingKeys(value.path), m_plan.record.keys);
         return std::move(m_plan);
@@ -232,7 +228,7 @@ private:
             for (const wchar_t* name : registrationValues) {
                 const written_t* const old = find(m_before.values, key, name);
                 written_t entry{key, name, old ? old->contents : lines_t(), old ? old->former : ""};
-                if (const std::string now = valueContent(key, name); foreign && !entry.Ours(now))
+                if (const std::string now = valueContent(key, name); foreign && !entry.ours(now))
                     entry.former = now;
                 m_plan.record.values.push_back(entry);
             }
@@ -246,7 +242,7 @@ private:
              std::vector<wanted_t>& jobs, std::vector<written_t>& record)
     {
         const written_t* const old = find(before, wanted.path, wanted.name);
-        const bool file = !wanted.source.empty(), ours = old && old->Ours(now);
+        const bool file = !wanted.source.empty(), ours = old && old->ours(now);
         written_t entry{wanted.path, wanted.name, {wanted.content}, old ? old->former : ""};
         if (!ours && !now.empty()) {
             if (now == wanted.content)
@@ -348,7 +344,7 @@ void unregister(const std::wstring& root, record_t& record)
     const std::wstring plugin = pluginOf(root);
     const std::string ours = textValue(plugin, REG_EXPAND_SZ);
     const written_t* const file = find(record.files, plugin);
-    if (!file || !file->Ours(fileContent(plugin)) ||
+    if (!file || !file->ours(fileContent(plugin)) ||
         std::ranges::none_of(registrationKeys,
                              [&](const auto& key) { return valueContent(key, L"") == ours; }))
         return;
@@ -358,7 +354,7 @@ void unregister(const std::wstring& root, record_t& record)
             written_t* const known = find(record.values, key, name);
             if (!known)
                 record.values.push_back({key, name, {}, content});
-            else if (!known->Ours(content))
+            else if (!known->ours(content))
                 known->former = content;
         }
     writeRecord(recordOf(root), record);
@@ -368,14 +364,14 @@ void unregister(const std::wstring& root, record_t& record)
             makeKey(key);
 }
 
-// CRemoval takes back what a record names.
-class CRemoval
+// removal_t takes back what a record names.
+class removal_t
 {
 public:
-    CRemoval(const std::wstring& root, record_t& record) : m_root(root), m_record(record) {}
+    removal_t(const std::wstring& root, record_t& record) : m_root(root), m_record(record) {}
 
-    // Attempt runs one step; what fails is noted, and the removal goes on.
-    template <class Step> bool Attempt(const Step& step)
+    // attempt runs one step; what fails is noted, and the removal goes on.
+    template <class Step> bool attempt(const Step& step)
     {
         try {
             step();
@@ -387,21 +383,21 @@ public:
         }
     }
 
-    // Run removes what is ours and brings back what was there before. What fails stays in the
+    // run removes what is ours and brings back what was there before. What fails stays in the
     // record, and the record then stays.
-    removed_t Run()
+    removed_t run()
     {
         std::erase_if(m_record.values, [&](const written_t& entry) {
-            return Attempt([&] { takeBackValue(entry); });
+            return attempt([&] { takeBackValue(entry); });
         });
         std::erase_if(m_record.files, [&](const written_t& entry) {
-            return Attempt([&] { takeBackFile(entry); });
+            return attempt([&] { takeBackFile(entry); });
         });
         innermostFirst(m_record.keys, removeKeyIfEmpty);
         const std::wstring path = recordOf(m_root);
         if (!m_result.complete) {
-            Attempt([&] { writeRecord(path, m_record); });
-        } else if (Attempt([&] { removeFile(path); })) {
+            attempt([&] { writeRecord(path, m_record); });
+        } else if (attempt([&] { takeAway(path); })) {
             innermostFirst(m_record.folders, removeFolderIfEmpty);
         }
         return std::move(m_result);
@@ -411,7 +407,7 @@ private:
     void takeBackValue(const written_t& entry)
     {
         const std::string now = valueContent(entry.path, entry.name);
-        if (!now.empty() && !entry.Ours(now)) {
+        if (!now.empty() && !entry.ours(now)) {
             if (now != entry.former)
                 m_result.lines.push_back("HKLM\\" + utf8FromWide(entry.path + L'\\' + entry.name) +
                                          " was changed since and stays");
@@ -427,13 +423,13 @@ private:
         const std::string now = fileContent(entry.path);
         const std::wstring former = wideFromUtf8(entry.former);
         const bool waits = !former.empty() && !fileContent(former).empty();
-        if (!now.empty() && !entry.Ours(now)) {
+        if (!now.empty() && !entry.ours(now)) {
             if (waits || former.empty()) // else it is the one from before, not yet moved
                 m_result.lines.push_back(utf8FromWide(entry.path) + " was changed since and stays" +
                                          (waits ? ", as does " + entry.former : ""));
             return;
         }
-        removeFile(entry.path);
+        takeAway(entry.path);
         if (waits)
             moveTo(former, entry.path);
     }
@@ -442,7 +438,7 @@ private:
     {
         std::ranges::stable_sort(made, std::greater(), &std::wstring::size);
         for (const std::wstring& one : made)
-            Attempt([&] { remove(one); });
+            attempt([&] { remove(one); });
     }
 
     const std::wstring& m_root;
@@ -455,25 +451,25 @@ private:
 lines_t install(const installation_t& asked)
 {
     installation_t wanted = asked;
-    wanted.from = fullPath(asked.from);
-    wanted.root = fullPath(asked.root);
+    wanted.from = folderPath(asked.from);
+    wanted.root = folderPath(asked.root);
     checkPlace(wanted.root);
     checkAdministrator();
     if (!_wcsicmp(wanted.from.c_str(), binOf(wanted.root).c_str()))
         throw CToolError("the package can't be installed over itself",
                          "start it from the unpacked package");
     const record_t before = readRecord(recordOf(wanted.root));
-    plan_t plan = CPlanner(wanted, before).Plan();
+    plan_t plan = planner_t(wanted, before).plan();
     try {
         perform(plan, wanted);
     } catch (const CToolError& error) {
-        if (!before.Empty())
+        if (!before.empty())
             throw CToolError(std::string(error.what()) +
                              "; not all is of one version now: install again, or uninstall");
-        CRemoval removal(wanted.root, plan.record);
-        removal.Attempt([&] { noteRegistration(wanted.root, plan.record); });
+        removal_t removal(wanted.root, plan.record);
+        removal.attempt([&] { noteRegistration(wanted.root, plan.record); });
         throw CToolError(std::string(error.what()) +
-                         (removal.Run().complete ? "; everything is as it was"
+                         (removal.run().complete ? "; everything is as it was"
                                                  : "; not all could be taken back: uninstall"));
     }
     return plan.left;
@@ -481,20 +477,20 @@ lines_t install(const installation_t& asked)
 
 removed_t uninstall(const std::wstring& folder)
 {
-    const std::wstring root = fullPath(folder);
+    const std::wstring root = folderPath(folder);
     checkAdministrator();
     record_t record = readRecord(recordOf(root));
-    if (record.Empty())
+    if (record.empty())
         throw CToolError("nothing is installed in " + utf8FromWide(root) + ": there is no " +
                              utf8FromWide(recordOf(root)),
                          "which folder was it?");
     for (const written_t& file : record.files) {
         if (!_wcsicmp(file.path.c_str(), moduleFileName(nullptr).c_str()))
             throw CToolError("this program can't remove itself", "run uninstall.cmd");
-        if (file.Ours(fileContent(file.path)))
+        if (file.ours(fileContent(file.path)))
             checkNotInUse(file.path);
     }
-    CRemoval removal(root, record);
-    removal.Attempt([&] { unregister(root, record); });
-    return removal.Run();
+    removal_t removal(root, record);
+    removal.attempt([&] { unregister(root, record); });
+    return removal.run();
 }
