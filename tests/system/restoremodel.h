@@ -350,8 +350,10 @@ private:
             const Json::Value current = member(member(root, "settings", true), "current");
             const auto truth = [&](const char* name) {
                 const Json::Value value = member(current, name);
+                if (value.empty())
+                    return L"";
                 const bool is = value.isString() ? value != "" : value.size() || value.asBool();
-                return value.empty() ? L"" : is ? L"1" : L"-1";
+                return is ? L"1" : L"-1";
             };
             const auto text = [&](const char* name) {
                 const Json::Value value = member(current, name);
