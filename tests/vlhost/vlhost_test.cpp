@@ -233,12 +233,12 @@ TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
              return CFileHandle();
          }},
     };
-    for (const auto& [told, make] : faults) {
-        SCOPED_TRACE(told);
+    for (const auto& [shown, make] : faults) {
+        SCOPED_TRACE(shown);
         const CFileHandle fault = make();
         const result_t result = host(L"backup good.vlb --force");
         EXPECT_EQ(1u, result.status);
-        EXPECT_TRUE(has(result.err, told)) << result.err;
+        EXPECT_TRUE(has(result.err, shown)) << result.err;
         EXPECT_EQ(good, fileBytes(L"good.vlb"));
     }
 }
@@ -261,12 +261,12 @@ TEST_F(Host, RestoreTouchesNothingUnlessItIsMeantAndSound)
     other.reset();
     const auto before = state();
     const std::string plan = hostText(L"restore --dry-run good.vlb");
-    for (const char* told : {"delete           4  C:\\vlhost test\\own\\late.vlm",
-                             "add              4  C:\\vlhost test\\own\\bank.vlm",
-                             "same             4  C:\\vlhost test\\own\\Köln.vlm",
-                             "change           5  C:\\vlhost test\\own\\updata.vls",
-                             "1, change C:\\vlhost test\\links.txt", "nothing was done"})
-        EXPECT_TRUE(has(plan, told)) << told << '\n' << plan;
+    for (const char* shown : {"delete           4  C:\\vlhost test\\own\\late.vlm",
+                              "add              4  C:\\vlhost test\\own\\bank.vlm",
+                              "same             4  C:\\vlhost test\\own\\Köln.vlm",
+                              "change           5  C:\\vlhost test\\own\\updata.vls",
+                              "1, change C:\\vlhost test\\links.txt", "nothing was done"})
+        EXPECT_TRUE(has(plan, shown)) << shown << '\n' << plan;
     const result_t steering = host(L"restore --dry-run steering.vlb");
     EXPECT_TRUE(has(steering.out, "own\\\\n\\x1B[m.vlm")) << steering.out;
     EXPECT_FALSE(has(steering.out + steering.err, "\x1B"));
@@ -450,10 +450,10 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
         {L"trace on --until 2099-12-31", 2, "further away"}, // past, for the plug-in
         {L"call get-property 12345", 1, "ERROR_UNKNOWN_PROPERTY"},
     };
-    for (const auto& [arguments, status, told] : cases) {
+    for (const auto& [arguments, status, shown] : cases) {
         const auto [got, out, err] = host(arguments);
         EXPECT_EQ(status, got) << utf8FromWide(arguments);
-        EXPECT_TRUE(err.starts_with("vlhost: ") && has(err, told)) << told << err;
+        EXPECT_TRUE(err.starts_with("vlhost: ") && has(err, shown)) << shown << err;
         EXPECT_EQ(err.size() - 1, err.find('\n')) << err;
     }
     hostText(L"unregister");
