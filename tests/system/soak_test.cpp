@@ -327,8 +327,9 @@ TEST_F(Threads, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
     for (const auto& worker : m_workers->all)
         calls += worker.calls;
     std::printf("8 threads, %.0f s: %zu mixed calls, %u flips, %u traces with %zu records, "
-                "%zu numbered calls between flips, none lost\n",
-                elapsed(), calls, flips, rounds, m_records, m_numbers);
+                "%zu numbered calls between flips, %s\n",
+                elapsed(), calls, flips, rounds, m_records, m_numbers,
+                HasFailure() ? "one lost" : "none lost");
     patches.reset();
     delete m_workers;
 }
