@@ -197,7 +197,7 @@ protected:
                                              trace.find("GetGPOSettingsoo") == std::string::npos);
         EXPECT_EQ(*told.settingsLine == 0, trace.find("cannot set") == std::string::npos);
         EXPECT_FALSE(keptIsFreed);
-        SysFreeString(kept);
+        SysFreeString(std::exchange(kept, nullptr));
         EXPECT_EQ(before, (all(plugin), all(plugin)));
     }
 };
