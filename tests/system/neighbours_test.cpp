@@ -289,8 +289,14 @@ protected:
                             static_cast<ULONG>(data.size()), data.data()));
         agent.join();
         EXPECT_TRUE(m_taken || !blockView_t(names[payload]).bytes);
-        EXPECT_TRUE(!stub.semaphore || m_countIsTaken ||
-                    WaitForSingleObject(stub.semaphore.get(), 0) == WAIT_OBJECT_0);
+        if (stub.semaphore) {
+            EXPECT_EQ(m_countIsTaken, WaitForSingleObject(stub.semaphore.get(), 0) == WAIT_TIMEOUT);
+        }
+        if (stub.buffer && stub.dataReady) {
+            const bool sent = WaitForSingleObject(stub.dataReady.get(), 0) == WAIT_OBJECT_0;
+            EXPECT_EQ(sent, blockView_t(names[buffer]).bytes[0] == 2 && !act);
+            m_sent |= sent;
+        }
         m_taken.reset();
         std::string said = traced().substr(before);
         const std::string front = "BLOBs=0\n";
@@ -308,8 +314,9 @@ protected:
         std::string grown = "?";
         for (int round = 0; round < 4 && !grown.empty(); ++round) {
             const heldResources_t before;
-            endless = 0;
+            endless = 0, m_sent = false;
             EXPECT_EQ(said, exchange(change, act));
+            EXPECT_FALSE(m_sent && !said.empty() && said != noAnswer);
             grown = heldResources_t().grownSince(before);
             EXPECT_EQ(waits, endless);
         }
@@ -321,7 +328,8 @@ protected:
 
     const bytes m_value = octets(std::string(10000, 'b') + std::string(2, '\0'));
     CKernelHandle m_taken;
-    bool m_countIsTaken = false;
+    bool m_countIsTaken = false, m_sent = false;
+    const std::string noAnswer = " E 0 cannot transfer the rest from client|";
     int m_cases = 0;
     std::unique_ptr<plugin_t> m_plugin;
 };
@@ -373,6 +381,10 @@ void Link::expectAll()
                    take);
         }
     }
+    expect("no events", said(acknowledge, "-2147024890"), [this](agentStub_t& stub) {
+        stub.acknowledge.reset(), stub.dataReady.reset();
+        m_taken.reset(make(mutex, names[dataReady])); // the error told is the later one's
+    });
     const auto taken = [this](const wchar_t* name, DWORD size, DWORD kind) {
         return [=, this](agentStub_t& stub) {
             if (name == names[buffer])
@@ -394,7 +406,6 @@ void Link::expectAll()
             m_countIsTaken = WaitForSingleObject(stub.semaphore.get(), 0) == WAIT_OBJECT_0;
         },
         1);
-    const std::string noAnswer = " E 0 cannot transfer the rest from client|";
     expect(
         "no answer", noAnswer, [](agentStub_t&) {}, 1);
     expect("two answers", "", [](agentStub_t& stub) { stub.answer(), stub.answer(); });
