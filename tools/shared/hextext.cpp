@@ -26,7 +26,7 @@ std::vector<uint8_t> bytesOfHex(std::string_view hex)
         const size_t digit = digits.find(hex[i]);
         if (digit == std::string_view::npos || hex.size() % 2 != 0)
             throw std::invalid_argument("no hexadecimal text");
-        bytes[i / 2] = static_cast<uint8_t>(bytes[i / 2] << 4 | digit);
+        bytes[i / 2] = static_cast<uint8_t>(size_t{bytes[i / 2]} << 4 | digit);
     }
     return bytes;
 }
