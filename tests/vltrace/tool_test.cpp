@@ -137,6 +137,7 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
         {{"--from", "2017-07-15"}, ">E"},
         {{"--from", "15:59:04.150", "--to", "15:59:04.160"}, "EU<<"},
         {{"--from", "2017-07-14T15:59:04.150", "--to", "2017-07-14 15:59"}, "EU<<<N"},
+        {{"--to", "2017-07-14 15:59:04"}, ">>E>U<<<N"}, // to the end of the second
     };
     for (const auto& [filter, left] : cases) {
         std::vector<std::string> arguments = {"export", name(sample)};
@@ -177,7 +178,11 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
             EXPECT_EQ(written(), made ? run({"stats", in}).out : "");
             EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder), {}), 1 + made);
         }
+        namespace fs = std::filesystem;
+        fs::permissions(m_folder / file, fs::perms::owner_read | fs::perms::owner_write);
+        const fs::perms kept = fs::status(m_folder / file).permissions();
         EXPECT_EQ(run({"cat", "--force", "--output", target, in}).status, 0);
+        EXPECT_EQ(fs::status(m_folder / file).permissions(), kept);
         EXPECT_EQ(written(), run({"cat", "--output", "-", in}).out);
         std::filesystem::remove(m_folder / file);
     }
@@ -234,6 +239,10 @@ TEST_F(VltraceTool, ChromeExportIsBalancedForWholeCutAndDamagedTraces)
     EXPECT_EQ(goodChrome(bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
                                  "i4150000Größe of 日ERROR_ACCESS_DENIED\n"
                                  "E4160000RestoreBackup\nE4300000SetStorageData\n");
+    const std::vector<std::string> twice = {"export", "--format", "chrome", name(sample),
+                                            name(sample)};
+    const Json::Value events = parsed(run(twice).out)["traceEvents"];
+    EXPECT_NE(events[0]["pid"], events[events.size() - 1]["pid"]);
     traceBytes_t lost = sampleTrace(); // all ends with the damage
     lost.bytes[lost.starts[5] + 4] = 'X';
     EXPECT_EQ(goodChrome(lost.bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
