@@ -1,13 +1,15 @@
 #include "formats/backup/backupview.h"
+#include "formats/text/printable.h"
 #include "support/backupbytes.h"
+#include "support/files.h"
 #include "support/toolrun.h"
 #include "vlbackup/commands.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include <gtest/gtest.h>
+#include <json/json.h>
 
 namespace {
 
@@ -55,7 +57,6 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         std::string part; // of the output, or of the one line of a failure
     } cases[] = {
         {ls, example, 0, "         2  a.vlm\n"},
-        {ls, with(1, seq({link(L"\u001b[31m\u202e")})), 0, "  \\x1B[31m\\u{202E} -> "},
         {ls, two, 0, "n\xC3\xA9 -> t  (m, profile 255, id i)\n"},
         {ls, three, 0, "without credentials)\ncategories\n  c = 1\nsettings (absent)\n"},
         {ls, seq({none, none, none, parts[3], none}), 0, "settings (absent)"}, // of five
@@ -77,6 +78,37 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         EXPECT_EQ(result.status, c.status);
         EXPECT_NE((result.out + result.err).find(c.part), std::string::npos)
             << result.out << result.err;
+    }
+}
+
+// Whole lines and documents, and nothing in them that steers a terminal.
+TEST(Vlbackup, AnyBytesGiveWholeAnswers)
+{
+    const std::vector<std::vector<std::string>> commands = {
+        {"ls", "-"}, {"verify", "-", "--json"}, {"ls", "-", "--json"}};
+    const auto answer = [&](const bytes& input, size_t command) {
+        const toolRun_t result = vlbackup(commands[command % 3], input);
+        EXPECT_EQ(result.out + result.err, printableLines(result.out + result.err));
+        Json::Value value;
+        const bool whole = command % 3 == 0 || Json::Reader().parse(result.out, value);
+        EXPECT_TRUE(whole || !result.err.empty()) << result.out;
+    };
+    const bytes mark = wide(L"\u001b\u202e");
+    for (const bytes& last : {seq({narrow("\x1B")}), seq({integer(1), mark})})
+        for (size_t i = 0; i < 3; ++i)
+            answer(seq({seq({seq({mark, octets("")})}),
+                        seq({seq({mark, mark, mark, integer(1), mark})}), seq({seq({mark, mark})}),
+                        last}),
+                   i);
+    for (size_t i = 0; i < example.size() && !testing::Test::HasFailure(); ++i) {
+        SCOPED_TRACE(i);
+        const bytes cut(example.data(), example.data() + i); // a read past it is seen
+        EXPECT_EQ(vlbackup({"verify", "-"}, cut).status, 1);
+        for (unsigned bit = 0; bit < 8; ++bit) {
+            bytes flipped = example;
+            flipped[i] ^= static_cast<uint8_t>(1U << bit);
+            answer(flipped, i + bit);
+        }
     }
 }
 
@@ -184,26 +216,28 @@ TEST(BackupView, NamesTheMarkedFilesOutsideOfFolders)
     ASSERT_TRUE(view.Decode(backup));
     const std::vector<std::string> folders = {"C:\\Logons\\", ""};
     std::string outside;
-    for (const BackupFile* marked : view.MarkedOutside(folders))
-        outside += std::to_string(marked->place);
+    for (const BackupFile& marked : view.MarkedOutside(folders))
+        outside += std::to_string(marked.place);
     EXPECT_EQ(outside, "346");
 }
 
 TEST(Diff, NamesEachDifference)
 {
     const auto path = std::filesystem::temp_directory_path() / "vlbackup-diff-test.bin";
-    std::ofstream(path, std::ios::binary) << std::string(example.begin(), example.end());
     const bytes longer = filePair(L"b.vlm", "123");
     const struct {
         bytes second;
         bool reason; // why a restore makes it
         std::string out;
+        bytes first = example;
     } cases[] = {
         {with(0, seq({a, longer})), false, "templates b.vlm: content: 0 and 3 bytes that differ\n"},
         {with(0, seq({a})), false, "templates b.vlm: only in the first\n"},
         {with(0, seq({b, a})), true, "templates: in another order\n"},
         {with(1, seq({link(L"l", L"a.vlm", 8)})), false,
          "quicklinks l: profile: \"7\" and \"8\"\n"},
+        {with(0, seq({b, b})), false, "templates b.vlm: content: 3 and 0 bytes that differ\n",
+         with(0, seq({b, longer}))},
         {with(3, settings(R"("a":1)")), true,
          "settings settings.current.path_dontpromptlist_filename: only in the first\n"},
         {with(3, settings(R"("path_dontpromptlist_filename":"x","a":1)")), false,
@@ -211,6 +245,7 @@ TEST(Diff, NamesEachDifference)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.out);
+        writeFile(path, {reinterpret_cast<const char*>(c.first.data()), c.first.size()});
         const toolRun_t plain = vlbackup({"diff", path.string(), "-"}, c.second);
         EXPECT_EQ(plain.status, 1);
         EXPECT_EQ(plain.out, c.out);

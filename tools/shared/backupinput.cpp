@@ -41,11 +41,10 @@ void judgeDocument(CBackupView& backup)
         return;
     const std::optional<Json::Value> document = parseDocument(settings.document);
     if (!document)
-        backup.findings.push_back(
-            {Grade::error, "settings",
-             "the document isn't JSON; a restore leaves the settings as they are"});
+        backup.Find({Grade::error, "settings",
+                     "the document isn't JSON; a restore leaves the settings as they are"});
     else if (const char* const fault = documentFault(*document))
-        backup.findings.push_back(
+        backup.Find(
             {Grade::error, "settings",
              fault + std::string("; a restore fails there, with the files replaced by then")});
 }
@@ -66,7 +65,7 @@ void refuseBackup(const std::string& name, std::span<const uint8_t> bytes, const
     const bool begun =
         bytes.size() > 1 && bytes[0] == 0x30 && (bytes[1] >= 0x80 || bytes[1] < 0x20);
     if (begun)
-        throw CToolError(shownInput(name) + " is no whole backup: " + view.findings.back().what,
+        throw CToolError(shownInput(name) + " is no whole backup: " + view.refusal,
                          "copy it again, or take another");
     throw CToolError(shownInput(name) + " is no backup: it is " + describeBytes(bytes),
                      "a backup is what 'vlhost backup' writes");

@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "difference.h"
+#include "formats/text/printable.h"
 #include "report.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
@@ -8,6 +9,7 @@
 #include "shared/jsontext.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -20,18 +22,16 @@ struct Call {
     bool json = false;
     bool strict = false;
     bool restored = false;
-
-    void WriteJson(const Json::Value& value) const { out << jsonText(value, true) << '\n'; }
 };
 
-// OpenBackup is a backup's bytes and the view of them.
+// OpenBackup is a backup's bytes and the view of them, with the findings counted only.
 struct OpenBackup {
     OpenBackup(const std::string& name, std::istream& in)
         : bytes(readInput(name, in)), readable(decodeBackup(bytes, view))
     {}
 
     std::vector<uint8_t> bytes;
-    CBackupView view;
+    CBackupView view{[](const BackupFinding&) {}};
     bool readable;
 };
 
@@ -47,7 +47,7 @@ int list(const Call& call)
 {
     const OpenBackup backup = openBackup(call.backup, call.in);
     if (call.json)
-        call.WriteJson(listJson(backup.view));
+        listJson(backup.view, call.out);
     else
         listText(backup.view, call.out);
     return exitStatus::good;
@@ -57,24 +57,35 @@ int info(const Call& call)
 {
     const OpenBackup backup = openBackup(call.backup, call.in);
     if (call.json)
-        call.WriteJson(infoJson(backup.view));
+        infoJson(backup.view, call.out);
     else
         infoText(backup.view, call.out);
     return exitStatus::good;
 }
 
+[[noreturn]] void refuseName(const Call& call)
+{
+    throw CToolError("no " + call.other + " in " + shownInput(call.backup),
+                     "vlbackup ls shows the stored names");
+}
+
+// Of files with the same name, a restore leaves the last on the disk.
+std::optional<BackupFile> findFile(const CBackupView& backup, const std::string& name)
+{
+    for (size_t i = backup.files.size(); i-- > 0;)
+        if (BackupFile file = backup.files[i]; file.name == name)
+            return file;
+    return std::nullopt;
+}
+
 std::span<const uint8_t> contentOf(const CBackupView& backup, const Call& call)
 {
-    // Of files with the same name, a restore leaves the last on the disk.
-    const auto file = std::find_if(backup.files.rbegin(), backup.files.rend(),
-                                   [&](const BackupFile& f) { return f.name == call.other; });
-    if (file != backup.files.rend())
+    if (const auto file = findFile(backup, call.other))
         return file->content;
     const std::string& document = backup.settings.document;
     if (call.other == "settings" && backup.settings.form == SettingsForm::document)
         return {reinterpret_cast<const uint8_t*>(document.data()), document.size()};
-    throw CToolError("no " + call.other + " in " + shownInput(call.backup),
-                     "vlbackup ls shows the stored names");
+    refuseName(call);
 }
 
 int cat(const Call& call)
@@ -82,11 +93,10 @@ int cat(const Call& call)
     const OpenBackup backup = openBackup(call.backup, call.in);
     const auto content = contentOf(backup.view, call);
     if (call.json) {
-        Json::Value value;
-        value["name"] = call.other;
-        value["size"] = Json::UInt64{content.size()};
-        value["base64"] = base64(content);
-        call.WriteJson(value);
+        CJsonDocument document(call.out);
+        document.Base64("base64", content);
+        document.Member("name", call.other);
+        document.Member("size", Json::UInt64{content.size()});
     } else {
         call.out.write(reinterpret_cast<const char*>(content.data()),
                        static_cast<std::streamsize>(content.size()));
@@ -103,14 +113,28 @@ void addCatOptions(CLI::App& command, Call& call)
 // In JSON, bytes that are no backup are a finding as well; a reader gets a better line.
 int verify(const Call& call)
 {
-    const OpenBackup backup(call.backup, call.in);
+    const std::vector<uint8_t> bytes = readInput(call.backup, call.in);
+    std::optional<CJsonDocument> document;
     if (call.json)
-        call.WriteJson(verifyJson(backup.view));
-    else if (backup.readable)
-        verifyText(backup.view, call.out);
-    else
-        refuseBackup(call.backup, backup.bytes, backup.view);
-    const bool good = call.strict ? backup.view.Sound() : backup.view.Restorable();
+        document.emplace(call.out).BeginList("findings");
+    CBackupView view([&](const BackupFinding& finding) {
+        if (document)
+            document->Item(findingJson(finding));
+        else
+            call.out << printable(findingText(finding)) << '\n';
+    });
+    if (!decodeBackup(bytes, view)) {
+        if (!document)
+            refuseBackup(call.backup, bytes, view);
+        view.Find({BackupFinding::Grade::error, "backup", view.refusal});
+    }
+    if (document) {
+        document->EndList();
+        document->Member("verdict", verdictName(view));
+    } else {
+        call.out << verdictText(view) << '\n';
+    }
+    const bool good = call.strict ? view.Sound() : view.Restorable();
     return good ? exitStatus::good : exitStatus::failed;
 }
 
@@ -133,7 +157,7 @@ int diff(const Call& call)
         for (BackupDifference& difference : differences)
             difference.reason = reasonAfterRestore(difference);
     if (call.json)
-        call.WriteJson(diffJson(differences, call.restored));
+        diffJson(differences, call.restored, call.out);
     else
         diffText(differences, call.out);
     const bool equal = std::all_of(differences.begin(), differences.end(),

@@ -2,6 +2,7 @@
 
 #include "formats/text/printable.h"
 #include "shared/backupinput.h"
+#include "shared/jsontext.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -30,17 +31,6 @@ const char* formName(SettingsForm form)
     default:
         return "unsupported";
     }
-}
-
-auto countOf(const CBackupView& backup, Grade grade)
-{
-    return std::count_if(backup.findings.begin(), backup.findings.end(),
-                         [grade](const BackupFinding& f) { return f.grade == grade; });
-}
-
-const char* verdictName(const CBackupView& backup)
-{
-    return backup.Sound() ? "sound" : gradeName(backup.Verdict());
 }
 
 Json::Value settingsJson(const BackupSettings& settings)
@@ -84,19 +74,18 @@ void listText(const CBackupView& backup, std::ostream& out)
     }
 }
 
-Json::Value listJson(const CBackupView& backup)
+void listJson(const CBackupView& backup, std::ostream& out)
 {
-    Json::Value value;
-    value["templates"] = Json::arrayValue;
-    for (const BackupFile& file : backup.files) {
+    CJsonDocument document(out);
+    document.BeginList("categories");
+    for (const BackupCategory& category : backup.categories) {
         Json::Value entry;
-        entry["name"] = file.name;
-        entry["size"] = Json::UInt64{file.content.size()};
-        entry["target"] = file.target;
-        entry["alien"] = file.alien;
-        value["templates"].append(std::move(entry));
+        entry["name"] = category.name;
+        entry["text"] = category.text;
+        document.Item(entry);
     }
-    value["quicklinks"] = Json::arrayValue;
+    document.EndList();
+    document.BeginList("quicklinks");
     for (const BackupLink& link : backup.links) {
         Json::Value entry;
         entry["name"] = link.name;
@@ -105,17 +94,20 @@ Json::Value listJson(const CBackupView& backup)
         entry["profile"] = link.profile;
         entry["manifestid"] = link.manifestid;
         entry["wocred"] = link.wocred;
-        value["quicklinks"].append(std::move(entry));
+        document.Item(entry);
     }
-    value["categories"] = Json::arrayValue;
-    for (const BackupCategory& category : backup.categories) {
+    document.EndList();
+    document.Member("settings", settingsJson(backup.settings));
+    document.BeginList("templates");
+    for (const BackupFile& file : backup.files) {
         Json::Value entry;
-        entry["name"] = category.name;
-        entry["text"] = category.text;
-        value["categories"].append(std::move(entry));
+        entry["name"] = file.name;
+        entry["size"] = Json::UInt64{file.content.size()};
+        entry["target"] = file.target;
+        entry["alien"] = file.alien;
+        document.Item(entry);
     }
-    value["settings"] = settingsJson(backup.settings);
-    return value;
+    document.EndList();
 }
 
 void infoText(const CBackupView& backup, std::ostream& out)
@@ -129,20 +121,18 @@ void infoText(const CBackupView& backup, std::ostream& out)
         << "quick links  " << backup.links.size() << (backup.oldLinks ? ", old form\n" : "\n")
         << "categories   " << backup.categories.size() << '\n'
         << "settings     " << formName(backup.settings.form) << '\n'
-        << "verdict      " << verdictText(backup) << " (errors " << countOf(backup, Grade::error)
-        << ", warnings " << countOf(backup, Grade::warning) << ", notes "
-        << countOf(backup, Grade::note) << ")\n";
+        << "verdict      " << verdictText(backup) << " (errors "
+        << backup.FindingCount(Grade::error) << ", warnings " << backup.FindingCount(Grade::warning)
+        << ", notes " << backup.FindingCount(Grade::note) << ")\n";
 }
 
-Json::Value infoJson(const CBackupView& backup)
+void infoJson(const CBackupView& backup, std::ostream& out)
 {
+    CJsonDocument document(out);
     Json::Value value;
     value["size"] = Json::UInt64{backup.size};
     value["elements"] = Json::UInt64{backup.elementCount};
     value["version"] = backupVersionText(backup.elementCount);
-    value["elementSizes"] = Json::arrayValue;
-    for (const auto& element : backup.elements)
-        value["elementSizes"].append(Json::UInt64{element.size()});
     value["templates"] = Json::UInt64{backup.files.size()};
     value["templateBytes"] = contentSize(backup);
     value["quicklinks"] = Json::UInt64{backup.links.size()};
@@ -151,29 +141,26 @@ Json::Value infoJson(const CBackupView& backup)
     value["settings"] = formName(backup.settings.form);
     value["verdict"] = verdictName(backup);
     for (const Grade grade : {Grade::error, Grade::warning, Grade::note})
-        value["findings"][gradeName(grade)] = Json::Int64{countOf(backup, grade)};
-    return value;
+        value["findings"][gradeName(grade)] = Json::UInt64{backup.FindingCount(grade)};
+    for (const std::string& name : value.getMemberNames())
+        document.Member(name.c_str(), value[name]);
+    document.BeginList("elementSizes");
+    for (const auto& element : backup.elements)
+        document.Item(Json::UInt64{element.size()});
+    document.EndList();
 }
 
-void verifyText(const CBackupView& backup, std::ostream& out)
+const char* verdictName(const CBackupView& backup)
 {
-    for (const BackupFinding& finding : backup.findings)
-        out << printable(findingText(finding)) << '\n';
-    out << verdictText(backup) << '\n';
+    return backup.Sound() ? "sound" : gradeName(backup.Verdict());
 }
 
-Json::Value verifyJson(const CBackupView& backup)
+Json::Value findingJson(const BackupFinding& finding)
 {
     Json::Value value;
-    value["verdict"] = verdictName(backup);
-    value["findings"] = Json::arrayValue;
-    for (const BackupFinding& finding : backup.findings) {
-        Json::Value entry;
-        entry["grade"] = gradeName(finding.grade);
-        entry["where"] = finding.where;
-        entry["what"] = finding.what;
-        value["findings"].append(std::move(entry));
-    }
+    value["grade"] = gradeName(finding.grade);
+    value["where"] = finding.where;
+    value["what"] = finding.what;
     return value;
 }
 
@@ -191,11 +178,10 @@ void diffText(const std::vector<BackupDifference>& differences, std::ostream& ou
         out << (differences.empty() ? "equal\n" : "equal except for that\n");
 }
 
-Json::Value diffJson(const std::vector<BackupDifference>& differences, bool withReasons)
+void diffJson(const std::vector<BackupDifference>& differences, bool withReasons, std::ostream& out)
 {
-    Json::Value value;
-    value["equal"] = differences.empty();
-    value["differences"] = Json::arrayValue;
+    CJsonDocument document(out);
+    document.BeginList("differences");
     for (const BackupDifference& difference : differences) {
         Json::Value entry;
         entry["element"] = difference.element;
@@ -203,24 +189,8 @@ Json::Value diffJson(const std::vector<BackupDifference>& differences, bool with
         entry["what"] = difference.what;
         if (withReasons)
             entry["reason"] = difference.reason;
-        value["differences"].append(std::move(entry));
+        document.Item(entry);
     }
-    return value;
-}
-
-std::string base64(std::span<const uint8_t> bytes)
-{
-    static constexpr char digits[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string out;
-    out.reserve((bytes.size() + 2) / 3 * 4);
-    for (size_t i = 0; i < bytes.size(); i += 3) {
-        const size_t count = std::min<size_t>(3, bytes.size() - i);
-        uint32_t group = 0;
-        for (size_t k = 0; k < 3; ++k)
-            group = group << 8 | (k < count ? bytes[i + k] : 0U);
-        for (size_t k = 0; k < 4; ++k)
-            out += k <= count ? digits[group >> (18 - 6 * k) & 0x3F] : '=';
-    }
-    return out;
+    document.EndList();
+    document.Member("equal", differences.empty());
 }

@@ -178,8 +178,8 @@ restorePlan_t planRestore(const CBackupView& backup)
         if (places.emplace(fileKey(path), 0).second)
             plan.files.push_back(
                 {path, fileAction_t::remove, fileAt(path).value_or(fileState_t()).size});
-    for (const BackupFile* const file : backup.MarkedOutside(namedFolders()))
-        plan.strays.push_back(file->target);
+    for (const BackupFile& file : backup.MarkedOutside(namedFolders()))
+        plan.strays.push_back(file.target);
     const BackupVersion version = versionOf(backup.elementCount);
     plan.categories = version.categories;
     plan.settings = version.settings;

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -25,29 +25,69 @@ bool steers(const std::string& text)
     return false;
 }
 
-// Names that a restore takes for the same file. It keeps the last.
+// CNames holds entries by names that a restore takes for the same. It reads a name again whenever
+// one is compared, as the names of a backup may take as much memory as the backup.
 class CNames
 {
 public:
-    // Returns: the place of an earlier one, or place itself
-    size_t Add(std::u16string key, size_t place)
-    {
-        return m_places.try_emplace(std::move(key), place).first->second;
-    }
+    using KeyOf = std::function<std::u16string(size_t entry)>;
 
-    bool Has(const std::u16string& key) const { return m_places.contains(key); }
+    explicit CNames(KeyOf keyOf)
+        : m_keyOf(std::move(keyOf)), m_entries(0, Hash{m_keyOf}, Equal{m_keyOf})
+    {}
+    CNames(const CNames&) = delete;
+    CNames& operator=(const CNames&) = delete;
+
+    // Returns: an earlier entry of the same name, or entry itself
+    size_t Add(size_t entry) { return *m_entries.insert(entry).first; }
+
+    bool Has(const std::u16string& key) const { return m_entries.contains(key); }
 
 private:
-    std::unordered_map<std::u16string, size_t> m_places;
+    struct Hash {
+        using is_transparent = void;
+        size_t operator()(const std::u16string& key) const
+        {
+            return std::hash<std::u16string>()(key);
+        }
+        size_t operator()(size_t entry) const { return (*this)(keyOf(entry)); }
+        const KeyOf& keyOf;
+    };
+    struct Equal {
+        using is_transparent = void;
+        bool operator()(const std::u16string& key, size_t entry) const
+        {
+            return key == keyOf(entry);
+        }
+        bool operator()(size_t one, size_t other) const
+        {
+            return one == other || keyOf(one) == keyOf(other);
+        }
+        const KeyOf& keyOf;
+    };
+
+    KeyOf m_keyOf;
+    std::unordered_set<size_t, Hash, Equal> m_entries;
 };
 
 class CJudge
 {
 public:
-    explicit CJudge(std::vector<BackupFinding>& findings) : m_findings(findings) {}
+    CJudge(const CBackupView& backup, const FindingSink& sink)
+        : m_backup(backup),
+          m_sink(sink),
+          m_files([&backup](size_t i) { return backup.files[i].Key(); }),
+          m_links([&backup](size_t i) {
+              const BackupLink& link = backup.links[i];
+              return utf16FromUtf8(std::to_string(link.profile) + '|')
+                  .append(utf16FromUtf8(fileNamePart(link.manifest)));
+          }),
+          m_categories([&backup](size_t i) { return caseKey(backup.categories[i].name); })
+    {}
 
-    void File(const BackupFile& file)
+    void File(size_t entry)
     {
+        const BackupFile file = m_backup.files[entry];
         Enter(templates, file.place, file.name);
         Text("the name", file.name);
         if (file.alien)
@@ -61,16 +101,15 @@ public:
         const bool data = file.name == "updata.vls" || file.name == "updata_temp.vls";
         if (file.content.empty() && !data)
             Find(Grade::warning, "is empty, and a restore empties the file");
-        // Paths and names are never equal: a name has no separator.
-        std::u16string key = file.alien ? pathKey(file.target) : nameKey(file.target);
-        const size_t other = m_files.Add(std::move(key), file.place);
-        if (other != file.place)
-            Find(Grade::error, "is the same file as " + placeText(templates, other) +
+        if (const size_t other = m_files.Add(entry); other != entry)
+            Find(Grade::error, "is the same file as " +
+                                   placeText(templates, m_backup.files[other].place) +
                                    ", and a restore keeps one");
     }
 
-    void Link(const BackupLink& link)
+    void Link(size_t entry)
     {
+        const BackupLink& link = m_backup.links[entry];
         Enter(quicklinks, link.place, link.name);
         const std::pair<const char*, const std::string&> texts[] = {{"the name", link.name},
                                                                     {"the target", link.target},
@@ -95,19 +134,19 @@ public:
                                      " is no template of the personal folder");
         if (const char* const warning = targetWarning(link.target))
             Find(Grade::warning, warning + (": " + link.target));
-        const size_t other =
-            m_links.Add(utf16FromUtf8(std::to_string(link.profile) + '|' + manifest), link.place);
-        if (other != link.place && !manifest.empty())
-            Find(Grade::error, "has the template and profile of " + placeText(quicklinks, other) +
+        const size_t other = m_links.Add(entry);
+        if (other != entry && !manifest.empty())
+            Find(Grade::error, "has the template and profile of " +
+                                   placeText(quicklinks, m_backup.links[other].place) +
                                    ", and a restore keeps one");
     }
 
-    void Category(const BackupCategory& category, size_t place)
+    void Category(size_t entry)
     {
-        Enter(categories, place, category.name);
+        const BackupCategory& category = m_backup.categories[entry];
+        Enter(categories, entry, category.name);
         Text("the name", category.name);
-        const size_t other = m_categories.Add(caseKey(category.name), place);
-        if (other != place)
+        if (const size_t other = m_categories.Add(entry); other != entry)
             Find(Grade::error, "is the same category as " + placeText(categories, other) +
                                    ", and a restore keeps one");
     }
@@ -116,12 +155,12 @@ private:
     void Enter(const char* element, size_t place, const std::string& name)
     {
         m_where = placeText(element, place);
-        m_name = &name;
+        m_name = name;
     }
 
     void Find(Grade grade, const std::string& what)
     {
-        m_findings.push_back({grade, m_where, '"' + *m_name + "\" " + what});
+        m_sink({grade, m_where, '"' + m_name + "\" " + what});
     }
 
     void Text(const char* what, const std::string& text)
@@ -180,9 +219,10 @@ private:
             Find(Grade::error, "is no template");
     }
 
-    std::vector<BackupFinding>& m_findings;
+    const CBackupView& m_backup;
+    const FindingSink& m_sink;
     std::string m_where;
-    const std::string* m_name = nullptr;
+    std::string m_name;
     CNames m_files;
     CNames m_links;
     CNames m_categories;
@@ -190,13 +230,13 @@ private:
 
 } // namespace
 
-void judgeContents(const CBackupView& backup, std::vector<BackupFinding>& findings)
+void judgeContents(const CBackupView& backup, const FindingSink& sink)
 {
-    CJudge judge(findings);
-    for (const BackupFile& file : backup.files)
-        judge.File(file);
-    for (const BackupLink& link : backup.links)
-        judge.Link(link);
+    CJudge judge(backup, sink);
+    for (size_t i = 0; i < backup.files.size(); ++i)
+        judge.File(i);
+    for (size_t i = 0; i < backup.links.size(); ++i)
+        judge.Link(i);
     for (size_t i = 0; i < backup.categories.size(); ++i)
-        judge.Category(backup.categories[i], i);
+        judge.Category(i);
 }

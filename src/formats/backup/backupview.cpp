@@ -8,94 +8,117 @@
 
 #include <algorithm>
 
+std::u16string BackupFile::Key() const
+{
+    // Paths and names are never equal: a name has no separator.
+    return alien ? pathKey(target) : nameKey(target);
+}
+
+BackupFile CBackupFiles::operator[](size_t index) const
+{
+    const Stored& stored = m_files[index];
+    CDerSequenceView pair;
+    (void)pair.Decode(stored.encoded); // it was one when it was added
+    const StoredFile file = decodeFile(pair);
+    return {utf8FromUtf16(file.name), file.content, utf8FromUtf16(file.target), file.marked,
+            stored.place};
+}
+
 bool CBackupView::Decode(std::span<const uint8_t> backup)
 {
-    *this = {};
+    *this = CBackupView(std::move(m_sink));
     CDerReader reader(backup);
     std::span<const uint8_t> outer;
     CDerSequenceView top;
-    if (!reader.ReadElement(outer) || !top.Decode(outer)) {
-        Find(Grade::error, "backup", damageText(backup));
-        return false;
-    }
+    if (!reader.ReadElement(outer) || !top.Decode(outer))
+        return Refuse(damageText(backup));
     size = outer.size();
-    if (size < backup.size())
-        Find(Grade::note, "backup",
-             countText(backup.size() - size, "byte") + " after its end, which a restore ignores");
     elementCount = top.Count();
     const BackupVersion version = versionOf(elementCount);
-    if (!version.restorable) {
-        Find(Grade::error, "backup",
-             countText(elementCount, "element") + " where a restore wants at least 2");
-        return false;
-    }
+    if (!version.restorable)
+        return Refuse(countText(elementCount, "element") + " where a restore wants at least 2");
+    if (size < backup.size())
+        Find({Grade::note, "backup",
+              countText(backup.size() - size, "byte") + " after its end, which a restore ignores"});
+    elements.reserve(elementCount);
     for (const CDerElement& element : top)
         elements.push_back(element.Encoded());
     oldLinks = version.linkTexts == TextForm::octets;
     if (elementCount != 4)
-        Find(Grade::note, "backup", backupVersionText(elementCount));
+        Find({Grade::note, "backup", backupVersionText(elementCount)});
     DecodeFiles(top[0]);
     DecodeLinks(top[1], version.linkTexts);
     if (version.categories)
         DecodeCategories(top[2]);
     if (version.settings)
         DecodeSettings(top[3]);
-    judgeContents(*this, findings);
+    judgeContents(*this, Sink());
     return true;
 }
 
 BackupFinding::Grade CBackupView::Verdict() const noexcept
 {
-    Grade verdict = Grade::note;
-    for (const BackupFinding& finding : findings)
-        verdict = std::max(verdict, finding.grade);
-    return verdict;
+    if (!refusal.empty() || FindingCount(Grade::error) != 0)
+        return Grade::error;
+    return FindingCount(Grade::warning) != 0 ? Grade::warning : Grade::note;
 }
 
-std::vector<const BackupFile*>
-CBackupView::MarkedOutside(std::span<const std::string> folders) const
+std::vector<BackupFile> CBackupView::MarkedOutside(std::span<const std::string> folders) const
 {
     std::vector<std::u16string> keys;
     for (const std::string& folder : folders)
         keys.push_back(pathKey(folder));
-    std::vector<const BackupFile*> outside;
+    std::vector<BackupFile> outside;
     for (const BackupFile& file : files) {
         const std::u16string key = pathKey(file.target);
         if (file.alien && std::none_of(keys.begin(), keys.end(), [&](const std::u16string& folder) {
                 return isBelow(key, folder);
             }))
-            outside.push_back(&file);
+            outside.push_back(file);
     }
     return outside;
 }
 
-void CBackupView::Find(Grade grade, std::string where, std::string what)
+void CBackupView::Find(BackupFinding finding)
 {
-    findings.push_back({grade, std::move(where), std::move(what)});
+    ++m_counts[static_cast<size_t>(finding.grade)];
+    if (m_sink)
+        m_sink(std::move(finding));
+    else
+        findings.push_back(std::move(finding));
+}
+
+FindingSink CBackupView::Sink()
+{
+    return [this](BackupFinding finding) { Find(std::move(finding)); };
+}
+
+bool CBackupView::Refuse(std::string why)
+{
+    refusal = std::move(why);
+    return false;
 }
 
 void CBackupView::DecodeFiles(const CDerElement& element)
 {
-    CFormCheck check(findings);
+    CFormCheck check(Sink());
     CDerSequenceView list;
     CDerSequenceView pair;
     check.Sequence(element, "templates", list);
-    files.reserve(list.Count());
+    files.Reserve(list.Count());
     for (size_t i = 0; i < list.Count(); ++i) {
         const std::string where = placeText("templates", i);
         if (!check.Sequence(list[i], where, pair))
             continue;
         check.File(pair, where);
-        const StoredFile stored = decodeFile(pair);
-        if (!stored.name.empty())
-            files.push_back({utf8FromUtf16(stored.name), stored.content,
-                             utf8FromUtf16(stored.target), stored.marked, i});
+        if (!decodeFile(pair).name.empty())
+            files.Add(list[i], i);
     }
 }
 
 void CBackupView::DecodeLinks(const CDerElement& element, TextForm form)
 {
-    CFormCheck check(findings);
+    CFormCheck check(Sink());
     CDerSequenceView list;
     CDerSequenceView record;
     check.Sequence(element, "quicklinks", list);
@@ -115,7 +138,7 @@ void CBackupView::DecodeLinks(const CDerElement& element, TextForm form)
 
 void CBackupView::DecodeCategories(const CDerElement& element)
 {
-    CFormCheck check(findings);
+    CFormCheck check(Sink());
     CDerSequenceView list;
     CDerSequenceView pair;
     check.Sequence(element, "categories", list);
@@ -131,7 +154,7 @@ void CBackupView::DecodeCategories(const CDerElement& element)
 
 void CBackupView::DecodeSettings(const CDerElement& element)
 {
-    CFormCheck check(findings);
+    CFormCheck check(Sink());
     CDerSequenceView items;
     check.Sequence(element, "settings", items);
     check.Settings(items);

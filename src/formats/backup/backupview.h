@@ -3,9 +3,13 @@
 #include "formats/backup/finding.h"
 #include "formats/backup/records.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 // A whole backup as a restore would read it, with a finding for everything that an export would not
@@ -18,6 +22,56 @@ struct BackupFile {
     std::string target; // where a restore writes: a full path, or a name in the personal folder
     bool alien = false; // whether target is a full path, and so marked
     size_t place = 0;   // in its element
+
+    // Key is the same for two names of one file, whatever their case or spelling.
+    std::u16string Key() const;
+};
+
+// CBackupFiles is a list of stored files. It holds where they are, and decodes one whenever it is
+// read: a backup may have hundreds of thousands.
+class CBackupFiles
+{
+public:
+    class CIterator
+    {
+    public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = BackupFile;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const BackupFile*;
+        using reference = BackupFile;
+
+        CIterator(const CBackupFiles& files, size_t index) noexcept
+            : m_files(&files), m_index(index)
+        {}
+        BackupFile operator*() const { return (*m_files)[m_index]; }
+        CIterator& operator++() noexcept
+        {
+            ++m_index;
+            return *this;
+        }
+        bool operator==(const CIterator&) const noexcept = default;
+
+    private:
+        const CBackupFiles* m_files;
+        size_t m_index;
+    };
+
+    void Add(const CDerElement& encoded, size_t place) { m_files.push_back({encoded, place}); }
+    void Reserve(size_t count) { m_files.reserve(count); }
+
+    size_t size() const noexcept { return m_files.size(); }
+    // Errors: std::bad_alloc
+    BackupFile operator[](size_t index) const;
+    CIterator begin() const noexcept { return {*this, 0}; }
+    CIterator end() const noexcept { return {*this, size()}; }
+
+private:
+    struct Stored {
+        CDerElement encoded;
+        size_t place;
+    };
+    std::vector<Stored> m_files;
 };
 
 // BackupCategory is one quick link category.
@@ -39,37 +93,53 @@ struct BackupSettings {
 class CBackupView
 {
 public:
+    // sink: gets the findings; without one they are kept in findings
+    explicit CBackupView(FindingSink sink = {}) : m_sink(std::move(sink)) {}
+
     // Decode reads the bytes. False if a restore would refuse them whole: no sequence, or of fewer
-    // than two elements; then only the count and the findings are filled. Errors: std::bad_alloc
+    // than two elements; then only the count and refusal are filled. Errors: std::bad_alloc
     bool Decode(std::span<const uint8_t> backup);
 
-    // Verdict gives the highest grade of the findings; note if there is none.
+    // Find adds a finding.
+    void Find(BackupFinding finding);
+
+    // Verdict gives the highest grade of the findings; note if there is none, and error for bytes
+    // that are refused.
     BackupFinding::Grade Verdict() const noexcept;
+    size_t FindingCount(BackupFinding::Grade grade) const noexcept
+    {
+        return m_counts[static_cast<size_t>(grade)];
+    }
     bool Restorable() const noexcept { return Verdict() != BackupFinding::Grade::error; }
     bool Sound() const noexcept { return Verdict() == BackupFinding::Grade::note; }
 
     // MarkedOutside gives the files with a full path that isn't below any of the folders.
     // folders: full paths, UTF-8
-    std::vector<const BackupFile*> MarkedOutside(std::span<const std::string> folders) const;
+    std::vector<BackupFile> MarkedOutside(std::span<const std::string> folders) const;
 
     size_t elementCount = 0; // of the outer sequence: it alone gives the version
     bool oldLinks = false;   // quick link texts are narrow, as in backups of two elements
     size_t size = 0;         // bytes of the outer element
-    std::vector<BackupFile> files;
+    CBackupFiles files;
     std::vector<BackupLink> links;
     std::vector<BackupCategory> categories;
     BackupSettings settings;
-    std::vector<BackupFinding> findings;
+    std::vector<BackupFinding> findings;            // empty if there is a sink
+    std::string refusal;                            // why Decode refused the bytes
     std::vector<std::span<const uint8_t>> elements; // the outer sequence's, encoded
 
 private:
     using Grade = BackupFinding::Grade;
 
-    void Find(Grade grade, std::string where, std::string what);
+    FindingSink Sink(); // of Find; of no use when the view has moved
+    bool Refuse(std::string why);
     void DecodeFiles(const CDerElement& element);
     void DecodeLinks(const CDerElement& element, TextForm form);
     void DecodeCategories(const CDerElement& element);
     void DecodeSettings(const CDerElement& element);
+
+    FindingSink m_sink;
+    std::array<size_t, 3> m_counts{}; // of the findings, by grade
 };
 
 // backupVersionText says in one line what a backup of that many elements is and what a restore

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 // BackupFinding is one thing that an export would not write, or that a reader should know before a
@@ -14,6 +15,9 @@ struct BackupFinding {
     std::string where; // element and position, such as "templates[3]"
     std::string what;  // a clause; UTF-8, with names as they are stored
 };
+
+// FindingSink takes each finding when it is found: there may be several for each entry of a backup.
+using FindingSink = std::function<void(BackupFinding finding)>;
 
 // placeText gives an entry's element and position, as in "templates[3]".
 std::string placeText(const char* element, size_t index);

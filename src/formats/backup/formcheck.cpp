@@ -39,7 +39,7 @@ std::string damageText(std::span<const uint8_t> backup)
 
 void CFormCheck::Find(Grade grade, const std::string& where, const std::string& what)
 {
-    m_findings.push_back({grade, where, what});
+    m_sink({grade, where, what});
 }
 
 bool CFormCheck::Sequence(const CDerElement& element, const std::string& where,

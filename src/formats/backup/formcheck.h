@@ -4,7 +4,8 @@
 #include "formats/backup/records.h"
 
 #include <span>
-#include <vector>
+#include <string>
+#include <utility>
 
 // damageText says where bytes stop being one sequence of elements; they are not one.
 std::string damageText(std::span<const uint8_t> backup);
@@ -14,7 +15,7 @@ std::string damageText(std::span<const uint8_t> backup);
 class CFormCheck
 {
 public:
-    explicit CFormCheck(std::vector<BackupFinding>& findings) : m_findings(findings) {}
+    explicit CFormCheck(FindingSink sink) : m_sink(std::move(sink)) {}
 
     // Sequence is false, with items empty, if the element is none.
     bool Sequence(const CDerElement& element, const std::string& where, CDerSequenceView& items);
@@ -34,5 +35,5 @@ private:
     void Narrow(const CDerElement& element, const std::string& where);
     void Integer(const CDerElement& element, const std::string& where);
 
-    std::vector<BackupFinding>& m_findings;
+    FindingSink m_sink;
 };

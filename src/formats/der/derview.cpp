@@ -107,8 +107,13 @@ bool CDerSequenceView::Decode(std::span<const uint8_t> bytes)
     std::span<const uint8_t> contents;
     if (!CDerReader(bytes).Read(derTag::sequence, contents))
         return false;
-    std::vector<CDerElement> elements;
+    // Counted first: growing as they come would take twice the memory.
+    size_t count = 0;
     std::span<const uint8_t> element;
+    for (CDerReader reader(contents); reader.ReadElement(element);)
+        ++count;
+    std::vector<CDerElement> elements;
+    elements.reserve(count);
     for (CDerReader reader(contents); !reader.AtEnd();) {
         if (!reader.ReadElement(element))
             return false;
