@@ -7,6 +7,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
+#include <random>
+#include <set>
+#include <sstream>
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -110,6 +114,124 @@ TEST(Vlbackup, AnyBytesGiveWholeAnswers)
             answer(flipped, i + bit);
         }
     }
+}
+
+// A folder of the test's own: files go into "out", where "link" leads to "outside".
+class Extract : public testing::Test
+{
+protected:
+    Extract()
+    {
+        writeFile(m_root / "outside" / "theirs.vlm", "theirs");
+        std::filesystem::create_directory(m_root / "out");
+        std::error_code error; // Wine has none
+        std::filesystem::create_directory_symlink(m_root / "outside", m_root / "out/link", error);
+        std::filesystem::create_symlink(m_root / "outside/theirs.vlm", m_root / "out/link.vlm",
+                                        error);
+        m_linked = !error;
+    }
+    ~Extract() override { std::filesystem::remove_all(m_root); }
+
+    toolRun_t Run(const bytes& input, std::vector<std::string> more = {}) const
+    {
+        more.insert(more.begin(), {"extract", "-", (m_root / "out").string()});
+        return vlbackup(std::move(more), input);
+    }
+    // The files that were written, and what they hold; nothing else has changed.
+    std::map<std::string, std::string> Written() const
+    {
+        std::map<std::string, std::string> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_root))
+            if (!entry.is_symlink() && entry.is_regular_file()) {
+                const auto name = entry.path().lexically_relative(m_root).generic_u8string();
+                files[{name.begin(), name.end()}] = fileBytes(entry.path());
+            }
+        EXPECT_EQ(files["outside/theirs.vlm"], "theirs");
+        files.erase("outside/theirs.vlm");
+        return files;
+    }
+
+    std::filesystem::path m_root = std::filesystem::temp_directory_path() /
+                                   ("extract-" + std::to_string(std::random_device()()));
+    bool m_linked = false;
+};
+
+TEST_F(Extract, WritesWhatItCanAndSaysWhatItCannot)
+{
+    const bytes backup =
+        seq({seq({a, filePair(L"nul .vlm", "x"), filePair(L"\u00c4.vlm", "1"),
+                  filePair(L"\u00e4.vlm", "2"), filePair(L"alien|c:\\x/.\\b.vlm", "3"),
+                  filePair(L"alien|\\\\s\\x\\b.vlm", "4"), filePair(L"alien|C:\\x\\", "5")}),
+             none});
+    const auto lines = [](const std::string& text) { return std::ranges::count(text, '\n'); };
+    using files_t = std::map<std::string, std::string>;
+    files_t files = {{"out/a.vlm", "AB"}};
+    EXPECT_EQ(Run(backup, {"a.vlm"}).status, 0);
+    EXPECT_EQ(Written(), files);
+    EXPECT_EQ(Run(backup, {"b.vlm"}).status, 1);
+    EXPECT_EQ(vlbackup({"extract", "-", "-"}, backup).status, 2);
+    writeFile(m_root / "out/a.vlm", "mine");
+    toolRun_t result = Run(backup);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(lines(result.out), 3) << result.out;
+    EXPECT_EQ(lines(result.err), 4) << result.err;
+    for (const char* const part :
+         {"\"nul .vlm\" names a device", "a later one", "exists already", "names no file"})
+        EXPECT_NE(result.err.find(part), std::string::npos) << result.err;
+    files = {{"out/a.vlm", "mine"},
+             {"out/\u00e4.vlm", "2"},
+             {"out/alien/C/x/b.vlm", "3"},
+             {"out/alien/UNC/s/x/b.vlm", "4"}};
+    EXPECT_EQ(Written(), files);
+    result = Run(backup, {"--force", "--json"});
+    EXPECT_EQ(std::to_string(result.status) + result.err, "1");
+    Json::Value json;
+    EXPECT_TRUE(Json::Reader().parse(result.out, json)) << result.out;
+    EXPECT_EQ(json["files"].size(), 7);
+    files["out/a.vlm"] = "AB";
+    EXPECT_EQ(Written(), files);
+}
+
+TEST_F(Extract, StaysInItsFolderWhateverTheNamesAre)
+{
+    const std::wstring pieces[] = {
+        L"..",      L"\\",     L"/",       L"alien|",     L"C:\\",   L"\\\\s\\x\\",
+        L"\\\\?\\", L"con",    L":b",      L"a",          L"A",      L"link",
+        L".vlm",    L" ",      L".",       L"?|*",        L"\u202e", L"com\u00b9",
+        L"\u00e9",  L"\u0001", L"outside", L"theirs.vlm", L"<",      std::wstring(130, L'x')};
+    std::mt19937 random(4711); // NOLINT(cert-msc51-cpp): the same names each time
+    std::vector<bytes> stored;
+    for (int i = 0; i < 800; ++i) {
+        std::wstring name = i % 2 == 0 ? L"alien|c:\\" : L"";
+        for (auto left = 1 + random() % 5; left > 0; --left)
+            name += pieces[random() % std::size(pieces)];
+        stored.push_back(filePair(name, std::to_string(i)));
+    }
+    stored.push_back(filePair(L"link.vlm", "x"));
+    const toolRun_t result = Run(seq({seq(stored), none}), {"--force"});
+    const auto files = Written();
+    EXPECT_EQ(std::ranges::count(result.out, '\n'), files.size());
+    EXPECT_EQ(std::ranges::count(result.out + result.err, '\n'), stored.size());
+    EXPECT_EQ(m_linked, result.err.find("link.vlm is a link") != std::string::npos);
+    std::set<std::string> lower;
+    for (const auto& [name, content] : files) {
+        SCOPED_TRACE(name);
+        EXPECT_TRUE(name.starts_with("out/"));
+        std::string folded = name;
+        std::ranges::transform(folded, folded.begin(), [](unsigned char c) { return tolower(c); });
+        EXPECT_TRUE(lower.insert(folded).second);
+        // Nothing that some file system would not take, or take for another file.
+        EXPECT_EQ(folded.find_first_of("<>:\"|?*\\\x01"), std::string::npos);
+        EXPECT_EQ(folded.find(std::string(256, 'x')), std::string::npos);
+        std::istringstream path(folded);
+        for (std::string part; std::getline(path, part, '/');) {
+            EXPECT_EQ(std::string(" .").find(part.back()), std::string::npos);
+            part.resize(std::min(part.size(), part.find('.')));
+            part.resize(part.find_last_not_of(' ') + 1);
+            EXPECT_TRUE(part != "con" && part != "com\u00b9");
+        }
+    }
+    EXPECT_GT(files.size(), 50U);
 }
 
 TEST(Verify, GradesWhatARestoreWouldMakeOfIt)

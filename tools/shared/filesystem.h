@@ -21,6 +21,9 @@ enum class entryKind_t {
 // or, if it was refused, as a file, so that opening it reports the reason.
 entryKind_t entryKind(const std::filesystem::path& path) noexcept;
 
+// isLink is true for a symbolic link, or whatever else leads to another place.
+bool isLink(const std::filesystem::path& path) noexcept;
+
 // isSameFile is true for two paths of one existing file.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) noexcept;
 

@@ -37,6 +37,12 @@ entryKind_t entryKind(const fs::path& path) noexcept
     }
 }
 
+bool isLink(const fs::path& path) noexcept
+{
+    std::error_code error;
+    return fs::is_symlink(path, error);
+}
+
 bool isSameFile(const fs::path& one, const fs::path& other) noexcept
 {
     std::error_code error;

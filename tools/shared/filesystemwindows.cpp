@@ -45,6 +45,12 @@ entryKind_t entryKind(const fs::path& path) noexcept
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? entryKind_t::folder : entryKind_t::file;
 }
 
+bool isLink(const fs::path& path) noexcept
+{
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
+}
+
 bool isSameFile(const fs::path& one, const fs::path& other) noexcept
 {
     BY_HANDLE_FILE_INFORMATION first{};

@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "difference.h"
+#include "extraction.h"
 #include "formats/text/printable.h"
 #include "report.h"
 #include "shared/backupinput.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 
 namespace {
 
@@ -17,11 +19,14 @@ namespace {
 struct Call {
     std::istream& in;
     std::ostream& out;
+    std::ostream& err;
     std::string backup = {};
     std::string other = {}; // a second backup, or a stored name
+    std::string folder = {};
     bool json = false;
     bool strict = false;
     bool restored = false;
+    bool force = false;
 };
 
 // OpenBackup is a backup's bytes and the view of them, with the findings counted only.
@@ -110,6 +115,110 @@ void addCatOptions(CLI::App& command, Call& call)
         ->required();
 }
 
+// COutcomes reports what became of each stored file, as text or in a JSON document.
+class COutcomes
+{
+public:
+    explicit COutcomes(const Call& call) : m_call(call)
+    {
+        if (call.json)
+            m_document.emplace(call.out).BeginList("files");
+    }
+    ~COutcomes()
+    {
+        if (m_document)
+            m_document->EndList();
+    }
+    COutcomes(const COutcomes&) = delete;
+    COutcomes& operator=(const COutcomes&) = delete;
+
+    void Written(const BackupFile& file, const std::string& path)
+    {
+        if (m_document)
+            Item(file, "path", path);
+        else
+            m_call.out << printable(path) << '\n';
+    }
+
+    void Refused(const BackupFile& file, const std::string& why)
+    {
+        m_status = exitStatus::failed;
+        if (m_document)
+            Item(file, "failure", why);
+        else
+            m_call.err << "vlbackup: " << printable(why) << '\n';
+    }
+
+    int Status() const noexcept { return m_status; }
+
+private:
+    void Item(const BackupFile& file, const char* what, const std::string& text)
+    {
+        Json::Value item;
+        item["name"] = file.name;
+        item[what] = text;
+        m_document->Item(item);
+    }
+
+    const Call& m_call;
+    std::optional<CJsonDocument> m_document;
+    int m_status = exitStatus::good;
+};
+
+// lastOfEach says of each file whether a restore leaves it on the disk.
+std::vector<bool> lastOfEach(const CBackupFiles& files)
+{
+    std::vector<bool> last(files.size());
+    std::unordered_set<std::u16string> later;
+    for (size_t i = files.size(); i-- > 0;)
+        last[i] = later.insert(files[i].Key()).second;
+    return last;
+}
+
+int extract(const Call& call)
+{
+    if (call.folder == "-")
+        throw CToolError("a folder can't be standard output", "vlbackup cat writes one file there",
+                         exitStatus::wrongUsage);
+    const OpenBackup backup = openBackup(call.backup, call.in);
+    const CBackupFiles& files = backup.view.files;
+    const auto chosen = call.other.empty() ? std::nullopt : findFile(backup.view, call.other);
+    if (!call.other.empty() && !chosen)
+        refuseName(call);
+    const CExtraction extraction(call.folder, call.force, call.backup);
+    COutcomes outcomes(call);
+    const auto write = [&](const BackupFile& file) {
+        try {
+            outcomes.Written(file, extraction.Write(file));
+        } catch (const CToolError& error) {
+            outcomes.Refused(file, error.what());
+        }
+    };
+    if (chosen) {
+        write(*chosen);
+        return outcomes.Status();
+    }
+    const std::vector<bool> last = lastOfEach(files);
+    for (size_t i = 0; i < files.size(); ++i) {
+        const BackupFile file = files[i];
+        if (last[i])
+            write(file);
+        else
+            outcomes.Refused(file, '"' + file.name +
+                                       "\" is the same file as a later one, and isn't written "
+                                       "(a restore keeps the last)");
+    }
+    return outcomes.Status();
+}
+
+void addExtractOptions(CLI::App& command, Call& call)
+{
+    command.add_option("folder", call.folder, "Where the files go; made if it is missing")
+        ->required();
+    command.add_option("name", call.other, "The one stored name to write, as ls shows it");
+    command.add_flag("--force", call.force, "Replace files that exist");
+}
+
 // In JSON, bytes that are no backup are a finding as well; a reader gets a better line.
 int verify(const Call& call)
 {
@@ -185,6 +294,8 @@ constexpr Verb verbs[] = {
     {"ls", "List everything in it", list, nullptr},
     {"info", "Show its version, counts, sizes and verdict", info, nullptr},
     {"cat", "Write the bytes of a stored file, or the settings document", cat, addCatOptions},
+    {"extract", "Write its stored files below a folder; exit status 1 if one can't be", extract,
+     addExtractOptions},
     {"verify", "Check its form and what it would restore; exit status 1 for an error", verify,
      addVerifyOptions},
     {"diff", "Compare it with another; exit status 1 if they differ", diff, addDiffOptions},
@@ -200,7 +311,7 @@ int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostre
                  "vlbackup");
     app.require_subcommand(1);
     app.fallthrough();
-    Call call{in, out};
+    Call call{in, out, err};
     app.add_flag("--json", call.json, "Print JSON");
     int status = exitStatus::good;
     for (const Verb& verb : verbs) {
