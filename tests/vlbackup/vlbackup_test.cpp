@@ -6,14 +6,46 @@
 #include "vlbackup/commands.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <random>
 #include <set>
 #include <sstream>
 
 #include <gtest/gtest.h>
 #include <json/json.h>
+
+namespace {
+
+size_t held = 0, mostHeld = 0; // bytes, of the whole program
+
+} // namespace
+
+void* operator new(size_t size)
+{
+    auto* const block = static_cast<size_t*>(std::malloc(size + 16));
+    if (!block)
+        throw std::bad_alloc();
+    *block = size;
+    mostHeld = std::max(mostHeld, held += size);
+    return block + 16 / sizeof *block;
+}
+
+void operator delete(void* memory) noexcept
+{
+    if (!memory)
+        return;
+    auto* const block = static_cast<size_t*>(memory) - 16 / sizeof(size_t);
+    held -= *block;
+    std::free(block);
+}
+
+void operator delete(void* memory, size_t) noexcept
+{
+    operator delete(memory);
+}
 
 namespace {
 
@@ -114,6 +146,32 @@ TEST(Vlbackup, AnyBytesGiveWholeAnswers)
             answer(flipped, i + bit);
         }
     }
+}
+
+TEST(Vlbackup, HoldsTheBackupAndLittleOfEachElement)
+{
+    struct : std::streambuf {
+        int overflow(int c) override { return c == EOF ? 0 : c; }
+    } nothing;
+    constexpr size_t count = 5'000;
+    std::vector<bytes> stored;
+    for (size_t i = 0; i < count; ++i) // with two findings each
+        stored.push_back(filePair(L"what kind of file? " + std::to_wstring(i), ""));
+    const bytes backup = seq({seq(stored), none});
+    const auto path = std::filesystem::temp_directory_path() / "vlbackup-many-test.bin";
+    writeFile(path, {reinterpret_cast<const char*>(backup.data()), backup.size()});
+    for (const char* const command : {"ls", "info", "verify"})
+        for (const bool json : {false, true}) {
+            std::ostream out(&nothing);
+            std::istringstream in;
+            const size_t before = mostHeld = held;
+            std::vector<std::string> arguments = {command, path.string()};
+            if (json)
+                arguments.emplace_back("--json");
+            EXPECT_NE(runVlbackup(std::move(arguments), in, out, out), 2);
+            EXPECT_LT(mostHeld - before, backup.size() + 3 * 64 * count) << command << json;
+        }
+    std::filesystem::remove(path);
 }
 
 // A folder of the test's own: files go into "out", where "link" leads to "outside".
