@@ -39,9 +39,13 @@ TEST_F(Export, AWholeBackupByteForByte)
                                   integer(0x80), wide(L"{id}"), integer(1)}),
                              seq({wide(L"Dialog"), wide(m_personal + L"e.exe"), wide(L"a.vlm"),
                                   integer(3), wide(L""), integer(0)})});
+    const std::string list = "a\r\xE9\xC3\xA9\xFF\x7F\"\x01"; // not all of it UTF-8
+    write(L"list.txt", list + '\0' + "beyond");
+    m_settings.values[L"path_dontpromptlist_filename"] = m_root + L"list.txt";
     const bytes settings = // the prompt by its default
-        seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"Ctrl+Win+72",)"
-                    R"("show_training_prompt":true,"useGrabbingCreds":false}}})")});
+        seq({narrow("{\"settings\":{\"current\":{\"open_guard_desk_qa\":\"Ctrl+Win+72\","
+                    "\"path_dontpromptlist_filename\":\"a\\r\xE9\xC3\xA9\xFF\x7F\\\"\\u0001\","
+                    "\"show_training_prompt\":true,\"useGrabbingCreds\":false}}}")});
     EXPECT_EQ(backupOf(), seq({templates, links, seq({}), settings}));
     // Without any file the later elements move forward.
     m_settings.values[L"path_localstorage_dir"] = m_settings.values[L"path_cachestorage_dir"] = L"";

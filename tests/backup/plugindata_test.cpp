@@ -1,7 +1,6 @@
 #include "agent/discovery.h"
 #include "backupfixture.h"
 #include "support/linkfixture.h"
-#include "support/memorysearch.h"
 
 namespace {
 
@@ -54,32 +53,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         EXPECT_EQ(std::ranges::count(records, L"Unknown secret blob", &traceRecord_t::text),
                   unknown);
     }
-    EXPECT_EQ(posted(), postings{});
-    ResetEvent(m_agent.dataReady.get());
     EXPECT_EQ(m_plugin.SetPluginData(4, nullptr, 4, seq({seq({})}).data()), E_UNEXPECTED);
-    DestroyWindow(m_agent.window);
-    EXPECT_EQ(set({}), S_OK);
-    EXPECT_TRUE(traced(L"U VlAgent window NOT found!"));
-    EXPECT_EQ(WaitForSingleObject(m_agent.dataReady.get(), 0), WAIT_TIMEOUT); // called by neither
-}
-
-TEST_F(PluginData, TheSecretIsLeftOnlyInTheTextThatIsHandedOver)
-{
-    // Repeated, so that a block of the heap which is used again doesn't hide what it held.
-    constexpr size_t times = 500, characters = 32;
-    std::string text; // as wide text
-    for (const char c : unusualOctets(characters))
-        text += {c, '\0'};
-    bytes list = seq({seq({wide(name), octets(std::string(times * text.size(), '#'))})});
-    fillIn(list, text);
-    ASSERT_EQ(copiesOf(text), times + 1); // the host's own and that one: the search works
-    const auto initial = std::find(list.begin(), list.end(), 'K');
-    for (const char first : {'k', 'K'}) {
-        *initial = static_cast<uint8_t>(first);
-        EXPECT_EQ(set(list), S_OK);
-        EXPECT_EQ(std::string(m_payload.bytes).size(), first == 'K' ? times * characters : 0);
-        EXPECT_LE(copiesOf(text), 1 + (first == 'K' ? 2 * times : times)); // the wide text
-    }
 }
 
 } // namespace
