@@ -104,17 +104,6 @@ TEST(DerElement, ReadsWhatABlobWouldHoldAfterDecoding)
     }
 }
 
-TEST(DerSequenceView, RefusesAsAWholeAndKeepsWhatItHad)
-{
-    CDerSequenceView view;
-    ASSERT_TRUE(view.Decode(hex("30 05 04 00 30 01 FF EE"))); // not looked into; a byte behind
-    for (const char* bad : {"", "30", "30 03 04 02 07", "30 03 04 00 04", "31 00"}) {
-        EXPECT_FALSE(view.Decode(hex(bad))) << bad;
-        EXPECT_EQ(view.Count(), 2u);
-    }
-    EXPECT_TRUE(view[2].Encoded().empty());
-}
-
 TEST(Unicode, ReplacesWhatIsNoCharacterBothWays)
 {
     constexpr auto utf8 = "\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"sv;

@@ -13,6 +13,7 @@ TEST_F(TextFile, MarkDecidesTheEncoding)
         {"\xFF\xFE\x61", {}},                 // half a unit
         {"\xFF\xFE\x61\0\0\0\x62\0"s, {"a"}}, // ends at the zero
         {"\xFF\xFE\xE4\0\x3D\xD8\x00\xDE\x3D\xD8z"s, {"\xC3\xA4\xF0\x9F\x98\x80\xEF\xBF\xBD"}},
+        {"\n\n a\rb\r\n\r\n\t", {" a", "b", "\t"}},
         {"\xEF\xBB\xBF[", {"\xEF\xBB\xBF["}}};
     const std::filesystem::path file = m_root + L"t";
     for (const auto& [bytes, expected] : cases) {

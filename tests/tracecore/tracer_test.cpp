@@ -1,6 +1,5 @@
 #include "tracecore/tracer.h"
 
-#include "support/patchimport.h"
 #include "support/tracerecorder.h"
 #include "tracecore/realtracer.h"
 
@@ -40,30 +39,6 @@ TEST(Tracer, MessagesHaveTheirForms)
                                      std::wstring(2000, L'y') +
                                      L"|E -2147467259 failed|E 0 ab|E -2147024894 open"
                                      L"|E 0 label: what");
-}
-
-TEST(Tracer, MessageThatCannotBeMadeIsLostWithoutAWord)
-{
-    traceRecorder_t recorder;
-    const traceScope_t scope("f"); // its entry can't be made either
-    const std::pair<const char*, void (*)()> calls[] = {
-        {"text", [] { traceText("x"); }},
-        {"format", [] { traceFormat(0, "x"); }},
-        {"status", [] { traceStatus("x", 1); }},
-        {"exception", [] { traceException("x", std::runtime_error("what")); }},
-    };
-    for (const auto& [name, call] : calls) {
-        SCOPED_TRACE(name);
-        {
-            const importPatch_t failing{"MultiByteToWideChar", +[] { return 0; }};
-            SetLastError(4321);
-            EXPECT_NO_THROW(call());
-            EXPECT_EQ(GetLastError(), 4321u);
-        }
-        EXPECT_EQ(recorder.joined(), L"");
-    }
-    traceText("x"); // the mutex was given back, the entry is still due
-    EXPECT_EQ(recorder.all().front().text, L"f");
 }
 
 // For a tool that looks the mutex up, and for callers of other users in one process.

@@ -125,12 +125,11 @@ protected:
         hostText(L"setting set path_dontpromptlist_filename \"C:\\vlhost test\\never.txt\"");
     }
 
-    static constexpr const wchar_t* binKeys[] = {L"SOFTWARE\\Veltrano\\Applications",
-                                                 L"SOFTWARE\\Veltrano\\Applications\\KRS"};
-    static void setBin()
+    static void setBin(const std::wstring& place = bin)
     {
-        for (const wchar_t* key : binKeys)
-            setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", bin.wstring());
+        for (const wchar_t* key : {L"", L"\\KRS"})
+            setValue(HKEY_LOCAL_MACHINE, std::wstring(L"SOFTWARE\\Veltrano\\Applications") + key,
+                     L"BinDir", place);
     }
 
     void SetUp() override
@@ -206,37 +205,26 @@ TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
     EXPECT_EQ(0u, warned);
     EXPECT_TRUE(has(warning, "vlhost: warning: ") && has(warning, "nothing.vlm")) << warning;
     fs::remove(L"own\\nothing.vlm");
-    const std::pair<const char*, std::function<CFileHandle()>> faults[] = {
-        {"bank.vlm", [] { return held(L"own\\bank.vlm"); }},
-        {"links.txt", [] { return held(L"links.txt"); }},
-        {"never.txt", [] { return held(L"never.txt"); }},
-        {"Work", // after one that is no text
-         [] {
-             setValue(HKEY_CURRENT_USER, categoriesKey, L"Odd", L"odd", REG_DWORD, 4);
-             return CFileHandle();
-         }},
-        {"folder.vlm",
-         [] {
-             fs::create_directory(L"own\\folder.vlm");
-             return CFileHandle();
-         }},
-        {"VloSet.dll",
-         [] {
-             for (const wchar_t* key : binKeys)
-                 setValue(HKEY_LOCAL_MACHINE, key, L"BinDir", L"C:\\none");
-             return CFileHandle();
-         }},
+    CFileHandle open;
+    const std::pair<const char*, std::function<void()>> faults[] = {
+        {"bank.vlm", [&] { open = held(L"own\\bank.vlm"); }},
+        {"links.txt", [&] { open = held(L"links.txt"); }},
+        {"never.txt", [&] { open = held(L"never.txt"); }},
+        // Work comes after a value that is no text.
+        {"Work", [] { setValue(HKEY_CURRENT_USER, categoriesKey, L"Odd", L"", REG_DWORD, 4); }},
+        {"folder.vlm", [] { fs::create_directory(L"own\\folder.vlm"); }},
+        {"VloSet.dll", [] { setBin(L"C:\\none"); }},
         {"vlhost trace on",
          [] {
              setBin();
              fs::remove_all(L"own");
-             return CFileHandle();
          }},
     };
     for (const auto& [shown, make] : faults) {
         SCOPED_TRACE(shown);
-        const CFileHandle fault = make();
+        make();
         const result_t result = host(L"backup good.vlb --force");
+        open.reset();
         EXPECT_EQ(1u, result.status);
         EXPECT_TRUE(has(result.err, shown)) << result.err;
         EXPECT_EQ(good, fileBytes(L"good.vlb"));
