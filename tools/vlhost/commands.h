@@ -13,6 +13,7 @@ struct options_t {
 // Each adds its commands to the program; options lives as long as the program.
 void addBackupCommand(CLI::App& app, const options_t& options);
 void addDashboardCommands(CLI::App& app, const options_t& options);
+void addRegistrationCommands(CLI::App& app, const options_t& options);
 void addStoreCommands(CLI::App& app, const options_t& options);
 void addRestoreCommand(CLI::App& app, const options_t& options);
 void addCallCommands(CLI::App& app, const options_t& options);

@@ -5,13 +5,11 @@
 #include "print.h"
 #include "shared/commandline.h"
 #include "shared/systemerror.h"
-#include "shared/windowsfiles.h"
 #include "variantjson.h"
 #include "variants.h"
 
 #include <array>
 #include <functional>
-#include <iostream>
 
 using namespace VLONLINEIDSLib;
 
@@ -243,36 +241,6 @@ Json::Value switchTo(const CPluginHost& host, bool on)
     return statusOf(host);
 }
 
-// registerWith calls one of the DLL's two registration functions.
-void registerWith(const options_t& options, const char* function, bool registered)
-{
-    std::wstring path;
-    if (!options.plugin.empty()) {
-        path = wideFromUtf8(options.plugin);
-    } else if (registered) {
-        path = registeredPluginPath();
-    } else {
-        path = programFolder() + L"\\VLOnlineIDs.dll";
-    }
-    const CLoadedModule library = loadPlugin(path);
-    using registration = HRESULT(WINAPI*)();
-    const auto call = reinterpret_cast<registration>(
-        reinterpret_cast<void*>(GetProcAddress(library.get(), function)));
-    if (!call)
-        throw CToolError(utf8FromWide(path) + " has no " + function, "is this the plug-in's DLL?");
-    const HRESULT status = call();
-    if (FAILED(status))
-        throw CToolError(
-            utf8FromWide(path) + ": " + statusText(status),
-            status == E_ACCESSDENIED
-                ? "the dashboard's keys are the machine's: run this as an administrator"
-                : "");
-    Json::Value json(Json::objectValue);
-    json["file"] = utf8FromWide(path);
-    json["done"] = function;
-    printResult(json, options.json);
-}
-
 } // namespace
 
 void addDashboardCommands(CLI::App& app, const options_t& options)
@@ -295,10 +263,4 @@ void addDashboardCommands(CLI::App& app, const options_t& options)
         [](const CPluginHost& host) { return switchTo(host, true); });
     add("disable", "Switch the application off",
         [](const CPluginHost& host) { return switchTo(host, false); });
-    app.add_subcommand("register", "Register the plug-in with the dashboard")->callback([&options] {
-        registerWith(options, "DllRegisterServer", false);
-    });
-    app.add_subcommand("unregister", "Take the plug-in out of the dashboard")->callback([&options] {
-        registerWith(options, "DllUnregisterServer", true);
-    });
 }

@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     app.add_flag("--json", options.json, "Print JSON");
     addBackupCommand(app, options);
     addDashboardCommands(app, options);
+    addRegistrationCommands(app, options);
     addStoreCommands(app, options);
     addRestoreCommand(app, options);
     addCallCommands(app, options);
