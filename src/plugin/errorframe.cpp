@@ -20,15 +20,6 @@ struct ClauseTag {
     }
 };
 
-// A tracer that runs out of memory must not change the operation's status.
-template <class Body> void quietly(Body body) noexcept
-{
-    try {
-        body();
-    } catch (...) {
-    }
-}
-
 } // namespace
 
 HRESULT frameStatus(const char* operation) noexcept
@@ -37,13 +28,12 @@ HRESULT frameStatus(const char* operation) noexcept
     try {
         throw;
     } catch (const std::exception& exception) {
-        status = E_UNEXPECTED;
-        quietly([&] { tracecore::traceException(ClauseTag(operation, "[std]").text, exception); });
+        status = tracecore::traceException(ClauseTag(operation, "[std]").text, exception);
     } catch (const _com_error& error) {
         status = error.Error();
-        quietly([&] { tracecore::traceIfFailed(ClauseTag(operation, "[com]").text, status); });
+        tracecore::traceIfFailed(ClauseTag(operation, "[com]").text, status);
     } catch (...) {
-        quietly([&] { tracecore::traceStatus(ClauseTag(operation, "oo").text, 0); });
+        tracecore::traceNote(ClauseTag(operation, "oo").text);
     }
     return status;
 }
