@@ -53,7 +53,7 @@ void readArguments(launch_t& launch)
             launch.window = false;
         } else if (argument == L"--log") {
             if (i + 1 == launch.arguments.size())
-                launch.complaint = L"--log needs the name of a file behind it";
+                launch.complaint = L"--log needs the name of a file after it";
             else
                 launch.log = launch.arguments[++i];
         } else if (argument.starts_with(L"--")) {

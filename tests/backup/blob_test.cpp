@@ -98,12 +98,12 @@ TEST(Blob, DecodesAsThePlatformDoes)
     for (const uint8_t tag : bytes{2, 4, 5, 12, 18, 19, 20, 21, 22, 25, 26, 27, 28, 30, 48}) {
         for (const bytes& content : contents) {
             for (size_t form = content.empty() ? 10 : 0; form < 12; ++form) {
-                const size_t octets = 5 - form / 2; // of the length behind its first
+                const size_t octets = 5 - form / 2; // of the length after its first
                 bytes der{tag, static_cast<uint8_t>(octets ? 0x80 | octets : content.size() & 127)};
                 for (size_t i = octets; i-- > 0;)
                     der.push_back(static_cast<uint8_t>(content.size() >> 8 * i));
                 der.insert(der.end(), content.begin(), content.end());
-                der.resize(der.size() + form % 2); // one behind
+                der.resize(der.size() + form % 2); // one more follows
                 SCOPED_TRACE(testing::PrintToString(der));
                 ASSERT_NO_FATAL_FAILURE(expectReadAsThePlatformDoes(der));
             }

@@ -33,7 +33,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
     const std::tuple<bytes, std::string, int> cases[] = {
         {seq({triple, secret(L"Other", L"o"), secret(name, L"v")}), "v", 1},
         {seq({secret(name, L"1"), secret(name, L"2"), triple}), "1", 0},    // the later ones unread
-        {seq({seq({wide(name), octets(std::string("a\0b", 3))})}), "a", 0}, // half a unit behind
+        {seq({seq({wide(name), octets(std::string("a\0b", 3))})}), "a", 0}, // ends in half a unit
         {seq({secret(L"krs protected storage", L"v"), secret(name + L"2", L"v")}), "", 0},
         {seq({octets("x"), seq({}), triple, integer(1)}), "", 4},
         {{0x30, 0x05, 0x01}, "", 0},
