@@ -1,5 +1,8 @@
 # vl_build_flags carries what every target of ours compiles with; third-party code does not get it.
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+# Line tables for who debugs a dump; make package puts them in an archive of their own. No path of the build is in them,
+# nor in third-party code.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG -g1")
+add_compile_options("$<$<CONFIG:Release>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>")
 add_library(vl_build_flags INTERFACE)
 target_include_directories(vl_build_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
 target_compile_options(vl_build_flags INTERFACE
@@ -12,6 +15,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast)
 endif()
 if(WIN32)
+  target_link_options(vl_build_flags INTERFACE -Wl,--no-insert-timestamp)
   target_compile_definitions(vl_build_flags INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
 endif()
