@@ -85,6 +85,7 @@ package: build
 package-test: package
 	@scripts/base-prefix.sh
 	@scripts/package-test.sh
+	@scripts/reproduce.sh
 
 clean:
 	rm -rf build

@@ -159,7 +159,7 @@ bool installedLocally()
 void writeTraceHeader(HANDLE file, HMODULE module)
 {
     writeLine(file, "trace3\r\n");
-    writeLine(file, "Compiled: %s %s\r\n", __DATE__, __TIME__);
+    writeLine(file, "Compiled: %s %s\r\n", VL_BUILD_DATE, VL_BUILD_TIME);
     writeSystem(file);
     char machine[lineLimit] = {};
     DWORD size = lineLimit;

@@ -1,0 +1,22 @@
+#!/bin/sh
+# reproduce.sh builds the last commit once more, in another folder and without the compiler cache, and compares every
+# file with build/dist. Exit status: 0 only if all are equal to the byte.
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+[ -z "$(git -C "$root" status --porcelain)" ] || {
+    echo "reproduce: there are changes that no commit has; commit them and run make build first" >&2
+    exit 1
+}
+again=$(mktemp -d "$root/build/reproduce XXXXXX")
+trap 'rm -rf "$again"' EXIT
+git clone -q "$root" "$again"
+mkdir -p "$again/build"
+cp -R "$root/build/third-party" "$again/build/"
+cd "$again"
+for preset in release native-release; do
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" --target vl_product >/dev/null
+    cmake --install "build/$preset" --prefix build/dist --component dist >/dev/null
+done
+diff -r "$root/build/dist" build/dist
+echo "reproduce: $(find build/dist -type f | wc -l) files are equal to the byte"
