@@ -297,8 +297,9 @@ TEST_P(EndedRestore, LeavesAStepAndIsTriedAgainOrUndone)
     ASSERT_EQ(S_OK, model_t([&] { steps.push_back(stateNow()); }).restore(viewOf(backup)));
     const plugin_t plugin;
     const std::wstring command =
-        L"--plugin " + (m_built / L"endingplugin.dll").wstring() + L" restore " +
-        m_backup.wstring() + (entry == 2 ? L" --entry plugin-data" : L" --entry 2 --flags 65538");
+        L"--plugin \"" + (m_built / L"endingplugin.dll").wstring() + L"\" restore \"" +
+        m_backup.wstring() + L'"' +
+        (entry == 2 ? L" --entry plugin-data" : L" --entry 2 --flags 65538");
     auto step = steps.cbegin();
     size_t moment = 0, runs = 0;
     for (bool ended = true; ended; moment += numberOf("VL_STRIDE", 23), ++runs) {
