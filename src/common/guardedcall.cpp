@@ -4,7 +4,7 @@
 
 // The compiler knows no __try: the frame that has a handler is written by hand. Its stack is the
 // four words that every call has, one for the alignment, the return address, and its caller's words
-// with the fifth argument behind four.
+// with the fifth argument after four.
 asm(R"(
     .text
     .globl vlCallGuarded

@@ -60,7 +60,7 @@ TEST(Transfer, AgentSeesTheseBytesAndTheBlockLivesUntilItAnswers)
         const DWORD process = GetCurrentProcessId();
         std::memcpy(request.data() + 4, &process, 4);
         request += name + '\0';
-        request.resize(0x1000, '\xEE'); // what lies behind stays
+        request.resize(0x1000, '\xEE'); // what follows stays
         EXPECT_EQ(request, buffer.text(0x1000));
         EXPECT_EQ(body + '\0', blockView_t(L"VLTEMPLATE").text(body.size() + 1));
         EXPECT_FALSE(isFree(agent.semaphore));

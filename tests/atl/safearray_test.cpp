@@ -58,7 +58,7 @@ TEST(CVLByteArray, AppendsRunsAndResizes)
     EXPECT_EQ(array.Resize(2, 7), S_OK);
     EXPECT_EQ(array.SetAt(8, 9), S_OK);
     EXPECT_EQ(array.SetAt(6, 9), E_INVALIDARG);
-    EXPECT_EQ(array.Add(bytes{5, 6}), S_OK); // behind index 8
+    EXPECT_EQ(array.Add(bytes{5, 6}), S_OK); // after index 8
     EXPECT_EQ(bytes(array.Bytes().begin(), array.Bytes().end()), (bytes{1, 9, 5, 6}));
     SafeArrayLock(array.Get()); // somebody else's
     EXPECT_EQ(array.Resize(9, 0), DISP_E_ARRAYISLOCKED);

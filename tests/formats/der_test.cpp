@@ -52,7 +52,7 @@ TEST(DerReader, TakesWholeElementsAndNothingOnFailure)
         indefinite += " 00";
     // Octets of header, 0 for a refusal, and of content.
     const std::tuple<std::string, size_t, size_t> cases[] = {
-        {"04 01 41 FF", 2, 1},             // bytes behind
+        {"04 01 41 FF", 2, 1},             // more bytes follow
         {"04 81 01 41", 3, 1},             // needlessly long length
         {"04 85 00 00 00 00 01 41", 0, 0}, // five
         {"04 84 FF FF FF FF 41", 0, 0},

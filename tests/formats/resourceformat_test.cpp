@@ -10,7 +10,7 @@ namespace {
 
 using bytes = std::vector<uint8_t>;
 
-// A block with these texts from index 0 on, and entries of length 0 behind them.
+// A block with these texts from index 0 on, and entries of length 0 after them.
 bytes stringBlock(std::vector<std::u16string> texts)
 {
     bytes block;
@@ -36,7 +36,7 @@ bytes cut(const bytes& whole, size_t size)
 
 } // namespace
 
-// Each cut is a block of its own size on the heap, so that a read behind it is noticed.
+// Each cut is a block of its own size on the heap, so that a read after it is noticed.
 TEST(StringBlock, FindsTheWantedEntryIfTheBlockReachesThere)
 {
     const std::u16string withZero(u"a\0b", 3);
@@ -82,9 +82,9 @@ TEST(MuiFile, IsUnsoundWhenCutOrForged)
     for (size_t size = 0; size < whole.size(); ++size)
         ASSERT_FALSE(readMuiFile(cut(whole, size)).sound) << size;
     constexpr size_t firstType = sampleRoot + 16;
-    constexpr size_t firstName = firstType + 16 + 8; // behind two entries and the name MUI
+    constexpr size_t firstName = firstType + 16 + 8; // after two entries and the name MUI
     // The new header far away; resources in no section; section data longer than the file; entries,
-    // a type's name and a language behind the section; data too long.
+    // a type's name and a language after the section; data too long.
     const std::pair<size_t, uint32_t> cases[] = {{0x3C, 0xFFFFFFF0},
                                                  {sampleResourceEntry, 0x9000},
                                                  {sampleSectionHeader + 16, 0x7FFFFFFF},

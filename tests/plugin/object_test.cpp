@@ -76,8 +76,8 @@ TEST(Object, AnswersForItsEightInterfacesAndNoOther)
     EXPECT_EQ(object->QueryInterface(IID_IDispatch, &out), E_NOINTERFACE);
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-    // Hosts call by slot: AddPages stands behind the three of IUnknown, and the destructor, which
-    // has two slots with this compiler, behind that.
+    // Hosts call by slot: AddPages stands after the three of IUnknown, and the destructor, which
+    // has two slots with this compiler, after that.
     using slot_t = HRESULT(STDMETHODCALLTYPE*)(void*);
     slot_t* const slots = *reinterpret_cast<slot_t**>(query(object, __uuidof(IVLKTPages)).get());
     EXPECT_EQ(slots[3](object), S_OK);

@@ -40,7 +40,7 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
         std::wstring line;
     } cases[] = {
         {REG_BINARY, brandingDll, whole, noPath},
-        {REG_SZ, brandingDll, whole + 1, noPath}, // odd length, zero behind
+        {REG_SZ, brandingDll, whole + 1, noPath}, // odd length, then a zero
         {REG_SZ, L"abX", 4, noPath},              // not terminated
         {REG_SZ, std::wstring(260, L'x'), 522, noPath},
         {REG_SZ, L"C:\\" + std::wstring(256, L'x'), 520, notLoaded + L"02"},

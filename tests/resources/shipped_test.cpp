@@ -80,7 +80,7 @@ struct configuration_t {
     std::string bytes;
 };
 
-// versionText is one text of a file's version information, in the file's first language, behind the
+// versionText is one text of a file's version information, in the file's first language, after the
 // number of the file's version.
 std::wstring versionText(const fs::path& file, const wchar_t* name)
 {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// at gives what lies so far behind the start of a module.
+// at gives what lies so far after the start of a module.
 template <class T> T* at(HMODULE module, ULONGLONG offset)
 {
     return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(module) + offset);

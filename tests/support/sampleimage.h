@@ -16,7 +16,7 @@ inline constexpr size_t sampleSectionHeader = sampleOptionalHeader + 240;
 inline constexpr size_t sampleRoot = 0x200; // the resource directory in the file
 inline constexpr uint32_t sampleRootAddress = 0x1000;
 
-// put writes 32-bit numbers one behind the other.
+// put writes 32-bit numbers one after the other.
 inline void put(std::vector<uint8_t>& bytes, size_t offset, std::initializer_list<uint32_t> values)
 {
     for (const uint32_t value : values)
@@ -25,7 +25,7 @@ inline void put(std::vector<uint8_t>& bytes, size_t offset, std::initializer_lis
 }
 
 // sampleImage is the file of a small resource-only library, with the resources given in one
-// section. The places of its parts are fixed, so that a test can forge one of them: behind the root
+// section. The places of its parts are fixed, so that a test can forge one of them: after the root
 // directory and the name there are 64 bytes for each resource, a directory with its id, one with its
 // language and the place of its data.
 inline std::vector<uint8_t> sampleImage(const std::vector<sampleResource_t>& resources)

@@ -20,7 +20,7 @@ template <class Error, auto... code> HANDLE raise()
     throw Error(code...);
 }
 
-inline std::wstring noted; // the paths of the calls that notePath caught, a bar behind each
+inline std::wstring noted; // the paths of the calls that notePath caught, a bar after each
 
 template <INT_PTR result, DWORD error> INT_PTR notePath(const wchar_t* path)
 {

@@ -11,7 +11,7 @@ struct toolRun_t {
 };
 
 // runTool runs the main function of a tool on streams in memory: runTool(runVlbackup, {"ls", "-"},
-// backup). More are the arguments that the function takes behind its streams.
+// backup). More are the arguments that the function takes after its streams.
 template <class Tool, class... More>
 toolRun_t runTool(Tool tool, std::vector<std::string> arguments, const auto& input, More... more)
 {

@@ -90,7 +90,7 @@ bool countAndFail(const hookedCall_t& call)
     return true;
 }
 
-// behindSecret is what an octet string holds behind its text: it is in a copy of the element, and in
+// behindSecret is what an octet string holds after its text: it is in a copy of the element, and in
 // no copy of the text. Two items of a list have it, put in place, so that nothing else has; and many
 // times each, so that a freed block which is used again doesn't hide what it held.
 const std::string behindSecret = unusualOctets(40);
