@@ -1,6 +1,6 @@
 #!/bin/sh
 # package.sh makes build/package: a zip archive of build/dist without debug symbols, an installer that does what
-# install.cmd does, and an archive of the symbols. Two runs from one commit give the same archives, wherever they ran.
+# install.cmd does, and an archive of the symbols. Times in the archives are the commit's.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 version=$(sed -n 's/^project(VLOnlineIDs VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
