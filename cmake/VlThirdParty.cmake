@@ -14,6 +14,13 @@ endif()
 add_library(vl_cli11 INTERFACE)
 target_include_directories(vl_cli11 SYSTEM INTERFACE ${vl_third_party}/include)
 
+# SHA-256 where the platform has none; linked in, so that a tool needs nothing on the machine that it is copied to.
+if(NOT WIN32)
+  find_library(VL_MD_LIBRARY libmd.a REQUIRED)
+  add_library(vl_md INTERFACE)
+  target_link_libraries(vl_md INTERFACE ${VL_MD_LIBRARY})
+endif()
+
 # The settings document's parser, in exactly this release, checked by its hash: number and text conversions differ
 # between releases, and a document must read the same everywhere.
 foreach(option WITH_TESTS WITH_POST_BUILD_UNITTEST WITH_PKGCONFIG_SUPPORT WITH_CMAKE_PACKAGE)
