@@ -11,7 +11,7 @@ compile = cmake --build --preset $(1) $(if $(2),--target $(2))
 configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
     $(if $(CI),-D VL_WERROR=ON) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 
-.PHONY: build demo test bench faults fuzz soak lint coverage package package-test clean
+.PHONY: build sdk demo test bench faults fuzz soak lint coverage package package-test clean
 set-up = @mkdir -p build && scripts/setup.sh
 
 build:
@@ -23,6 +23,16 @@ build:
 	@rm -rf build/dist
 	@cmake --install build/release --prefix build/dist --component dist >/dev/null
 	@cmake --install build/native-release --prefix build/dist --component dist >/dev/null
+
+sdk:
+	$(set-up) build
+	@$(call configure,release)
+	@$(call configure,native-release)
+	@$(call compile,release,vl_sdk)
+	@$(call compile,native-release,vl_sdk)
+	@rm -rf build/sdk
+	@cmake --install build/release --prefix build/sdk --component sdk >/dev/null
+	@cmake --install build/native-release --prefix build/sdk --component sdk >/dev/null
 
 demo: build
 	$(set-up) demo
