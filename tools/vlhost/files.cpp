@@ -1,9 +1,9 @@
 #include "files.h"
 
 #include "common/text.h"
-#include "shared/commandline.h"
 #include "shared/filesystem.h"
 #include "shared/systemerror.h"
+#include "shared/toolerror.h"
 #include "shared/windowsfiles.h"
 #include "storage/paths.h"
 

@@ -1,8 +1,8 @@
 #include "pluginhost.h"
 
 #include "common/text.h"
-#include "shared/commandline.h"
 #include "shared/systemerror.h"
+#include "shared/toolerror.h"
 
 using namespace VLONLINEIDSLib;
 

@@ -6,7 +6,7 @@
 #include "formats/backup/documentsettings.h"
 #include "progress.h"
 #include "shared/backupinput.h"
-#include "shared/commandline.h"
+#include "shared/toolerror.h"
 #include "storage/folderlist.h"
 #include "storage/paths.h"
 #include "storage/settings.h"

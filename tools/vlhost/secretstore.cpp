@@ -2,8 +2,8 @@
 
 #include "common/text.h"
 #include "formats/der/dernode.h"
-#include "shared/commandline.h"
 #include "shared/systemerror.h"
+#include "shared/toolerror.h"
 
 #include <fcntl.h>
 #include <io.h>

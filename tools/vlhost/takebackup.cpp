@@ -1,8 +1,8 @@
 #include "takebackup.h"
 
 #include "formats/backup/backupview.h"
-#include "shared/commandline.h"
 #include "shared/systemerror.h"
+#include "shared/toolerror.h"
 #include "variants.h"
 
 using namespace VLONLINEIDSLib;

@@ -2,8 +2,8 @@
 
 #include "common/scoped.h"
 #include "common/text.h"
-#include "shared/commandline.h"
 #include "shared/systemerror.h"
+#include "shared/toolerror.h"
 
 #include <tlhelp32.h>
 

@@ -2,7 +2,7 @@
 
 #include "common/text.h"
 #include "places.h"
-#include "shared/commandline.h"
+#include "shared/toolerror.h"
 
 #include <windows.h>
 
