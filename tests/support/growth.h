@@ -17,3 +17,15 @@ struct heldResources_t {
     // for no more.
     std::string grownSince(const heldResources_t& before, size_t rounds = 1) const;
 };
+
+// grownBy says what a call keeps each time; what it keeps once is a cache.
+template <class Call> std::string grownBy(Call call)
+{
+    std::string grown = "?";
+    for (int round = 0; round < 4 && !grown.empty(); ++round) {
+        const heldResources_t before;
+        call();
+        grown = heldResources_t().grownSince(before);
+    }
+    return grown;
+}

@@ -14,7 +14,7 @@ struct stub_t {
     uint8_t code[64];
     uint8_t fail[16];
     void* original;
-    hookedFunction_t function;
+    const hookedFunction_t* function;
     importHooks_t::see_t see;
 };
 
@@ -22,8 +22,8 @@ struct stub_t {
 const void* decide(const stub_t* stub, const ULONGLONG* saved)
 {
     const DWORD error = GetLastError();
-    const bool fails = stub->see({stub->function.name, saved});
-    SetLastError(fails ? stub->function.error : error);
+    const bool fails = stub->see({stub->function->name.c_str(), saved});
+    SetLastError(fails ? stub->function->error : error);
     return fails ? static_cast<const void*>(stub->fail) : stub->original;
 }
 
@@ -64,7 +64,7 @@ void writeCode(stub_t& stub)
     put(at, {0xFF, 0xE0});                         // jmp rax
     at = stub.fail;
     put(at, {0x48, 0xB8}); // mov rax, result
-    putValue(at, stub.function.result);
+    putValue(at, stub.function->result);
     put(at, {0xC3}); // ret
 }
 
@@ -94,20 +94,31 @@ std::string hookedCall_t::shown(std::string_view kinds) const
     return line.str();
 }
 
+std::vector<hookedFunction_t> hookedFunctions(const std::string& names, ULONGLONG result)
+{
+    std::vector<hookedFunction_t> functions;
+    std::istringstream in(names);
+    for (std::string name; in >> name;)
+        functions.push_back({name, result});
+    return functions;
+}
+
 importHooks_t::importHooks_t(HMODULE module, const std::vector<hookedFunction_t>& functions,
                              see_t see)
-    : m_code(VirtualAlloc(nullptr, functions.size() * sizeof(stub_t), MEM_COMMIT,
+    : m_functions(functions),
+      m_code(VirtualAlloc(nullptr, functions.size() * sizeof(stub_t), MEM_COMMIT,
                           PAGE_EXECUTE_READWRITE))
 {
     auto stub = static_cast<stub_t*>(m_code);
-    for (const hookedFunction_t& function : functions) {
-        if (!importedFunction(module, function.name))
+    for (const hookedFunction_t& function : m_functions) {
+        const char* const name = function.name.c_str();
+        stub->original = importedFunction(module, name);
+        if (!stub->original)
             continue;
-        stub->original = importedFunction(module, function.name);
-        stub->function = function;
+        stub->function = &function;
         stub->see = see;
         writeCode(*stub);
-        m_patches.push_back(std::make_unique<importPatch_t>(module, function.name, stub++->code));
+        m_patches.push_back(std::make_unique<importPatch_t>(module, name, stub++->code));
     }
 }
 

@@ -30,10 +30,13 @@ struct hookedCall_t {
 
 // hookedFunction_t is a function and how it fails: what it returns, and the last error then.
 struct hookedFunction_t {
-    const char* name;
+    std::string name;
     ULONGLONG result = 0;
     DWORD error = ERROR_NOT_ENOUGH_MEMORY;
 };
+
+// hookedFunctions makes functions of their names, with blanks between, that return the same.
+std::vector<hookedFunction_t> hookedFunctions(const std::string& names, ULONGLONG result = 0);
 
 // importHooks_t shows calls of a module's imported functions before they are made, for the life of
 // the object. A function that the module doesn't import is passed over.
@@ -49,6 +52,7 @@ public:
     importHooks_t(importHooks_t&&) = delete;
 
 private:
+    const std::vector<hookedFunction_t> m_functions;
     std::vector<std::unique_ptr<importPatch_t>> m_patches;
     void* m_code = nullptr;
 };

@@ -2,11 +2,11 @@
 
 #include "common/module.h"
 #include "common/scoped.h"
-#include "common/text.h"
 #include "shared/commandline.h"
 #include "support/files.h"
 #include "support/importhooks.h"
 #include "support/registry.h"
+#include "support/state.h"
 #include "vlsetup/places.h"
 
 #include <filesystem>
@@ -26,40 +26,25 @@ const std::wstring plugins = key + L"\\VLKT\\Plugins\\";
 const std::wstring tray = plugins + L"TrayIcon\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
 const std::wstring uninstallKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 
-using state_t = std::map<std::wstring, std::string>; // places and contents
-
-// state is all that an installation could have touched.
-state_t state()
+// stateNow is all that an installation could have touched, except the list that the plug-in wrote.
+state_t stateNow()
 {
     state_t all;
     for (const std::wstring& tree :
          {key, std::wstring(L"SOFTWARE\\WOW6432Node\\Veltrano"), uninstallKey})
-        for (const auto& [path, values] : readTree(tree)) {
-            all[path];
-            for (const auto& [name, content] : values)
-                all[path + L'\\' + name] = content;
-        }
-    for (const fs::path& folder : {fs::path(L"C:\\windows\\system32"), fs::path(L"C:\\")})
-        for (const auto& entry : fs::directory_iterator(folder))
-            all[entry.path()] = entry.is_directory() ? "" : std::to_string(entry.file_size());
+        addValues(all, HKEY_LOCAL_MACHINE, tree);
+    for (const wchar_t* folder : {L"C:\\windows\\system32\\", L"C:\\"})
+        addFiles(all, folder, 0, false);
     for (const fs::path& folder : {root, fs::path(L"C:\\Theirs"), fs::temp_directory_path()})
-        for (std::error_code none;
-             const auto& entry : fs::recursive_directory_iterator(folder, none))
-            all[entry.path()] = entry.is_directory() ? "" : fileBytes(entry.path());
+        addFiles(all, (folder / L"").wstring());
+    std::erase_if(all, [](const auto& one) { return one.first.ends_with(L"\\Cleanup.txt"); });
     return all;
 }
 
-// difference lists the places that are not as before, except the list that the plug-in wrote.
-std::string difference(const state_t& before, const state_t& after)
+// expectState names what is no more as it was.
+void expectState(const state_t& expected)
 {
-    std::string all;
-    for (const auto& [place, content] : before)
-        if (!after.contains(place) || after.at(place) != content)
-            all += "changed or gone: " + utf8FromWide(place) + '\n';
-    for (const auto& [place, content] : after)
-        if (!before.contains(place) && fs::path(place).filename() != L"Cleanup.txt")
-            all += "left behind: " + utf8FromWide(place) + '\n';
-    return all;
+    EXPECT_EQ("", difference(stateNow(), expected));
 }
 
 std::string joined(const std::vector<std::string>& lines)
@@ -137,7 +122,7 @@ TEST_F(setupTest, RemovalLeavesEverythingAsItWas)
                     foreign();
                 if (withForeign && !asked.replace)
                     fs::remove(bin / L"tool.exe"); // it would be refused
-                const state_t before = state();
+                const state_t before = stateNow();
                 std::string left;
                 for (int i = 0; i < times; ++i) {
                     writeFile(medium / L"tool.exe", "tool " + std::to_string(i)); // an upgrade
@@ -149,22 +134,20 @@ TEST_F(setupTest, RemovalLeavesEverythingAsItWas)
                           textValue(bin / L"VLOnlineIDs.dll", REG_EXPAND_SZ));
                 EXPECT_NE(valueContent(key + L"\\Products\\VLOnlineIDs", L"Version"), "");
                 const bool theirs = withForeign && !asked.replace;
-                EXPECT_EQ(fileBytes(policyLibrary), theirs ? "theirs" : "stand-in");
-                EXPECT_EQ(fileBytes(bin / L"VloSet.dll"), theirs ? "theirs" : "stand-in");
-                EXPECT_EQ(valueContent(key + L"\\Applications\\KRS", L"BinDir") == textValue(bin),
-                          !theirs);
-                EXPECT_EQ(valueContent(key + L"\\Branding\\Common", L"DLLPath") ==
-                              textValue(bin / L"Branding.dll"),
-                          !theirs);
+                EXPECT_EQ(fileBytes(policyLibrary) + ' ' + fileBytes(bin / L"VloSet.dll"),
+                          theirs ? "theirs theirs" : "stand-in stand-in");
+                EXPECT_EQ(valueContent(key + L"\\Applications\\KRS", L"BinDir"),
+                          theirs ? textValue(L"C:\\Theirs\\bin", REG_EXPAND_SZ) : textValue(bin));
+                EXPECT_EQ(valueContent(key + L"\\Branding\\Common", L"DLLPath"),
+                          textValue(theirs ? L"C:\\Theirs\\b.dll" : bin / L"Branding.dll"));
                 EXPECT_EQ(left.find("VLFPApi.dll stays") != std::string::npos, theirs) << left;
                 EXPECT_EQ(valueContent(uninstallKey + L"\\VLOnlineIDs", L"UninstallString").empty(),
                           asked.uninstaller.empty());
                 const removed_t removed = uninstall(root);
                 EXPECT_EQ(joined(removed.lines), "");
                 EXPECT_TRUE(removed.complete);
-                EXPECT_EQ(difference(before, state()), "");
-                EXPECT_TRUE(
-                    fs::exists((withForeign ? fs::path(L"C:\\Theirs") : root) / L"Cleanup.txt"));
+                expectState(before);
+                EXPECT_TRUE(fs::exists((withForeign ? L"C:\\Theirs" : root) / L"Cleanup.txt"));
             }
 }
 
@@ -174,12 +157,12 @@ TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
     install(m_asked);
     SetFileAttributesW((medium / L"tool.exe").c_str(), FILE_ATTRIBUTE_NORMAL);
     EXPECT_FALSE(GetFileAttributesW((bin / L"tool.exe").c_str()) & FILE_ATTRIBUTE_READONLY);
-    const state_t installed = state();
+    const state_t installed = stateNow();
     CFileHandle user(CreateFileW((bin / L"tool.exe").c_str(), GENERIC_READ, FILE_SHARE_READ,
                                  nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_THROW(uninstall(root), CToolError);
     user.reset();
-    EXPECT_EQ(difference(installed, state()), "");
+    expectState(installed);
     writeFile(policyLibrary, "theirs");
     setValue(HKEY_LOCAL_MACHINE, key + L"\\Applications", L"BinDir", L"C:\\Theirs");
     setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Common", L"Other", L"new");
@@ -189,18 +172,18 @@ TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
     EXPECT_NE(left.find("VLFPApi.dll stays"), std::string::npos) << left;
     writeFile(bin / L"tool.exe", "edited");
     EXPECT_THROW(install(m_asked), CToolError);
-    const state_t changed = state();
+    state_t theirs = stateNow();
+    std::erase_if(theirs, [&](const auto& one) {
+        const auto ours = installed.find(one.first);
+        return one.first.ends_with(L".json") || (ours != installed.end() && *ours == one);
+    });
     const removed_t removed = uninstall(root);
     const std::string lines = joined(removed.lines);
     for (const char* named : {"VLFPApi.dll was", "tool.exe was", "Applications\\BinDir was"})
         EXPECT_NE(lines.find(named), std::string::npos) << lines;
-    const state_t after = state();
-    for (const auto& [place, content] : changed) {
-        const bool theirs = !installed.contains(place) || installed.at(place) != content;
-        const bool record = fs::path(place).extension() == L".json";
-        EXPECT_TRUE(!theirs || record || (after.contains(place) && after.at(place) == content))
-            << utf8FromWide(place);
-    }
+    const state_t after = stateNow();
+    for (const auto& [place, content] : theirs)
+        EXPECT_TRUE(after.contains(place) && after.at(place) == content) << utf8FromWide(place);
     EXPECT_FALSE(fs::exists(bin / L"xx\\texts.mui"));
     EXPECT_EQ(valueContent(key, L"VeltranoPath"), "");
     EXPECT_EQ(valueContent(tray, L""), textValue(L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ));
@@ -229,10 +212,10 @@ TEST_F(setupTest, RefusesBeforeTheFirstChange)
         SCOPED_TRACE(c.says);
         SetUp();
         c.prepare();
-        const state_t before = state();
+        const state_t before = stateNow();
         const std::string said = refusal({c.from, c.to, {}, standIns_t::missing, false});
         EXPECT_NE(said.find(c.says), std::string::npos) << said;
-        EXPECT_EQ(difference(before, state()), "");
+        expectState(before);
     }
     EXPECT_THROW(uninstall(root / L"nothing"), CToolError);
     const importPatch_t noRights(
@@ -243,32 +226,27 @@ TEST_F(setupTest, RefusesBeforeTheFirstChange)
 TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
 {
     static int left; // calls until one fails; negative when it did
-    static const char* function;
-    constexpr ULONGLONG noMemory = ERROR_NOT_ENOUGH_MEMORY;
-    const std::vector<hookedFunction_t> ofInstall = {
-        {"CopyFileW"},   {"CreateDirectoryW"},          {"LoadLibraryExW"},
-        {"MoveFileExW"}, {"RegCreateKeyExW", noMemory}, {"RegSetValueExW", noMemory}};
-    const std::vector<hookedFunction_t> ofRemoval = {{"DeleteFileW"},
-                                                     {"LoadLibraryExW"},
-                                                     {"MoveFileExW"},
-                                                     {"RegDeleteKeyW", noMemory},
-                                                     {"RegDeleteValueW", noMemory},
-                                                     {"RegSetValueExW", noMemory},
-                                                     {"RemoveDirectoryW"}};
+    static std::string function;
+    const std::string files[] = {"CopyFileW CreateDirectoryW LoadLibraryExW MoveFileExW",
+                                 "DeleteFileW LoadLibraryExW MoveFileExW RemoveDirectoryW"};
+    const std::string registry[] = {"RegCreateKeyExW RegSetValueExW",
+                                    "RegDeleteKeyW RegDeleteValueW RegSetValueExW"};
     for (const bool removal : {false, true}) {
         bool failed = true;
         for (int n = 0; failed && !HasFailure(); ++n) {
             SCOPED_TRACE(n);
             SetUp();
             foreign();
-            const state_t before = state();
+            const state_t before = stateNow();
             if (removal)
                 install(m_replacing);
             left = n, failed = false;
             try {
+                auto functions = hookedFunctions(registry[removal], ERROR_NOT_ENOUGH_MEMORY);
+                for (const hookedFunction_t& of : hookedFunctions(files[removal]))
+                    functions.push_back(of);
                 const importHooks_t hooks(
-                    GetModuleHandleW(nullptr), removal ? ofRemoval : ofInstall,
-                    +[](const hookedCall_t& call) {
+                    GetModuleHandleW(nullptr), functions, +[](const hookedCall_t& call) {
                         if (left == 0)
                             function = call.function;
                         return left-- == 0;
@@ -285,7 +263,7 @@ TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
             EXPECT_EQ(failed, left < 0) << function;
             const bool again = removal && fs::exists(bin / L"VLOnlineIDs.installed.json");
             EXPECT_TRUE(!again || uninstall(root).complete) << function;
-            EXPECT_EQ(removal || failed ? difference(before, state()) : "", "") << function;
+            EXPECT_EQ(removal || failed ? difference(stateNow(), before) : "", "") << function;
         }
     }
 }
@@ -302,7 +280,7 @@ TEST_F(setupTest, TheScriptsInstallAndRemoveTheShippedPackage)
     };
     const std::wstring quoted = L"\" \"" + folder.wstring() + L"\"";
     run(L"cmd /c echo"); // makes the folder for its output
-    const state_t before = state();
+    const state_t before = stateNow();
     EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + L"\" Q:\\x"), 1);
     EXPECT_NE(fileBytes(L"C:\\run\\out.txt").find("there is no Q:"), std::string::npos);
     EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + quoted), 0)
@@ -317,5 +295,5 @@ TEST_F(setupTest, TheScriptsInstallAndRemoveTheShippedPackage)
         << fileBytes(L"C:\\run\\out.txt");
     EXPECT_TRUE(fs::exists(folder / L"Cleanup.txt"));
     fs::remove_all(folder);
-    EXPECT_EQ(difference(before, state()), "");
+    expectState(before);
 }
