@@ -119,7 +119,7 @@ TEST_F(Calls, OfASessionAreTheseInThisOrder)
     const plugin_t plugin;
     std::vector<hookedFunction_t> functions;
     for (const auto& [name, kinds] : shown)
-        functions.push_back({name.c_str()});
+        functions.push_back({name});
     const importHooks_t own(GetModuleHandleW(L"VLOnlineIDs.dll"), functions, note);
     const importHooks_t settingsSet(settings.get(), {{"RegSetValueExW"}}, note);
     std::string all;

@@ -1,10 +1,7 @@
 #pragma once
 
 #include "common/module.h"
-#include "common/scoped.h"
-#include "support/files.h"
-
-#include <process.h>
+#include "support/process.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -28,16 +25,13 @@ inline void inChildren(const std::string& scenario, size_t first)
         _putenv_s("VL_SCENARIO", scenario.c_str());
         _putenv_s("VL_FIRST", std::to_string(first).c_str());
         std::filesystem::remove(reportFile);
-        const std::filesystem::path program = moduleFileName(nullptr);
-        const CKernelHandle child(reinterpret_cast<HANDLE>(
-            _wspawnl(_P_NOWAIT, program.c_str(), L"child", L"--gtest_filter=*DISABLED_Child",
-                     L"--gtest_also_run_disabled_tests", L"--gtest_brief=1", nullptr)));
+        const process_t child(moduleFileName(nullptr),
+                              L"--gtest_filter=*DISABLED_Child --gtest_also_run_disabled_tests");
         std::string seen;
         bool hangs = false;
-        while (!hangs && WaitForSingleObject(child.get(), 90000) != WAIT_OBJECT_0)
+        while (!hangs && child.runs(90000))
             hangs = std::exchange(seen, fileBytes(reportFile)) == fileBytes(reportFile);
-        if (hangs)
-            TerminateProcess(child.get(), 1);
+        child.kill();
         std::string about;
         size_t at = first - 1;
         std::ifstream report(reportFile);

@@ -32,20 +32,11 @@ HMODULE hooked(const wchar_t* name)
 {
     const auto folder = std::filesystem::path(moduleFileName(nullptr)).parent_path();
     const HMODULE module = LoadLibraryW((folder / name).c_str());
-    std::vector<hookedFunction_t> functions;
-    for (const char* function : {"FindFirstFileW", "FindNextFileW",
-                                 "FindClose",      "DeleteFileW",
-                                 "CreateFileW",    "WriteFile",
-                                 "CloseHandle",    "SetNamedSecurityInfoW",
-                                 "_wfopen",        "fputs",
-                                 "fclose",         "RegOpenKeyExW",
-                                 "RegDeleteKeyW",  "RegCreateKeyExW",
-                                 "RegSetValueExW", "RegCloseKey",
-                                 "FindWindowExW",  "PostMessageW",
-                                 "OpenSemaphoreW", "WaitForSingleObject",
-                                 "SetEvent",       "ReleaseSemaphore",
-                                 "ImpersonateSelf"})
-        functions.push_back({function});
+    const auto functions = hookedFunctions(
+        "FindFirstFileW FindNextFileW FindClose DeleteFileW CreateFileW WriteFile CloseHandle "
+        "SetNamedSecurityInfoW _wfopen fputs fclose RegOpenKeyExW RegDeleteKeyW RegCreateKeyExW "
+        "RegSetValueExW RegCloseKey FindWindowExW PostMessageW OpenSemaphoreW WaitForSingleObject "
+        "SetEvent ReleaseSemaphore ImpersonateSelf");
     new importHooks_t(module, functions, countDown); // for as long as the process lives
     return module;
 }

@@ -53,14 +53,10 @@ const std::pair<ULONGLONG, const char*> failures[] = {
 
 std::vector<hookedFunction_t> failing()
 {
-    static std::vector<std::string> names;
     std::vector<hookedFunction_t> functions;
-    names.reserve(500); // their places stay
-    for (const auto& [result, group] : failures) {
-        std::istringstream in(group);
-        for (std::string name; in >> name;)
-            functions.push_back({names.emplace_back(name).c_str(), result});
-    }
+    for (const auto& [result, names] : failures)
+        for (const hookedFunction_t& function : hookedFunctions(names, result))
+            functions.push_back(function);
     return functions;
 }
 
@@ -182,14 +178,8 @@ void Faults::sweep(const std::string& scenario, size_t first, std::ostream& repo
             continue;
         report << "at " << at << std::endl;
         failed.clear();
-        std::string grown;
-        for (int round = 0; round < 4; ++round) { // what is kept once is a cache
-            const heldResources_t before;
-            tryOnce(at, round == 0);
-            grown = heldResources_t().grownSince(before);
-            if (grown.empty())
-                break;
-        }
+        bool isFirst = true;
+        const std::string grown = grownBy([&] { tryOnce(at, std::exchange(isFirst, false)); });
         if (!grown.empty() && failed != "fputs") // after which the stream stays open
             report << "BAD grows by " << grown << '\n';
         if (!isTracingFree())
@@ -224,6 +214,6 @@ TEST_P(EachFault, EndsWellAndKeepsNothing)
 INSTANTIATE_TEST_SUITE_P(Operations, EachFault,
                          testing::Values("creation", "information", "status", "notification",
                                          "registration", "backup", "restore", "pluginData",
-                                         "status+trace", "backup+trace"));
+                                         "refusals", "status+trace", "backup+trace"));
 
 } // namespace

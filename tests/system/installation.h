@@ -5,16 +5,15 @@
 #include "common/scoped.h"
 #include "common/text.h"
 #include "support/backupbytes.h"
-#include "support/files.h"
+#include "support/process.h"
 #include "support/registry.h"
 #include "support/tracetree.h"
 #include "vlonlineids.h"
 
-#include <process.h>
-
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -139,23 +138,22 @@ protected:
     }
     void setTracing(DWORD on) const
     {
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, (m_key + LR"(\Tracing)").c_str(), L"DoTrace", REG_DWORD,
-                        &on, sizeof on);
+        const auto key = m_key + LR"(\Tracing)";
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"DoTrace", REG_DWORD, &on, sizeof on);
     }
     void startAgent()
     {
         const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vl-test-ready"));
-        m_agent.reset(reinterpret_cast<HANDLE>(
-            _wspawnl(_P_NOWAIT, (m_built / L"vlagent.exe").c_str(), L"vlagent", L"--ready-event",
-                     L"vl-test-ready", L"--journal", LR"(C:\VL\journal.txt)", nullptr)));
+        m_agent.emplace(m_built / L"vlagent.exe",
+                        LR"(--ready-event vl-test-ready --journal C:\VL\journal.txt)");
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 30000));
     }
     void stopAgent()
     {
         if (!m_agent)
             return;
-        _wspawnl(_P_WAIT, (m_built / L"vlagent.exe").c_str(), L"vlagent", L"--quit", nullptr);
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(m_agent.get(), 30000));
+        process_t(m_built / L"vlagent.exe", L"--quit").result();
+        EXPECT_EQ(0u, m_agent->result().status);
         m_agent.reset();
     }
 
@@ -198,5 +196,5 @@ protected:
     const std::wstring m_icon = (m_built / L"Branding.dll").wstring() + L",193";
     const fs::path m_root = L"C:\\VL", m_traceFile = m_root / L"trace.trc3";
     const fs::path m_krs = fs::path(_wgetenv(L"APPDATA")) / L"Veltrano" / L"KRS";
-    CKernelHandle m_agent;
+    std::optional<process_t> m_agent;
 };

@@ -30,44 +30,47 @@ protected:
     // run: the scenario begins with the name
     outcome_t run(const plugin_t& plugin, const std::string& scenario)
     {
-        const std::pair<const char*, outcome_t (operationsTest::*)(const plugin_t&)> operations[] =
-            {{"information", &operationsTest::information},
-             {"status", &operationsTest::status},
-             {"notification", &operationsTest::notification},
-             {"backup", &operationsTest::backup},
-             {"restore", &operationsTest::restore},
-             {"pluginData", &operationsTest::pluginData},
-             {"registration", &operationsTest::registration},
-             {"creation", &operationsTest::creation}};
+        const std::pair<const char*, void (operationsTest::*)(const plugin_t&, outcome_t&)>
+            operations[] = {{"information", &operationsTest::information},
+                            {"status", &operationsTest::status},
+                            {"notification", &operationsTest::notification},
+                            {"backup", &operationsTest::backup},
+                            {"restore", &operationsTest::restore},
+                            {"pluginData", &operationsTest::pluginData},
+                            {"registration", &operationsTest::registration},
+                            {"creation", &operationsTest::creation},
+                            {"refusals", &operationsTest::refusals}};
+        outcome_t outcome;
         for (const auto& [name, operation] : operations)
             if (scenario.starts_with(name))
-                return (this->*operation)(plugin);
-        return {};
+                (this->*operation)(plugin, outcome);
+        return outcome;
     }
 
     bytes m_secrets = seq({seq({wide(L"KRS Protected Storage"), octets("s")})});
     const agentStub_t m_agentStub;
 
 private:
-    outcome_t information(const plugin_t& plugin)
+    static void addProperty(outcome_t& outcome, IVLKTElementUI* element, ULONG id, value_t& value)
     {
-        outcome_t outcome;
+        const HRESULT status = element->GetProperty(id, &value);
+        outcome.add(status, value);
+        if (FAILED(status))
+            value.vt = VT_EMPTY; // its payload may never have been stored
+    }
+    void information(const plugin_t& plugin, outcome_t& outcome)
+    {
         for (const ULONG id : {1u, 2u, 3u, 4u, 8u, 100u, 101u, 103u, 7u}) {
             value_t value;
-            const HRESULT status = plugin.as<IVLKTElementUI>()->GetProperty(id, &value);
-            outcome.add(status, value);
-            if (FAILED(status))
-                value.vt = VT_EMPTY; // its payload may never have been stored
+            addProperty(outcome, plugin.as<IVLKTElementUI>(), id, value);
         }
         value_t value;
         outcome.add(plugin.as<IVLKTPluginInfo>()->GetInfo(0, &value), value);
         outcome.add(plugin.as<IVLKTPages>()->AddPages());
         outcome.add(plugin.as<IVLKTTraySubscribe>()->Subscribe());
-        return outcome;
     }
-    outcome_t status(const plugin_t& plugin)
+    void status(const plugin_t& plugin, outcome_t& outcome)
     {
-        outcome_t outcome;
         ULONG number = 0;
         value_t text;
         text.vt = VT_BSTR;
@@ -78,25 +81,21 @@ private:
         outcome.given += std::to_string(number);
         for (const ULONG disabled : {1u, 0u})
             outcome.add(plugin.as<IVLKTDisableApp>()->DisableLocal(disabled));
-        return outcome;
     }
-    outcome_t notification(const plugin_t& plugin)
+    void notification(const plugin_t& plugin, outcome_t& outcome)
     {
-        outcome_t outcome;
-        value_t notices;
-        outcome.add(plugin.as<IVLKTElementUI>()->GetProperty(propertyNotifications, &notices));
-        if (FAILED(outcome.statuses[0]))
-            notices.vt = VT_EMPTY; // its payload may never have been stored
+        value_t notices, shown;
+        addProperty(outcome, plugin.as<IVLKTElementUI>(), propertyNotifications, notices);
+        outcome.given.clear();
         if (notices.vt != (VT_ARRAY | VT_VARIANT) || !notices.parray ||
             notices.parray->rgsabound[0].cElements == 0)
-            return outcome;
+            return;
         const auto& element = *static_cast<VARIANT*>(notices.parray->pvData);
         IVLKTElementUI* notice = nullptr;
         if (element.vt != VT_UNKNOWN || !element.punkVal ||
             FAILED(element.punkVal->QueryInterface(__uuidof(IVLKTElementUI),
                                                    reinterpret_cast<void**>(&notice))))
-            return outcome;
-        value_t shown;
+            return;
         shown.vt = VT_BOOL;
         shown.boolVal = VARIANT_TRUE;
         outcome.add(notice->SetProperty(commandSetShown, &shown));
@@ -104,65 +103,82 @@ private:
         for (const ULONG id : {notificationCaption, notificationShown, notificationActions,
                                propertySecurityLevel, propertyExplanation}) {
             value_t value;
-            const HRESULT result = notice->GetProperty(id, &value);
-            outcome.add(result, value);
+            addProperty(outcome, notice, id, value);
         }
         notice->Release();
-        return outcome;
     }
-    outcome_t backup(const plugin_t& plugin)
+    void backup(const plugin_t& plugin, outcome_t& outcome)
     {
-        outcome_t outcome;
         value_t names, data;
         outcome.add(plugin.as<IVLKTBackupRestore2>()->GetStorageData(&names, &data), data);
-        return outcome;
     }
-    outcome_t restored(HRESULT status)
+    void restored(HRESULT status, outcome_t& outcome) const
     {
-        outcome_t outcome;
         outcome.add(status);
         for (const auto& [name, content] : userFiles())
             outcome.given += name + '=' + content + '\n';
-        return outcome;
     }
-    outcome_t restore(const plugin_t& plugin)
+    void restore(const plugin_t& plugin, outcome_t& outcome)
     {
         value_t data(newLogon(m_files, m_settings));
-        const auto with = plugin.as<IVLKTBackupRestore2>();
-        outcome_t outcome = restored(with->SetStorageData2(0x10002, &data));
+        restored(plugin.as<IVLKTBackupRestore2>()->SetStorageData2(0x10002, &data), outcome);
         if (data.parray->cLocks != 0)
             outcome.given += "the host's array is locked";
-        return outcome;
     }
-    outcome_t pluginData(const plugin_t& plugin)
+    static HRESULT takes(const plugin_t& plugin, const bytes& secrets, const bytes& data)
+    {
+        return plugin.as<IVLKTBackupRestore3>()->SetPluginData(
+            static_cast<ULONG>(secrets.size()), secrets.data(), static_cast<ULONG>(data.size()),
+            data.data());
+    }
+    void pluginData(const plugin_t& plugin, outcome_t& outcome)
     {
         m_agentStub.answer();
-        const bytes logon = newLogon(m_files, m_oldSettings);
-        return restored(plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-            static_cast<ULONG>(m_secrets.size()), m_secrets.data(),
-            static_cast<ULONG>(logon.size()), logon.data()));
+        restored(takes(plugin, m_secrets, newLogon(m_files, m_oldSettings)), outcome);
     }
-    outcome_t registration(const plugin_t& plugin)
+    void registration(const plugin_t& plugin, outcome_t& outcome)
     {
-        outcome_t outcome;
         for (const char* entry : {"DllRegisterServer", "DllUnregisterServer"})
             outcome.add(plugin.entry<HRESULT WINAPI()>(entry)());
-        return outcome;
     }
-    outcome_t creation(const plugin_t& plugin)
+    static void make(const plugin_t& plugin, outcome_t& outcome, IUnknown* outer, REFIID wanted)
     {
-        outcome_t outcome;
         void *factory = nullptr, *object = nullptr;
         outcome.add(plugin.entry<decltype(DllGetClassObject)>("DllGetClassObject")(
             CLSID_CVLKTPages, IID_IClassFactory, &factory));
         if (!factory)
-            return outcome;
+            return;
         const auto made = static_cast<IClassFactory*>(factory);
-        outcome.add(made->CreateInstance(nullptr, IID_IUnknown, &object));
+        outcome.add(made->CreateInstance(outer, wanted, &object));
         made->Release();
         if (object)
             static_cast<IUnknown*>(object)->Release();
-        return outcome;
+    }
+    void creation(const plugin_t& plugin, outcome_t& outcome)
+    {
+        make(plugin, outcome, nullptr, IID_IUnknown);
+    }
+    void refusals(const plugin_t& plugin, outcome_t& outcome)
+    {
+        outcome.add(plugin.as<IVLKTElementUI>()->GetProperty(propertyName, nullptr));
+        ULONG number = 0;
+        value_t text, none;
+        text.vt = VT_BSTR;
+        text.bstrVal = nullptr;
+        // A disabled application gives a text and a failure at once.
+        outcome.add(plugin.as<IVLKTDisableApp>()->DisableLocal(1));
+        outcome.add(plugin.as<IVLKSecurityStatus>()->GetStatus(&number, &text.bstrVal), text);
+        outcome.add(plugin.as<IVLKTDisableApp>()->DisableLocal(0));
+        const bytes garbage(300, 0x30);
+        for (const bytes& data : {seq({}), garbage, bytes()}) {
+            value_t value(data);
+            outcome.add(plugin.as<IVLKTBackupRestore2>()->SetStorageData(&value));
+        }
+        outcome.add(plugin.as<IVLKTBackupRestore2>()->SetStorageData2(0, &none));
+        outcome.add(takes(plugin, m_secrets, garbage));
+        outcome.add(takes(plugin, m_secrets, {}));
+        make(plugin, outcome, plugin.as<IUnknown>(), IID_IUnknown);
+        make(plugin, outcome, nullptr, IID_IDispatch);
     }
 
     const std::vector<bytes> m_files = {filePair(L"new.vlm", "new"), filePair(L"bank.vlm", "bank"),

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "common/scoped.h"
-#include "common/text.h"
-#include "support/files.h"
 #include "support/registry.h"
+#include "support/state.h"
 
 #include <algorithm>
 #include <cstring>
@@ -23,45 +22,29 @@ inline const std::wstring dashboard = LR"(SOFTWARE\Veltrano\Applications\DashBoa
 inline const std::wstring settings = LR"(SOFTWARE\Veltrano\Settings)";
 inline const std::wstring categories = dashboard + LR"(\QLCategories)";
 
-// state_t is all that a restore may touch, and what surrounds it: the files below C:\hostile and
-// those right in C:\, by full path, and the user's values, by key, bar and name. The content of a
-// value begins with its type.
-using state_t = std::map<std::wstring, std::string>;
-
-// addFiles goes down into folders unless depth is 0, and reads the files if it has to.
-inline void addFiles(const std::wstring& folder, int depth, bool read, state_t& state)
-{
-    WIN32_FIND_DATAW found;
-    const CSearchHandle search(FindFirstFileW((folder + L'*').c_str(), &found));
-    for (bool more{search}; more; more = FindNextFileW(search.get(), &found)) {
-        const std::wstring name = found.cFileName, path = folder + name;
-        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
-            state[path] = read ? fileBytes(path) : std::to_string(found.nFileSizeLow);
-        else if (depth > 0 && name != L"." && name != L".." &&
-                 (read || (name != L"hostile" && name != L"VL")))
-            addFiles(path + L'\\', depth - 1, read, state);
-    }
-}
-
+// stateNow is all that a restore may touch, and what surrounds it: the files below C:\hostile and
+// those right in C:\, and the user's values. Folders stay where they were made.
 inline state_t stateNow()
 {
     state_t state;
-    addFiles(LR"(\\?\C:\)", 0, true, state);
-    addFiles(LR"(\\?\C:\hostile\)", 9, true, state);
-    std::wstring name(0x4000, L'\0');
-    std::string data(0x10000, '\0');
-    for (const std::wstring& path : {settings, dashboard, categories}) {
-        CRegistryKey key;
-        RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, key.put());
-        if (key)
-            state[path + L'|']; // also without a value of no name
-        DWORD length = 0x4000, type = 0, size = 0x10000;
-        for (DWORD i = 0; RegEnumValueW(key.get(), i, name.data(), &length, nullptr, &type,
-                                        reinterpret_cast<BYTE*>(data.data()), &size) == 0;
-             ++i, length = 0x4000, size = 0x10000)
-            state[path + L'|' + name.substr(0, length)] =
-                static_cast<char>(type) + data.substr(0, size);
-    }
+    addFiles(state, LR"(\\?\C:\)", 0);
+    addFiles(state, LR"(\\?\C:\hostile\)");
+    addValues(state, HKEY_CURRENT_USER, settings);
+    addValues(state, HKEY_CURRENT_USER, dashboard);
+    std::erase_if(state, [](const auto& one) {
+        return one.first.starts_with(L'\\') && one.first.ends_with(L'\\');
+    });
+    return state;
+}
+
+// outsideNow is what else is on the disk.
+inline state_t outsideNow()
+{
+    state_t state;
+    addFiles(state, LR"(C:\)", 9, false);
+    std::erase_if(state, [](const auto& one) {
+        return one.first.starts_with(LR"(C:\hostile\)") || one.first.starts_with(LR"(C:\VL\)");
+    });
     return state;
 }
 
@@ -118,20 +101,6 @@ inline state_t firstState()
         setData(key, name, text);
     setData(categories, L"Home", L"%HOME%", REG_EXPAND_SZ);
     return stateNow();
-}
-
-// difference names what is in only one of the states, or not the same.
-inline std::string difference(const state_t& is, const state_t& wanted)
-{
-    std::string text;
-    for (const auto& [mark, one, other] :
-         {std::tuple{" is ", &is, &wanted}, {" for ", &wanted, &is}})
-        for (const auto& [name, content] : *one)
-            if (!other->contains(name) || other->at(name) != content)
-                text += mark + utf8FromWide(name) + '=' + content;
-    std::erase(text, '\0');
-    std::replace(text.begin(), text.end(), '\n', '~');
-    return text;
 }
 
 // element_t is an element as it stands in the bytes, empty for a missing one, with its readings:

@@ -107,8 +107,9 @@ TEST_F(Session, IsTracedRecordByRecord)
         value_t none, text;
         const auto restore = plugin.as<IVLKTBackupRestore2>();
         const std::wstring dll = (m_built / L"VLOnlineIDs.dll").wstring();
-        EXPECT_EQ(0, _wspawnl(_P_WAIT, LR"(C:\windows\system32\regsvr32.exe)", L"regsvr32", L"/s",
-                              (L'"' + dll + L'"').c_str(), nullptr)); // the platform's own tool
+        const process_t platformsTool(LR"(C:\windows\system32\regsvr32.exe)",
+                                      L"/s \"" + dll + L'"');
+        EXPECT_EQ(0u, platformsTool.result().status);
         information(plugin);
         const std::string links = fileBytes(m_krs / L"QuickLinks.txt");
         pluginData(plugin);

@@ -1,7 +1,6 @@
 #include "installation.h"
 
 #include <windows.h>
-#include <process.h>
 #include <psapi.h>
 
 namespace {
@@ -33,8 +32,9 @@ TEST_F(Versions, AnOlderSystemGetsItsTextsFromTheLanguageFiles)
         const fs::path program = moduleFileName(nullptr);
         const std::wstring key = LR"(Software\Wine\AppDefaults\)" + program.filename().wstring();
         setValue(HKEY_CURRENT_USER, key, L"Version", L"winxp64");
-        EXPECT_EQ(0, _wspawnl(_P_WAIT, program.c_str(), L"system_test", L"--gtest_brief=1",
-                              L"--gtest_filter=*AnOlderSystem*", nullptr));
+        const processResult_t older =
+            process_t(program, L"--gtest_brief=1 --gtest_filter=*AnOlderSystem*").result();
+        EXPECT_EQ(0u, older.status) << older.out;
         RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
         return;
     }
