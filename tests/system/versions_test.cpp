@@ -46,4 +46,34 @@ TEST_F(Versions, AnOlderSystemGetsItsTextsFromTheLanguageFiles)
     EXPECT_FALSE(isLanguageFileMapped()) << "without the plug-in";
 }
 
+TEST_F(Versions, EachFileSaysWhatItIs)
+{
+    const fs::path bin = fs::path(moduleFileName(nullptr)).parent_path().parent_path();
+    for (const wchar_t* name : {L"vlhost.exe", L"vlbackup.exe", L"vltrace.exe", L"vlsetup.exe",
+                                L"vlagent.exe", L"VLUserConsole.exe", L"VLOnlineIDs.dll",
+                                L"VloSet.dll", L"VLFPApi.dll", L"Branding.dll"}) {
+        SCOPED_TRACE(utf8FromWide(name));
+        const fs::path file = bin / name;
+        std::string block(GetFileVersionInfoSizeW(file.c_str(), nullptr), '\0');
+        GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data());
+        const auto text = [&](const wchar_t* item) {
+            for (const wchar_t* language : {L"040904B0", L"000004B0"}) {
+                void* value = nullptr;
+                UINT size = 0;
+                const std::wstring path =
+                    LR"(\StringFileInfo\)" + (language + (LR"(\)" + std::wstring(item)));
+                if (VerQueryValueW(block.data(), path.c_str(), &value, &size))
+                    return std::wstring(static_cast<const wchar_t*>(value));
+            }
+            return std::wstring();
+        };
+        EXPECT_EQ(name, text(L"OriginalFilename"));
+        EXPECT_NE(L"", text(L"FileDescription"));
+        EXPECT_EQ(L"1.0.0", text(L"ProductVersion"));
+        const CLoadedModule module(LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        EXPECT_TRUE(file.extension() == L".dll" ||
+                    FindResourceW(module.get(), MAKEINTRESOURCEW(1), RT_GROUP_ICON));
+    }
+}
+
 } // namespace
