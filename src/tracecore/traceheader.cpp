@@ -1,6 +1,7 @@
 #include "tracecore/traceheader.h"
 
 #include "common/scoped.h"
+#include "formats/trace/recordformat.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -165,7 +166,7 @@ void writeTraceHeader(HANDLE file, HMODULE module)
     DWORD size = lineLimit;
     GetComputerNameA(machine, &size);
     writeLine(file, "Machine name: %s\r\n", machine);
-    writeLine(file, "Trace Ver: %s\r\n", "3.0.2");
+    writeLine(file, "Trace Ver: %s\r\n", traceFormatVersion);
     writeVersion(file, module);
     writeProducts(file);
     writeLine(file, "installation: %s\r\n", installedLocally() ? "LOCAL" : "NETWORK");

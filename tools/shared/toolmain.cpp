@@ -12,6 +12,14 @@
 #include <shellapi.h>
 #endif
 
+#ifdef _WIN32
+namespace {
+
+constexpr DWORD streams[] = {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+
+} // namespace
+#endif
+
 CToolStreams::CToolStreams()
 {
 #ifdef _WIN32
@@ -19,6 +27,9 @@ CToolStreams::CToolStreams()
         _setmode(_fileno(stream), _O_BINARY);
     m_codePage = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
+    for (size_t i = 0; i < m_modes.size(); ++i)
+        if (const HANDLE stream = GetStdHandle(streams[i]); GetConsoleMode(stream, &m_modes[i]))
+            SetConsoleMode(stream, m_modes[i] | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 #endif
     std::ios::sync_with_stdio(false);
 }
@@ -28,6 +39,9 @@ CToolStreams::~CToolStreams()
     std::cout.flush(); // while the console still reads UTF-8
 #ifdef _WIN32
     SetConsoleOutputCP(m_codePage);
+    for (size_t i = 0; i < m_modes.size(); ++i)
+        if (m_modes[i] != 0)
+            SetConsoleMode(GetStdHandle(streams[i]), m_modes[i]);
 #endif
 }
 

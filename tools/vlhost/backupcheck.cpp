@@ -2,8 +2,8 @@
 
 #include "common/text.h"
 #include "files.h"
-#include "progress.h"
 #include "quicklinks/quicklinks.h"
+#include "shared/progress.h"
 #include "shared/systemerror.h"
 #include "shared/toolerror.h"
 #include "storage/folderlist.h"

@@ -4,7 +4,9 @@
 #include "print.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/outputfile.h"
+#include "shared/terminal.h"
 #include "takebackup.h"
 
 #include <iostream>
@@ -54,7 +56,7 @@ void report(Json::Value& json, const BackupFinding& finding, bool asJson)
     one["item"] = finding.where;
     one["what"] = finding.what;
     json["findings"].append(one);
-    if (!asJson)
+    if (!asJson && (finding.grade == BackupFinding::Grade::error || !isQuiet()))
         std::cerr << "vlhost: " << printable(findingText(finding)) << '\n';
 }
 
@@ -96,7 +98,7 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
         throw CToolError("the plug-in gave a backup that is not whole",
                          "nothing was written to " + arguments.file +
                              "; mend what is listed, and try again");
-    if (!options.json)
+    if (!options.json && !isQuiet())
         (toOutput ? std::cerr : std::cout)
             << "file: " << printable(arguments.file) << "\nbytes: " << backup.bytes.size()
             << "\ncontents: " << contentsText(contents, backup) << '\n';
@@ -112,5 +114,6 @@ void addBackupCommand(CLI::App& app, const options_t& options)
     command->add_option("file", arguments->file, "Where the bytes go; - is standard output")
         ->required();
     command->add_flag("--force", arguments->force, "Replace the file");
+    addExample(*command, "vlhost backup logons.vlb");
     command->callback([arguments, &options] { takeAndCheck(*arguments, options); });
 }

@@ -3,6 +3,7 @@
 #include "print.h"
 #include "secretstore.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
 #include "variantjson.h"
@@ -164,10 +165,11 @@ public:
 
     void AddProperties()
     {
-        CLI::App* const get = Add("get-property", "IVLKTElementUI::GetProperty", getProperty);
-        get->add_option("id", m_arguments->number)->required();
-        CLI::App* const set = Add("set-property", "IVLKTElementUI::SetProperty", setProperty);
-        set->add_option("id", m_arguments->command)->required();
+        CLI::App* const get = Add("get-property", "IVLKTElementUI::GetProperty", " 1", getProperty);
+        get->add_option("id", m_arguments->number, "Number of the property")->required();
+        CLI::App* const set = Add("set-property", "IVLKTElementUI::SetProperty",
+                                  " 1 --type bool --value false", setProperty);
+        set->add_option("id", m_arguments->command, "Number of the command")->required();
         set->add_option("--type", m_arguments->type, "Type of the value; null is no VARIANT at all")
             ->check(CLI::IsMember({"bool", "number", "text", "empty", "null"}))
             ->capture_default_str();
@@ -175,25 +177,26 @@ public:
         for (CLI::App* const command : {get, set})
             command->add_option("--notification", m_arguments->notification,
                                 "Of that notification, the first is 1, instead of the plug-in");
-        Add("get-info", "IVLKTPluginInfo::GetInfo", getInfo)
-            ->add_option("id", m_arguments->number)
+        Add("get-info", "IVLKTPluginInfo::GetInfo", " 0", getInfo)
+            ->add_option("id", m_arguments->number, "Number of the information")
             ->required();
     }
 
     void AddState()
     {
-        Add("add-pages", "IVLKTPages::AddPages", [](const CPluginHost& host, const arguments_t&) {
-            return outcome(host.Get<IVLKTPages>().get()->AddPages());
-        });
-        Add("get-status", "IVLKSecurityStatus::GetStatus", getStatus);
-        Add("disable-status", "IVLKTDisableApp::GetStatus", disableStatus);
-        Add("disable-local", "IVLKTDisableApp::DisableLocal",
+        Add("add-pages", "IVLKTPages::AddPages", "",
+            [](const CPluginHost& host, const arguments_t&) {
+                return outcome(host.Get<IVLKTPages>().get()->AddPages());
+            });
+        Add("get-status", "IVLKSecurityStatus::GetStatus", "", getStatus);
+        Add("disable-status", "IVLKTDisableApp::GetStatus", "", disableStatus);
+        Add("disable-local", "IVLKTDisableApp::DisableLocal", " 1",
             [](const CPluginHost& host, const arguments_t& arguments) {
                 return outcome(host.Get<IVLKTDisableApp>().get()->DisableLocal(arguments.number));
             })
-            ->add_option("flag", m_arguments->number)
+            ->add_option("flag", m_arguments->number, "1 switches it off, 0 on")
             ->required();
-        Add("subscribe", "IVLKTTraySubscribe::Subscribe",
+        Add("subscribe", "IVLKTTraySubscribe::Subscribe", "",
             [](const CPluginHost& host, const arguments_t&) {
                 return outcome(host.Get<IVLKTTraySubscribe>().get()->Subscribe());
             });
@@ -201,16 +204,17 @@ public:
 
     void AddBackup()
     {
-        Add("get-storage-data", "IVLKTBackupRestore2::GetStorageData", getStorageData);
-        Add("set-storage-data", "IVLKTBackupRestore2::SetStorageData", setStorageData)
-            ->add_option("file", m_arguments->file)
+        Add("get-storage-data", "IVLKTBackupRestore2::GetStorageData", "", getStorageData);
+        Add("set-storage-data", "IVLKTBackupRestore2::SetStorageData", " logons.vlb",
+            setStorageData)
+            ->add_option("file", m_arguments->file, "The backup")
             ->required();
-        CLI::App* const second =
-            Add("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2", setStorageData2);
-        second->add_option("flags", m_arguments->number)->required();
-        second->add_option("file", m_arguments->file)->required();
-        CLI::App* const third =
-            Add("set-plugin-data", "IVLKTBackupRestore3::SetPluginData", setPluginData);
+        CLI::App* const second = Add("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
+                                     " 7 logons.vlb", setStorageData2);
+        second->add_option("flags", m_arguments->number, "Passed on to the agent")->required();
+        second->add_option("file", m_arguments->file, "The backup")->required();
+        CLI::App* const third = Add("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
+                                    " logons.vlb --secrets list.der", setPluginData);
         third->add_option("file", m_arguments->file, "The backup")->required();
         third->add_option("--secrets", m_arguments->secretsFile,
                           "The encoded secret list; - is standard input");
@@ -219,9 +223,11 @@ public:
 private:
     using body_t = Json::Value (*)(const CPluginHost&, const arguments_t&);
 
-    CLI::App* Add(const char* name, const char* help, body_t body)
+    // sample: the arguments of the example, with a blank in front
+    CLI::App* Add(const char* name, const char* help, const char* sample, body_t body)
     {
         CLI::App* const command = m_call->add_subcommand(name, help);
+        addExample(*command, std::string("vlhost call ") + name + sample);
         command->callback([&options = m_options, arguments = m_arguments, body] {
             const CPluginHost host(options.plugin);
             const Json::Value result = body(host, *arguments);

@@ -4,6 +4,7 @@
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/systemerror.h"
 #include "variantjson.h"
 #include "variants.h"
@@ -245,22 +246,29 @@ Json::Value switchTo(const CPluginHost& host, bool on)
 
 void addDashboardCommands(CLI::App& app, const options_t& options)
 {
-    const auto add = [&](const char* name, const char* help, auto body) {
-        app.add_subcommand(name, help)->callback([&options, body] {
+    const auto add = [&](const char* name, const char* help, auto body, auto print) {
+        CLI::App* const command = app.add_subcommand(name, help);
+        addExample(*command, std::string("vlhost ") + name);
+        command->callback([&options, body, print] {
             const CPluginHost host(options.plugin);
-            printResult(body(host), options.json);
+            print(body(host), options.json);
         });
     };
-    add("info", "Everything that a dashboard shows of the plug-in", infoOf);
-    add("status", "Status, level, and whether the application is switched off", statusOf);
-    add("notifications", "What the user should look at", notificationsOf);
-    add("dismiss", "Dismiss the notification",
-        [](const CPluginHost& host) { return setShown(host, false); });
-    add("show", "Show the notification again",
-        [](const CPluginHost& host) { return setShown(host, true); });
-    add("console", "Open the console at the plug-in's page", openConsole);
-    add("enable", "Switch the application on",
-        [](const CPluginHost& host) { return switchTo(host, true); });
-    add("disable", "Switch the application off",
-        [](const CPluginHost& host) { return switchTo(host, false); });
+    add("info", "Everything that a dashboard shows of the plug-in", infoOf, printResult);
+    add("status", "Status, level, and whether the application is switched off", statusOf,
+        printResult);
+    add("notifications", "What the user should look at", notificationsOf, printResult);
+    add(
+        "dismiss", "Dismiss the notification",
+        [](const CPluginHost& host) { return setShown(host, false); }, printDone);
+    add(
+        "show", "Show the notification again",
+        [](const CPluginHost& host) { return setShown(host, true); }, printDone);
+    add("console", "Open the console at the plug-in's page", openConsole, printDone);
+    add(
+        "enable", "Switch the application on",
+        [](const CPluginHost& host) { return switchTo(host, true); }, printDone);
+    add(
+        "disable", "Switch the application off",
+        [](const CPluginHost& host) { return switchTo(host, false); }, printDone);
 }

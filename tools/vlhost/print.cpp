@@ -4,6 +4,7 @@
 #include "shared/jsontext.h"
 #include "shared/statusnames.h"
 #include "shared/systemerror.h"
+#include "shared/terminal.h"
 
 #include <iostream>
 
@@ -24,4 +25,10 @@ void printResult(const Json::Value& value, bool asJson)
     } else {
         std::cout << plainText(value);
     }
+}
+
+void printDone(const Json::Value& value, bool asJson)
+{
+    if (asJson || !isQuiet())
+        printResult(value, asJson);
 }

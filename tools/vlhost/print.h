@@ -9,3 +9,6 @@ Json::Value jsonOfStatus(HRESULT status);
 
 // printResult writes value to standard output, as JSON or for people.
 void printResult(const Json::Value& value, bool asJson);
+
+// printDone is printResult for what nobody asked for, of work that is done: nothing with --quiet.
+void printDone(const Json::Value& value, bool asJson);

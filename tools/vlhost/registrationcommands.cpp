@@ -3,6 +3,7 @@
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/systemerror.h"
 #include "shared/windowsfiles.h"
 
@@ -37,17 +38,19 @@ void registerWith(const options_t& options, const char* function, bool registere
     Json::Value json(Json::objectValue);
     json["file"] = utf8FromWide(path);
     json["done"] = function;
-    printResult(json, options.json);
+    printDone(json, options.json);
 }
 
 } // namespace
 
 void addRegistrationCommands(CLI::App& app, const options_t& options)
 {
-    app.add_subcommand("register", "Register the plug-in with the dashboard")->callback([&options] {
-        registerWith(options, "DllRegisterServer", false);
-    });
-    app.add_subcommand("unregister", "Take the plug-in out of the dashboard")->callback([&options] {
-        registerWith(options, "DllUnregisterServer", true);
-    });
+    const auto add = [&](const char* name, const char* help, const char* function,
+                         bool registered) {
+        CLI::App* const command = app.add_subcommand(name, help);
+        addExample(*command, std::string("vlhost ") + name);
+        command->callback([=, &options] { registerWith(options, function, registered); });
+    };
+    add("register", "Register the plug-in with the dashboard", "DllRegisterServer", false);
+    add("unregister", "Take the plug-in out of the dashboard", "DllUnregisterServer", true);
 }

@@ -9,6 +9,7 @@
 #include "secretstore.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
 #include "takebackup.h"
@@ -208,6 +209,7 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
     command->add_flag("--list-undo", arguments->listUndo, "List the safety copies, newest first")
         ->excludes(file)
         ->excludes(undoOption);
+    addExample(*command, "vlhost restore logons.vlb --dry-run");
     command->callback([arguments, &options] {
         if (arguments->file.empty() && !arguments->undo && !arguments->listUndo)
             throw CToolError("a backup is wanted", "vlhost restore FILE", exitStatus::wrongUsage);

@@ -4,6 +4,7 @@
 #include "formats/text/printable.h"
 #include "print.h"
 #include "safetycopy.h"
+#include "shared/terminal.h"
 
 #include <iomanip>
 #include <iostream>
@@ -42,7 +43,7 @@ std::string textOfPlan(const Json::Value& plan)
 
 void CRestoreReport::Text(const std::string& text) const
 {
-    if (!m_asJson)
+    if (!m_asJson && !isQuiet())
         std::cout << text << std::flush;
 }
 

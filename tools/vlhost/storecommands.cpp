@@ -3,6 +3,7 @@
 #include "print.h"
 #include "secretstore.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/systemerror.h"
 #include "storage/settings.h"
 
@@ -33,32 +34,40 @@ void addSecretCommands(CLI::App& app, const options_t& options)
         secret->add_subcommand("store", "Store it; the value is never on the command line");
     store->add_option("--from", arguments->descriptor, "File descriptor to read it from")
         ->capture_default_str();
+    addExample(*store, "vlhost secret store < password.txt");
     store->callback([arguments, &options] {
         const CSecretBytes value = readSecretFrom(arguments->descriptor);
         CSecretStore().Store(wideFromUtf8(arguments->name), value);
-        printResult(done("stored", arguments->name), options.json);
+        printDone(done("stored", arguments->name), options.json);
     });
 
     const auto target = std::make_shared<int>(1);
     CLI::App* const show = secret->add_subcommand("read", "Write its value to a file descriptor");
     show->add_option("--to", *target, "File descriptor to write it to")->capture_default_str();
+    addExample(*show, "vlhost secret read | vlhost restore logons.vlb --entry plugin-data "
+                      "--secret-from 0");
     show->callback([arguments, target] {
         writeSecretTo(*target, CSecretStore().Read(wideFromUtf8(arguments->name)));
     });
 
-    secret->add_subcommand("exists", "Check whether it is there; exit status 1 if not")
-        ->callback([arguments, &options] {
-            Json::Value json(Json::objectValue);
-            json["name"] = arguments->name;
-            const bool exists = CSecretStore().Exists(wideFromUtf8(arguments->name));
-            json["exists"] = exists;
-            printResult(json, options.json);
-            if (!exists)
-                throw CToolError("there is no secret '" + arguments->name + "'");
-        });
-    secret->add_subcommand("delete", "Remove it")->callback([arguments, &options] {
+    CLI::App* const ask =
+        secret->add_subcommand("exists", "Check whether it is there; exit status 1 if not");
+    addExample(*ask, "vlhost secret exists");
+    ask->callback([arguments, &options] {
+        Json::Value json(Json::objectValue);
+        json["name"] = arguments->name;
+        const bool exists = CSecretStore().Exists(wideFromUtf8(arguments->name));
+        json["exists"] = exists;
+        printDone(json, options.json);
+        if (!exists)
+            throw CToolError("there is no secret '" + arguments->name + "'");
+    });
+
+    CLI::App* const remove = secret->add_subcommand("delete", "Remove it");
+    addExample(*remove, "vlhost secret delete");
+    remove->callback([arguments, &options] {
         CSecretStore().Delete(wideFromUtf8(arguments->name));
-        printResult(done("deleted", arguments->name), options.json);
+        printDone(done("deleted", arguments->name), options.json);
     });
 }
 
@@ -78,7 +87,8 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
     const auto arguments = std::make_shared<arguments_t>();
 
     CLI::App* const get = settings->add_subcommand("get", "Read one");
-    get->add_option("key", arguments->name)->required();
+    get->add_option("key", arguments->name, "Its key")->required();
+    addExample(*get, "vlhost setting get path_localstorage_dir");
     get->callback([arguments, &options] {
         std::wstring value;
         const HRESULT status = settings_query(wideFromUtf8(arguments->name), value);
@@ -88,14 +98,15 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
     });
 
     CLI::App* const set = settings->add_subcommand("set", "Write one");
-    set->add_option("key", arguments->name)->required();
-    set->add_option("value", arguments->value)->required();
+    set->add_option("key", arguments->name, "Its key")->required();
+    set->add_option("value", arguments->value, "Its new value")->required();
+    addExample(*set, "vlhost setting set path_localstorage_dir D:\\Logons\\");
     set->callback([arguments, &options] {
         const HRESULT status =
             settings_set(wideFromUtf8(arguments->name), wideFromUtf8(arguments->value));
         if (FAILED(status))
             settingFailed(arguments->name, status);
-        printResult(done(arguments->name.c_str(), arguments->value), options.json);
+        printDone(done(arguments->name.c_str(), arguments->value), options.json);
     });
 }
 

@@ -3,6 +3,7 @@
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/windowsfiles.h"
 #include "traceswitch.h"
 #include "tracewatch.h"
@@ -194,7 +195,7 @@ void change(const arguments_t& arguments, const options_t& options, bool on,
     Json::Value json = statusOf(module);
     if (arguments.process)
         json["followed"] = followed;
-    printResult(json, options.json);
+    printDone(json, options.json);
 }
 
 void switchOn(const arguments_t& arguments, const options_t& options)
@@ -245,12 +246,16 @@ void addTraceCommands(CLI::App& app, const options_t& options)
     on->add_option("--dir", arguments->folder,
                    "Folder of the trace files, which the plug-in makes; it stays set");
     addWait(on, arguments);
+    addExample(*on, "vlhost trace on --dir C:\\traces --until 2026-12-31 --wait");
     on->callback([arguments, &options] { switchOn(*arguments, options); });
 
     CLI::App* const off = trace->add_subcommand("off", "Switch it off");
     addWait(off, arguments);
+    addExample(*off, "vlhost trace off --wait 4711");
     off->callback([arguments, &options] { change(*arguments, options, false, switchTraceOff); });
 
-    trace->add_subcommand("status", "What is set, and which trace files lie there")
-        ->callback([&options] { printResult(statusOf(module_t(options.plugin)), options.json); });
+    CLI::App* const status =
+        trace->add_subcommand("status", "What is set, and which trace files lie there");
+    addExample(*status, "vlhost trace status");
+    status->callback([&options] { printResult(statusOf(module_t(options.plugin)), options.json); });
 }

@@ -1,8 +1,8 @@
 #include "undo.h"
 
 #include "common/text.h"
-#include "progress.h"
 #include "shared/filesystem.h"
+#include "shared/progress.h"
 #include "shared/systemerror.h"
 #include "shared/toolerror.h"
 #include "storage/paths.h"

@@ -26,10 +26,11 @@ struct BackupVersion {
     bool categories;
     bool settings; // not of five or more
 };
+inline constexpr size_t currentBackupElements = 4; // what an export writes
 constexpr BackupVersion versionOf(size_t elementCount) noexcept
 {
     return {elementCount >= 2, elementCount == 2 ? TextForm::octets : TextForm::wide,
-            elementCount >= 3, elementCount == 4};
+            elementCount >= 3, elementCount == currentBackupElements};
 }
 
 // StoredFile is one stored file. A restore passes over one without a name.

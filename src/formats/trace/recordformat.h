@@ -9,6 +9,7 @@
 namespace tracecore {
 
 inline constexpr size_t recordHeaderSize = 7;
+inline constexpr char traceFormatVersion[] = "3.0.2"; // as the file's header has it
 
 // scrambleText scrambles the text of one record in place; unscrambleText is its opposite. The
 // stream restarts with each call, so equal texts have equal scrambled bytes. scrambleText is in
