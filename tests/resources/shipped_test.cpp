@@ -1,106 +1,82 @@
+#include "common/text.h"
 #include "installation.h"
 #include "resources/languagenames.h"
 #include "resources/resourceids.h"
 #include "resources/strings.h"
+#include "tracecore/tracer.h"
 
 #include <algorithm>
 #include <cstring>
-#include <set>
+#include <string>
+#include <tuple>
 
 // The DLL and its language files as they are shipped, read back whole.
 
 namespace {
 
-using types_t = std::set<std::wstring>; // names, and numbers as text
-
 constexpr wchar_t page[] = L"QLINKLOAD.HTM";
 const std::wstring dllName = L"VLOnlineIDs.dll";
 
-std::wstring typeText(const wchar_t* type)
+std::wstring typesIn(HMODULE module)
 {
-    return IS_INTRESOURCE(type) ? std::to_wstring(reinterpret_cast<uintptr_t>(type)) : type;
-}
-
-types_t typesIn(HMODULE module)
-{
-    types_t found;
+    std::wstring types;
     EnumResourceTypesW(
         module,
         +[](HMODULE, LPWSTR type, LONG_PTR into) -> BOOL {
-            return reinterpret_cast<types_t*>(into)->insert(typeText(type)).second;
+            const auto number = reinterpret_cast<uintptr_t>(type);
+            *reinterpret_cast<std::wstring*>(into) +=
+                (IS_INTRESOURCE(type) ? std::to_wstring(number) : type) + L' ';
+            return TRUE;
         },
-        reinterpret_cast<LONG_PTR>(&found));
-    return found;
+        reinterpret_cast<LONG_PTR>(&types));
+    return types;
 }
 
-std::string resourceBytes(HMODULE module, const wchar_t* type, const wchar_t* name)
+std::string resourceBytes(const CLoadedModule& module, WORD type, const wchar_t* name)
 {
-    const HRSRC found = FindResourceW(module, name, type);
-    const auto* const bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
-    return bytes ? std::string(bytes, SizeofResource(module, found)) : std::string();
+    const auto typeName = type ? MAKEINTRESOURCEW(type) : L"MUI";
+    const HRSRC found = FindResourceW(module.get(), name, typeName);
+    const HGLOBAL loaded = LoadResource(module.get(), found);
+    const auto* const bytes = static_cast<const char*>(LockResource(loaded));
+    return bytes ? std::string(bytes, SizeofResource(module.get(), found)) : std::string();
 }
 
-// configuration_t is the resource of type "MUI": 28 bytes of head, two checksums, eight parts.
-struct configuration_t {
-    explicit configuration_t(HMODULE module)
-        : bytes(resourceBytes(module, L"MUI", MAKEINTRESOURCEW(1)))
-    {
-        bytes.resize(std::max<size_t>(bytes.size(), 132));
-    }
-    uint32_t number(size_t offset) const
-    {
-        uint32_t value = 0;
-        std::memcpy(&value, bytes.data() + offset, sizeof value);
-        return value;
-    }
-    std::string part(size_t index) const
-    {
-        const uint32_t offset = number(68 + 8 * index), length = number(72 + 8 * index);
-        EXPECT_TRUE(offset % 8 == 0 && offset <= bytes.size() && length <= bytes.size() - offset);
-        return length ? bytes.substr(offset, length) : "";
-    }
-    std::wstring text(size_t index) const
-    {
-        const std::string part = this->part(index);
-        std::wstring text(part.size() / 2, L'\0');
-        std::memcpy(text.data(), part.data(), part.size());
-        return text;
-    }
-    types_t types(size_t names, size_t numbers) const
-    {
-        types_t types;
-        std::wistringstream list(text(names));
-        for (std::wstring name; std::getline(list, name, L'\0') && !name.empty();)
-            types.insert(name);
-        const std::string ids = part(numbers);
-        for (size_t at = 0; at + 4 <= ids.size(); at += 4)
-            types.insert(std::to_wstring(static_cast<uint8_t>(ids[at])));
-        return types;
-    }
+std::string numbers(std::initializer_list<size_t> list)
+{
     std::string bytes;
-};
+    for (const size_t number : list)
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            bytes += static_cast<char>(number >> shift);
+    return bytes;
+}
 
-// versionText is one text of a file's version information, in the file's first language, after the
-// number of the file's version.
-std::wstring versionText(const fs::path& file, const wchar_t* name)
+std::string textBytes(const std::wstring& text)
 {
-    std::string block(GetFileVersionInfoSizeW(file.c_str(), nullptr), '\0');
-    GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data());
-    UINT length = 0;
-    const auto query = [&](const std::wstring& path) -> const void* {
-        void* found = nullptr;
-        return VerQueryValueW(block.data(), path.c_str(), &found, &length) ? found : nullptr;
-    };
-    const auto* const number = static_cast<const VS_FIXEDFILEINFO*>(query(L"\\"));
-    const auto* const language = static_cast<const WORD*>(query(L"\\VarFileInfo\\Translation"));
-    if (!number || !language)
-        return L"none";
-    wchar_t path[64], version[64];
-    _snwprintf(path, 64, L"\\StringFileInfo\\%04x%04x\\%ls", language[0], language[1], name);
-    _snwprintf(version, 64, L"%d.%d.%d ", HIWORD(number->dwFileVersionMS),
-               LOWORD(number->dwFileVersionMS), HIWORD(number->dwFileVersionLS));
-    const auto* const text = static_cast<const wchar_t*>(query(path));
-    return version + std::wstring(text ? text : L"none");
+    return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
+}
+
+// configuration is the resource of type "MUI" of the DLL, or of the file of a language: 28 bytes of
+// head, two checksums, and eight parts, each by its place, a multiple of 8, and its size.
+std::string configuration(bool isDll, const std::wstring& language, const std::string& checksums)
+{
+    const std::string names = textBytes({L"MUI\0\0", 5});
+    const std::string parts[] = {"",
+                                 "",
+                                 names,
+                                 numbers({2, 3, 14, 16, 23}),
+                                 names,
+                                 numbers({4, 5, 6, 16, 23}),
+                                 isDll ? "" : textBytes(language + L'\0'),
+                                 isDll ? textBytes({L"en-US\0", 6}) : ""};
+    constexpr size_t start = 132;
+    std::string body(4, '\0'), places;
+    for (const std::string& part : parts) {
+        places += numbers({part.empty() ? 0 : start + body.size(), part.size()});
+        body += part + std::string((8 - part.size() % 8) % 8, '\0');
+    }
+    return numbers({0xFECDFECD, start + body.size(), 0x10000, 0, isDll ? 0x11u : 0x12u, 0,
+                    isDll ? 2u : 0u}) +
+           checksums + std::string(8, '\0') + places + body;
 }
 
 size_t markers(const std::wstring& text)
@@ -126,93 +102,77 @@ TEST(LanguageNames, AreThePlatformsAndLeadToANeutralParent)
         const LANGID parent = neutralLanguage(language);
         ASSERT_FALSE(languageName(parent).empty()) << id;
         ASSERT_EQ(neutralLanguage(parent), parent) << id;
-        const bool traditional = std::set<unsigned>{1028, 3076, 5124, 31748}.contains(id);
+        const bool traditional = id == 1028 || id == 3076 || id == 5124 || id == 31748;
         ASSERT_EQ(parent, traditional ? 31748 : id & 0x3FF);
     }
 }
 
 TEST(Shipped, EachFileHasWhatTheConfigurationSaysAndTheTextsAreWhole)
 {
-    const types_t ofDll{L"2", L"3", L"14", L"16", L"23", L"MUI"};
-    const types_t ofLanguage{L"4", L"5", L"6", L"16", L"23", L"MUI"};
     const CLoadedModule english = loadAsData(builtFile(L"en-US/VLOnlineIDs.dll.mui"));
     const CLoadedModule dll = loadAsData(builtFile(dllName));
-    const configuration_t expected(dll.get());
-    EXPECT_EQ(typesIn(dll.get()), ofDll);
-    EXPECT_EQ(versionText(builtFile(dllName), L"OriginalFilename"), VL_VERSION L" " + dllName);
-    EXPECT_NE(resourceBytes(dll.get(), MAKEINTRESOURCEW(23), page)
-                  .find("<title>The web browser is opening the logon</title>"),
-              std::string::npos);
+    const std::string checksums = resourceBytes(dll, 0, MAKEINTRESOURCEW(1)).substr(28, 32);
+    EXPECT_EQ(checksums.find(std::string(16, '\0')), std::string::npos);
+    EXPECT_NE(
+        resourceBytes(dll, 23, page).find("<title>The web browser is opening the logon</title>"),
+        std::string::npos);
 
     std::wistringstream languages(dllName + L' ' + VL_LANGUAGES);
     for (std::wstring language; languages >> language;) {
-        SCOPED_TRACE(fs::path(language).string());
+        SCOPED_TRACE(utf8FromWide(language));
         const bool main = language == dllName;
         const fs::path path = builtFile(main ? dllName : language + L'/' + dllName + L".mui");
         const CLoadedModule file = loadAsData(path);
-        const configuration_t configuration(file.get());
-        EXPECT_EQ(configuration.number(0), 0xFECDFECD);
-        EXPECT_EQ(configuration.number(4), configuration.bytes.size());
-        EXPECT_EQ(configuration.number(8), 0x10000u);
-        EXPECT_EQ(configuration.number(16), main ? 0x11u : 0x12u);
-        for (const size_t checksum : {28u, 44u}) {
-            EXPECT_EQ(configuration.bytes.substr(checksum, 16),
-                      expected.bytes.substr(checksum, 16));
-            EXPECT_NE(configuration.bytes.substr(checksum, 16), std::string(16, '\0'));
-        }
-        EXPECT_EQ(configuration.types(2, 3), ofDll);
-        EXPECT_EQ(configuration.types(4, 5), ofLanguage);
-        EXPECT_EQ(configuration.text(6), main ? std::wstring() : language + L'\0');
-        EXPECT_EQ(configuration.text(7), main ? std::wstring(L"en-US\0", 6) : L"");
-        EXPECT_EQ(versionText(path, L"FileVersion"), VL_VERSION L" " VL_VERSION);
-        EXPECT_EQ(versionText(path, L"ProductVersion"), VL_VERSION L" " VL_VERSION);
-        EXPECT_NE(resourceBytes(file.get(), MAKEINTRESOURCEW(23), page)
+        EXPECT_EQ(typesIn(file.get()), main ? L"MUI 2 3 14 16 23 " : L"MUI 6 16 23 ");
+        EXPECT_EQ(resourceBytes(file, 0, MAKEINTRESOURCEW(1)),
+                  configuration(main, language, checksums));
+        std::string version = resourceBytes(file, 16, MAKEINTRESOURCEW(1));
+        ASSERT_GT(version.size(), 56u);
+        WORD number[4]; // of the file, which the texts repeat
+        std::memcpy(number, version.data() + 48, sizeof number);
+        EXPECT_EQ(tracecore::formatWide(L"%d.%d.%d", number[1], number[0], number[3]), VL_VERSION);
+        std::erase(version, '\0');
+        for (const std::wstring& text :
+             {std::wstring(L"FileVersion" VL_VERSION), std::wstring(L"ProductVersion" VL_VERSION),
+              L"OriginalFilename" + dllName})
+            EXPECT_NE(version.find(utf8FromWide(text)), std::string::npos) << utf8FromWide(text);
+        EXPECT_NE(resourceBytes(file, 23, page)
                       .find("lang=\"" + (main ? "en-US" : fs::path(language).string()) + '"'),
                   std::string::npos);
 
         int untranslated = 0;
         for (const UINT id : {1026u, 1029u, 1031u, 1041u, 1052u, 1053u, 1054u}) {
+            SCOPED_TRACE(id);
             std::wstring text, original;
-            EXPECT_GT(LoadStringFromModule(english.get(), id, original), 5) << id;
-            EXPECT_EQ(LoadStringFromModule(file.get(), id, text) > 1, !main) << id;
-            EXPECT_EQ(text.find_first_of(L"?\uFFFD"), std::wstring::npos) << id;
+            EXPECT_GT(LoadStringFromModule(english.get(), id, original), 5);
+            EXPECT_EQ(LoadStringFromModule(file.get(), id, text) > 1, !main);
             if (main)
                 continue;
-            EXPECT_EQ(markers(text), markers(original)) << id;
-            EXPECT_EQ(std::ranges::count(text, L'%'), std::ranges::count(original, L'%')) << id;
+            EXPECT_EQ(text.find_first_of(L"?\uFFFD"), std::wstring::npos);
+            EXPECT_EQ(markers(text), markers(original));
+            EXPECT_EQ(std::ranges::count(text, L'%'), std::ranges::count(original, L'%'));
             untranslated += text == original;
         }
         EXPECT_LE(untranslated, language == L"en-US" ? 7 : 2); // a name may stay
-        for (const std::wstring& type : typesIn(file.get()))
-            EXPECT_TRUE((main ? ofDll : ofLanguage).contains(type)) << fs::path(type).string();
     }
 }
 
 TEST(Shipped, ThePictureComesInEverySize)
 {
     const CLoadedModule dll = loadAsData(builtFile(dllName));
-    const std::string group =
-        resourceBytes(dll.get(), MAKEINTRESOURCEW(14), MAKEINTRESOURCEW(IDI_PLUGIN));
-    std::set<uint8_t> sides; // 0 is 256
-    for (size_t at = 6; at + 14 <= group.size(); at += 14) {
-        const auto* const entry = reinterpret_cast<const uint8_t*>(group.data()) + at;
-        const std::string image =
-            resourceBytes(dll.get(), MAKEINTRESOURCEW(3), MAKEINTRESOURCEW(entry[12]));
-        SCOPED_TRACE(entry[0]);
-        EXPECT_TRUE(sides.insert(entry[0]).second && entry[0] == entry[1]);
-        EXPECT_EQ(entry[6], 32); // bits
-        EXPECT_EQ(entry[8] | entry[9] << 8 | entry[10] << 16, static_cast<int>(image.size()));
-        EXPECT_EQ(image.substr(0, 4), entry[0] ? std::string("\x28\0\0\0", 4) : "\x89PNG");
-    }
-    EXPECT_EQ(sides.size(), 9u);
-    for (const auto& [id, side] :
-         {std::pair(IDB_PLUGIN_SMALL, 16), std::pair(IDB_PLUGIN_LARGE, 32)}) {
-        BITMAP bitmap{};
-        const HANDLE picture =
-            LoadImageW(dll.get(), MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
-        GetObjectW(picture, sizeof bitmap, &bitmap);
-        EXPECT_EQ(bitmap.bmWidth * 1000 + bitmap.bmHeight, side * 1001);
-        EXPECT_EQ(bitmap.bmBitsPixel, 32);
-        DeleteObject(picture);
-    }
+    std::string group = resourceBytes(dll, 14, MAKEINTRESOURCEW(IDI_PLUGIN));
+    const auto sizeOf = [&](WORD type, int id) {
+        const std::string image = resourceBytes(dll, type, MAKEINTRESOURCEW(id));
+        BITMAPINFOHEADER header{};
+        std::memcpy(&header, image.data(), std::min(image.size(), sizeof header));
+        return image.starts_with("\x89PNG")
+                   ? std::tuple(256L, 512L, 32)
+                   : std::tuple(header.biWidth, header.biHeight, int{header.biBitCount});
+    };
+    for (const int side : {16, 20, 24, 32, 40, 48, 64, 128, 256}) // a picture and its mask
+        EXPECT_EQ(sizeOf(3, LookupIconIdFromDirectoryEx(reinterpret_cast<BYTE*>(group.data()), TRUE,
+                                                        side, side, 0)),
+                  std::tuple(side, 2 * side, 32));
+    EXPECT_EQ(sizeOf(2, IDB_PLUGIN_SMALL), std::tuple(16, 16, 32));
+    EXPECT_EQ(sizeOf(2, IDB_PLUGIN_LARGE), std::tuple(32, 32, 32));
 }

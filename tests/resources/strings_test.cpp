@@ -25,59 +25,47 @@ CLoadedModule stringFile(std::vector<std::wstring> texts)
 
 } // namespace
 
-TEST(ResourceString, IsReadFromItsBlock)
+TEST(ResourceString, ComesFromItsBlockOrElseFromThePlatformCut)
 {
+    static std::string asked;
     const std::wstring longText(300, L'x');
     const CLoadedModule file = stringFile({L"first", L"", std::wstring(L"a\0b", 3), longText});
-    const struct {
-        UINT id;
-        int length;
-        std::wstring text;
-    } cases[] = {
+    const std::tuple<UINT, int, std::wstring> cases[] = {
         {1024, 5, L"first"},   {1025, 0, L""}, {1026, 3, L"a"}, // up to the first zero
         {1027, 300, longText}, {5000, 0, L""}, {1024 + 0x100000, 5, L"first"}, // 16 bits of block
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.id);
+    for (const auto& [id, length, expected] : cases) {
         std::wstring text = L"before";
-        EXPECT_EQ(LoadStringFromModule(file.get(), c.id, text), c.length);
-        EXPECT_EQ(text, c.text);
+        EXPECT_EQ(LoadStringFromModule(file.get(), id, text), length) << id;
+        EXPECT_EQ(text, expected) << id;
     }
-}
-
-TEST(ResourceString, ThatHasNoBlockIsThePlatformsToFindAndToCut)
-{
-    static std::string asked;
     asked.clear();
-    const importHooks_t search(
+    const importHooks_t missing(
         GetModuleHandleW(nullptr), {{"FindResourceExW"}, {"FindResourceW"}},
         +[](const hookedCall_t& call) {
-            const bool byName = call.function == std::string_view("FindResourceW");
-            asked += call.shown(byName ? "-nn" : "-nnn") + ", ";
+            asked +=
+                call.shown(call.function == std::string_view("FindResourceW") ? "-nn" : "-nnn");
             return true;
         });
     const uiLanguages_t languages(0x0807);
     std::wstring text;
-    EXPECT_EQ(LoadStringFromModule(stringFile({std::wstring(300, L'x')}).get(), 1024, text), 259);
-    EXPECT_EQ(text, std::wstring(259, L'x'));
-    EXPECT_EQ(asked, "FindResourceExW 6 41 0, FindResourceExW 6 41 7, " // the last reversed
-                     "FindResourceW 6 41, ");
+    EXPECT_EQ(LoadStringFromModule(file.get(), 1027, text), 259);
+    EXPECT_EQ(text, longText.substr(0, 259));
+    // The last reversed.
+    EXPECT_EQ(asked, "FindResourceExW 6 41 0FindResourceExW 6 41 7FindResourceW 6 41");
 }
 
 TEST(ProductName, TakesThePlaceOfEveryMarker)
 {
-    const struct {
-        const wchar_t *text, *name, *expanded;
-    } cases[] = {
+    const std::tuple<std::wstring, const wchar_t*, const wchar_t*> cases[] = {
         {L"a <<%PN%>> b <<%PN%>> c", L"Name", L"a Name b Name c"},
         {L"<<% <<%PN% <<%XX%>> <<%pn%>>", L"Name", L"<<% <<%PN% <<%XX%>> <<%pn%>>"},
         // Nothing is searched twice.
         {L"<<%PN%>>PN%>>", L"<<%", L"<<%PN%>>"},
     };
-    for (const auto& c : cases) {
-        const givenString_t productName(IDS_PRODUCT_NAME, c.name);
-        std::wstring text = c.text;
+    for (auto [text, name, expanded] : cases) {
+        const givenString_t productName(IDS_PRODUCT_NAME, name);
         ExpandProductName(text);
-        EXPECT_EQ(text, c.expanded);
+        EXPECT_EQ(text, expanded);
     }
 }
