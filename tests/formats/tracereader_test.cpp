@@ -2,6 +2,7 @@
 #include "support/tracebytes.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <random>
 
@@ -13,28 +14,32 @@ namespace {
 
 using bytes_t = std::vector<uint8_t>;
 
-struct read_t {
-    std::vector<traceRecord_t> records;
-    std::vector<traceDamage_t> damages;
-};
-
-read_t read(const bytes_t& bytes)
+// itemsOf reads a file that comes in pieces of such sizes.
+std::vector<traceItem_t> itemsOf(
+    std::span<const uint8_t> bytes, const std::function<size_t()>& size = [] { return SIZE_MAX; })
 {
     traceReader_t reader;
-    read_t result;
-    const auto drain = [&] {
-        while (const auto item = reader.next()) {
-            if (const auto* record = std::get_if<traceRecord_t>(&*item))
-                result.records.push_back(*record);
-            else if (const auto* damage = std::get_if<traceDamage_t>(&*item))
-                result.damages.push_back(*damage);
-        }
-    };
-    reader.append(bytes);
-    drain();
-    reader.finish();
-    drain();
-    return result;
+    std::vector<traceItem_t> items;
+    while (true) {
+        const auto piece = bytes.first(std::min(bytes.size(), size()));
+        bytes = bytes.subspan(piece.size());
+        reader.append(piece);
+        if (piece.empty())
+            reader.finish();
+        while (const auto item = reader.next())
+            items.push_back(*item);
+        if (piece.empty())
+            return items;
+    }
+}
+
+template <class Kind> std::vector<Kind> onlyThe(const std::vector<traceItem_t>& items)
+{
+    std::vector<Kind> found;
+    for (const traceItem_t& item : items)
+        if (const auto* const one = std::get_if<Kind>(&item))
+            found.push_back(*one);
+    return found;
 }
 
 // A file in the making, and what it means by a model that shares nothing with the reader.
@@ -132,38 +137,26 @@ TEST(TraceWalker, UnderstandsLongDamagedTracesInPiecesOfAnySizeAsAModelDoes)
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
         const traceModel_t model = randomTrace(random);
-        traceReader_t reader;
         traceWalker_t walker;
         std::vector<std::string> items;
-        const auto drain = [&] {
-            while (const auto item = reader.next()) {
-                const traceStep_t step = walker.take(*item);
-                std::string lost;
-                for (const auto& [thread, function] : step.lost)
-                    lost += " lost " + std::to_string(thread) + function.name;
-                if (const auto* damage = std::get_if<traceDamage_t>(&*item)) {
-                    items.push_back(std::to_string(damage->offset) + "-" +
-                                    std::to_string(damage->bytes) + lost);
-                } else if (const auto* record = std::get_if<traceRecord_t>(&*item)) {
-                    std::vector<std::string> names;
-                    for (const openFunction_t& function : *step.open)
-                        names.push_back(function.name);
-                    items.push_back(std::to_string(record->offset) + record->level + record->text +
-                                    traceModel_t::shown(names) +
-                                    (step.left ? step.left->name : "") + lost +
-                                    std::to_string(step.moment.milliseconds()));
-                }
+        const auto size = [&] { return 1 + random() % (10U << random() % 14); };
+        for (const traceItem_t& item : itemsOf(model.trace.bytes, size)) {
+            const traceStep_t step = walker.take(item);
+            std::string lost;
+            for (const auto& [thread, function] : step.lost)
+                lost += " lost " + std::to_string(thread) + function.name;
+            if (const auto* damage = std::get_if<traceDamage_t>(&item)) {
+                items.push_back(std::to_string(damage->offset) + "-" +
+                                std::to_string(damage->bytes) + lost);
+            } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
+                std::vector<std::string> names;
+                for (const openFunction_t& function : *step.open)
+                    names.push_back(function.name);
+                items.push_back(std::to_string(record->offset) + record->level + record->text +
+                                traceModel_t::shown(names) + (step.left ? step.left->name : "") +
+                                lost + std::to_string(step.moment.milliseconds()));
             }
-        };
-        for (std::span<const uint8_t> rest = model.trace.bytes; !rest.empty();) {
-            const size_t size =
-                std::min<size_t>(rest.size(), 1 + random() % (10U << random() % 14));
-            reader.append(rest.first(size));
-            rest = rest.subspan(size);
-            drain();
         }
-        reader.finish();
-        drain();
         const auto [expected, found] = std::ranges::mismatch(model.items, items);
         EXPECT_EQ(items.size(), model.items.size());
         ASSERT_EQ(expected == model.items.end() ? "" : *expected,
@@ -174,9 +167,9 @@ TEST(TraceWalker, UnderstandsLongDamagedTracesInPiecesOfAnySizeAsAModelDoes)
 TEST(TraceReader, EveryCutBitFlipAndWrongLengthLosesLittle)
 {
     const traceBytes_t trace = sampleTrace();
-    const auto whole = read(trace.bytes).records;
+    const auto whole = onlyThe<traceRecord_t>(itemsOf(trace.bytes));
     const auto lost = [&](const bytes_t& damaged) {
-        const auto found = read(damaged).records;
+        const auto found = onlyThe<traceRecord_t>(itemsOf(damaged));
         return std::ssize(whole) - std::ranges::count_if(found, [&](const traceRecord_t& record) {
                    const auto at = std::ranges::find(whole, record.offset, &traceRecord_t::offset);
                    return at != whole.end() && at->text == record.text;
@@ -214,8 +207,9 @@ TEST(TraceReader, SaysWhatIsWrongWithAHeader)
         {"trace4\r\n.\r\n", "the header doesn't begin with its mark, \"trace3\""},
     };
     for (const auto& [file, reason] : cases)
-        EXPECT_EQ(read({file.begin(), file.end()}).damages.at(0).reason, reason);
-    EXPECT_TRUE(read({}).damages.empty());
+        EXPECT_EQ(onlyThe<traceDamage_t>(itemsOf(bytes_t(file.begin(), file.end()))).at(0).reason,
+                  reason);
+    EXPECT_TRUE(itemsOf({}).empty());
 }
 
 } // namespace
