@@ -71,18 +71,15 @@ struct uiLanguages_t {
 
 // givenString_t makes this the string of a number for this program, whatever the module.
 struct givenString_t {
-    givenString_t(UINT id, const std::wstring& text)
-    {
-        given = {id, text};
-        original = importOriginal<decltype(original)>(patch);
-    }
+    givenString_t(UINT id, const std::wstring& text) { given = {id, text}; }
     static int WINAPI load(HINSTANCE module, UINT id, LPWSTR buffer, int size)
     {
         if (id != given.first)
             return original(module, id, buffer, size);
         return static_cast<int>(given.second.copy(buffer, given.second.size()));
     }
-    inline static decltype(&LoadStringW) original;
+    inline static const auto original = reinterpret_cast<decltype(&LoadStringW)>(
+        importedFunction(GetModuleHandleW(nullptr), "LoadStringW"));
     inline static std::pair<UINT, std::wstring> given;
     importPatch_t patch{"LoadStringW", load};
 };

@@ -4,15 +4,28 @@
 
 #include <algorithm>
 #include <cstring>
-#include <initializer_list>
 #include <sstream>
 
 namespace {
 
+// Saves the registers of the arguments, asks decide(stub, saved) where to go on, and goes there.
+constexpr char code[] = "\x51\x52\x41\x50\x41\x51" // push rcx, rdx, r8, r9
+                        "\x48\x89\xE2"             // mov rdx, rsp
+                        "\x48\xB9\0\0\0\0\0\0\0\0" // mov rcx, stub
+                        "\x48\x83\xEC\x28"         // sub rsp, 40
+                        "\x48\xB8\0\0\0\0\0\0\0\0" // mov rax, decide
+                        "\xFF\xD0"                 // call rax
+                        "\x48\x83\xC4\x28"         // add rsp, 40
+                        "\x41\x59\x41\x58\x5A\x59" // pop r9, r8, rdx, rcx
+                        "\xFF\xE0";                // jmp rax
+constexpr size_t placeOfStub = 11, placeOfDecide = 25;
+constexpr char fail[] = "\x48\xB8\0\0\0\0\0\0\0\0\xC3"; // mov rax, result; ret
+constexpr size_t placeOfResult = 2;
+
 // stub_t is the code that stands in for one function, with what it needs to know.
 struct stub_t {
-    uint8_t code[64];
-    uint8_t fail[16];
+    char code[sizeof ::code];
+    char fail[sizeof ::fail];
     void* original;
     const hookedFunction_t* function;
     importHooks_t::see_t see;
@@ -34,38 +47,6 @@ std::string registryData(ULONGLONG type, ULONGLONG data, DWORD size)
     std::string text = utf8FromWide({reinterpret_cast<const wchar_t*>(data), size / 2});
     std::replace(text.begin(), text.end(), '\0', ';');
     return text;
-}
-
-void put(uint8_t*& at, std::initializer_list<uint8_t> code)
-{
-    at = std::copy(code.begin(), code.end(), at);
-}
-
-template <class Value> void putValue(uint8_t*& at, Value value)
-{
-    static_assert(sizeof value == 8);
-    std::memcpy(at, &value, sizeof value);
-    at += sizeof value;
-}
-
-void writeCode(stub_t& stub)
-{
-    uint8_t* at = stub.code;
-    put(at, {0x51, 0x52, 0x41, 0x50, 0x41, 0x51}); // push rcx, rdx, r8, r9
-    put(at, {0x48, 0x89, 0xE2});                   // mov rdx, rsp
-    put(at, {0x48, 0xB9});                         // mov rcx, stub
-    putValue(at, &stub);
-    put(at, {0x48, 0x83, 0xEC, 0x28}); // sub rsp, 40
-    put(at, {0x48, 0xB8});             // mov rax, decide
-    putValue(at, &decide);
-    put(at, {0xFF, 0xD0});                         // call rax
-    put(at, {0x48, 0x83, 0xC4, 0x28});             // add rsp, 40
-    put(at, {0x41, 0x59, 0x41, 0x58, 0x5A, 0x59}); // pop r9, r8, rdx, rcx
-    put(at, {0xFF, 0xE0});                         // jmp rax
-    at = stub.fail;
-    put(at, {0x48, 0xB8}); // mov rax, result
-    putValue(at, stub.function->result);
-    put(at, {0xC3}); // ret
 }
 
 } // namespace
@@ -117,7 +98,12 @@ importHooks_t::importHooks_t(HMODULE module, const std::vector<hookedFunction_t>
             continue;
         stub->function = &function;
         stub->see = see;
-        writeCode(*stub);
+        const void* const going = reinterpret_cast<void*>(decide);
+        std::memcpy(stub->code, code, sizeof code);
+        std::memcpy(stub->fail, fail, sizeof fail);
+        std::memcpy(stub->code + placeOfStub, &stub, sizeof stub);
+        std::memcpy(stub->code + placeOfDecide, &going, sizeof going);
+        std::memcpy(stub->fail + placeOfResult, &function.result, sizeof function.result);
         m_patches.push_back(std::make_unique<importPatch_t>(module, name, stub++->code));
     }
 }

@@ -19,17 +19,9 @@ struct importPatch_t {
     ~importPatch_t();
     importPatch_t(importPatch_t&&) = delete;
 
-    void* original() const noexcept { return m_original; }
-
 private:
     void **m_slot, *m_original;
 };
 
 // importedFunction is what a module calls by that name now; null for one that it doesn't import.
 void* importedFunction(HMODULE module, const char* function);
-
-// importOriginal calls through: importOriginal<decltype(&CreateFileW)>(patch)(...).
-template <class Function> Function importOriginal(const importPatch_t& patch)
-{
-    return reinterpret_cast<Function>(patch.original());
-}
