@@ -1,9 +1,10 @@
 #include "tracecore/tracer.h"
 
+#include "security/objectsecurity.h"
 #include "support/tracerecorder.h"
 #include "tracecore/realtracer.h"
 
-#include <sddl.h>
+#include <aclapi.h>
 
 #include <stdexcept>
 
@@ -46,12 +47,10 @@ TEST(Tracer, WritersMutexLetsEveryUserIn)
 {
     const std::wstring name = formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
     const CKernelHandle mutex(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
-    alignas(8) char descriptor[512] = {};
-    DWORD size = sizeof descriptor;
-    GetKernelObjectSecurity(mutex.get(), DACL_SECURITY_INFORMATION, descriptor, size, &size);
-    wchar_t* list = nullptr;
-    ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
-                                                         DACL_SECURITY_INFORMATION, &list, nullptr);
-    const CLocalMemory owner(list);
-    EXPECT_STREQ(list, L"D:(A;;GA;;;AU)(A;;GA;;;SY)(A;;GA;;;BA)(A;;GA;;;BU)");
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    GetSecurityInfo(mutex.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                    nullptr, nullptr, &descriptor);
+    const CLocalMemory owner(descriptor);
+    EXPECT_EQ(securityToString(static_cast<SECURITY_DESCRIPTOR*>(descriptor)),
+              L"D:(A;;GA;;;AU)(A;;GA;;;SY)(A;;GA;;;BA)(A;;GA;;;BU)");
 }
