@@ -11,9 +11,7 @@
 #include "support/agentstub.h"
 #include "support/backupbytes.h"
 #include "support/fakesettings.h"
-#include "support/files.h"
-#include "support/patchimport.h"
-#include "support/tracerecorder.h"
+#include "support/surroundings.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -29,11 +27,10 @@ using fileMap = std::map<std::wstring, std::string>; // name and content
 using postings = std::vector<std::pair<WPARAM, LPARAM>>;
 
 // backupTest has the plug-in's object, folders and settings of one user, and an agent.
-class backupTest : public testing::Test
+class backupTest : public Surroundings
 {
 protected:
     backupTest() { clear(); }
-    ~backupTest() override { std::filesystem::remove_all(m_root); }
 
     void clear() // to empty folders, no categories and the first settings
     {
@@ -71,7 +68,7 @@ protected:
     }
     bool traced(const std::wstring& message) // "U text" or "E status text"; forgets all messages
     {
-        return (m_trace.joined() + L'|').find(L'|' + message + L'|') != std::wstring::npos;
+        return (m_traces.joined() + L'|').find(L'|' + message + L'|') != std::wstring::npos;
     }
     postings posted() const // to the agent, taken once
     {
@@ -82,12 +79,9 @@ protected:
         return found;
     }
 
-    const std::wstring m_root = std::filesystem::temp_directory_path().wstring() + L"vlbackup" +
-                                std::to_wstring(GetCurrentProcessId()) + L"\\";
     const std::wstring m_personal = m_root + L"personal\\";
     const std::wstring m_cache = m_root + L"cache\\";
     fakeSettings_t m_settings;
-    traceRecorder_t m_trace;
     const agentStub_t m_agent;
     CComObject<CVLKTPages> m_plugin;
 };

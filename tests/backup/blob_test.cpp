@@ -2,7 +2,6 @@
 
 #include "formats/der/dernode.h"
 #include "support/backupbytes.h"
-#include "support/patchimport.h"
 
 #include <gtest/gtest.h>
 
@@ -111,14 +110,6 @@ TEST(Blob, DecodesAsThePlatformDoes)
     }
 }
 
-decltype(&HeapReAlloc) originalReAlloc = nullptr;
-int growths = 0;
-
-void* WINAPI failFourthGrowth(HANDLE heap, DWORD flags, void* memory, SIZE_T size)
-{
-    return ++growths == 4 ? nullptr : originalReAlloc(heap, flags, memory, size);
-}
-
 TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
 {
     CVLBlobSeq outer(1), list(4);
@@ -138,19 +129,6 @@ TEST(CVLBlobSeq, ConstructsEncodesAndReadsInOrder)
     inner.ReadNextWStr(text);
     EXPECT_EQ(text.get(), nullptr);
     EXPECT_EQ(inner.cursor, 3u);
-
-    // Short of memory, only constructors come out with less.
-    const importPatch_t grow("HeapReAlloc", failFourthGrowth);
-    originalReAlloc = importOriginal<decltype(&HeapReAlloc)>(grow);
-    EXPECT_EQ(CVLBlobSeq(9).count, 8u) << "one failure costs one slot";
-    const importPatch_t patch(
-        "HeapAlloc", +[]() -> void* { return nullptr; });
-    EXPECT_EQ(CVLBlobSeq(3).count, 0u);
-    EXPECT_EQ(CVLWStrBlob(L"x").pbData, nullptr);
-    EXPECT_THROW(inner.Assign({4, list.items}), _com_error);
-    EXPECT_EQ(inner.count, 0u) << "the old ones go first";
-    EXPECT_THROW(list.Encode(*list.Slot(1)), _com_error);
-    EXPECT_THROW(list.ReadNextWStr(text), _com_error);
 }
 
 } // namespace

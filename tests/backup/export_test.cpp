@@ -1,6 +1,7 @@
 #include "backup/currentuser.h"
 #include "backupfixture.h"
 #include "common/status.h"
+#include "support/linkfixture.h"
 
 namespace {
 
@@ -55,7 +56,6 @@ TEST_F(Export, AWholeBackupByteForByte)
 
 DWORD exportError = 0;
 int32_t libraryAnswer = 0;
-decltype(&GetProcAddress) originalExport = nullptr;
 
 int32_t WINAPI AnsweredQuestion(const wchar_t* user, uint32_t kind, const wchar_t* secret)
 {
@@ -64,20 +64,11 @@ int32_t WINAPI AnsweredQuestion(const wchar_t* user, uint32_t kind, const wchar_
     return kind == 3 ? libraryAnswer : -1;
 }
 
-FARPROC WINAPI AnsweredExport(HMODULE module, LPCSTR name)
+void* WINAPI AnsweredExport(HMODULE, const char* name)
 {
-    if (name != std::string("VLFPDoesSecretExist"))
-        return originalExport(module, name);
+    const bool isThere = !exportError && name == std::string("VLFPDoesSecretExist");
     SetLastError(exportError);
-    void* const question = reinterpret_cast<void*>(&AnsweredQuestion);
-    return exportError ? nullptr : reinterpret_cast<FARPROC>(question);
-}
-
-BOOL WINAPI FailingInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, PDWORD size)
-{
-    *size = 0;
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
+    return isThere ? reinterpret_cast<void*>(&AnsweredQuestion) : nullptr;
 }
 
 TEST_F(Export, TheOutputsAreFilledBySecretAndData)
@@ -94,7 +85,6 @@ TEST_F(Export, TheOutputsAreFilledBySecretAndData)
         {ERROR_PROC_NOT_FOUND, 1, L"0", {{L"updata.vls", "x"}}, untouched, untouched},
     };
     const importPatch_t patch("GetProcAddress", &AnsweredExport);
-    originalExport = importOriginal<decltype(&GetProcAddress)>(patch);
     for (const auto& row : cases) {
         SCOPED_TRACE(&row - cases);
         const auto& [error, answer, outside, files, namesType, bytesType] = row;
@@ -116,7 +106,8 @@ TEST_F(Export, TheOutputsAreFilledBySecretAndData)
                                              std::wstring(L"KRS Protected Storage"));
     }
     m_settings.values[L"intelauthenticate"] = L"1"; // the secret counts, but only of a known user
-    const importPatch_t token("GetTokenInformation", &FailingInformation);
+    const importPatch_t token("GetTokenInformation", failing);
+    failingError = ERROR_INVALID_HANDLE;
     EXPECT_EQ(m_plugin.GetStorageData(nullptr, nullptr), S_OK);
     EXPECT_TRUE(traced(L"E -2147024890 GetStorageData[com]"));
 }
@@ -129,7 +120,8 @@ TEST(CurrentUser, TheThreadKeepsTheIdentityItHad)
         EXPECT_TRUE(user.Qualified().ends_with(L'\\' + user.Account()));
         EXPECT_EQ(user.Account(), _wgetenv(L"USERNAME"));
         {
-            const importPatch_t patch("GetTokenInformation", &FailingInformation);
+            const importPatch_t patch("GetTokenInformation", failing);
+            failingError = ERROR_INVALID_HANDLE;
             EXPECT_THROW(CCurrentUser(), _com_error);
         }
         CKernelHandle token;

@@ -4,13 +4,8 @@
 
 namespace {
 
+using namespace std::string_literals;
 const std::wstring name = L"KRS Protected Storage";
-
-bytes secret(const std::wstring& itsName, const std::wstring& value)
-{
-    const auto* const octet = reinterpret_cast<const char*>(value.data());
-    return seq({wide(itsName), octets({octet, octet + 2 * value.size()})});
-}
 
 class PluginData : public backupTest
 {
@@ -30,11 +25,13 @@ protected:
 TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
 {
     const bytes triple = seq({wide(name), octets("v"), octets("w")});
+    const bytes one = seq({wide(name), octets("1\0"s)}), two = seq({wide(name), octets("2\0"s)});
+    const bytes others = seq({wide(L"krs protected storage"), octets("o\0"s)});
     const std::tuple<bytes, std::string, int> cases[] = {
-        {seq({triple, secret(L"Other", L"o"), secret(name, L"v")}), "v", 1},
-        {seq({secret(name, L"1"), secret(name, L"2"), triple}), "1", 0},    // the later ones unread
-        {seq({seq({wide(name), octets(std::string("a\0b", 3))})}), "a", 0}, // ends in half a unit
-        {seq({secret(L"krs protected storage", L"v"), secret(name + L"2", L"v")}), "", 0},
+        {seq({triple, others, one}), "1", 1},
+        {seq({one, two, triple}), "1", 0},                   // the later ones unread
+        {seq({seq({wide(name), octets("a\0b"s)})}), "a", 0}, // ends in half a unit
+        {seq({others, seq({wide(name + L"2"), octets("o\0"s)})}), "", 0},
         {seq({octets("x"), seq({}), triple, integer(1)}), "", 4},
         {{0x30, 0x05, 0x01}, "", 0},
     };
@@ -49,7 +46,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         EXPECT_STREQ(m_request.bytes + sizeof header, "KRS Protected Storage");
         EXPECT_EQ(m_payload.bytes, body);
         EXPECT_EQ(files().size(), 1u);
-        const auto records = m_trace.all();
+        const auto records = m_traces.all();
         EXPECT_EQ(std::ranges::count(records, L"Unknown secret blob", &traceRecord_t::text),
                   unknown);
     }

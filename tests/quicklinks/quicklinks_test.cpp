@@ -1,11 +1,8 @@
 #include "quicklinks/quicklinks.h"
 
 #include "common/text.h"
-#include "storage/paths.h"
 #include "support/fakesettings.h"
-#include "support/files.h"
-#include "support/patchimport.h"
-#include "support/tracerecorder.h"
+#include "support/surroundings.h"
 
 #include <fcntl.h>
 
@@ -22,14 +19,11 @@ namespace {
 
 using namespace std::string_literals;
 
-// QuickLinks gives each test a current folder without a quick link file, and with the templates "t"
-// and "%O%", the latter in the user's own folder. The folder's name is fixed: path prefixes are
-// computed once in a process.
-struct QuickLinks : testing::Test {
+// QuickLinks has no quick link file in its folder, the current one, but the templates "t" and, in the
+// user's own folder, "%O%".
+struct QuickLinks : Surroundings {
     QuickLinks()
     {
-        std::filesystem::remove(file);
-        SetEnvironmentVariableW(L"APPDATA", (folder / "Roaming").c_str());
         SetEnvironmentVariableW(L"O", (own / "o").c_str());
         settings.values[L"path_quicklink_filename"] = file;
         for (const std::filesystem::path& path : {folder / "t", folder / "IExplore.exe", own / "o"})
@@ -46,13 +40,11 @@ struct QuickLinks : testing::Test {
                 << r.wocred << ';';
         return out.str();
     }
-    std::string traced() { return utf8FromWide(recorder.joined()); }
+    std::string traced() { return utf8FromWide(m_traces.joined()); }
 
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "Quick Links";
-    const std::filesystem::path own = folder / "Roaming\\Veltrano\\KRS\\Templates";
-    const std::filesystem::path file = folder / "links.txt";
+    const std::filesystem::path folder = m_root, file = folder / "links.txt";
+    const std::filesystem::path own = LR"(C:\A\R\Veltrano\KRS\Templates)";
     fakeSettings_t settings;
-    traceRecorder_t recorder;
 };
 
 TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
@@ -65,7 +57,7 @@ TEST_F(QuickLinks, LoadReadsTheFileAndFiltersItByTheDialogList)
         {"Manifest=t\n[ShortCutRecord] \nUrl=u\n[x=y\n=y\ny=\nplain\n Url=v",
          "0 k1 uu d mt n p0 i w0;", "",
          "|E 0 inv.line '[ShortCutRecord] '|E 0 inv.line '=y'|E 0 inv.line 'plain'"},
-        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c\nManifest=Roaming", ""},
+        {"Name=\n[ShortCutRecord]\nManifestID=i\nKRSURLs=a\nKRSDlgPaths=c\nManifest=.", ""},
         // a record whose manifest is missing leaves its fields to the next one
         {"Url=v\nName=n\nProfile=3\nQLwoCred=1\nManifest=gone\n[ShortCutRecord]\n"
          "Manifest=t\nDlgpath=gone\n[ShortCutRecord]\nManifest=%O%\nName=m",
@@ -117,8 +109,8 @@ TEST_F(QuickLinks, SaveWritesWhatReadsBack)
     EXPECT_EQ(traced(), "|U save " + utf8FromWide(shortpath(file)));
     const importPatch_t full(
         "fputs", +[] { return EOF; });
-    const std::wstring base = folder.wstring() + L"\\", longName(261 - base.size(), L'x');
-    for (const std::wstring& name : {L""s, base + longName, base + L"n\\n", file.wstring()}) {
+    const std::wstring longName(261 - m_root.size(), L'x');
+    for (const std::wstring& name : {L""s, m_root + longName, m_root + L"n\\n", file.wstring()}) {
         EXPECT_FALSE(ql.save(name, false));
         EXPECT_EQ(traced(), name.empty() ? "|E 0 empty fname" : "|E 0 savefile exception");
     }

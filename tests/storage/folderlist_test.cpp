@@ -3,8 +3,6 @@
 #include "support/fakesettings.h"
 #include "support/surroundings.h"
 
-#include <comdef.h>
-
 struct FolderList : Surroundings {
     // prepared gives the folders, marking those whose flags aren't all set, and what was traced.
     std::wstring prepared()
@@ -87,22 +85,4 @@ TEST_F(FolderList, LocalFoldersGiveWhatTheMaskFinds)
     EXPECT_EQ(traced(), LR"(|U no local folders|U local folders|U   'R:\*.vlm'|U   'R:\none\*.vlm')"
                         LR"(|U   'R:\s.vlm\*.vlm'|U   'R:\t\*.vlm')"
                         LR"(|E -2147024773 failed access files from folder 'R:\t\')");
-}
-
-TEST_F(FolderList, ErrorsAreTracedAndEndThere)
-{
-    m_provider.values[L"path_wkgKrsAdmin_dir"] = m_root;
-    FolderRec share{LR"(\\s\)"};
-    std::vector<FileRec> files;
-    for (const auto call : {raise<std::bad_alloc>, raise<_com_error, E_ABORT>, raise<int, 1>}) {
-        const importPatch_t calls("FindFirstFileW", call);
-        noted += prepared();
-        EXPECT_TRUE(checkpath(share));
-        enumfnames(share, files);
-        noted += traced();
-    }
-    EXPECT_EQ(noted, LR"(|E 0 [STD]std::bad_alloc|E 0 exception|U   '\\s\*.vlm')"
-                     LR"(|E -2147418113 [STD]std::bad_alloc)"
-                     LR"(|E -2147467260 [COM]|E 0 exception|U   '\\s\*.vlm'|E -2147467260 [COM])"
-                     LR"(|E 0 oo|E 0 exception|U   '\\s\*.vlm'|E -2147418113 oo)");
 }

@@ -15,11 +15,6 @@
 
 constexpr wchar_t applications[] = LR"(SOFTWARE\Veltrano\Applications)";
 
-template <class Error, auto... code> HANDLE raise()
-{
-    throw Error(code...);
-}
-
 inline std::wstring noted; // the paths of the calls that notePath caught, a bar after each
 
 template <INT_PTR result, DWORD error> INT_PTR notePath(const wchar_t* path)
