@@ -2,7 +2,7 @@
 #include "plugin/cleanup.h"
 #include "plugin/registrar.h"
 #include "support/files.h"
-#include "support/patchimport.h"
+#include "support/importhooks.h"
 #include "support/registry.h"
 #include "support/tracerecorder.h"
 #include "vlonlineids.h"
@@ -36,13 +36,9 @@ bool has(const std::wstring& key)
 TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
 {
     static std::wstring failing;
-    const importPatch_t patch(
-        "RegCreateKeyExW",
-        +[](HKEY root, LPCWSTR path, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES,
-            PHKEY key) -> LSTATUS {
-            // Of a positive error only the low half counts.
-            return failing == path ? 0x10005 : RegCreateKeyW(root, path, key);
-        });
+    const importHooks_t hooks(GetModuleHandleW(nullptr), // of a positive error the low half counts
+                              {{"RegCreateKeyExW", 0x10005}},
+                              [](const hookedCall_t& call) { return failing == call.text(1); });
     const std::tuple<std::wstring, HRESULT, int> cases[] = {
         // The first so many roles are registered.
         {rootPath, E_ACCESSDENIED, 0},
@@ -56,18 +52,15 @@ TEST(Registration, StopsAtAFailedRoleButNotAtTheTrayAndLeavesNoEmptyParents)
         EXPECT_EQ(DllRegisterServer(), status);
         EXPECT_EQ(has(appControl) + has(backupRestore) + has(trayIcon), registered) << path;
     }
-    setValue(HKEY_LOCAL_MACHINE, rootPath + L"\\UIElements", L"", L"");
-    EXPECT_EQ(DllUnregisterServer(), S_OK);
-    // Values alone don't keep a key.
-    EXPECT_FALSE(has(L"UIElements") || has(appControl) || has(trayIcon));
-    const std::wstring other = L"TrayIcon\\other\\" + classText;
-    for (const std::wstring& key : {other, std::wstring(L"TrayIcon\\own")})
+    const std::wstring other = L"TrayIcon\\other";
+    for (const std::wstring& key : {other, std::wstring(L"UIElements"), std::wstring(L"TrayIcon")})
         setValue(HKEY_LOCAL_MACHINE, (rootPath + L'\\').append(key), L"", L"");
-    VLKT_SDK::CUnregisterComponents registrar;
-    EXPECT_EQ(registrar.RemoveKeyChain(L"TrayIcon", L"own"), S_OK);
-    EXPECT_EQ(has(L"TrayIcon\\own") * 2 + has(other), 1); // stops at another's
-    EXPECT_EQ(registrar.UnregisterSubkey(L"TrayIcon", L"other", CLSID_CVLKTPages), S_OK);
-    EXPECT_EQ(registrar.UnregisterComponent(L"TrayIcon", {}), HRESULT(0x80070002)); // nothing left
+    EXPECT_EQ(DllUnregisterServer(), S_OK);
+    // Values alone don't keep a key, but another's key below it does.
+    EXPECT_FALSE(has(L"UIElements") || has(appControl) || has(trayIcon));
+    EXPECT_TRUE(has(L"TrayIcon") && has(other));
+    EXPECT_EQ(VLKT_SDK::CUnregisterComponents().UnregisterComponent(L"TrayIcon", CLSID_CVLKTPages),
+              HRESULT(0x80070002)); // nothing is left
 }
 
 TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
@@ -87,11 +80,10 @@ TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
     EXPECT_EQ(AddCleanupLine(nullptr, L"p", 1, nullptr), E_INVALIDARG);
     EXPECT_EQ(AddCleanupLine(L"K", L"", 1, nullptr), E_INVALIDARG);
     const std::tuple<const wchar_t*, DWORD, DWORD, uint32_t> folders[] = {
-        // Odd length, no text, not terminated, nothing at all, not there.
-        {L"C:\\x", REG_SZ, 9, 0x8007000D},          {L"C:\\", REG_BINARY, 8, 0x8007000D},
-        {L"C:\\xX", REG_SZ, 8, 0x8007000D},         {nullptr, REG_SZ, 0, 0x8007000D},
-        {L"C:\\no", REG_EXPAND_SZ, 12, 0x80070003},
-    };
+        // Not terminated, nothing at all, not there.
+        {L"C:\\xX", REG_SZ, 8, 0x8007000D},
+        {nullptr, REG_SZ, 0, 0x8007000D},
+        {L"C:\\no", REG_EXPAND_SZ, 12, 0x80070003}};
     for (const auto& [folder, type, size, code] : folders) {
         SCOPED_TRACE(code);
         RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano", L"VeltranoPath", type, folder,

@@ -24,7 +24,7 @@ const std::wstring dismissKey = dashboard + L"DismissMessages\\" + classText;
 // The policy library that the patched loader hands out.
 using policyRecord_t = std::array<uint64_t, 5>; // name, status, size of the value, value, 0
 struct policy_t {
-    int parts = 2; // the library and its functions
+    bool isWhole = true; // has its functions
     HRESULT result = 0;
     uint32_t status = 0x80070002;
     uint64_t value = 0;
@@ -40,16 +40,10 @@ HRESULT WINAPI policyCall(ULONG count, policyRecord_t* record)
     return policy.result;
 }
 
-HMODULE WINAPI loadPolicy(LPCWSTR)
-{
-    SetLastError(ERROR_MOD_NOT_FOUND);
-    return policy.parts > 0 ? GetModuleHandleW(nullptr) : nullptr;
-}
-
 void* WINAPI policyFunction()
 {
     SetLastError(ERROR_PROC_NOT_FOUND);
-    return policy.parts > 1 ? reinterpret_cast<void*>(policyCall) : nullptr;
+    return policy.isWhole ? reinterpret_cast<void*>(policyCall) : nullptr;
 }
 
 using value_t = std::pair<DWORD, std::vector<BYTE>>;
@@ -115,7 +109,8 @@ struct Status : testing::Test {
     }
 
     CVLKTPages* pages;
-    importPatch_t load{"LoadLibraryW", loadPolicy}, proc{"GetProcAddress", policyFunction};
+    importPatch_t load{"LoadLibraryW", +[] { return GetModuleHandleW(nullptr); }};
+    importPatch_t proc{"GetProcAddress", policyFunction};
 };
 
 } // namespace
@@ -124,11 +119,11 @@ TEST_F(Status, PolicyDecidesBothStatuses)
 {
     const std::tuple<policy_t, ULONG, bool> cases[] = {
         // A result above 0 is no failure, and the low half of a value counts.
-        {{2, 0, 0, 1}, 3, true},  {{2, 0, 0, 0xFFFFFFFF00000000}, 1, false},
-        {{2, 1, 0, 1}, 3, true},  {{2, E_ACCESSDENIED, 0, 1}, 0, false},
-        {{2, 0, 1, 7}, 2, true},  {{1, 0, 0, 1}, 0, false},
-        {{2, 0, 1, 0}, 0, false}, {{0, 0, 0, 1}, 0, false},
-        {{2, 0, 5, 1}, 0, false}, {{2, 0, 0x80070002, 1}, 0, false},
+        {{true, 0, 0, 1}, 3, true},  {{true, 0, 0, 0xFFFFFFFF00000000}, 1, false},
+        {{true, 1, 0, 1}, 3, true},  {{true, E_ACCESSDENIED, 0, 1}, 0, false},
+        {{true, 0, 1, 7}, 2, true},  {{false, 0, 0, 1}, 0, false},
+        {{true, 0, 1, 0}, 0, false}, {{true, 0, 0x80070002, 1}, 0, false},
+        {{true, 0, 5, 1}, 0, false},
     };
     for (const auto& [ofPolicy, expected, disabled] : cases) {
         policy = ofPolicy;
@@ -162,11 +157,8 @@ TEST_F(Status, CardAndDismissalGiveStatusTextAndLevel)
 
 TEST_F(Status, DisablingWritesThePolicyAndForgetsTheCardEvenIfThatFails)
 {
-    const std::tuple<ULONG, policy_t, uint32_t> cases[] = {{0, {2}, 0},
-                                                           {0, {2, E_ACCESSDENIED}, 0x80070005},
-                                                           {1, {0}, 0x8007007E},
-                                                           {2, {2}, 0},
-                                                           {1, {2, E_ACCESSDENIED}, 0x80070005}};
+    const std::tuple<ULONG, policy_t, uint32_t> cases[] = {
+        {0, {}, 0}, {2, {}, 0}, {1, {false}, 0x8007007F}, {0, {true, E_ACCESSDENIED}, 0x80070005}};
     for (const auto& [flag, ofPolicy, code] : cases) {
         policy = ofPolicy;
         set(cardKey, L"IDCard_SS", {REG_DWORD, one});
@@ -186,7 +178,7 @@ TEST_F(Status, PropertiesOfThePlugin)
 {
     EXPECT_EQ(get(pages, {1, 3, 4, 8}), L"8:name 8:Password Manager 8:description 19:2 ");
     for (const ULONG id : {0u, 5u, 7u, 9u, 99u, 102u, 104u, 0xFFFFFFFFu})
-        EXPECT_EQ(get(pages, {id}), L"80070648=0: "); // cleared before the id is seen
+        EXPECT_EQ(get(pages, {id}), L"80070648=0: ") << id; // cleared before the id is seen
     ATL::CComVariant held(static_cast<IVLKTPages*>(pages));
     pages->GetProperty(0, &held);
     static_cast<IVLKTPages*>(pages)->AddRef();

@@ -1,7 +1,10 @@
 #include "agent/discovery.h"
 #include "agent/transfer.h"
+#include "common/module.h"
 #include "support/files.h"
 #include "support/linkfixture.h"
+
+#include <process.h>
 
 #include <gtest/gtest.h>
 
@@ -10,12 +13,10 @@ namespace {
 TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
 {
     const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vl-ready"));
-    STARTUPINFOW startup{};
-    PROCESS_INFORMATION process{};
-    wchar_t line[] = L"vlagent --ready-event vl-ready --journal C:\\vlagent.json";
-    ASSERT_TRUE(CreateProcessW(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                               &startup, &process));
-    const CKernelHandle agent(process.hProcess), thread(process.hThread);
+    std::filesystem::path program = moduleFileName(nullptr);
+    const CKernelHandle agent(reinterpret_cast<HANDLE>(
+        _wspawnl(_P_NOWAIT, program.replace_filename(L"vlagent.exe").c_str(), L"vlagent",
+                 L"--ready-event", L"vl-ready", L"--journal", L"C:\\vlagent.json", nullptr)));
     ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), limit));
     const UINT done = restore2DoneMessage();
     const std::tuple<const char*, UINT, const char*, const char*> cases[] = {
