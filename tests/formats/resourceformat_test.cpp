@@ -60,18 +60,16 @@ TEST(StringBlock, FindsTheWantedEntryIfTheBlockReachesThere)
 TEST(MuiFile, TellsWhatAFileIs)
 {
     const auto block = stringBlock({u"text"});
-    const struct {
-        std::vector<sampleResource_t> resources;
-        int file; // sound 1, divided 2, described 4
-    } cases[] = {
+    // Sound 1, divided 2, described 4.
+    const std::pair<std::vector<sampleResource_t>, int> cases[] = {
         {{{6, 65, block}}, 1},          {{{0, 1, muiData()}, {6, 65, block}}, 7},
         {{{0, 1, muiData(60)}}, 7},                                // up to the last checksum
         {{{0, 1, muiData(59)}}, 3},     {{{0, 1, bytes(132)}}, 3}, // other magic
         {{{6, 65, {4, 0, 'a', 0}}}, 0},
     };
-    for (const auto& c : cases) {
-        const muiFile_t file = readMuiFile(sampleImage(c.resources));
-        EXPECT_EQ(file.sound + 2 * file.divided + 4 * file.described, c.file) << &c - cases;
+    for (const auto& row : cases) {
+        const muiFile_t file = readMuiFile(sampleImage(row.first));
+        EXPECT_EQ(file.sound + 2 * file.divided + 4 * file.described, row.second) << &row - cases;
     }
 }
 

@@ -32,34 +32,31 @@ TEST(BrandingDeathTest, EachFailureLeavesItsLineAndTheNextNeedTriesAgain)
     const std::wstring noPath = L"|U Failed to find DllPath under Branding key in registry";
     const std::wstring notLoaded =
         L"|U failed to load resource dll , GetLastError returned 0x000000";
-    const auto whole = static_cast<DWORD>(brandingDll.size() * 2 + 2);
-    const std::tuple<DWORD, std::wstring, DWORD, std::wstring> cases[] = {
-        {REG_BINARY, brandingDll, whole, noPath},
-        {REG_SZ, L"C:\\" + std::wstring(256, L'x'), 520, notLoaded + L"02"},
-        {REG_EXPAND_SZ, L"%ComSpec%", 20, notLoaded + L"02"}, // variables stay
-        {0, L"", 0, L"|U Open Branding key " + std::wstring(hostKey) + L" in registry Failed"},
+    const std::tuple<DWORD, std::wstring, std::wstring> cases[] = {
+        {0, L"", L"|U Open Branding key " + std::wstring(hostKey) + L" in registry Failed"},
+        {REG_BINARY, brandingDll, noPath},
+        {REG_SZ, L"C:\\" + std::wstring(256, L'x'), notLoaded + L"02"},
+        {REG_EXPAND_SZ, L"%ComSpec%", notLoaded + L"02"}, // variables stay
     };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(&row - cases);
-        IN_FRESH_PROCESS({
-            const auto& [type, value, size, line] = row;
-            RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
-            const givenString_t named(IDS_HOST_BRANDING_KEY, hostKey); // not there: the default
-            if (size)
-                setValue(HKEY_LOCAL_MACHINE, defaultKey, L"DLLPath", value, type, size);
-            traceRecorder_t trace;
+    IN_FRESH_PROCESS({
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding");
+        const givenString_t named(IDS_HOST_BRANDING_KEY, hostKey); // not there: the default
+        traceRecorder_t trace;
+        for (const auto& [type, value, line] : cases) {
+            if (type)
+                setValue(HKEY_LOCAL_MACHINE, defaultKey, L"DLLPath", value, type);
             EXPECT_EQ(CBranding::LoadResourceDLL(), nullptr);
             EXPECT_EQ(GetProductName(), L"");
             EXPECT_EQ(trace.joined(), line + line);
-            setValue(HKEY_LOCAL_MACHINE, hostKey, L"DLLPath", brandingDll);
-            const importPatch_t load("LoadLibraryExW", loadAfterAnother);
-            const importPatch_t free(
-                "FreeLibrary", +[] { return ++frees; });
-            EXPECT_EQ(GetProductName(), L"Veltrano Personal Security");
-            EXPECT_EQ(GetProductName(), L"Veltrano Personal Security"); // loads nothing more
-            EXPECT_TRUE(loads == 2 && frees == 1); // the slower one's own, once
-            EXPECT_EQ(CBranding::DllPath(), brandingDll);
-            EXPECT_EQ(trace.joined(), L""); // success leaves no trace
-        });
-    }
+        }
+        setValue(HKEY_LOCAL_MACHINE, hostKey, L"DLLPath", brandingDll);
+        const importPatch_t load("LoadLibraryExW", loadAfterAnother);
+        const importPatch_t free(
+            "FreeLibrary", +[] { return ++frees; });
+        EXPECT_EQ(GetProductName(), L"Veltrano Personal Security");
+        EXPECT_EQ(GetProductName(), L"Veltrano Personal Security"); // loads nothing more
+        EXPECT_TRUE(loads == 2 && frees == 1);                      // the slower one's own, once
+        EXPECT_EQ(CBranding::DllPath(), brandingDll);
+        EXPECT_EQ(trace.joined(), L""); // success leaves no trace
+    });
 }

@@ -17,21 +17,6 @@ namespace {
 constexpr wchar_t page[] = L"QLINKLOAD.HTM";
 const std::wstring dllName = L"VLOnlineIDs.dll";
 
-std::wstring typesIn(HMODULE module)
-{
-    std::wstring types;
-    EnumResourceTypesW(
-        module,
-        +[](HMODULE, LPWSTR type, LONG_PTR into) -> BOOL {
-            const auto number = reinterpret_cast<uintptr_t>(type);
-            *reinterpret_cast<std::wstring*>(into) +=
-                (IS_INTRESOURCE(type) ? std::to_wstring(number) : type) + L' ';
-            return TRUE;
-        },
-        reinterpret_cast<LONG_PTR>(&types));
-    return types;
-}
-
 std::string resourceBytes(const CLoadedModule& module, WORD type, const wchar_t* name)
 {
     const auto typeName = type ? MAKEINTRESOURCEW(type) : L"MUI";
@@ -79,14 +64,6 @@ std::string configuration(bool isDll, const std::wstring& language, const std::s
            checksums + std::string(8, '\0') + places + body;
 }
 
-size_t markers(const std::wstring& text)
-{
-    size_t count = 0;
-    for (size_t at = 0; (at = text.find(L"<<%PN%>>", at)) != std::wstring::npos; ++at)
-        ++count;
-    return count;
-}
-
 } // namespace
 
 TEST(LanguageNames, AreThePlatformsAndLeadToANeutralParent)
@@ -113,9 +90,6 @@ TEST(Shipped, EachFileHasWhatTheConfigurationSaysAndTheTextsAreWhole)
     const CLoadedModule dll = loadAsData(builtFile(dllName));
     const std::string checksums = resourceBytes(dll, 0, MAKEINTRESOURCEW(1)).substr(28, 32);
     EXPECT_EQ(checksums.find(std::string(16, '\0')), std::string::npos);
-    EXPECT_NE(
-        resourceBytes(dll, 23, page).find("<title>The web browser is opening the logon</title>"),
-        std::string::npos);
 
     std::wistringstream languages(dllName + L' ' + VL_LANGUAGES);
     for (std::wstring language; languages >> language;) {
@@ -123,7 +97,6 @@ TEST(Shipped, EachFileHasWhatTheConfigurationSaysAndTheTextsAreWhole)
         const bool main = language == dllName;
         const fs::path path = builtFile(main ? dllName : language + L'/' + dllName + L".mui");
         const CLoadedModule file = loadAsData(path);
-        EXPECT_EQ(typesIn(file.get()), main ? L"MUI 2 3 14 16 23 " : L"MUI 6 16 23 ");
         EXPECT_EQ(resourceBytes(file, 0, MAKEINTRESOURCEW(1)),
                   configuration(main, language, checksums));
         std::string version = resourceBytes(file, 16, MAKEINTRESOURCEW(1));
@@ -149,8 +122,8 @@ TEST(Shipped, EachFileHasWhatTheConfigurationSaysAndTheTextsAreWhole)
             if (main)
                 continue;
             EXPECT_EQ(text.find_first_of(L"?\uFFFD"), std::wstring::npos);
-            EXPECT_EQ(markers(text), markers(original));
-            EXPECT_EQ(std::ranges::count(text, L'%'), std::ranges::count(original, L'%'));
+            for (const wchar_t sign : {L'<', L'%', L'>'}) // those of the markers
+                EXPECT_EQ(std::ranges::count(text, sign), std::ranges::count(original, sign));
             untranslated += text == original;
         }
         EXPECT_LE(untranslated, language == L"en-US" ? 7 : 2); // a name may stay
