@@ -1,10 +1,8 @@
 #include "agent/discovery.h"
 #include "agent/transfer.h"
 #include "common/module.h"
-#include "support/files.h"
 #include "support/linkfixture.h"
-
-#include <process.h>
+#include "support/process.h"
 
 #include <gtest/gtest.h>
 
@@ -14,9 +12,8 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
 {
     const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vl-ready"));
     std::filesystem::path program = moduleFileName(nullptr);
-    const CKernelHandle agent(reinterpret_cast<HANDLE>(
-        _wspawnl(_P_NOWAIT, program.replace_filename(L"vlagent.exe").c_str(), L"vlagent",
-                 L"--ready-event", L"vl-ready", L"--journal", L"C:\\vlagent.json", nullptr)));
+    const process_t agent(program.replace_filename(L"vlagent.exe"),
+                          LR"(--ready-event vl-ready --journal C:\vlagent.json)");
     ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), limit));
     const UINT done = restore2DoneMessage();
     const std::tuple<const char*, UINT, const char*, const char*> cases[] = {
@@ -29,10 +26,8 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
         EXPECT_TRUE(sendToAgent(findAgentWindow(), message, name, body));
         EXPECT_NE(std::string::npos, fileBytes("C:\\vlagent.json").find(journalled)) << journalled;
     }
-    DWORD code = STILL_ACTIVE;
     PostMessageW(findAgentWindow(), WM_CLOSE, 0, 0);
-    WaitForSingleObject(agent.get(), limit);
-    EXPECT_TRUE(GetExitCodeProcess(agent.get(), &code) && code == 0);
+    EXPECT_EQ(0u, agent.result().status);
 }
 
 } // namespace

@@ -78,10 +78,7 @@ TEST_F(TraceFile, HoldsTextsOfAnyLengthAndSwitchingItKeepsNothing)
     };
     for (const size_t length : {1U, 8U, 349U, 350U, 65535U})
         expectText(length);
-    const heldResources_t before;
-    for (int i = 0; i < 200; ++i)
-        expectText(9);
-    EXPECT_EQ(heldResources_t().grownSince(before, 200), "");
+    EXPECT_EQ(grownBy([&] { expectText(9); }), "");
 }
 
 // Rights, sharing, dispositions and inheritance: what a call may do is in its numbers alone.
