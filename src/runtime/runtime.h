@@ -10,6 +10,7 @@
 //
 //   entry.cpp          start and end of the DLL: none of its code runs when the process ends
 //   exceptionpool.cpp  frees the memory that is set aside for exceptions when there is no other
+//   iostreams.cpp      leaves std::cout and the like unmade
 //   once.cpp           one-time initialisation over the system's locks. The thread library would
 //                      make a record of each thread for it, with an event and a handle
 //   stackcheck.cpp     the stack protection's value and its failure
