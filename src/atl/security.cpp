@@ -49,16 +49,12 @@ size_t sidOffset(const std::vector<BYTE>& entry)
 
 CSid tokenSid(HANDLE token, TOKEN_INFORMATION_CLASS kind)
 {
+    // TOKEN_USER is the longer one of the two kinds, and both begin with the pointer.
+    alignas(TOKEN_USER) BYTE information[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
     DWORD size = 0;
-    if (!GetTokenInformation(token, kind, nullptr, 0, &size) &&
-        GetLastError() != ERROR_INSUFFICIENT_BUFFER)
-        throwLastError();
-    std::vector<BYTE> information(size);
-    check(GetTokenInformation(token, kind, information.data(), size, &size));
-    PSID sid = nullptr; // TOKEN_USER and TOKEN_PRIMARY_GROUP both begin with the pointer
-    if (information.size() < sizeof sid)
-        AtlThrow(E_UNEXPECTED);
-    std::memcpy(&sid, information.data(), sizeof sid);
+    check(GetTokenInformation(token, kind, information, sizeof information, &size));
+    PSID sid = nullptr;
+    std::memcpy(&sid, information, sizeof sid);
     return CSid(sid);
 }
 

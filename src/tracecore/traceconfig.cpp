@@ -10,6 +10,7 @@
 #include <ctime>
 #include <list>
 #include <mutex>
+#include <optional>
 
 namespace tracecore {
 
@@ -43,6 +44,18 @@ DWORD numberOf(const CRegistryKey& key, const wchar_t* name, DWORD missing) noex
 {
     readNumber(key, name, missing);
     return missing;
+}
+
+std::optional<DWORD> readSwitch() noexcept
+{
+    DWORD value = 0;
+    return readNumber(openTracing(KEY_READ), switchName, value) ? std::optional(value)
+                                                                : std::nullopt;
+}
+
+bool isExpired(DWORD value) noexcept
+{
+    return value != 1 && daysUntil(value) <= 0;
 }
 
 std::wstring textOf(const CRegistryKey& key, const wchar_t* name)
@@ -148,7 +161,8 @@ void followConfiguration(tracer_t& tracer)
 
 void dropExpiredSwitch(tracer_t& tracer)
 {
-    if (!switchExpired() || !tracer.expire())
+    const std::optional<DWORD> value = readSwitch();
+    if (!value || !isExpired(*value) || !tracer.expire())
         return;
     std::wstring name;
     tracer.fileName(name, tracer.mode == sinkFileNew);
@@ -223,9 +237,12 @@ bool componentTraced()
 
 int32_t daysUntil(int64_t time) noexcept
 {
+    const int64_t now = _time64(nullptr);
+    if (time <= now)
+        return 0; // most often, and without the time zone
     int64_t day = 0;
     int64_t today = 0;
-    if (!dayOf(time, day) || !dayOf(_time64(nullptr), today) || day <= today)
+    if (!dayOf(time, day) || !dayOf(now, today) || day <= today)
         return 0;
     // 32 bits: a day that is further away comes out negative. Intended.
     return static_cast<int32_t>(day - today) / 86400;
@@ -233,8 +250,7 @@ int32_t daysUntil(int64_t time) noexcept
 
 bool switchExpired()
 {
-    const DWORD value = numberOf(openTracing(KEY_READ), switchName, 0);
-    return value != 1 && daysUntil(value) <= 0;
+    return isExpired(readSwitch().value_or(0));
 }
 
 void sweepOldTraces(const std::wstring& path, uint8_t flag)
