@@ -29,7 +29,7 @@ void copyTree(const CDerElement& element, CDerNode& node, int depth = 0)
 
 std::vector<uint8_t> copyOf(std::span<const uint8_t> bytes)
 {
-    CDerNode node;
+    CDerTree node;
     copyTree(CDerElement(bytes), node);
     return node.Encode();
 }

@@ -69,7 +69,7 @@ template <class Build> bool encodeTo(_CRYPTOAPI_BLOB& slot, Build build)
 {
     slot = {};
     return withStatus([&] {
-        CDerNode node;
+        CDerTree node;
         build(node);
         const size_t size = node.Measure();
         if (size > std::numeric_limits<DWORD>::max())

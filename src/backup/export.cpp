@@ -23,6 +23,7 @@ constexpr wchar_t temporaryDataFile[] = L"updata_temp.vls";
 
 // Up to this size a copy is cheaper than a mapping, and a process can hold only so many mappings.
 constexpr size_t largestCopiedFile = 0x10000;
+constexpr size_t copyBlock = 0x100000; // so large that the heap gives it back to the system
 
 constexpr uint32_t webLink = 1;
 
@@ -31,19 +32,34 @@ std::wstring personalFolder()
     return addslash(unifyslashes(settings_getpath(L"path_localstorage_dir")));
 }
 
-// setFile fills a node with a file's bytes. What can't be read has none.
-void setFile(CDerNode& node, const std::wstring& fileName)
+// CFileReader reads files into nodes. The small ones are copied, many to a block, which goes as soon
+// as the last of them is written: a backup of small files takes its memory once, not twice.
+class CFileReader
 {
-    const auto file = std::make_shared<mappedfile_scope>(fileName);
-    const std::span<const uint8_t> bytes(file->get().view, file->get().size);
-    if (bytes.size() > largestCopiedFile) {
-        node.SetOctets(bytes, file);
-        return;
+public:
+    // Read fills a node with a file's bytes. What can't be read has none.
+    void Read(CDerNode& node, const std::wstring& fileName)
+    {
+        mappedfile_scope file(fileName);
+        const std::span<const uint8_t> bytes(file.get().view, file.get().size);
+        if (bytes.size() > largestCopiedFile) {
+            node.SetOctets(bytes, std::make_shared<mappedfile_scope>(std::move(file)));
+            return;
+        }
+        if (bytes.size() > m_free.size()) {
+            m_block = std::make_shared_for_overwrite<uint8_t[]>(copyBlock);
+            m_free = {m_block.get(), copyBlock};
+        }
+        const auto copy = m_free.first(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), copy.begin());
+        node.SetOctets(copy, m_block);
+        m_free = m_free.subspan(copy.size());
     }
-    const std::shared_ptr<uint8_t[]> copy = std::make_shared_for_overwrite<uint8_t[]>(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), copy.get());
-    node.SetOctets({copy.get(), bytes.size()}, copy);
-}
+
+private:
+    std::shared_ptr<uint8_t[]> m_block;
+    std::span<uint8_t> m_free; // the rest of the block
+};
 
 void setQuickLink(CDerNode& node, const QLRecord& record)
 {
@@ -87,11 +103,12 @@ HRESULT CStorageData::ExportTemplates(CDerNode* slot)
     if (files.empty())
         return E_FAIL;
     slot->SetSequence(files.size());
+    CFileReader reader;
     for (size_t i = 0; i < files.size(); ++i) {
         CDerNode& pair = slot->Child(i);
         pair.SetSequence(2);
         pair.Child(0).SetWide(storedname(files[i]));
-        setFile(pair.Child(1), files[i].folder + files[i].name);
+        reader.Read(pair.Child(1), files[i].folder + files[i].name);
     }
     return S_OK;
 }

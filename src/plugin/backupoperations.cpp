@@ -42,7 +42,7 @@ void deliverBackup(VARIANT* output)
 {
     CVLByteArray array;
     array.Add({}); // a backup of nothing is an empty array
-    CDerNode backup;
+    CDerTree backup;
     const uint32_t size = CStorageData::BuildBackup(backup);
     std::span<uint8_t> place;
     if (size > 0 && SUCCEEDED(array.Extend(size, place)))

@@ -7,38 +7,34 @@
 #include <windows.h>
 
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace {
 
-// readtext reads a text value of size bytes.
-bool readtext(HKEY key, const wchar_t* name, DWORD size, std::u16string& text)
-{
-    std::wstring units((size + 1) / sizeof(wchar_t), L'\0');
-    DWORD type = 0;
-    if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(units.data()), &size) !=
-            ERROR_SUCCESS ||
-        !isWholeText(type, units, size, noBytes_t::haveNoEnd))
-        return false;
-    const std::wstring_view visible(units.c_str()); // a wide text blob ends at its first zero
-    text.assign(visible.begin(), visible.end());
-    return true;
-}
-
 // nextcategory reads the value at index into a pair; false ends the enumeration.
-bool nextcategory(HKEY key, DWORD index, CDerNode& pair)
+//
+// data: where the value's text is read, and that grows as it has to
+bool nextcategory(HKEY key, DWORD index, std::vector<wchar_t>& data, CDerNode& pair)
 {
     wchar_t name[261] = {};
-    DWORD length = 260; // a longer name ends the enumeration
+    DWORD type = 0;
     DWORD size = 0;
-    if (RegEnumValueW(key, index, name, &length, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
-        return false;
-    std::u16string text;
-    if (size == 0 || !readtext(key, name, size, text))
+    const auto read = [&] {
+        DWORD length = 260; // a longer name ends the enumeration
+        size = static_cast<DWORD>(data.size() * sizeof(wchar_t));
+        return RegEnumValueW(key, index, name, &length, nullptr, &type,
+                             reinterpret_cast<BYTE*>(data.data()), &size);
+    };
+    LSTATUS error = read();
+    if (error == ERROR_MORE_DATA && size > data.size() * sizeof(wchar_t)) {
+        data.resize(size / sizeof(wchar_t) + 1);
+        error = read();
+    }
+    if (error != ERROR_SUCCESS || !isWholeText(type, data, size, noBytes_t::haveNoEnd))
         return false;
     pair.SetSequence(2);
     pair.Child(0).SetWide(name);
-    pair.Child(1).SetWide(text);
+    pair.Child(1).SetWide(data.data()); // a wide text blob ends at its first zero
     return true;
 }
 
@@ -57,13 +53,13 @@ bool qlcategories_backup(CDerNode* out)
     if (key)
         RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count,
                          nullptr, nullptr, nullptr, nullptr);
-    CDerNode list;
+    std::vector<wchar_t> data(256);
+    CDerTree nobodys;
+    CDerNode& list = out ? *out : nobodys;
     list.SetSequence(count);
     for (DWORD i = 0; i < count; ++i)
-        if (!nextcategory(key.get(), i, list.Child(i)))
+        if (!nextcategory(key.get(), i, data, list.Child(i)))
             break;
-    if (out)
-        *out = std::move(list);
     return count > 0;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 
 // Whole files through a read-only mapping, and text files as lines. A file that can't be read,
 // because it is missing, empty or held open by a writer, reads as nothing. Nothing is shared
@@ -33,8 +34,9 @@ class mappedfile_scope
 public:
     explicit mappedfile_scope(const std::wstring& fileName) : m_mapped(mapfile_open(fileName)) {}
     ~mappedfile_scope() { mapfile_close(m_mapped); }
-    mappedfile_scope(const mappedfile_scope&) = delete;
-    mappedfile_scope& operator=(const mappedfile_scope&) = delete;
+    mappedfile_scope(mappedfile_scope&& other) noexcept
+        : m_mapped(std::exchange(other.m_mapped, MappedFile()))
+    {}
 
     const MappedFile& get() const noexcept { return m_mapped; }
 

@@ -40,7 +40,7 @@ TEST(Blob, WritesNumbersAsThePlatformDoes)
         for (const uint32_t number : {bit, bit - 1, ~bit, 0 - 2 * bit}) {
             const CVLIntBlob blob(number);
             CVLBlobSeq slots(2);
-            CDerNode node;
+            CDerTree node;
             bytes expected(16);
             DWORD size = 16;
             CryptEncodeObject(X509_ASN_ENCODING, X509_MULTI_BYTE_INTEGER,

@@ -10,7 +10,7 @@ class Export : public backupTest
 
 bytes backupOf()
 {
-    CDerNode backup;
+    CDerTree backup;
     const uint32_t size = CStorageData::BuildBackup(backup);
     bytes encoded = backup.Encode();
     EXPECT_EQ(encoded.size(), size);

@@ -25,7 +25,7 @@ bytes hex(const std::string& text)
 TEST(DerNode, WritesEachShapeAndLeavesEmptyNodesOut)
 {
     const bytes octet{'x'};
-    CDerNode node;
+    CDerTree node;
     node.SetSequence(5);
     node.Child(0).SetWide(u"\u20ac\0b"sv);
     node.Child(2).SetNarrow("a\0b"sv);

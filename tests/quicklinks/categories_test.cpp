@@ -53,7 +53,7 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
         {L"", L"b", L"", REG_MULTI_SZ, 4}};
     for (const auto& [name, text, restored, type, size] : cases) {
         RegDeleteKeyW(HKEY_CURRENT_USER, categories);
-        CDerNode out;
+        CDerTree out;
         EXPECT_FALSE(qlcategories_backup(&out));
         EXPECT_EQ(out.Encode(), (bytes{0x30, 0}));
         RegSetKeyValueW(HKEY_CURRENT_USER, categories, L"a", REG_SZ, L"A", 4);

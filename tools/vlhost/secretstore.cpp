@@ -146,7 +146,7 @@ void writeSecretTo(int descriptor, const CSecretBytes& value)
 
 CSecretBytes encodeSecretList(const std::wstring& name, const CSecretBytes& value)
 {
-    CDerNode list;
+    CDerTree list;
     list.SetSequence(1);
     list.Child(0).SetSequence(2);
     list.Child(0).Child(0).SetWide({reinterpret_cast<const char16_t*>(name.data()), name.size()});

@@ -110,15 +110,14 @@ bool CDerSequenceView::Decode(std::span<const uint8_t> bytes)
     // Counted first: growing as they come would take twice the memory.
     size_t count = 0;
     std::span<const uint8_t> element;
-    for (CDerReader reader(contents); reader.ReadElement(element);)
-        ++count;
-    std::vector<CDerElement> elements;
-    elements.reserve(count);
-    for (CDerReader reader(contents); !reader.AtEnd();) {
+    for (CDerReader reader(contents); !reader.AtEnd(); ++count)
         if (!reader.ReadElement(element))
             return false;
-        elements.emplace_back(element);
-    }
-    m_elements = std::move(elements);
+    std::vector<CDerElement> many(count > m_few.size() ? count : 0);
+    CDerElement* next = many.empty() ? m_few.data() : many.data();
+    for (CDerReader reader(contents); reader.ReadElement(element);)
+        *next++ = CDerElement(element);
+    m_many = std::move(many);
+    m_count = count;
     return true;
 }

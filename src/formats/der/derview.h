@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -49,8 +50,8 @@ private:
     std::span<const uint8_t> m_encoded;
 };
 
-// CDerSequenceView holds views of a sequence's elements. It takes 16 bytes for each of them and
-// copies nothing else.
+// CDerSequenceView holds views of a sequence's elements. It takes 16 bytes for each of them, of a
+// few in itself, and copies nothing else.
 class CDerSequenceView
 {
 public:
@@ -62,15 +63,20 @@ public:
     [[nodiscard]] bool Decode(std::span<const uint8_t> bytes);
     [[nodiscard]] bool Decode(const CDerElement& element) { return Decode(element.Encoded()); }
 
-    size_t Count() const noexcept { return m_elements.size(); }
+    size_t Count() const noexcept { return m_count; }
     // operator[] gives a missing element past the end.
     CDerElement operator[](size_t index) const noexcept
     {
-        return index < m_elements.size() ? m_elements[index] : CDerElement();
+        return index < m_count ? begin()[index] : CDerElement();
     }
-    auto begin() const noexcept { return m_elements.begin(); }
-    auto end() const noexcept { return m_elements.end(); }
+    const CDerElement* begin() const noexcept
+    {
+        return m_count <= m_few.size() ? m_few.data() : m_many.data();
+    }
+    const CDerElement* end() const noexcept { return begin() + m_count; }
 
 private:
-    std::vector<CDerElement> m_elements;
+    size_t m_count = 0;
+    std::array<CDerElement, 6> m_few; // as many as the longest record has
+    std::vector<CDerElement> m_many;  // instead, if there are more
 };
