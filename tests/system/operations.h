@@ -2,6 +2,13 @@
 
 #include "installation.h"
 #include "support/agentstub.h"
+#include "support/patchimport.h"
+
+// silentPlugin_t opens no program on the screen.
+struct silentPlugin_t : plugin_t {
+    const importPatch_t shell{GetModuleHandleW(L"VLOnlineIDs.dll"), "ShellExecuteW",
+                              reinterpret_cast<void*>(+[] { return INT_PTR{33}; })};
+};
 
 // outcome_t is what an operation returned: its statuses, and all that it gave in one text.
 struct outcome_t {
