@@ -11,7 +11,6 @@
 #include "vlonlineids.h"
 
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -83,24 +82,6 @@ private:
 inline void callAndFail(const plugin_t& plugin)
 {
     EXPECT_EQ(E_POINTER, plugin.as<IVLKTElementUI>()->GetProperty(propertyName, nullptr));
-}
-
-// One of the operations by its number, good or failing.
-inline void callAnything(const plugin_t& plugin, unsigned which)
-{
-    value_t names, data(newLogon()), value;
-    ULONG status = 0;
-    const auto restore = plugin.as<IVLKTBackupRestore2>();
-    const std::function<void()> calls[] = {
-        [&] { restore->GetStorageData(&names, &data); },
-        [&] { restore->SetStorageData(&data); },
-        [&] { restore->SetStorageData2(0, &names); },
-        [&] { plugin.as<IVLKTElementUI>()->GetProperty(propertyExplanation, &value); },
-        [&] { plugin.as<IVLKTDisableApp>()->GetStatus(&status); },
-        [&] { plugin.as<IVLKTPluginInfo>()->GetInfo(1, &value); },
-        [&] { plugin.make()->Release(); },
-        [&] { callAndFail(plugin); }};
-    calls[which % 8]();
 }
 
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a

@@ -1,4 +1,4 @@
-#include "installation.h"
+#include "operations.h"
 #include "support/growth.h"
 #include "support/meeting.h"
 #include "support/patchimport.h"
@@ -61,13 +61,13 @@ void endAfterAStop(unsigned number)
 
 // Lifetime runs again in processes of its own, which end in one of those ways: the environment
 // has its number.
-class Lifetime : public installedTest
+class Lifetime : public operationsTest
 {
 protected:
     void SetUp() override
     {
         if (!_wgetenv(numberName))
-            installedTest::SetUp();
+            operationsTest::SetUp();
     }
 
     void expectEnds(void (*end)(unsigned), unsigned count)
@@ -104,7 +104,7 @@ TEST_F(Lifetime, LoadsKeepNothing)
         {1200, [&] { std::for_each(std::begin(libraries), std::end(libraries), loaded); }},
         {1200, [] { callAndFail({}); }},
         {50,
-         [] {
+         [this] {
              meeting_t meeting(2);
              std::jthread outliving;
              {
@@ -114,8 +114,8 @@ TEST_F(Lifetime, LoadsKeepNothing)
                      meeting.arriveAndWait();
                      meeting.arriveAndWait();
                  });
-                 for (unsigned i = 0; i < 8; ++i)
-                     callAnything(plugin, i);
+                 for (const char* name : {"status", "backup", "restore", "refusals"})
+                     run(plugin, name);
                  meeting.arriveAndWait();
              }
              meeting.arriveAndWait();

@@ -1,4 +1,3 @@
-#include "atl/exception.h"
 #include "neighbours/settingsprovider.h"
 #include "neighbours/vlfpapi.h"
 #include "operations.h"
@@ -6,7 +5,6 @@
 #include "support/growth.h"
 #include "support/linkfixture.h"
 #include "support/patchimport.h"
-#include "support/tracebytes.h"
 
 #include <comdef.h>
 

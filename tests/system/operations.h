@@ -30,6 +30,10 @@ struct outcome_t {
     bool operator==(const outcome_t&) const = default;
 };
 
+constexpr const char* operationNames[] = {"information",  "status",   "notification",
+                                          "backup",       "restore",  "pluginData",
+                                          "registration", "creation", "refusals"};
+
 // operationsTest has what hosts ask of the plug-in, by name, and an agent that answers.
 class operationsTest : public installedTest
 {

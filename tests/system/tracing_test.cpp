@@ -1,11 +1,10 @@
-#include "installation.h"
-#include "support/patchimport.h"
+#include "operations.h"
 
 #include <functional>
 
 namespace {
 
-using Tracing = installedTest;
+using Tracing = operationsTest;
 
 TEST_F(Tracing, OffFormatsTakesAndMarksNothing)
 {
@@ -31,7 +30,7 @@ TEST_F(Tracing, OffFormatsTakesAndMarksNothing)
                     onSearch();
                 return FindFirstFileW(mask, found);
             }));
-        callAnything(plugin, 0);
+        run(plugin, "backup");
     }
     EXPECT_TRUE(traced().starts_with(wholeTree("> CVLKTPages::GetStorageData\n > collectall\n"
                                                "  > enumfnames | U   'krs::cache\\*.vlm'\n")))
@@ -43,8 +42,8 @@ TEST_F(Tracing, OffFormatsTakesAndMarksNothing)
     static int calls = 0;
     const auto count = reinterpret_cast<void*>(+[] { ++calls; });
     const importPatch_t format(dll, "_vsnwprintf", count), wait(dll, "WaitForSingleObject", count);
-    for (unsigned i = 0; i < 8; ++i)
-        callAnything(plugin, i);
+    for (const char* name : {"information", "status", "backup", "restore", "refusals"})
+        run(plugin, name);
     EXPECT_EQ(0, calls);
     EXPECT_EQ(before, traced());
 }
