@@ -1,11 +1,9 @@
-#include "childruns.h"
 #include "operations.h"
+#include "support/freshprocess.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
 #include "support/memorysearch.h"
 
-#include <fstream>
-#include <functional>
 #include <set>
 
 // Each call of the platform and each allocation that an operation makes fails once, one after the
@@ -83,6 +81,7 @@ bool countAndFail(const hookedCall_t& call)
     if (calls != failAt)
         return std::string_view("ShellExecuteW") == call.function; // no programs on the screen
     failed = call.function;
+    std::fprintf(stderr, "call %zu, %s\n", calls, call.function); // the last one is where it ended
     return true;
 }
 
@@ -102,15 +101,6 @@ bytes secretList()
 }
 constexpr size_t ownCopies = 2 * timesBehind + 1; // of the list, and the octets themselves
 
-class Faults : public operationsTest
-{
-protected:
-    Faults() { m_secrets = secretList(); }
-
-    // sweep runs in the child, from that call on.
-    void sweep(const std::string& scenario, size_t first, std::ostream& report);
-};
-
 // The tracing mutex is a thread's own, so that another one has to ask.
 bool isTracingFree()
 {
@@ -125,93 +115,83 @@ bool isTracingFree()
     return free;
 }
 
-void Faults::sweep(const std::string& scenario, size_t first, std::ostream& report)
+class Faults : public operationsTest, public testing::WithParamInterface<const char*>
 {
-    const std::set<HRESULT> allowed = {S_OK, E_FAIL, E_UNEXPECTED, E_OUTOFMEMORY,
-                                       HRESULT(0x80070008)};
-    const CLoadedModule policy(LoadLibraryW(m_policyLibrary)); // loading it each time takes long
-    const plugin_t plugin;
-    const bool hasSecret = scenario == "pluginData";
-    const importHooks_t hooks(GetModuleHandleW(L"VLOnlineIDs.dll"), failing(), countAndFail);
-    run(plugin, scenario);
-    std::vector<size_t> points;
-    wanted = &points;
-    calls = 0;
-    const outcome_t whole = run(plugin, scenario);
-    wanted = nullptr;
-    points.push_back(calls + 1); // undisturbed
-    const auto files = userFiles();
-    const auto once = [&](size_t at) {
+protected:
+    Faults() { m_secrets = secretList(); }
+
+    outcome_t failOnce(const plugin_t& plugin, size_t at)
+    {
         outcome_t outcome;
         calls = 0;
         failAt = at;
-        try {
-            outcome = run(plugin, scenario);
-        } catch (...) {
-            report << "BAD an exception came out\n";
-        }
+        EXPECT_NO_THROW(outcome = run(plugin, GetParam()));
         failAt = 0;
         return outcome;
-    };
-    const auto tryOnce = [&](size_t at, bool isFirst) {
-        const outcome_t outcome = once(at);
-        if (isFirst) {
-            report << "about " << failed << '\n';
-            for (size_t i = 0; i < outcome.statuses.size(); ++i)
-                if (!allowed.count(outcome.statuses[i]) && outcome.statuses[i] != whole.statuses[i])
-                    report << "BAD status " << std::hex << outcome.statuses[i] << std::dec
-                           << " of call " << i << '\n';
-            if (hasSecret && copiesOf(behindSecret) != ownCopies)
-                report << "BAD secret bytes are left\n";
-            // Without the environment a quick link is stored by another path.
-            for (const auto& [name, content] : userFiles())
-                if (!content.empty() && content != files.at(name) &&
-                    failed != "GetEnvironmentVariableW")
-                    report << "BAD a part is left of " << name << '\n';
-        }
-        // Twice, since a state that the failure left may be seen once.
-        if (!failed.empty() && once(0) != whole && once(0) != whole)
-            report << "BAD it doesn't work again\n";
-    };
-    for (const size_t at : points) {
-        if (at < first)
-            continue;
-        report << "at " << at << std::endl;
-        failed.clear();
-        bool isFirst = true;
-        const std::string grown = grownBy([&] { tryOnce(at, std::exchange(isFirst, false)); });
-        if (!grown.empty() && failed != "fputs") // after which the stream stays open
-            report << "BAD grows by " << grown << '\n';
-        if (!isTracingFree())
-            report << "BAD the tracing mutex is held\n";
     }
-    report << "done" << std::endl;
-}
+    void expectGoodEnd(const outcome_t& outcome, const outcome_t& whole,
+                       const std::map<std::string, std::string>& files) const
+    {
+        const std::set<HRESULT> allowed = {S_OK, E_FAIL, E_UNEXPECTED, E_OUTOFMEMORY,
+                                           HRESULT(0x80070008)};
+        for (size_t i = 0; i < outcome.statuses.size(); ++i)
+            EXPECT_TRUE(allowed.count(outcome.statuses[i]) ||
+                        outcome.statuses[i] == whole.statuses[i])
+                << failed << ": status " << outcome.statuses[i] << " of call " << i;
+        EXPECT_TRUE(GetParam() != std::string("pluginData") || copiesOf(behindSecret) == ownCopies)
+            << failed;
+        // Without the environment a quick link is stored by another path.
+        for (const auto& [name, content] : userFiles())
+            EXPECT_TRUE(content.empty() || content == files.at(name) ||
+                        failed == "GetEnvironmentVariableW")
+                << failed << ": a part is left of " << name;
+    }
+};
 
-TEST_F(Faults, DISABLED_Child)
-{
-    const std::string scenario = getenv("VL_SCENARIO");
-    const auto first = static_cast<size_t>(atoi(getenv("VL_FIRST")));
-    stride = static_cast<size_t>(atoi(getenv("VL_EVERY")));
-    setTracing(scenario.ends_with("+trace"));
-    std::ofstream report(reportFile);
-    sweep(scenario, first, report);
-}
-
-class EachFault : public testing::TestWithParam<const char*>
-{};
-
-TEST_P(EachFault, EndsWellAndKeepsNothing)
+TEST_P(Faults, EndWellAndKeepNothing)
 {
     const std::string scenario = GetParam();
-    // One allocation in so many is taken; 1 for all. A restore's can cut a file.
-    const char* const sample = scenario == "restore" ? "1" : "29";
-    const char* const every = getenv("VL_STRIDE");
-    _putenv_s("VL_EVERY", every ? every : sample);
-    inChildren(scenario, 1);
+    setTracing(scenario.ends_with("+trace"));
+    IN_FRESH_PROCESS({
+        static std::atomic<size_t> runs{0};
+        endWhenStuck(runs);
+        // One allocation in so many is taken; 1 for all. A restore's can cut a file.
+        const char* const every = getenv("VL_STRIDE");
+        stride = every ? std::stoul(every) : scenario == "restore" ? 1 : 29;
+        const CLoadedModule policy(LoadLibraryW(m_policyLibrary)); // loading takes long
+        const plugin_t plugin;
+        const importHooks_t hooks(GetModuleHandleW(L"VLOnlineIDs.dll"), failing(), countAndFail);
+        run(plugin, scenario);
+        std::vector<size_t> points;
+        wanted = &points;
+        calls = 0;
+        const outcome_t whole = run(plugin, scenario);
+        wanted = nullptr;
+        points.push_back(calls + 1); // undisturbed
+        const auto files = userFiles();
+        for (const size_t at : points) {
+            SCOPED_TRACE(at);
+            failed.clear();
+            bool isFirst = true;
+            const std::string grown = grownBy([&] {
+                const outcome_t outcome = failOnce(plugin, at);
+                if (std::exchange(isFirst, false))
+                    expectGoodEnd(outcome, whole, files);
+                // Twice, since a state that the failure left may be seen once.
+                EXPECT_TRUE(failed.empty() || failOnce(plugin, 0) == whole ||
+                            failOnce(plugin, 0) == whole)
+                    << failed << ": it doesn't work again";
+            });
+            EXPECT_TRUE(grown.empty() || failed == "fputs") // after which the stream stays open
+                << failed << ": grows by " << grown;
+            EXPECT_TRUE(isTracingFree()) << failed;
+            ++runs;
+        }
+        printRuns(GetParam(), runs);
+    });
 }
 
-INSTANTIATE_TEST_SUITE_P(Operations, EachFault,
+INSTANTIATE_TEST_SUITE_P(Operations, Faults,
                          testing::Values("creation", "information", "status", "notification",
                                          "registration", "backup", "restore", "pluginData",
                                          "refusals", "status+trace", "backup+trace"));

@@ -85,12 +85,16 @@ inline void callAndFail(const plugin_t& plugin)
 }
 
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a
-// quick link.
+// quick link. What runs in a fresh process finds what its parent installed.
 class installedTest : public testing::Test
 {
 protected:
     void SetUp() override
     {
+        if (testing::internal::InDeathTestChild()) {
+            fs::current_path(m_root / L"current");
+            return;
+        }
         fs::current_path(m_built); // a current folder can't be removed
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Veltrano)");
         RegDeleteTreeW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano)");

@@ -4,7 +4,6 @@
 #include "support/freshprocess.h"
 #include "support/growth.h"
 #include "support/linkfixture.h"
-#include "support/patchimport.h"
 
 #include <comdef.h>
 
@@ -74,20 +73,9 @@ const lie_t lies[] = {{"odd failure", gives<HRESULT(0x81234567)>},
                       {"unpaired halves", gives<S_OK>, L"C:\\VL\\\xD800\xDC00\xDC00\\\xD800"},
                       {"nobody's network", gives<S_OK>, L"\\\\?\\UNC\\"}};
 
-// Neighbour runs again in a process of its own, which finds what its parent installed.
-template <class Fixture> class Neighbour : public Fixture
-{
-protected:
-    void SetUp() override
-    {
-        if (testing::internal::InDeathTestChild())
-            fs::current_path(this->m_root / L"current");
-        else
-            Fixture::SetUp();
-    }
-};
+std::atomic<size_t> progress{0};
 
-class Liars : public Neighbour<operationsTest>
+class Liars : public operationsTest
 {
 protected:
     std::vector<outcome_t> all(const plugin_t& plugin)
@@ -109,10 +97,11 @@ protected:
 TEST_F(Liars, CanNeitherCrashNorGrowNorSpoilWhatComesLater)
 {
     IN_FRESH_PROCESS({
-        std::thread([] { Sleep(200000), _exit(9); }).detach();
+        endWhenStuck(progress);
         const CLoadedModule policy(LoadLibraryW(m_policyLibrary));
         for (const lie_t& told : lies) {
             SCOPED_TRACE(told.name);
+            ++progress;
             std::fprintf(stderr, "%s\n", told.name); // the last one is where it ended
             setTracing(told.text.size() < 65536);    // a longer record isn't readable
             const auto before = allByHonest();
@@ -177,7 +166,7 @@ std::string said(int name, const std::string& error)
     return " E " + error + ' ' + texts[name];
 }
 
-class Link : public Neighbour<installedTest>
+class Link : public installedTest
 {
 protected:
     using act_t = std::function<void(agentStub_t&)>;
@@ -311,7 +300,7 @@ protected:
 TEST_F(Link, EachNameMayBeAnothersAndTheAgentMayEndAtAnyStep)
 {
     IN_FRESH_PROCESS({
-        std::thread([] { Sleep(100000), _exit(9); }).detach();
+        endWhenStuck(progress);
         const plugin_t plugin;
         const importPatch_t wait(GetModuleHandleW(L"VLOnlineIDs.dll"), "WaitForSingleObject",
                                  reinterpret_cast<void*>(waitImpatiently));
@@ -323,6 +312,7 @@ TEST_F(Link, EachNameMayBeAnothersAndTheAgentMayEndAtAnyStep)
                 exchange(plugin, bad); // the first miss differs
         for (const badAgent_t& bad : all) {
             SCOPED_TRACE(bad.name);
+            ++progress;
             std::fprintf(stderr, "%s\n", bad.name.c_str());
             EXPECT_EQ("", grownBy([&] {
                           endless = 0;

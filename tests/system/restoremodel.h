@@ -37,13 +37,14 @@ inline state_t stateNow()
     return state;
 }
 
-// outsideNow is what else is on the disk.
+// outsideNow is what else is on the disk, except what a fresh process prints.
 inline state_t outsideNow()
 {
     state_t state;
     addFiles(state, LR"(C:\)", 9, false);
     std::erase_if(state, [](const auto& one) {
-        return one.first.starts_with(LR"(C:\hostile\)") || one.first.starts_with(LR"(C:\VL\)");
+        return one.first.starts_with(LR"(C:\hostile\)") || one.first.starts_with(LR"(C:\VL\)") ||
+               one.first.ends_with(L".tmp");
     });
     return state;
 }
