@@ -1,4 +1,4 @@
-# GoogleTest and CLI11 come from the distribution's packages, JsonCpp from its source package (scripts/setup.sh).
+# GoogleTest and CLI11 come from the distribution's packages, JsonCpp and PCRE2 from its source packages (scripts/setup.sh).
 include(FetchContent)
 set(vl_third_party ${CMAKE_SOURCE_DIR}/build/third-party)
 
@@ -33,3 +33,24 @@ FetchContent_Declare(jsoncpp SYSTEM
   URL_HASH SHA256=f409856e5920c18d0c2fb85276e24ee607d2a09b5e7d5f0a371368903c275da2
   DOWNLOAD_EXTRACT_TIMESTAMP ON)
 FetchContent_MakeAvailable(jsoncpp)
+
+# Regular expressions of 8-bit texts, built as its NON-AUTOTOOLS-BUILD says: without a compiler of machine code, and without
+# its own project, which would bring tests, programs and what they need.
+FetchContent_Declare(pcre2
+  URL ${vl_third_party}/pcre2_10.42.orig.tar.gz
+  URL_HASH SHA256=c33b418e3b936ee3153de2c61cc638e7e4fe3156022a5c77d0711bcbb9d64f1f
+  DOWNLOAD_EXTRACT_TIMESTAMP ON)
+FetchContent_Populate(pcre2)
+set(vl_pcre2 ${CMAKE_BINARY_DIR}/pcre2)
+configure_file(${pcre2_SOURCE_DIR}/src/config.h.generic ${vl_pcre2}/config.h COPYONLY)
+configure_file(${pcre2_SOURCE_DIR}/src/pcre2.h.generic ${vl_pcre2}/pcre2.h COPYONLY)
+configure_file(${pcre2_SOURCE_DIR}/src/pcre2_chartables.c.dist ${vl_pcre2}/pcre2_chartables.c COPYONLY)
+set(vl_pcre2_sources ${vl_pcre2}/pcre2_chartables.c)
+foreach(part auto_possess compile context error extuni find_bracket jit_compile match match_data newline ord2utf
+    pattern_info script_run string_utils study tables ucd valid_utf xclass)
+  list(APPEND vl_pcre2_sources ${pcre2_SOURCE_DIR}/src/pcre2_${part}.c)
+endforeach()
+add_library(vl_pcre2 STATIC ${vl_pcre2_sources})
+target_include_directories(vl_pcre2 SYSTEM PUBLIC ${vl_pcre2} PRIVATE ${pcre2_SOURCE_DIR}/src)
+target_compile_definitions(vl_pcre2 PUBLIC PCRE2_STATIC PCRE2_CODE_UNIT_WIDTH=8
+  PRIVATE HAVE_CONFIG_H SUPPORT_PCRE2_8 SUPPORT_UNICODE)

@@ -1,7 +1,7 @@
 #include "require.h"
-#include "vltrace/exports.h"
+#include "vltrace/chrometrace.h"
 #include "vltrace/lines.h"
-#include "vltrace/tracefeed.h"
+#include "vltrace/merge.h"
 
 #include <sstream>
 
@@ -9,17 +9,18 @@ namespace {
 
 void feed(std::span<const uint8_t> bytes, size_t pieceSize, vltrace::traceConsumer_i& consumer)
 {
-    vltrace::traceFeed_t feed("fuzz", consumer);
-    for (size_t at = 0; at < bytes.size(); at += pieceSize)
-        feed.feed(bytes.subspan(at, std::min(pieceSize, bytes.size() - at)));
-    feed.finish();
+    std::istringstream in(std::string(bytes.begin(), bytes.end()));
+    vltrace::traceInput_t input(vltrace::sourceOf("-", 1), in, pieceSize, false);
+    const vltrace::filter_t filter;
+    vltrace::traceMerge_t merge(consumer, filter, [](const std::string&) {});
+    merge.run({&input});
     consumer.finish();
 }
 
 std::string shown(std::span<const uint8_t> bytes, size_t pieceSize)
 {
     std::string text;
-    vltrace::linePrinter_t printer({}, {}, [&](const std::string& line) { text += line; });
+    vltrace::linePrinter_t printer({}, [&](const std::string& line) { text += line; });
     feed(bytes, pieceSize, printer);
     return text;
 }
@@ -34,9 +35,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     const std::span<const uint8_t> bytes(data + 1, size - 1);
     const size_t pieceSize = data[0] + size_t{1};
-    require(shown(bytes, pieceSize) == shown(bytes, SIZE_MAX / 2));
+    require(shown(bytes, pieceSize) == shown(bytes, size + 1));
     std::ostringstream out;
-    vltrace::chromeTrace_t chrome({}, out);
+    vltrace::chromeTrace_t chrome(out);
     feed(bytes, pieceSize, chrome);
     return 0;
 }

@@ -1,11 +1,12 @@
 #!/bin/sh
-# setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the source of
-# JsonCpp. Everything except the packages goes below build/. A second run finds its work done and needs no network.
+# setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the sources of
+# the libraries that the target has no package of. Everything except the packages goes below build/. A second run finds its work done and needs no network.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 third_party="$root/build/third-party"
-jsoncpp=libjsoncpp_1.9.5.orig.tar.gz
-jsoncpp_sha256=f409856e5920c18d0c2fb85276e24ee607d2a09b5e7d5f0a371368903c275da2
+# Source package, its archive, and that one's SHA-256.
+sources="libjsoncpp=1.9.5-4 libjsoncpp_1.9.5.orig.tar.gz f409856e5920c18d0c2fb85276e24ee607d2a09b5e7d5f0a371368903c275da2
+pcre2=10.42-1 pcre2_10.42.orig.tar.gz c33b418e3b936ee3153de2c61cc638e7e4fe3156022a5c77d0711bcbb9d64f1f"
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
@@ -35,14 +36,18 @@ if [ -n "$missing" ]; then
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing >/dev/null
 fi
 
+# verified ARCHIVE SHA256
 verified() {
-    [ -f "$1" ] && echo "$jsoncpp_sha256  $1" | sha256sum -c --quiet - >/dev/null 2>&1
+    [ -f "$third_party/$1" ] && echo "$2  $third_party/$1" | sha256sum -c --quiet - >/dev/null 2>&1
 }
 
-if ! verified "$third_party/$jsoncpp"; then
-    # A private list of package sources, derived from the machine's own, which stay as they are.
-    echo "setup: fetching $jsoncpp"
-    apt="$root/build/apt"
+# A private list of package sources, derived from the machine's own, which stay as they are.
+apt="$root/build/apt"
+private_apt() {
+    apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$apt/parts" \
+        -o Dir::State::lists="$apt/lists" -o Dir::Cache="$apt/cache" -o APT::Sandbox::User="$(id -un)" "$@" >/dev/null
+}
+list_sources() {
     rm -rf "$apt"
     mkdir -p "$apt/parts" "$apt/lists/partial" "$apt/cache/archives/partial" "$third_party"
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
@@ -52,22 +57,20 @@ if ! verified "$third_party/$jsoncpp"; then
         [ -f "$file" ] && grep -qi debian "$file" || continue
         sed 's/^Types:.*/Types: deb-src/' "$file" >"$apt/parts/$(basename "$file")"
     done
-    private_apt() {
-        apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$apt/parts" \
-            -o Dir::State::lists="$apt/lists" -o Dir::Cache="$apt/cache" -o APT::Sandbox::User="$(id -un)" "$@" >/dev/null
-    }
-    (
-        cd "$apt"
-        private_apt update
-        private_apt source --download-only libjsoncpp=1.9.5-4
-        mv "$jsoncpp" "$third_party/"
-    )
-    rm -rf "$apt"
-    verified "$third_party/$jsoncpp" || {
-        echo "setup: $jsoncpp does not have the expected SHA-256" >&2
+    private_apt update
+}
+
+echo "$sources" | while read -r package archive sha256; do
+    verified "$archive" "$sha256" && continue
+    echo "setup: fetching $archive"
+    [ -d "$apt" ] || list_sources
+    (cd "$apt" && private_apt source --download-only "$package" && mv "$archive" "$third_party/")
+    verified "$archive" "$sha256" || {
+        echo "setup: $archive does not have the expected SHA-256" >&2
         exit 1
     }
-fi
+done
+rm -rf "$apt"
 
 # Header-only packages get a folder of links of their own: the host's include folder on the search path of a
 # cross build would shadow the target's C library.

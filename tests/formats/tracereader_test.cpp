@@ -150,7 +150,7 @@ TEST(TraceWalker, UnderstandsLongDamagedTracesInPiecesOfAnySizeAsAModelDoes)
                                 std::to_string(damage->bytes) + lost);
             } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
                 std::vector<std::string> names;
-                for (const openFunction_t& function : *step.open)
+                for (const openFunction_t& function : step.open)
                     names.push_back(function.name);
                 items.push_back(std::to_string(record->offset) + record->level + record->text +
                                 traceModel_t::shown(names) + (step.left ? step.left->name : "") +

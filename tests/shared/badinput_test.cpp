@@ -85,7 +85,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
           {write("trace", trace), "it is a trace, which vltrace reads"}}},
         {"vltrace",
          vltrace,
-         {{"cat", "*"}, {"tail", "*"}, {"stats", "*"}, {"export", "*"}, {"cat", "--errors", "*"}},
+         {{"cat", "*"}, {"tail", "*"}, {"stats", "*"}, {"export", "*"}, {"diff", "*", "-"}},
          {{write("backup", backup), "it is a backup, which vlbackup reads"}}},
     };
     for (const auto& tool : tools) {

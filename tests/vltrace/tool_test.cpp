@@ -1,17 +1,14 @@
 #include "support/toolrun.h"
 #include "support/tracebytes.h"
 #include "vltrace/commands.h"
-#include "vltrace/exports.h"
 
 #include <filesystem>
-#include <map>
 #include <random>
 #include <sstream>
 
 #include <gtest/gtest.h>
 #include <json/json.h>
 
-using namespace tracecore;
 using namespace vltrace;
 
 namespace {
@@ -48,41 +45,6 @@ protected:
     {
         std::ofstream(m_folder / file, std::ios::binary | std::ios::app)
             << std::string(trace.bytes.begin(), trace.bytes.end());
-    }
-
-    // Gives the events of the sample's first thread, after a check of what viewers rely on: each
-    // thread's time goes forward, and each B has its E, of the same name.
-    std::string goodChrome(const std::vector<uint8_t>& bytes) const
-    {
-        std::filesystem::remove(m_folder / sample);
-        write(sample, traceBytes_t({bytes.begin(), bytes.end()}));
-        std::map<unsigned, std::vector<std::string>> open;
-        std::map<unsigned, int64_t> last;
-        std::string seen;
-        const Json::Value root = parsed(run({"export", "--format", "chrome", name(sample)}).out);
-        for (const Json::Value& event : root["traceEvents"]) {
-            EXPECT_EQ(event["pid"], 4242);
-            const unsigned thread = event["tid"].asUInt();
-            const int64_t ts = event["ts"].asInt64();
-            const std::string phase = event["ph"].asString(), what = event["name"].asString();
-            if (phase == "M" || what == "damage")
-                continue;
-            EXPECT_LT(std::exchange(last.try_emplace(thread, INT64_MIN).first->second, ts), ts);
-            if (phase == "B") {
-                open[thread].push_back(what);
-            } else if (phase == "E" && !open[thread].empty()) {
-                EXPECT_EQ(open[thread].back(), what);
-                open[thread].pop_back();
-            } else {
-                EXPECT_EQ(phase + event["s"].asString(), "it");
-            }
-            if (thread == 0x1A4)
-                seen += phase + std::to_string(ts % 60'000'000) + what +
-                        event["args"]["statusName"].asString() + "\n";
-        }
-        for (const auto& [thread, names] : open)
-            EXPECT_TRUE(names.empty()) << thread;
-        return seen;
     }
 
     const std::string sample = "host.x64.vlonlineids.dll~~07.14.17_at_15.59.04.123~~1.4242.trc3";
@@ -134,6 +96,10 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
         {{"--function", "restoreb"}, ">E<"},
         {{"--function", "SetStorageData"}, ">>E<<"},
         {{"--text", "Poll"}, "><"},
+        {{"-e", "storage|^p.ll$", "-i"}, ">><<"},
+        {{"-e", "storage|^P.ll$", "-e", "^no.e$"}, "><E"},
+        {{"--process", "0x1092", "--level", "E"}, "EE"},
+        {{"--process", "7"}, ""},
         {{"--from", "2017-07-15"}, ">E"},
         {{"--from", "15:59:04.150", "--to", "15:59:04.160"}, "EU<<"},
         {{"--from", "2017-07-14T15:59:04.150", "--to", "2017-07-14 15:59"}, "EU<<<N"},
@@ -167,6 +133,7 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
             {{"cat", "--force", "--output", target, none}, 1, "does not exist"},
             {{"stats", "--force", "--output", target, in, none}, 1, "is not written"},
             {{"cat", "--force", "--from", "2017-02-30", "--output", target, in}, 2, "no time"},
+            {{"cat", "--force", "-e", "(", "--output", target, in}, 2, "no regular expression"},
             {{"tail", "-f", "--force", "--output", target, in}, 2, "redirect"},
         };
         for (const auto& [arguments, status, hint] : cases) {
@@ -192,26 +159,29 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
               run({"cat", "-"}, sampleTrace().bytes).out);
 }
 
-TEST_F(VltraceTool, TailFollowsAFileThatGrowsAndIsReplaced)
+TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
 {
     std::istringstream in;
     std::ostringstream out, err;
     int looks = 0;
-    runVltrace({"tail", "-n1", "-f", name(sample)}, in, out, err, [&] {
+    runVltrace({"tail", "-n1", "-f", name("")}, in, out, err, [&] {
         if (looks == 1)
             std::filesystem::remove(m_folder / sample);
         write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
                           .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
+        if (looks == 2)
+            write("new.TRC3", traceBytes_t().records(9, {"Unew"}));
         return ++looks < 4;
     });
     const std::string lines = out.str() + err.str();
-    const std::string mended = "  0x0008  U me\uFFFDnded  -- the text is damaged --\n";
+    const std::string mended = "  4242  0x0008  U me\uFFFDnded  -- the text is damaged --\n";
+    const std::string header =
+        "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n"
+        "# Trace Ver: 3.0.2\n# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---";
     EXPECT_EQ(lines.substr(lines.find("2017-0")),
-              "2017-07-15 00:00:00.005  0x03C8    E note\n2017-07-15 00:00:00.005" + mended +
-                  "\n# " + name(sample) +
-                  "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n"
-                  "# Trace Ver: 3.0.2\n# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---" +
-                  mended + "2017-07-14 01:02:03.004" + mended);
+              "2017-07-15 00:00:00.005  4242  0x03C8    E note\n2017-07-15 00:00:00.005" + mended +
+                  "\n# 4242: " + name(sample) + header + mended + "\n# #2: " + name("new.TRC3") +
+                  header + "  #2  0x0009  U new\n2017-07-14 01:02:03.004" + mended);
 }
 
 TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
@@ -231,30 +201,6 @@ TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
         "back\n"
         "          1          0          0          0          1          -          -          -  "
         "outer\n");
-}
-
-TEST_F(VltraceTool, ChromeExportIsBalancedForWholeCutAndDamagedTraces)
-{
-    const auto bytes = sampleTrace().bytes;
-    EXPECT_EQ(goodChrome(bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
-                                 "i4150000Größe of 日ERROR_ACCESS_DENIED\n"
-                                 "E4160000RestoreBackup\nE4300000SetStorageData\n");
-    const std::vector<std::string> twice = {"export", "--format", "chrome", name(sample),
-                                            name(sample)};
-    const Json::Value events = parsed(run(twice).out)["traceEvents"];
-    EXPECT_NE(events[0]["pid"], events[events.size() - 1]["pid"]);
-    traceBytes_t lost = sampleTrace(); // all ends with the damage
-    lost.bytes[lost.starts[5] + 4] = 'X';
-    EXPECT_EQ(goodChrome(lost.bytes), "B4100000SetStorageData\nB4110000RestoreBackup\n"
-                                      "E4110001RestoreBackup\nE4110002SetStorageData\n"
-                                      "i4110003Größe of 日ERROR_ACCESS_DENIED\n");
-    for (size_t i = 0; i < bytes.size() && !testing::Test::HasFailure(); ++i) {
-        SCOPED_TRACE(i);
-        goodChrome({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(i)});
-        auto flipped = bytes;
-        flipped[i] ^= static_cast<uint8_t>(1U << i % 8);
-        goodChrome(flipped);
-    }
 }
 
 } // namespace

@@ -1,45 +1,31 @@
 #include "commands.h"
 
-#include "exports.h"
-#include "filter.h"
+#include "chrometrace.h"
+#include "csvlines.h"
+#include "foldedstacks.h"
 #include "formats/text/printable.h"
-#include "formats/trace/levels.h"
+#include "jsonlines.h"
 #include "lines.h"
+#include "merge.h"
+#include "options.h"
+#include "otlp.h"
+#include "rundiff.h"
 #include "shared/commandline.h"
-#include "shared/inputfile.h"
+#include "shared/filesystem.h"
+#include "shared/habits.h"
 #include "shared/outputfile.h"
 #include "stats.h"
-#include "tracefeed.h"
+#include "textout.h"
 
 #include <algorithm>
 #include <deque>
 #include <istream>
+#include <memory>
 #include <ostream>
-
-using tracecore::levelLetters;
 
 namespace vltrace {
 
 namespace {
-
-struct options_t {
-    std::vector<std::string> files;
-    std::vector<std::string> threads;
-    std::string levels;
-    std::vector<std::string> functions;
-    std::vector<std::string> texts;
-    std::string from;
-    std::string to;
-    std::string output = "-";
-    bool force = false;
-    bool errors = false;
-    bool notes = false;
-    bool noMarks = false;
-    bool follow = false;
-    size_t lines = 20;
-    std::string order = "total";
-    std::string format = "jsonl";
-};
 
 struct streams_t {
     std::istream& in;
@@ -54,163 +40,44 @@ struct job_t {
     const streams_t& streams;
     const std::function<bool()>& wait;
     std::ostream& out;
+
+    void complain(const std::string& line) const
+    {
+        streams.err << "vltrace: " << printable(line) << '\n';
+    }
+    inputs_t inputs(const std::vector<std::string>& names) const
+    {
+        return {names, streams.in, filter, [this](const std::string& line) { complain(line); }};
+    }
+    inputs_t inputs() const { return inputs(options.files); }
 };
-
-void addShared(CLI::App& command, options_t& options)
-{
-    command.add_option("FILE", options.files, "trace files (.trc3); - is standard input")
-        ->required();
-    const char* const filters = "Filters (all that are given must hold)";
-    command
-        .add_option("--thread", options.threads,
-                    "thread id, decimal or 0x and hexadecimal; repeatable")
-        ->group(filters)
-        ->allow_extra_args(false);
-    command
-        .add_option("--level", options.levels,
-                    "level letters out of " + levelLetters() + ", as in EU")
-        ->group(filters);
-    command
-        .add_option("--function", options.functions,
-                    "part of the name of an open function; repeatable")
-        ->group(filters)
-        ->allow_extra_args(false);
-    command.add_option("--text", options.texts, "part of the text; repeatable")
-        ->group(filters)
-        ->allow_extra_args(false);
-    const char* const instant = "YYYY-MM-DD, HH:MM[:SS[.mmm]] or both joined by T";
-    command.add_option("--from", options.from, instant)->group(filters);
-    command.add_option("--to", options.to, instant)->group(filters);
-    command.add_option("--output", options.output, "write to this file; - is standard output");
-    command.add_flag("--force", options.force, "let --output replace a file");
-}
-
-void addKinds(CLI::App& command, options_t& options)
-{
-    command.add_flag("--errors", options.errors,
-                     "only errors, which have a status other than 0; lines with the functions "
-                     "that were open");
-    command.add_flag("--notes", options.notes,
-                     "only notes, which have the status 0; with --errors both");
-}
-
-void addLineOptions(CLI::App& command, options_t& options)
-{
-    addKinds(command, options);
-    command.add_flag("--no-marks", options.noMarks, "leave colour directives out");
-}
-
-void addTailOptions(CLI::App& command, options_t& options)
-{
-    addLineOptions(command, options);
-    command.add_flag("-f,--follow", options.follow,
-                     "go on until interrupted; the file may be replaced meanwhile");
-    command.add_option("-n,--lines", options.lines, "number of lines")->capture_default_str();
-}
-
-void addStatsOptions(CLI::App& command, options_t& options)
-{
-    command.add_option("--sort", options.order, "what the table is in the order of")
-        ->check(CLI::IsMember({"name", "calls", "errors", "total", "longest"}))
-        ->capture_default_str();
-}
-
-void addExportOptions(CLI::App& command, options_t& options)
-{
-    addKinds(command, options);
-    command
-        .add_option("--format", options.format,
-                    "jsonl: JSON Lines; chrome: for Perfetto, speedscope and the like")
-        ->check(CLI::IsMember({"jsonl", "chrome"}))
-        ->capture_default_str();
-}
-
-lineOptions_t lineOptionsOf(const options_t& options)
-{
-    return {options.errors || options.notes, !options.noMarks};
-}
-
-std::optional<instant_t> instantOf(const char* option, const std::string& text, bool latest)
-{
-    if (text.empty())
-        return std::nullopt;
-    const auto instant = parseInstant(text, latest);
-    if (!instant)
-        throw CLI::ValidationError(
-            option, "\"" + text + "\" is no time: write 2017-07-14T15:59:04.123 or a part");
-    return instant;
-}
-
-filter_t filterOf(const options_t& options)
-{
-    filter_t filter;
-    for (const std::string& text : options.threads) {
-        const auto thread = parseThread(text);
-        if (!thread)
-            throw CLI::ValidationError("--thread",
-                                       "\"" + text + "\" is no thread id: write 420 or 0x1A4");
-        filter.threads.push_back(*thread);
-    }
-    if (options.levels.find_first_not_of(levelLetters()) != std::string::npos)
-        throw CLI::ValidationError(
-            "--level", "\"" + options.levels + "\" has a letter that is none of " + levelLetters());
-    filter.levels = options.levels;
-    if (options.errors)
-        filter.kinds.push_back(kind_t::error);
-    if (options.notes)
-        filter.kinds.push_back(kind_t::note);
-    filter.functions = options.functions;
-    filter.texts = options.texts;
-    filter.from = instantOf("--from", options.from, false);
-    filter.to = instantOf("--to", options.to, true);
-    return filter;
-}
-
-// readAll reads the files one after the other; one that can't be read doesn't stop the others.
-int readAll(const job_t& job, traceConsumer_i& consumer)
-{
-    int status = exitStatus::good;
-    const auto complain = [&](const std::string& line) {
-        job.streams.err << "vltrace: " << printable(line) << '\n';
-    };
-    for (const std::string& name : job.options.files) {
-        try {
-            const traceFeed_t feed = readTrace(name, job.streams.in, consumer);
-            if (feed.cutOffset)
-                complain(shownInput(name) + " is cut at byte " + std::to_string(*feed.cutOffset) +
-                         ": the rest is no whole record (is it still being written?)");
-            else if (feed.damages > 0)
-                complain(shownInput(name) + " is damaged in " + std::to_string(feed.damages) +
-                         (feed.damages == 1 ? " place, " : " places, ") +
-                         std::to_string(feed.skipped) + " bytes skipped (vltrace cat shows where)");
-        } catch (const CToolError& error) {
-            complain(error.what());
-            status = error.ExitStatus();
-        }
-    }
-    consumer.finish();
-    return status;
-}
 
 int runCat(const job_t& job)
 {
-    linePrinter_t printer(job.filter, lineOptionsOf(job.options),
-                          [&](const std::string& line) { job.out << line; });
-    return readAll(job, printer);
+    textOut_t out(job.out);
+    linePrinter_t printer(lineOptionsOf(job.options), [&](const std::string& line) {
+        out.text += line;
+        out.written();
+    });
+    return readInOrder(job.inputs(), printer);
 }
 
 int runTail(const job_t& job)
 {
     std::deque<std::string> last;
     bool live = false;
-    linePrinter_t printer(job.filter, lineOptionsOf(job.options), [&](const std::string& line) {
+    linePrinter_t printer(lineOptionsOf(job.options), [&](std::string& line) {
         if (live) {
             job.out << line;
             return;
         }
-        last.push_back(line);
-        if (last.size() > job.options.lines)
+        if (last.size() < job.options.lines) {
+            last.push_back(line);
+        } else if (!last.empty()) { // the oldest one's memory is used again
+            last.push_back(std::move(last.front()));
             last.pop_front();
+            last.back().swap(line);
+        }
     });
     const auto showLast = [&] {
         for (const std::string& line : last)
@@ -218,11 +85,11 @@ int runTail(const job_t& job)
         job.out.flush();
     };
     if (!job.options.follow) {
-        const int status = readAll(job, printer);
+        const int status = readInOrder(job.inputs(), printer);
         showLast();
         return status;
     }
-    traceFollower_t follower(job.options.files[0], printer);
+    traceFollower_t follower(job.inputs(), printer);
     follower.poll();
     showLast();
     live = true;
@@ -235,32 +102,76 @@ int runTail(const job_t& job)
 
 int runStats(const job_t& job)
 {
-    statsTable_t stats(job.filter, job.options.order, job.out);
-    return readAll(job, stats);
+    statsTable_t stats(job.options.order, job.options.json, job.out);
+    return readEach(job.inputs(), stats);
 }
 
 int runExport(const job_t& job)
 {
-    if (job.options.format == "chrome") {
-        chromeTrace_t chrome(job.filter, job.out);
-        return readAll(job, chrome);
+    const std::string& format = job.options.format;
+    const int utcOffset = utcOffsetOf(job.options);
+    std::unique_ptr<traceConsumer_i> consumer;
+    if (format == "csv")
+        consumer = std::make_unique<csvLines_t>(job.out);
+    else if (format == "jsonl")
+        consumer = std::make_unique<jsonLines_t>(job.out);
+    if (consumer)
+        return readInOrder(job.inputs(), *consumer);
+    if (format == "chrome")
+        consumer = std::make_unique<chromeTrace_t>(job.out);
+    else if (format == "folded")
+        consumer = std::make_unique<foldedStacks_t>(job.out);
+    else
+        consumer = std::make_unique<otlpTrace_t>(utcOffset, job.out);
+    return readEach(job.inputs(), *consumer);
+}
+
+constexpr int differs = -1; // an answer, and no failure to read
+
+int runDiff(const job_t& job)
+{
+    lineTable_t table;
+    run_t runs[] = {run_t(table), run_t(table)};
+    for (size_t i = 0; i < 2; ++i) {
+        const std::vector<std::string> name = {job.options.files[i]};
+        const int status = readInOrder(job.inputs(name), runs[i]);
+        if (status != exitStatus::good)
+            return status;
     }
-    jsonLines_t lines(job.filter, job.out);
-    return readAll(job, lines);
+    const std::string names = "--- " + printable(job.options.files[0]) + "\n+++ " +
+                              printable(job.options.files[1]) + "\n";
+    textOut_t out(job.out);
+    const bool equal =
+        compareRuns(runs[0], runs[1], table, [&, first = true](const std::string& line) mutable {
+            if (std::exchange(first, false))
+                out.text += names;
+            out.text += line;
+            out.written();
+        });
+    return equal ? exitStatus::good : differs;
 }
 
 struct verb_t {
     const char* name;
     const char* help;
+    const char* example;
+    void (*addInputs)(CLI::App& command, options_t& options);
     void (*addOptions)(CLI::App& command, options_t& options); // beside those of all verbs
     int (*run)(const job_t& job);                              // gives the exit status
 };
 
 constexpr verb_t verbs[] = {
-    {"cat", "Show the records as lines", addLineOptions, runCat},
-    {"tail", "Show the last lines, and go on as the file grows", addTailOptions, runTail},
-    {"stats", "Show the functions by calls, errors and duration", addStatsOptions, runStats},
-    {"export", "Write the records for other programs", addExportOptions, runExport},
+    {"cat", "Show the records as lines", "vltrace cat --errors C:\\Traces", addFiles,
+     addLineOptions, runCat},
+    {"tail", "Show the last lines, and go on as the file grows", "vltrace tail -f C:\\Traces",
+     addFiles, addTailOptions, runTail},
+    {"stats", "Show the functions by calls, errors and duration",
+     "vltrace stats --sort longest restore.trc3", addFiles, addStatsOptions, runStats},
+    {"diff", "Compare two runs, without their times and ids", "vltrace diff good.trc3 bad.trc3",
+     addRuns, addLineOptions, runDiff},
+    {"export", "Write the records for other programs",
+     "vltrace export --format chrome -o restore.json restore.trc3", addFiles, addExportOptions,
+     runExport},
 };
 
 void checkUse(const options_t& options)
@@ -273,13 +184,30 @@ void checkUse(const options_t& options)
         refuse("standard input can be read only once", "save it to a file");
     if (!options.follow)
         return;
-    if (files.size() != 1)
-        refuse("one file can be followed", "start vltrace for each");
-    if (files[0] == "-")
+    if (std::count(files.begin(), files.end(), "-") > 0)
         refuse("standard input can't be followed", "name the file");
     if (options.output != "-")
         refuse("what is followed has no end, so --output would never be complete",
                "redirect the standard output");
+}
+
+// everyFile gives the files that are read, also those in folders, for the check that the output is
+// none of them.
+std::vector<std::string> everyFile(const std::vector<std::string>& names)
+{
+    std::vector<std::string> files;
+    for (const std::string& name : names) {
+        files.push_back(name);
+        if (name == "-" || entryKind(pathOf(name)) != entryKind_t::folder)
+            continue;
+        try {
+            const auto inside = tracesIn(name);
+            files.insert(files.end(), inside.begin(), inside.end());
+        } catch (const CToolError&) {
+            continue; // reading it reports that
+        }
+    }
+    return files;
 }
 
 int run(const verb_t& verb, const options_t& options, const streams_t& streams,
@@ -287,14 +215,14 @@ int run(const verb_t& verb, const options_t& options, const streams_t& streams,
 {
     checkUse(options);
     const filter_t filter = filterOf(options);
-    COutputFile file(options.output, options.force, options.files, streams.out);
+    COutputFile file(options.output, options.force, everyFile(options.files), streams.out);
     const int status = verb.run({options, filter, streams, wait, file.Stream()});
-    if (status == exitStatus::good || options.output == "-")
+    if (status == exitStatus::good || status == differs || options.output == "-")
         file.Complete();
     else
         streams.err << "vltrace: " << printable(options.output)
                     << " is not written, as not all could be read (leave out what can't)\n";
-    return status;
+    return status == differs ? exitStatus::failed : status;
 }
 
 } // namespace
@@ -308,8 +236,10 @@ int runVltrace(std::vector<std::string> arguments, std::istream& in, std::ostrea
     app.require_subcommand(1);
     for (const verb_t& verb : verbs) {
         CLI::App& command = *app.add_subcommand(verb.name, verb.help);
+        verb.addInputs(command, options);
         addShared(command, options);
         verb.addOptions(command, options);
+        addExample(command, verb.example);
         command.callback([&] { chosen = &verb; });
     }
     return runTool(app, std::move(arguments), out, err, [&] {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <unordered_map>
 
 using namespace tracecore;
 
@@ -27,37 +28,53 @@ message_t messageOf(const traceRecord_t& record)
 {
     message_t message;
     message.text = record.text;
+    std::string_view& text = message.text;
     if (isOfUse(record.level, levelUse_t::status)) {
         int64_t number = 0;
-        const char* begin = record.text.data();
-        const char* const last = begin + record.text.size();
+        const char* const begin = text.data();
+        const char* const last = begin + text.size();
         const auto [end, error] = std::from_chars(begin, last, number);
         if (error == std::errc() && end != last && *end == ' ') {
             message.status = static_cast<int32_t>(static_cast<uint32_t>(number));
-            message.text.assign(end + 1, last);
+            text.remove_prefix(static_cast<size_t>(end + 1 - begin));
         }
     }
-    const std::string& text = message.text;
     if (text.size() >= 7 && text.starts_with("'`I") && isHexDigit(text[3]) && isHexDigit(text[4]) &&
         text[5] == '`' && text[6] == '\'') {
         message.colour = text.substr(3, 2);
-        message.text.erase(0, 7);
+        text.remove_prefix(7);
     }
     return message;
 }
 
-kind_t kindOf(const traceRecord_t& record)
+kind_t kindOf(char letter, const message_t& message)
 {
-    const levelInfo_t* const level = levelOf(record.level);
+    const levelInfo_t* const level = levelOf(letter);
     switch (level ? level->use : levelUse_t::clock) {
     case levelUse_t::status:
-        return messageOf(record).status == 0 ? kind_t::note : kind_t::error;
+        return message.status == 0 ? kind_t::note : kind_t::error;
     case levelUse_t::message:
         return kind_t::message;
     case levelUse_t::call:
         return kind_t::call;
     default:
         return kind_t::stamp;
+    }
+}
+
+const char* kindName(kind_t kind)
+{
+    switch (kind) {
+    case kind_t::error:
+        return "error";
+    case kind_t::note:
+        return "note";
+    case kind_t::message:
+        return "message";
+    case kind_t::call:
+        return "call";
+    default:
+        return "stamp";
     }
 }
 
@@ -78,11 +95,41 @@ std::string timeText(const traceMoment_t& moment)
            padded(ms / 1000 % 60, 2) + "." + padded(ms % 1000, 3);
 }
 
+const std::string& momentTexts_t::date(const traceMoment_t& moment)
+{
+    if (m_date.empty() || m_day != moment.day) {
+        m_day = moment.day;
+        m_date = dateText(moment);
+    }
+    return m_date;
+}
+
+const std::string& momentTexts_t::time(const traceMoment_t& moment)
+{
+    if (m_time.empty() || m_ms != moment.msOfDay) {
+        m_ms = moment.msOfDay;
+        m_time = timeText(moment);
+    }
+    return m_time;
+}
+
 std::string threadText(uint32_t thread)
 {
     char text[11];
     std::snprintf(text, sizeof text, "0x%04X", thread);
     return text;
+}
+
+const tools::statusInfo_t& statusOf(int32_t status)
+{
+    constexpr size_t limit = 1000; // a damaged file may name millions
+    static std::unordered_map<int32_t, tools::statusInfo_t> known;
+    if (known.size() >= limit)
+        known.clear();
+    const auto [place, isNew] = known.try_emplace(status);
+    if (isNew)
+        place->second = tools::describeStatus(status);
+    return place->second;
 }
 
 std::optional<int64_t> durationOf(const traceMoment_t& from, const traceMoment_t& to)

@@ -14,13 +14,13 @@ char lowered(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-bool contains(const std::string& text, const std::string& part)
+bool contains(std::string_view text, const std::string& part)
 {
     return std::search(text.begin(), text.end(), part.begin(), part.end(),
                        [](char a, char b) { return lowered(a) == lowered(b); }) != text.end();
 }
 
-bool containsAny(const std::string& text, const std::vector<std::string>& parts)
+bool containsAny(std::string_view text, const std::vector<std::string>& parts)
 {
     return std::any_of(parts.begin(), parts.end(),
                        [&](const std::string& part) { return contains(text, part); });
@@ -89,29 +89,46 @@ std::optional<int32_t> takeTime(std::string_view& text, bool latest)
 
 } // namespace
 
-bool filter_t::wants(const traceRecord_t& record, const traceStep_t& step) const
+bool filter_t::wants(const traceEvent_t& event) const
 {
-    if (!threads.empty() &&
-        std::find(threads.begin(), threads.end(), record.thread) == threads.end())
+    const auto allows = [](const auto& list, const auto& value) {
+        return list.empty() || std::find(list.begin(), list.end(), value) != list.end();
+    };
+    const char level = event.record.level;
+    if (levels.empty() ? event.kind == kind_t::stamp && level != levelWriter
+                       : levels.find(level) == std::string::npos)
         return false;
-    if (levels.empty() ? isOfUse(record.level, levelUse_t::clock)
-                       : levels.find(record.level) == std::string::npos)
+    if (!allows(threads, event.record.thread) || !allows(kinds, event.kind) ||
+        !wantsTime(event.step.moment) || !wantsText(event))
         return false;
-    if (!kinds.empty() && std::find(kinds.begin(), kinds.end(), kindOf(record)) == kinds.end())
+    if (!processes.empty() && (!event.source.process || !allows(processes, *event.source.process)))
         return false;
-    const bool timed = step.moment.msOfDay.has_value();
-    if ((from && (!timed || isBefore(step.moment, *from))) ||
-        (to && (!timed || isAfter(step.moment, *to))))
-        return false;
-    const std::string left = step.left ? step.left->name : std::string();
-    if (!texts.empty() && !containsAny(record.level == levelExit ? left : record.text, texts))
-        return false;
-    if (functions.empty() || (step.left && containsAny(left, functions)))
+    const traceStep_t& step = event.step;
+    if (functions.empty() || (step.left && containsAny(step.left->name, functions)))
         return true;
-    const auto open = innermost(*step.open);
-    return std::any_of(open.begin(), open.end(), [&](const openFunction_t& function) {
+    return std::ranges::any_of(innermost(step.open), [&](const openFunction_t& function) {
         return containsAny(function.name, functions);
     });
+}
+
+bool filter_t::wantsTime(const traceMoment_t& moment) const
+{
+    if (!from && !to)
+        return true;
+    return moment.msOfDay && (!from || !isBefore(moment, *from)) && (!to || !isAfter(moment, *to));
+}
+
+bool filter_t::wantsText(const traceEvent_t& event) const
+{
+    if (texts.empty() && patterns.empty())
+        return true;
+    std::string_view whole = event.record.text;
+    std::string_view message = event.message.text;
+    if (event.record.level == levelExit)
+        whole = message = event.step.left ? std::string_view(event.step.left->name) : "";
+    const auto matches = [&](const pattern_t& pattern) { return pattern.matches(message); };
+    return (texts.empty() || containsAny(whole, texts)) &&
+           (patterns.empty() || std::ranges::any_of(patterns, matches));
 }
 
 std::optional<instant_t> parseInstant(const std::string& text, bool latest)
@@ -135,22 +152,22 @@ std::optional<instant_t> parseInstant(const std::string& text, bool latest)
     return instant;
 }
 
-std::optional<uint32_t> parseThread(const std::string& text)
+std::optional<uint32_t> parseId(const std::string& text)
 {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
     const std::string digits = hex ? text.substr(2) : text;
-    uint32_t thread = 0;
+    uint32_t id = 0;
     const auto [end, error] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), thread, hex ? 16 : 10);
+        std::from_chars(digits.data(), digits.data() + digits.size(), id, hex ? 16 : 10);
     if (digits.empty() || error != std::errc() || end != digits.data() + digits.size())
         return std::nullopt;
-    return thread;
+    return id;
 }
 
-std::span<const openFunction_t> innermost(const std::vector<openFunction_t>& open)
+std::span<const openFunction_t> innermost(std::span<const openFunction_t> open)
 {
     constexpr size_t limit = 100;
-    return std::span(open).last(std::min(open.size(), limit));
+    return open.last(std::min(open.size(), limit));
 }
 
 } // namespace vltrace

@@ -1,7 +1,8 @@
 #include "lines.h"
 
+#include "filter.h"
 #include "formats/text/printable.h"
-#include "shared/statusnames.h"
+#include "textout.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,25 +10,6 @@
 using namespace tracecore;
 
 namespace vltrace {
-
-namespace {
-
-constexpr size_t deepestIndent = 40; // deeper calls stay in one column
-
-std::string statusText(const message_t& message)
-{
-    if (!message.status || *message.status == 0)
-        return {};
-    const tools::statusInfo_t info = tools::describeStatus(*message.status);
-    std::string text = info.hex;
-    if (!info.name.empty())
-        text += " " + info.name;
-    if (!info.text.empty())
-        text += " (" + info.text + ")";
-    return message.text.empty() ? text : text + ": ";
-}
-
-} // namespace
 
 std::string damageText(const traceDamage_t& damage)
 {
@@ -38,62 +20,98 @@ std::string damageText(const traceDamage_t& damage)
            place;
 }
 
-linePrinter_t::linePrinter_t(filter_t filter, lineOptions_t options,
-                             std::function<void(const std::string&)> put)
-    : m_filter(std::move(filter)), m_options(options), m_put(std::move(put))
+linePrinter_t::linePrinter_t(lineOptions_t options, std::function<void(std::string&)> put)
+    : m_options(options), m_put(std::move(put))
 {}
 
-void linePrinter_t::begin(const std::string& name)
+void linePrinter_t::begin(const source_t& source)
 {
-    if (m_files++ > 0)
-        m_put("\n");
-    m_put("# " + printable(name) + "\n");
+    m_line = m_files++ > 0 ? "\n# " : "# ";
+    if (!source.label.empty())
+        m_line += source.label + ": ";
+    appendPrintable(m_line, source.shown);
+    m_line += '\n';
+    m_put(m_line);
 }
 
-void linePrinter_t::take(const traceItem_t& item, const traceStep_t& step)
+void linePrinter_t::takeHeader(const source_t&, const traceHeader_t& header)
 {
-    if (const auto* header = std::get_if<traceHeader_t>(&item)) {
-        for (const std::string& line : header->lines)
-            m_put("# " + printable(line) + "\n");
-    } else if (const auto* damage = std::get_if<traceDamage_t>(&item)) {
-        m_put("-- " + damageText(*damage) + " --\n");
-    } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
-        if (m_filter.wants(*record, step))
-            m_put(recordLine(*record, step));
+    for (const std::string& line : header.lines) {
+        m_line = "# " + printable(line) + "\n";
+        m_put(m_line);
     }
 }
 
-std::string linePrinter_t::recordLine(const traceRecord_t& record, const traceStep_t& step) const
+void linePrinter_t::takeDamage(const source_t& source, const traceDamage_t& damage,
+                               const traceStep_t&)
 {
-    const bool entry = record.level == levelEntry;
-    const size_t depth = m_options.chains ? 0 : step.open->size() - (entry ? 1 : 0);
-    std::string line = dateText(step.moment) + " " + timeText(step.moment) + "  " +
-                       threadText(record.thread) + "  " +
-                       std::string(2 * std::min(depth, deepestIndent), ' ') + record.level + " ";
-    if (record.level == levelExit) {
-        line += step.left ? printable(step.left->name) : "(a function whose entry is not known)";
-        if (step.left)
-            if (const auto duration = durationOf(step.left->entered, step.moment))
-                line += "  " + std::to_string(*duration) + " ms";
+    m_line =
+        "-- " + (source.label.empty() ? "" : source.label + ": ") + damageText(damage) + " --\n";
+    m_put(m_line);
+}
+
+void appendMessage(std::string& line, const message_t& message, bool marks)
+{
+    if (marks && !message.colour.empty())
+        ((line += "[colour ") += message.colour) += "] ";
+    if (message.status && *message.status != 0) {
+        const tools::statusInfo_t& info = statusOf(*message.status);
+        line += info.hex;
+        if (!info.name.empty())
+            (line += ' ') += info.name;
+        if (!info.text.empty())
+            ((line += " (") += info.text) += ')';
+        if (!message.text.empty())
+            line += ": ";
+    }
+    appendPrintable(line, message.text);
+}
+
+void linePrinter_t::appendChain(const traceStep_t& step)
+{
+    const auto open = innermost(step.open);
+    if (open.size() < step.open.size())
+        m_line += "    in " + std::to_string(step.open.size() - open.size()) + " more functions\n";
+    for (const openFunction_t& function : open) {
+        m_line += "    in ";
+        appendPrintable(m_line, function.name);
+        ((m_line += ", entered ") += timeText(function.entered)) += '\n';
+    }
+}
+
+void linePrinter_t::takeRecord(const traceEvent_t& event)
+{
+    if (!event.wanted)
+        return;
+    const traceRecord_t& record = event.record;
+    const traceStep_t& step = event.step;
+    const size_t depth =
+        m_options.chains ? 0 : step.open.size() - (record.level == levelEntry ? 1 : 0);
+    m_line = m_texts.date(step.moment);
+    ((m_line += ' ') += m_texts.time(step.moment)) += "  ";
+    if (!event.source.label.empty())
+        (m_line += event.source.label) += "  ";
+    m_line += threadText(record.thread);
+    m_line.append(2 + 2 * std::min(depth, deepestIndent), ' ');
+    (m_line += record.level) += ' ';
+    if (record.level != levelExit) {
+        appendMessage(m_line, event.message, m_options.marks);
+    } else if (step.left) {
+        appendPrintable(m_line, step.left->name);
+        if (const auto duration = durationOf(step.left->entered, step.moment)) {
+            m_line += "  ";
+            appendNumber(m_line, *duration);
+            m_line += " ms";
+        }
     } else {
-        const message_t message = messageOf(record);
-        if (m_options.marks && !message.colour.empty())
-            line += "[colour " + message.colour + "] ";
-        line += statusText(message) + printable(message.text);
+        m_line += "(a function whose entry is not known)";
     }
     if (record.mended)
-        line += "  -- the text is damaged --";
-    line += "\n";
-    if (!m_options.chains)
-        return line;
-
-    const auto open = innermost(*step.open);
-    if (open.size() < step.open->size())
-        line += "    in " + std::to_string(step.open->size() - open.size()) + " more functions\n";
-    for (const openFunction_t& function : open)
-        line +=
-            "    in " + printable(function.name) + ", entered " + timeText(function.entered) + "\n";
-    return line;
+        m_line += "  -- the text is damaged --";
+    m_line += '\n';
+    if (m_options.chains)
+        appendChain(step);
+    m_put(m_line);
 }
 
 } // namespace vltrace

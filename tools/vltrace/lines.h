@@ -1,7 +1,6 @@
 #pragma once
 
 #include "consumer.h"
-#include "filter.h"
 
 #include <functional>
 #include <string>
@@ -14,27 +13,36 @@ struct lineOptions_t {
     bool marks = true;   // a colour directive as "[colour 04] "; else it is left out
 };
 
-// linePrinter_t makes readable lines of a file: date, time, thread, level and text, with nesting.
-// The header, in front, and damage, in its place, have a mark of their own.
+// linePrinter_t makes readable lines: date, time, process if there are several files, thread, level
+// and text, with nesting. The header, in front, and damage, in its place, have a mark of their own.
 class linePrinter_t : public traceConsumer_i
 {
 public:
     // put: gets one line or, with chains, several; each ends in a line feed
-    linePrinter_t(filter_t filter, lineOptions_t options,
-                  std::function<void(const std::string&)> put);
+    linePrinter_t(lineOptions_t options, std::function<void(std::string&)> put);
 
-    void begin(const std::string& name) override;
-    void take(const tracecore::traceItem_t& item, const tracecore::traceStep_t& step) override;
+    void begin(const source_t& source) override;
+    void takeHeader(const source_t& source, const tracecore::traceHeader_t& header) override;
+    void takeDamage(const source_t& source, const tracecore::traceDamage_t& damage,
+                    const tracecore::traceStep_t& step) override;
+    void takeRecord(const traceEvent_t& event) override;
 
 private:
-    std::string recordLine(const tracecore::traceRecord_t& record,
-                           const tracecore::traceStep_t& step) const;
+    void appendChain(const tracecore::traceStep_t& step);
 
-    filter_t m_filter;
     lineOptions_t m_options;
-    std::function<void(const std::string&)> m_put;
+    std::function<void(std::string&)> m_put;
+    std::string m_line;
+    momentTexts_t m_texts;
     size_t m_files = 0;
 };
+
+// appendMessage appends a message to a line, with its status' name and meaning.
+//
+// marks: a colour directive as "[colour 04] "; else it is left out
+void appendMessage(std::string& line, const message_t& message, bool marks);
+
+constexpr size_t deepestIndent = 40; // deeper calls stay in one column
 
 // damageText gives damage as a clause, as in "12 bytes skipped at offset 240: no record can begin
 // here".

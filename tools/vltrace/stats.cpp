@@ -1,99 +1,111 @@
 #include "stats.h"
 
 #include "formats/text/printable.h"
+#include "shared/jsontext.h"
 
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
 #include <utility>
 
+#include <json/value.h>
+
 using namespace tracecore;
 
 namespace vltrace {
 
-statsTable_t::statsTable_t(filter_t filter, std::string order, std::ostream& out)
-    : m_filter(std::move(filter)), m_order(std::move(order)), m_out(out)
+statsTable_t::statsTable_t(std::string order, bool json, std::ostream& out)
+    : m_order(std::move(order)), m_json(json), m_out(out)
 {}
 
-functionStats_t& statsTable_t::row(const std::string& name)
+functionStats_t& statsTable_t::row(std::string_view name)
 {
-    functionStats_t& found = m_rows[name];
-    found.name = name;
-    return found;
+    if (const auto found = m_rows.find(name); found != m_rows.end())
+        return found->second;
+    return m_rows.try_emplace(std::string(name), functionStats_t{std::string(name)}).first->second;
 }
 
-statsTable_t::call_t statsTable_t::pop(uint32_t thread)
+statsTable_t::call_t statsTable_t::pop(thread_t& walking)
 {
-    thread_t& walking = m_walking[thread];
-    call_t call = std::move(walking.calls.back());
+    const call_t call = walking.calls.back();
     walking.calls.pop_back();
-    const auto open = walking.open.find(call.name);
-    if (--open->second == 0)
-        walking.open.erase(open);
+    --walking.open[call.stats];
     return call;
 }
 
-void statsTable_t::take(const traceItem_t& item, const traceStep_t& step)
+void statsTable_t::begin(const source_t& source)
+{
+    m_walking.clear();
+    m_files.push_back(source.name);
+}
+
+void statsTable_t::lose(const traceStep_t& step)
 {
     for (const lostFunction_t& lost : step.lost)
-        if (const call_t call = pop(lost.thread); call.counted)
-            ++row(call.name).unfinished;
-
-    const auto* record = std::get_if<traceRecord_t>(&item);
-    if (!record)
-        return;
-    const bool wanted = m_filter.wants(*record, step);
-    if (record->level == levelEntry)
-        enter(*record, wanted);
-    else if (record->level == levelExit && step.left)
-        leave(*record, step);
-    else if (record->level != levelExit && wanted)
-        count(*record, step);
+        if (const call_t call = pop(m_walking[lost.thread]); call.counted)
+            ++call.stats->unfinished;
 }
 
-void statsTable_t::enter(const traceRecord_t& record, bool wanted)
+void statsTable_t::takeDamage(const source_t&, const traceDamage_t&, const traceStep_t& step)
 {
-    thread_t& walking = m_walking[record.thread];
-    size_t& open = walking.open[record.text];
-    walking.calls.push_back({record.text, wanted, open++ > 0});
-    if (wanted)
-        ++row(record.text).calls;
+    lose(step);
 }
 
-void statsTable_t::leave(const traceRecord_t& record, const traceStep_t& step)
+void statsTable_t::takeRecord(const traceEvent_t& event)
 {
-    const call_t call = pop(record.thread);
-    const auto duration = durationOf(step.left->entered, step.moment);
+    lose(event.step);
+    const char level = event.record.level;
+    if (level == levelEntry) {
+        enter(event);
+    } else if (level == levelExit) {
+        if (event.step.left)
+            leave(event);
+    } else if (event.wanted && event.kind != kind_t::stamp) {
+        const auto open = event.step.open;
+        functionStats_t& stats = row(open.empty() ? "main" : open.back().name);
+        ++(event.kind == kind_t::error  ? stats.errors
+           : event.kind == kind_t::note ? stats.notes
+                                        : stats.messages);
+    }
+}
+
+void statsTable_t::enter(const traceEvent_t& event)
+{
+    thread_t& walking = m_walking[event.record.thread];
+    functionStats_t& stats = row(event.record.text);
+    size_t& open = walking.open[&stats];
+    walking.calls.push_back({&stats, event.wanted, open++ > 0});
+    if (event.wanted)
+        ++stats.calls;
+}
+
+void statsTable_t::leave(const traceEvent_t& event)
+{
+    const call_t call = pop(m_walking[event.record.thread]);
+    const auto duration = durationOf(event.step.left->entered, event.step.moment);
     if (!call.counted || !duration)
         return;
-    functionStats_t& stats = row(call.name);
+    functionStats_t& stats = *call.stats;
     ++stats.timed;
     stats.total += call.inner ? 0 : *duration;
     stats.longest = std::max(stats.longest, *duration);
 }
 
-void statsTable_t::count(const traceRecord_t& record, const traceStep_t& step)
-{
-    const kind_t kind = kindOf(record);
-    if (kind == kind_t::stamp)
-        return;
-    functionStats_t& stats = row(step.open->empty() ? "main" : step.open->back().name);
-    ++(kind == kind_t::error ? stats.errors : kind == kind_t::note ? stats.notes : stats.messages);
-}
-
-void statsTable_t::end()
+void statsTable_t::end(const source_t&)
 {
     for (auto& [thread, walking] : m_walking)
         while (!walking.calls.empty())
-            if (const call_t call = pop(thread); call.counted)
-                ++row(call.name).unfinished;
+            if (const call_t call = pop(walking); call.counted)
+                ++call.stats->unfinished;
 }
 
-std::vector<functionStats_t> statsTable_t::rows() const
+// Functions of which the filter left nothing have no row.
+std::vector<const functionStats_t*> statsTable_t::rows() const
 {
-    std::vector<functionStats_t> rows;
+    std::vector<const functionStats_t*> rows;
     for (const auto& [name, stats] : m_rows)
-        rows.push_back(stats);
+        if (stats.calls + stats.errors + stats.notes + stats.messages > 0)
+            rows.push_back(&stats);
     const auto key = [&](const functionStats_t& stats) -> int64_t {
         return m_order == "calls"     ? static_cast<int64_t>(stats.calls)
                : m_order == "errors"  ? static_cast<int64_t>(stats.errors)
@@ -101,19 +113,56 @@ std::vector<functionStats_t> statsTable_t::rows() const
                : m_order == "total"   ? stats.total
                                       : 0;
     };
-    std::stable_sort(rows.begin(), rows.end(),
-                     [&](const auto& a, const auto& b) { return key(a) > key(b); });
+    std::ranges::sort(rows, [&](const auto* a, const auto* b) {
+        return key(*a) != key(*b) ? key(*a) > key(*b) : a->name < b->name;
+    });
     return rows;
 }
 
 void statsTable_t::finish()
+{
+    if (m_json)
+        writeJson();
+    else
+        writeTable();
+}
+
+void statsTable_t::writeJson()
+{
+    CJsonDocument document(m_out);
+    document.Member("schema", "stats-1");
+    Json::Value files(Json::arrayValue);
+    for (const std::string& file : m_files)
+        files.append(file);
+    document.Member("files", files);
+    document.BeginList("functions");
+    for (const functionStats_t* stats : rows()) {
+        Json::Value item(Json::objectValue);
+        item["name"] = stats->name;
+        item["calls"] = Json::Value(stats->calls);
+        item["errors"] = Json::Value(stats->errors);
+        item["notes"] = Json::Value(stats->notes);
+        item["messages"] = Json::Value(stats->messages);
+        item["unfinished"] = Json::Value(stats->unfinished);
+        item["timed"] = Json::Value(stats->timed);
+        if (stats->timed > 0) {
+            item["totalMilliseconds"] = Json::Value(stats->total);
+            item["longestMilliseconds"] = Json::Value(stats->longest);
+        }
+        document.Item(item);
+    }
+    document.EndList();
+}
+
+void statsTable_t::writeTable()
 {
     const auto cell = [&](auto value) { m_out << std::setw(11) << value; };
     for (const char* title : {"calls", "errors", "notes", "messages", "unfinished", "total ms",
                               "mean ms", "longest ms"})
         cell(title);
     m_out << "  function\n";
-    for (const functionStats_t& stats : rows()) {
+    for (const functionStats_t* const row : rows()) {
+        const functionStats_t& stats = *row;
         cell(stats.calls);
         cell(stats.errors);
         cell(stats.notes);

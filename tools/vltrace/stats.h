@@ -1,11 +1,14 @@
 #pragma once
 
 #include "consumer.h"
-#include "filter.h"
 
+#include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <map>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace vltrace {
@@ -24,41 +27,46 @@ struct functionStats_t {
     int64_t longest = 0;
 };
 
-// statsTable_t counts over all files and writes a table at the end.
+// statsTable_t counts over all files, one after the other, and writes a table at the end.
 class statsTable_t : public traceConsumer_i
 {
 public:
     // order: "name", "calls", "errors", "total" or "longest"; numbers from the highest down
-    statsTable_t(filter_t filter, std::string order, std::ostream& out);
+    // json:  a document in place of the table
+    statsTable_t(std::string order, bool json, std::ostream& out);
 
-    void begin(const std::string&) override { m_walking.clear(); }
-    void take(const tracecore::traceItem_t& item, const tracecore::traceStep_t& step) override;
-    void end() override;
+    void begin(const source_t& source) override;
+    void takeDamage(const source_t& source, const tracecore::traceDamage_t& damage,
+                    const tracecore::traceStep_t& step) override;
+    void takeRecord(const traceEvent_t& event) override;
+    void end(const source_t& source) override;
     void finish() override;
-
-    std::vector<functionStats_t> rows() const; // in the order asked for
 
 private:
     struct call_t {
-        std::string name;
+        functionStats_t* stats;
         bool counted; // whether the filter wanted its entry
         bool inner;   // a function of the same name was open
     };
     struct thread_t {
         std::vector<call_t> calls; // in step with the walker's open functions
-        std::map<std::string, size_t> open;
+        std::unordered_map<const functionStats_t*, size_t> open;
     };
-    void enter(const tracecore::traceRecord_t& record, bool wanted);
-    void leave(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step);
-    void count(const tracecore::traceRecord_t& record, const tracecore::traceStep_t& step);
-    functionStats_t& row(const std::string& name);
-    call_t pop(uint32_t thread);
+    void lose(const tracecore::traceStep_t& step);
+    void enter(const traceEvent_t& event);
+    void leave(const traceEvent_t& event);
+    functionStats_t& row(std::string_view name);
+    call_t pop(thread_t& walking);
+    std::vector<const functionStats_t*> rows() const; // in the order asked for
+    void writeTable();
+    void writeJson();
 
-    filter_t m_filter;
     std::string m_order;
+    bool m_json;
     std::ostream& m_out;
-    std::map<std::string, functionStats_t> m_rows;
-    std::map<uint32_t, thread_t> m_walking;
+    std::map<std::string, functionStats_t, std::less<>> m_rows;
+    std::unordered_map<uint32_t, thread_t> m_walking;
+    std::vector<std::string> m_files;
 };
 
 } // namespace vltrace

@@ -5,10 +5,7 @@
 #include "shared/toolerror.h"
 
 #include <algorithm>
-#include <fstream>
 #include <istream>
-#include <system_error>
-#include <utility>
 
 using namespace tracecore;
 
@@ -16,131 +13,150 @@ namespace vltrace {
 
 namespace {
 
-constexpr size_t pieceSize = 1 << 18;
-constexpr size_t beginningSize = 1024; // holds the header's time stamp
-
-// readPiece fills piece from the file, or leaves it empty at the end.
-bool readPiece(std::istream& file, std::vector<uint8_t>& piece)
-{
-    static_assert(sizeof(char) == sizeof(uint8_t));
-    piece.resize(pieceSize);
-    file.read(reinterpret_cast<char*>(piece.data()), static_cast<std::streamsize>(piece.size()));
-    piece.resize(static_cast<size_t>(file.gcount()));
-    return !piece.empty();
-}
+constexpr size_t beginningSize = 4096; // holds the header's time stamp
 
 } // namespace
 
-void traceFeed_t::feed(std::span<const uint8_t> bytes)
+void traceFeed_t::append(std::span<const uint8_t> bytes)
 {
     size += bytes.size();
     m_reader.append(bytes);
-    drain();
 }
 
-void traceFeed_t::finish()
+void traceFeed_t::count(const traceItem_t& item)
 {
-    m_reader.finish();
-    drain();
-    if (m_begun)
-        m_consumer.end();
+    cutOffset.reset();
+    if (const auto* const damage = std::get_if<traceDamage_t>(&item)) {
+        ++damages;
+        skipped += damage->bytes;
+        cutOffset = damage->offset;
+    }
 }
 
-void traceFeed_t::drain()
+const traceItem_t* traceFeed_t::nextProven()
 {
-    while (auto item = m_reader.next()) {
-        const auto* const damage = std::get_if<traceDamage_t>(&*item);
-        const auto* const header = std::get_if<traceHeader_t>(&*item);
-        cutOffset.reset();
-        if (damage) {
-            ++damages;
-            skipped += damage->bytes;
-            cutOffset = damage->offset;
-        }
-        const bool marked = header && !header->lines.empty() && header->lines[0] == "trace3";
-        const bool proves = marked || (!damage && !header);
-        if (!m_begun && proves) {
-            m_begun = true;
-            m_consumer.begin(m_name);
-            for (const traceItem_t& held : m_held)
-                pass(held);
-            m_held.clear();
-        }
+    if (m_given < m_held.size() && m_begun)
+        return &m_held[m_given++];
+    while (const traceItem_t* const item = m_reader.next()) {
+        count(*item);
         if (m_begun)
-            pass(*item);
-        else
-            m_held.push_back(std::move(*item));
+            return item;
+        m_held.push_back(*item);
+        const auto* const header = std::get_if<traceHeader_t>(item);
+        m_begun = std::holds_alternative<traceRecord_t>(*item) ||
+                  (header && !header->lines.empty() && header->lines[0] == "trace3");
+        if (m_begun)
+            return &m_held[m_given++];
     }
+    return nullptr;
 }
 
-void traceFeed_t::pass(const traceItem_t& item)
+const traceItem_t* traceFeed_t::next()
 {
-    m_consumer.take(item, m_walker.take(item));
+    const traceItem_t* const item = nextProven();
+    if (item)
+        m_step = m_walker.take(*item);
+    return item;
 }
 
-traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
-                      traceConsumer_i& consumer)
+traceInput_t::traceInput_t(source_t source, std::istream& standardInput, size_t pieceSize,
+                           bool follows)
+    : m_source(std::move(source)),
+      m_standardInput(standardInput),
+      m_pieceSize(pieceSize),
+      m_follows(follows),
+      m_held(m_source.name == "-" || entryKind(pathOf(m_source.name)) == entryKind_t::other),
+      m_feed(std::make_unique<traceFeed_t>())
 {
-    std::ifstream file;
-    if (name != "-")
-        file = openInput(name);
-    std::istream& stream = name == "-" ? standardInput : file;
-    traceFeed_t feed(shownInput(name), consumer);
-    std::vector<uint8_t> beginning;
-    for (std::vector<uint8_t> piece; readPiece(stream, piece);) {
-        if (beginning.empty())
-            beginning = piece;
-        feed.feed(piece);
+    if (m_source.name != "-")
+        m_file = openInput(m_source.name);
+    if (!m_held)
+        m_file.close();
+}
+
+std::istream* traceInput_t::open()
+{
+    if (m_source.name == "-")
+        return &m_standardInput;
+    if (m_held)
+        return &m_file;
+    if (m_follows)
+        m_file = std::ifstream(pathOf(m_source.name), std::ios::binary);
+    else
+        m_file = openInput(m_source.name);
+    if (!m_file)
+        return nullptr;
+    m_file.seekg(static_cast<std::streamoff>(m_feed->size));
+    return &m_file;
+}
+
+bool traceInput_t::readPiece()
+{
+    std::istream* const stream = open();
+    if (!stream)
+        return false;
+    static_assert(sizeof(char) == sizeof(uint8_t));
+    m_piece.resize(m_pieceSize);
+    stream->read(reinterpret_cast<char*>(m_piece.data()),
+                 static_cast<std::streamsize>(m_piece.size()));
+    m_piece.resize(static_cast<size_t>(stream->gcount()));
+    if (!m_follows)
+        checkRead(m_source.name, *stream);
+    if (!m_held)
+        m_file.close();
+    const size_t missing = std::min(beginningSize - m_beginning.size(), m_piece.size());
+    m_beginning.insert(m_beginning.end(), m_piece.begin(),
+                       m_piece.begin() + static_cast<std::ptrdiff_t>(missing));
+    m_feed->append(m_piece);
+    return !m_piece.empty();
+}
+
+bool traceInput_t::advance()
+{
+    for (;;) {
+        m_item = m_feed->next();
+        if (m_item)
+            return true;
+        if (m_finished)
+            break;
+        if (!readPiece()) {
+            if (m_follows)
+                return false;
+            finish();
+        }
     }
-    feed.finish();
-    checkRead(name, stream);
-    if (!feed.isTrace())
-        throw CToolError(shownInput(name) + " is no trace: it is " + describeBytes(beginning),
+    if (!m_follows && !m_feed->isTrace())
+        throw CToolError(m_source.shown + " is no trace: it is " + describeBytes(m_beginning),
                          "trace files end in .trc3, and have something in them");
-    return feed;
+    return false;
 }
 
-traceFollower_t::traceFollower_t(std::string name, traceConsumer_i& consumer)
-    : m_name(std::move(name)), m_consumer(consumer)
+void traceInput_t::finish() noexcept
 {
-    openInput(m_name); // fails at once for a name that is wrong
+    m_feed->finish();
+    m_finished = true;
 }
 
-bool traceFollower_t::isSameFile(std::istream& file) const
+void traceInput_t::restart()
 {
+    m_feed = std::make_unique<traceFeed_t>();
+    m_beginning.clear();
+    m_finished = false;
+}
+
+// A smaller size or another beginning shows another file.
+bool traceInput_t::wasReplaced()
+{
+    std::ifstream file(pathOf(m_source.name), std::ios::binary);
+    if (!file)
+        return false;
     std::vector<char> beginning(m_beginning.size());
     file.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
     if (!file || !std::equal(m_beginning.begin(), m_beginning.end(), beginning.begin(),
                              [](uint8_t a, char b) { return a == static_cast<uint8_t>(b); }))
-        return false;
+        return true;
     file.seekg(0, std::ios::end);
-    return file.tellg() >= static_cast<std::streamoff>(m_feed->size);
-}
-
-traceFollower_t::change_t traceFollower_t::poll()
-{
-    std::ifstream file(pathOf(m_name), std::ios::binary);
-    if (!file)
-        return change_t::missing;
-    const bool restarted = m_feed && !isSameFile(file);
-    if (restarted) {
-        m_feed->finish();
-        m_feed.reset();
-        m_beginning.clear();
-    }
-    if (!m_feed)
-        m_feed.emplace(m_name, m_consumer);
-
-    file.clear();
-    file.seekg(static_cast<std::streamoff>(m_feed->size));
-    bool grown = false;
-    for (std::vector<uint8_t> piece; readPiece(file, piece); grown = true) {
-        const size_t missing = std::min(beginningSize - m_beginning.size(), piece.size());
-        m_beginning.insert(m_beginning.end(), piece.begin(),
-                           piece.begin() + static_cast<std::ptrdiff_t>(missing));
-        m_feed->feed(piece);
-    }
-    return restarted ? change_t::restarted : grown ? change_t::grown : change_t::none;
+    return file.tellg() < static_cast<std::streamoff>(m_feed->size);
 }
 
 } // namespace vltrace

@@ -1,9 +1,12 @@
 #pragma once
 
-#include "consumer.h"
+#include "formats/trace/tracewalker.h"
+#include "source.h"
 
 #include <cstdint>
+#include <fstream>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,17 +15,18 @@
 
 namespace vltrace {
 
-// traceFeed_t leads the bytes of one file through reader and walker to a consumer. The consumer
-// gets nothing until they prove to be a trace, by the header's mark or by a record.
+// traceFeed_t leads the bytes of one file through reader and walker. It gives nothing until they
+// prove to be a trace, by the header's mark or by a record.
 class traceFeed_t
 {
 public:
-    // name: the file's, for the consumer
-    traceFeed_t(std::string name, traceConsumer_i& consumer)
-        : m_name(std::move(name)), m_consumer(consumer)
-    {}
-    void feed(std::span<const uint8_t> bytes);
-    void finish(); // ends the file for the consumer, too
+    void append(std::span<const uint8_t> bytes);
+    void finish() noexcept { m_reader.finish(); }
+
+    // Returns: the next item, valid until the next call; null if more bytes are needed, or at the
+    //          end
+    const tracecore::traceItem_t* next();
+    const tracecore::traceStep_t& step() const noexcept { return m_step; } // of that item
 
     bool isTrace() const noexcept { return m_begun; }
 
@@ -32,47 +36,65 @@ public:
     std::optional<uint64_t> cutOffset; // of the damage that the file ends with
 
 private:
-    void drain();
-    void pass(const tracecore::traceItem_t& item);
+    const tracecore::traceItem_t* nextProven();
+    void count(const tracecore::traceItem_t& item);
 
-    std::string m_name;
-    traceConsumer_i& m_consumer;
     tracecore::traceReader_t m_reader;
     tracecore::traceWalker_t m_walker;
-    std::vector<tracecore::traceItem_t> m_held; // a header and the damage after it, at most
+    tracecore::traceStep_t m_step;
+    std::vector<tracecore::traceItem_t> m_held; // a header, damage after it and the proof, at most
+    size_t m_given = 0;                         // of those
     bool m_begun = false;
 };
 
-// readTrace reads a whole file.
-//
-// name:    UTF-8; "-" is standardInput
-// Returns: the feed, for its counts
-// Errors:  CToolError if the file can't be read, or is no trace
-traceFeed_t readTrace(const std::string& name, std::istream& standardInput,
-                      traceConsumer_i& consumer);
-
-// traceFollower_t reads a growing file. It is opened for each look and never held, so that it can
-// be replaced or removed meanwhile; a smaller size or another beginning shows a new file.
-class traceFollower_t
+// traceInput_t reads one file piece by piece. A file is opened for each piece and not held, so that
+// any number of them can be read together, and one that grows can be replaced or removed meanwhile.
+class traceInput_t
 {
 public:
-    enum class change_t {
-        none,      // nothing new
-        grown,     // new bytes have gone to the consumer
-        restarted, // another file of that name: it has been read from its beginning
-        missing,   // can't be opened now
-    };
+    // standardInput: read if the source's name is "-"
+    // pieceSize:     bytes
+    // follows:       the file grows: its present end is none
+    //
+    // Errors: CToolError if the file can't be opened
+    traceInput_t(source_t source, std::istream& standardInput, size_t pieceSize, bool follows);
 
-    traceFollower_t(std::string name, traceConsumer_i& consumer);
-    change_t poll();
+    // advance goes to the next item.
+    //
+    // Returns: false at the end; if the file is followed, only for now
+    // Errors:  CToolError if the file can't be read, or is no trace
+    bool advance();
+    const tracecore::traceItem_t& item() const noexcept { return *m_item; }
+    const tracecore::traceStep_t& step() const noexcept { return m_feed->step(); }
+
+    // wasReplaced says whether another file has come under the name: what there is of the old one
+    // has been read and is to be finished. restart goes over to it.
+    bool wasReplaced();
+    void finish() noexcept;
+    void restart();
+
+    bool isFinished() const noexcept { return m_finished; }
+
+    source_t& source() noexcept { return m_source; }
+    const traceFeed_t& feed() const noexcept { return *m_feed; }
+    bool begun = false; // for the use of who reads: the consumer knows of it
 
 private:
-    bool isSameFile(std::istream& file) const;
+    bool readPiece();
+    std::istream* open(); // at the next piece; null if a followed file isn't there
+    void checkTrace() const;
 
-    std::string m_name;
-    traceConsumer_i& m_consumer;
-    std::optional<traceFeed_t> m_feed; // of the file that has the name now
-    std::vector<uint8_t> m_beginning;  // of what was read: enough to recognise another file
+    source_t m_source;
+    std::istream& m_standardInput;
+    size_t m_pieceSize;
+    bool m_follows;
+    bool m_finished = false;
+    std::ifstream m_file;
+    bool m_held; // a pipe or the like: what was read can't be read again
+    std::unique_ptr<traceFeed_t> m_feed;
+    std::vector<uint8_t> m_piece;
+    std::vector<uint8_t> m_beginning; // of what was read: enough to recognise another file
+    const tracecore::traceItem_t* m_item = nullptr;
 };
 
 } // namespace vltrace

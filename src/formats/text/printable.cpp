@@ -2,6 +2,7 @@
 
 #include "formats/text/unicode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -23,7 +24,7 @@ std::string hexCharacter(unsigned character)
     return text.data();
 }
 
-void appendPrintable(std::string& out, char32_t character, std::string_view bytes)
+void appendCharacter(std::string& out, char32_t character, std::string_view bytes)
 {
     if (character == replacement && bytes != "\uFFFD") {
         for (const char byte : bytes)
@@ -41,11 +42,16 @@ void appendPrintable(std::string& out, char32_t character, std::string_view byte
     }
 }
 
-std::string printable(std::string_view text, bool keepLines)
+void append(std::string& out, std::string_view text, bool keepLines)
 {
-    std::string out;
-    out.reserve(text.size());
     while (!text.empty()) {
+        const auto isPlain = [](char c) { return c >= 0x20 && c < 0x7F; };
+        const auto end = std::ranges::find_if_not(text, isPlain);
+        const auto run = static_cast<size_t>(end - text.begin());
+        out += text.substr(0, run);
+        text.remove_prefix(run);
+        if (text.empty())
+            return;
         if (keepLines && (text.starts_with("\n") || text.starts_with("\r\n"))) {
             text.remove_prefix(text.find('\n') + 1);
             out += '\n';
@@ -53,19 +59,27 @@ std::string printable(std::string_view text, bool keepLines)
         }
         const std::string_view before = text;
         const char32_t character = takeCharacter(text);
-        appendPrintable(out, character, before.substr(0, before.size() - text.size()));
+        appendCharacter(out, character, before.substr(0, before.size() - text.size()));
     }
-    return out;
 }
 
 } // namespace
 
+void appendPrintable(std::string& out, std::string_view text)
+{
+    append(out, text, false);
+}
+
 std::string printable(std::string_view text)
 {
-    return printable(text, false);
+    std::string out;
+    append(out, text, false);
+    return out;
 }
 
 std::string printableLines(std::string_view text)
 {
-    return printable(text, true);
+    std::string out;
+    append(out, text, true);
+    return out;
 }

@@ -14,6 +14,7 @@
 //
 // text: UTF-8, or any bytes
 std::string printable(std::string_view text);
+void appendPrintable(std::string& out, std::string_view text);
 
 // printableLines does the same for text of several lines: LF and CR LF stay, as LF.
 std::string printableLines(std::string_view text);

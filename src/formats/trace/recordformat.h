@@ -17,4 +17,8 @@ inline constexpr char traceFormatVersion[] = "3.0.2"; // as the file's header ha
 void scrambleText(uint8_t* buffer, size_t length) noexcept;
 void unscrambleText(uint8_t* buffer, size_t length) noexcept;
 
+// The same out of place, and for a text that is plain already up to from, a multiple of 8: a block
+// needs only the scrambled one before it. plain may be scrambled itself if from is 0.
+void unscrambleText(const uint8_t* scrambled, size_t length, uint8_t* plain, size_t from) noexcept;
+
 } // namespace tracecore

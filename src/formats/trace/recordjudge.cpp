@@ -9,7 +9,8 @@ namespace tracecore {
 
 namespace {
 
-constexpr size_t firstGlance = 32; // chance bytes give themselves away within a few characters
+constexpr size_t firstGlance =
+    32; // whole blocks; chance bytes give themselves away within a few characters
 
 constexpr size_t longestStatus = 12; // with its sign and the blank after it
 
@@ -28,24 +29,11 @@ bool isTextCharacter(char32_t c) noexcept
     return c >= 0x20 || c == '\t' || c == '\n' || c == '\r';
 }
 
-// A character cut at the end is sane: a length that wrapped may end within one.
-bool isSaneUtf8(std::string_view text)
+// plainAscii gives the length of the run of U+0020 to U+007F that the text begins with.
+size_t plainAscii(std::string_view text) noexcept
 {
-    while (!text.empty()) {
-        const auto lead = static_cast<uint8_t>(text.front());
-        char32_t character = 0;
-        if (!takeValid(text, character))
-            return text.empty() && lead >= 0xC2 && lead <= 0xF4;
-        if (!isTextCharacter(character))
-            return false;
-    }
-    return true;
-}
-
-void unscramble(std::string& text) noexcept
-{
-    static_assert(sizeof(char) == sizeof(uint8_t));
-    unscrambleText(reinterpret_cast<uint8_t*>(text.data()), text.size());
+    const auto isPlain = [](char c) { return static_cast<signed char>(c) >= 0x20; };
+    return static_cast<size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
 }
 
 bool startsWithStatus(std::string_view text) noexcept
@@ -69,11 +57,12 @@ bool mayBeFramed(std::span<const uint8_t> record) noexcept
     return level && (!level->shape || level->shape->size() == textLength(record));
 }
 
-std::string plainText(std::span<const uint8_t> scrambled)
+void unscramble(std::span<const uint8_t> scrambled, std::string& plain, size_t from)
 {
-    std::string text(scrambled.begin(), scrambled.end());
-    unscramble(text);
-    return text;
+    static_assert(sizeof(char) == sizeof(uint8_t));
+    plain.resize(scrambled.size());
+    unscrambleText(scrambled.data(), scrambled.size(), reinterpret_cast<uint8_t*>(plain.data()),
+                   from);
 }
 
 std::string validUtf8(std::string_view bytes)
@@ -113,15 +102,36 @@ look_t recordJudge_t::look(std::span<const uint8_t> bytes, bool ended, size_t te
     return length >= 8 ? look_t::sure : look_t::weak;
 }
 
+// A character cut at the end is sane: a length that wrapped may end within one.
+bool recordJudge_t::isSaneUtf8()
+{
+    std::string_view text = m_text;
+    for (text.remove_prefix(plainAscii(text)); !text.empty();
+         text.remove_prefix(plainAscii(text))) {
+        const auto lead = static_cast<uint8_t>(text.front());
+        char32_t character = 0;
+        m_valid = takeValid(text, character);
+        if (!m_valid)
+            return text.empty() && lead >= 0xC2 && lead <= 0xF4;
+        if (!isTextCharacter(character))
+            return false;
+    }
+    m_valid = true;
+    return true;
+}
+
 // scrambled may be the beginning of a text.
 bool recordJudge_t::isSaneText(std::span<const uint8_t> scrambled, const levelInfo_t& level)
 {
-    const auto isSane = [&](size_t length) {
-        m_text.assign(scrambled.begin(), scrambled.begin() + static_cast<std::ptrdiff_t>(length));
-        unscramble(m_text);
-        return isSaneUtf8(m_text);
-    };
-    if ((scrambled.size() > firstGlance && !isSane(firstGlance)) || !isSane(scrambled.size()))
+    size_t plain = 0;
+    if (scrambled.size() > firstGlance) {
+        plain = firstGlance;
+        unscramble(scrambled.first(plain), m_text);
+        if (!isSaneUtf8())
+            return false;
+    }
+    unscramble(scrambled, m_text, plain);
+    if (!isSaneUtf8())
         return false;
     if (level.shape)
         return m_text.size() < level.shape->size() || hasShape(m_text, *level.shape);

@@ -29,10 +29,16 @@ public:
     // textLimit: at most so many bytes of the text are looked at
     look_t look(std::span<const uint8_t> bytes, bool ended, size_t textLimit);
 
+    // What the last look saw of the text, unscrambled, and whether all of it is UTF-8.
+    std::string& text() noexcept { return m_text; }
+    bool isValid() const noexcept { return m_valid; }
+
 private:
     bool isSaneText(std::span<const uint8_t> scrambled, const levelInfo_t& level);
+    bool isSaneUtf8();
 
-    std::string m_text; // scratch
+    std::string m_text;
+    bool m_valid = false;
 };
 
 // textLength reads the length of the text from a record's header, which bytes have to hold.
@@ -41,8 +47,9 @@ size_t textLength(std::span<const uint8_t> record) noexcept;
 // mayBeFramed is true if the header's level is known, and the text's length is one of that level.
 bool mayBeFramed(std::span<const uint8_t> record) noexcept;
 
-// plainText gives the record's text unscrambled, as bytes.
-std::string plainText(std::span<const uint8_t> scrambled);
+// unscramble puts the text unscrambled into plain, which holds as much of it as from says, a
+// multiple of 8.
+void unscramble(std::span<const uint8_t> scrambled, std::string& plain, size_t from = 0);
 
 // validUtf8 gives the text with every byte that belongs to no UTF-8 character replaced by U+FFFD.
 std::string validUtf8(std::string_view bytes);

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -52,20 +51,22 @@ public:
     // finish says that no more bytes will come, so that a record which lacks some is cut short.
     void finish() noexcept { m_ended = true; }
 
-    // Returns: the next item; none if more bytes are needed, or at the end
-    std::optional<traceItem_t> next();
+    // Returns: the next item, the reader's own until the next call; null if more bytes are needed,
+    //          or at the end
+    const traceItem_t* next();
 
 private:
     enum class phase_t { mark, header, records, search };
 
     std::span<const uint8_t> rest(size_t at) const noexcept;
     look_t look(size_t at, size_t textLimit);
-    std::optional<traceItem_t> nextHeader();
-    std::optional<traceItem_t> nextRecord();
+    const traceItem_t* nextHeader();
+    const traceItem_t* nextRecord();
     bool search(size_t end);
-    traceItem_t takeRecord();
-    traceItem_t takeDamage(size_t end, std::string reason);
-    traceItem_t endHeader(std::string missing);
+    const traceItem_t* takeRecord(bool judged);
+    const traceItem_t* takeDamage(size_t end, std::string reason);
+    const traceItem_t* endHeader(std::string missing);
+    const traceItem_t* give(traceItem_t item);
 
     std::vector<uint8_t> m_bytes;
     size_t m_at = 0;       // the next byte to be understood, in m_bytes
@@ -78,6 +79,7 @@ private:
     size_t m_headerSize = 0;
     std::string m_reason;
     recordJudge_t m_judge;
+    traceItem_t m_item; // the one that was given last
 };
 
 } // namespace tracecore

@@ -79,52 +79,70 @@ void traceWalker_t::takeStamp(const traceRecord_t& record)
     }
 }
 
-void traceWalker_t::forget(uint32_t thread, std::vector<openFunction_t>& open, traceStep_t& step)
+void traceWalker_t::forget(uint32_t thread, stack_t& stack)
 {
-    for (; !open.empty(); open.pop_back())
-        step.lost.push_back({thread, std::move(open.back())});
+    for (; stack.depth > 0; --stack.depth)
+        m_lost.push_back({thread, std::move(stack.functions[stack.depth - 1])});
+}
+
+traceWalker_t::stack_t& traceWalker_t::stackOf(uint32_t thread)
+{
+    const auto place = m_open.find(thread);
+    if (place != m_open.end())
+        return place->second;
+    if (!m_spare)
+        return m_open[thread];
+    m_spare.key() = thread;
+    return m_open.insert(std::move(m_spare)).position->second;
+}
+
+void traceWalker_t::push(const traceRecord_t& record, stack_t& stack)
+{
+    if (stack.depth == stack.functions.size())
+        stack.functions.emplace_back();
+    openFunction_t& function = stack.functions[stack.depth++];
+    function.name = record.text;
+    function.entered = m_now;
 }
 
 // Only threads with an open function are held: a damaged file may name millions.
-const std::vector<openFunction_t>& traceWalker_t::takeCall(const traceRecord_t& record,
-                                                           traceStep_t& step)
+void traceWalker_t::takeCall(const traceRecord_t& record, traceStep_t& step)
 {
-    static const std::vector<openFunction_t> none;
-    auto place = m_open.find(record.thread);
     if (record.level == levelEntry) {
-        if (place == m_open.end())
-            place = m_open.try_emplace(record.thread).first;
-        place->second.push_back({record.text, m_now});
-        return place->second;
+        stack_t& stack = stackOf(record.thread);
+        push(record, stack);
+        step.open = std::span(stack.functions).first(stack.depth);
+        return;
     }
+    const auto place = m_open.find(record.thread);
     if (place == m_open.end())
-        return none;
-    if (record.level == levelWriter) {
-        forget(record.thread, place->second, step);
-    } else if (record.level == levelExit) {
-        step.left = std::move(place->second.back());
-        place->second.pop_back();
-    }
-    if (!place->second.empty())
-        return place->second;
-    m_open.erase(place);
-    return none;
+        return;
+    stack_t& stack = place->second;
+    if (record.level == levelWriter)
+        forget(record.thread, stack);
+    else if (record.level == levelExit)
+        step.left = &stack.functions[--stack.depth];
+    step.open = std::span(stack.functions).first(stack.depth);
+    if (stack.depth == 0)
+        m_spare = m_open.extract(place);
 }
 
 traceStep_t traceWalker_t::take(const traceItem_t& item)
 {
     traceStep_t step;
+    m_lost.clear();
     if (const auto* header = std::get_if<traceHeader_t>(&item)) {
         takeHeader(*header);
     } else if (const auto* damage = std::get_if<traceDamage_t>(&item); damage && damage->bytes) {
-        for (auto& [thread, open] : m_open)
-            forget(thread, open, step);
+        for (auto& [thread, stack] : m_open)
+            forget(thread, stack);
         m_open.clear();
     } else if (const auto* record = std::get_if<traceRecord_t>(&item)) {
         takeStamp(*record);
-        step.open = &takeCall(*record, step);
+        takeCall(*record, step);
     }
     step.moment = m_now;
+    step.lost = m_lost;
     return step;
 }
 

@@ -1,37 +1,52 @@
 #include "formats/trace/recordformat.h"
 #include "formats/trace/textcipher.h"
 
-#include <algorithm>
-
 namespace tracecore {
 
 namespace {
 
-// Unscrambles up to 4 bytes with one word of the block, and puts what was scrambled into the word's
-// first bytes.
-void unscrambleWord(uint8_t* bytes, size_t count, uint32_t& word) noexcept
+uint32_t loadWord(const uint8_t* bytes) noexcept
 {
-    for (size_t i = 0; i < count; ++i) {
-        const uint32_t plain = bytes[i] ^ (word >> (8 * i) & 0xFF);
-        word ^= plain << (8 * i);
-        bytes[i] = static_cast<uint8_t>(plain);
-    }
+    return bytes[0] | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
+}
+
+void storeWord(uint8_t* bytes, uint32_t word) noexcept
+{
+    for (unsigned i = 0; i < 4; ++i)
+        bytes[i] = static_cast<uint8_t>(word >> (8 * i));
 }
 
 } // namespace
 
-void unscrambleText(uint8_t* buffer, size_t length) noexcept
+void unscrambleText(const uint8_t* scrambled, size_t length, uint8_t* plain, size_t from) noexcept
 {
     textCipher_t cipher;
-    while (length > 0) {
-        cipher.encipher();
-        const size_t count = std::min<size_t>(length, 8);
-        unscrambleWord(buffer, std::min<size_t>(count, 4), cipher.y);
-        if (count > 4)
-            unscrambleWord(buffer + 4, count - 4, cipher.z);
-        buffer += count;
-        length -= count;
+    if (from > 0) {
+        cipher.y = loadWord(scrambled + from - 8);
+        cipher.z = loadWord(scrambled + from - 4);
     }
+    for (; length - from >= 8; from += 8) {
+        cipher.encipher();
+        const uint32_t y = loadWord(scrambled + from);
+        const uint32_t z = loadWord(scrambled + from + 4);
+        storeWord(plain + from, cipher.y ^ y);
+        storeWord(plain + from + 4, cipher.z ^ z);
+        cipher.y = y;
+        cipher.z = z;
+    }
+    if (from == length)
+        return;
+    cipher.encipher();
+    uint8_t key[8];
+    storeWord(key, cipher.y);
+    storeWord(key + 4, cipher.z);
+    for (size_t i = from; i < length; ++i)
+        plain[i] = scrambled[i] ^ key[i - from];
+}
+
+void unscrambleText(uint8_t* buffer, size_t length) noexcept
+{
+    unscrambleText(buffer, length, buffer, 0);
 }
 
 } // namespace tracecore

@@ -1,0 +1,70 @@
+"""Makes trace files with a model of what is in them, from the format: it shares no code with what it checks."""
+import random
+import struct
+
+MASK = 0xFFFFFFFF
+KEY = (0x6B7D1A35, 0xC2E94F08, 0x1F53B8D6, 0x94A0E72C)
+HEADER = ("trace3\r\nMachine name: PC-7\r\nTrace Ver: 3.0.2\r\nFileVersion: 1.2.3.4\r\n"
+          "07/14/2017 10:00:00.000\r\n.\r\n").encode()
+TEXTS = ("plain", "Größe, \"of\" 日;\n</script><b>\u2028\t\\", "=1+1", "'`I04`'red", "x" * 300, "\U0001F511 key")
+NAMES = ("CVLKTPages::SetStorageData", "QL::add", "a;b", "</script><script>alert(1)</script>", "prepfolderlist")
+
+
+def signed_shift(value):
+    return (value >> 5) | (0xF8000000 if value >> 31 else 0)
+
+
+def scramble(text):
+    out, y, z = bytearray(), 0x3C5A9D17, 0xE86B40F2
+    for at in range(0, len(text), 8):
+        total = 0
+        for _ in range(32):
+            total = (total + 0x9E3779B9) & MASK
+            y = (y + ((((z << 4) + KEY[0]) & MASK) ^ ((z + total) & MASK) ^ ((signed_shift(z) + KEY[1]) & MASK))) & MASK
+            z = (z + ((((y << 4) + KEY[2]) & MASK) ^ ((y + total) & MASK) ^ ((signed_shift(y) + KEY[3]) & MASK))) & MASK
+        piece = bytes(a ^ b for a, b in zip(text[at:at + 8], struct.pack("<II", y, z)))
+        out += piece
+        if len(piece) == 8:
+            y, z = struct.unpack("<II", piece)
+    return bytes(out)
+
+
+def record(thread, level, text=""):
+    scrambled = scramble(text.encode())
+    return struct.pack("<IcH", thread, level.encode(), len(scrambled)) + scrambled
+
+
+class Trace:
+    """A random run in order: records as (offset, thread, level, text, millisecond, open functions, left, ms of it)."""
+
+    def __init__(self, seed, size, begin=0):
+        rand = random.Random(seed)
+        self.bytes, self.records, self.starts = HEADER + record(0x1A4, "t", "07/14/17"), [], []
+        now, stacks = 36_000_000 + begin, {0x1A4: [], 0x2B0: [], 0x3C8: []}
+        self.stamp(now)
+        for _ in range(size):
+            if rand.random() < 0.3:
+                now += rand.choice((0, 1, 7, 120))
+                self.stamp(now)
+            thread = rand.choice(list(stacks))
+            stack, kind = stacks[thread], rand.random()
+            left, took = None, None
+            if not stack or (kind < 0.3 and len(stack) < 6):
+                level, text = ">", rand.choice(NAMES)
+                stack.append((text, now))
+            elif kind < 0.55:
+                level, text = "<", ""
+                left, entered = stack.pop()
+                took = now - entered
+            else:
+                level = rand.choice("UUDE")
+                text = rand.choice(TEXTS)
+                if level == "E":
+                    text = f"{rand.choice((0, -2147024891, 5))} {text}"
+            self.starts.append(len(self.bytes))
+            self.records.append((len(self.bytes), thread, level, text, now, [name for name, _ in stack], left, took))
+            self.bytes += record(thread, level, text)
+
+    def stamp(self, now):
+        self.bytes += record(0x1A4, "T", "%02d:%02d:%02d.%03d" % (
+            now // 3600000, now // 60000 % 60, now // 1000 % 60, now % 1000))
