@@ -16,6 +16,7 @@
 #include "shared/outputfile.h"
 #include "stats.h"
 #include "textout.h"
+#include "viewpage.h"
 
 #include <algorithm>
 #include <deque>
@@ -126,6 +127,18 @@ int runExport(const job_t& job)
     return readEach(job.inputs(), *consumer);
 }
 
+int runView(const job_t& job)
+{
+    constexpr size_t many = 1'000'000; // a browser shows more, but slowly
+    viewPage_t page(job.out);
+    const int status = readEach(job.inputs(), page);
+    if (page.events() > many)
+        job.complain(
+            "the page has " + std::to_string(page.events()) +
+            " records and will be slow (--from, --to and the other filters leave some out)");
+    return status;
+}
+
 constexpr int differs = -1; // an answer, and no failure to read
 
 int runDiff(const job_t& job)
@@ -169,6 +182,8 @@ constexpr verb_t verbs[] = {
      "vltrace stats --sort longest restore.trc3", addFiles, addStatsOptions, runStats},
     {"diff", "Compare two runs, without their times and ids", "vltrace diff good.trc3 bad.trc3",
      addRuns, addLineOptions, runDiff},
+    {"view", "Make a page that shows the records in a browser",
+     "vltrace view -o restore.html restore.trc3", addFiles, addKinds, runView},
     {"export", "Write the records for other programs",
      "vltrace export --format chrome -o restore.json restore.trc3", addFiles, addExportOptions,
      runExport},
