@@ -59,8 +59,8 @@ template <DWORD code> HRESULT raises()
     return S_OK;
 }
 
-const lie_t lies[] = {{"odd failure", gives<HRESULT(0x81234567)>},
-                      {"not found", gives<HRESULT(0x80070002)>},
+const lie_t lies[] = {{"odd failure", gives<HRESULT(0x81234567)>, {}, "E -2128394905 cannot set"},
+                      {"not found", gives<HRESULT(0x80070002)>, {}, "E 0 INSTALLATION: cannot set"},
                       {"odd success", gives<0x7FFFFFFF>},
                       {"integer", [] { return throw 7, S_OK; }},
                       {"standard exception", [] { return throw std::runtime_error("lie"), S_OK; }},

@@ -83,6 +83,7 @@ protected:
         writeFile(policyLibrary, "theirs");
         writeFile(bin / L"tool.exe", "their tool");
         writeFile(bin / L"xx\\notes.txt", "notes");
+        writeFile(bin / L"xx\\texts.mui", "texts"); // equal to ours
         writeFile(bin / L"VloSet.dll", "theirs");
         setValue(HKEY_LOCAL_MACHINE, key, L"VeltranoPath", L"C:\\Theirs");
         fs::create_directories(L"C:\\Theirs");
@@ -93,6 +94,7 @@ protected:
         setValue(HKEY_LOCAL_MACHINE, key + L"\\Products\\VLOnlineIDs", L"Version", L"0.9");
         setValue(HKEY_LOCAL_MACHINE, plugins + L"UIElements", L"their value", L"z");
         setValue(HKEY_LOCAL_MACHINE, tray, L"", L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ);
+        makeKey(plugins + L"UIElements\\BackupRestore");
     }
 
     const installation_t m_asked{medium, root, {}, standIns_t::missing, false};
