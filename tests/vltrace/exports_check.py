@@ -198,6 +198,7 @@ def main():
         first, second = (folder / file for file in traces)
         same("itself", run("diff", first, first), "")
         assert "\n-" in run("diff", first, second, status=1)
+        run("cat", "-e", "(x+x+)+[yz]", folder, status=1)  # would never end
         broken = folder / "broken"
         broken.mkdir()
         damage_stays_balanced(broken, tracefile.Trace(3, 60))
