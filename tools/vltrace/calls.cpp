@@ -6,14 +6,6 @@ using namespace tracecore;
 
 namespace vltrace {
 
-callConsumer_t::call_t* callConsumer_t::thread_t::top()
-{
-    for (size_t i = depth; i > 0; --i)
-        if (calls[i - 1].shown)
-            return &calls[i - 1];
-    return nullptr;
-}
-
 void callConsumer_t::begin(const source_t&)
 {
     m_threads.clear();
@@ -78,6 +70,9 @@ void callConsumer_t::takeRecord(const traceEvent_t& event)
         call.offset = record.offset;
         call.shown = event.wanted;
         call.tag = 0;
+        call.top = thread.depth;
+        if (!call.shown)
+            call.top = thread.depth > 1 ? thread.calls[thread.depth - 2].top : 0;
         if (call.shown)
             enter(thread, call);
     } else if (record.level == levelExit) {

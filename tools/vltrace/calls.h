@@ -33,6 +33,7 @@ protected:
         uint64_t offset = 0; // of its entry in the file
         bool shown = false;  // the filter wanted its entry
         uint64_t tag = 0;    // the consumer's own
+        size_t top = 0; // place, from 1, of the innermost one that is shown, up to this; 0: none
     };
     struct thread_t {
         uint32_t id = 0;
@@ -40,8 +41,17 @@ protected:
         size_t depth = 0;          // of the open ones, in step with the walker's
         int64_t last = INT64_MIN;  // the latest event
 
-        // top is the innermost open call that is shown; null if there is none.
-        call_t* top();
+        // top is the innermost open call that is shown, outer the one that the innermost open call
+        // is in; null if there is none.
+        call_t* top() { return shownUpTo(depth); }
+        call_t* outer() { return shownUpTo(depth - 1); }
+
+    private:
+        call_t* shownUpTo(size_t count)
+        {
+            const size_t place = count > 0 ? calls[count - 1].top : 0;
+            return place > 0 ? &calls[place - 1] : nullptr;
+        }
     };
 
     virtual void enterThread(thread_t&) {}

@@ -113,26 +113,11 @@ void otlpTrace_t::openResource()
     m_firstSpan = true;
 }
 
-otlpTrace_t::id_t otlpTrace_t::idOf(const thread_t& thread, const call_t& call) const
-{
-    id_t id{0, hash(call.offset), 0};
-    for (size_t i = 0; i < thread.depth; ++i) {
-        const call_t& outer = thread.calls[i];
-        if (!outer.shown)
-            continue;
-        if (id.trace == 0)
-            id.trace = hash(outer.offset);
-        if (&outer == &call)
-            break;
-        id.parent = hash(outer.offset);
-    }
-    return id;
-}
-
-void otlpTrace_t::writeSpan(const id_t& id, const std::string& name, int64_t from, int64_t to,
-                            uint32_t thread, const span_t& span, bool finished)
+void otlpTrace_t::writeSpan(const std::string& name, int64_t from, int64_t to, uint32_t thread,
+                            const span_t& span, bool finished)
 {
     openResource();
+    const id_t& id = span.id;
     m_out.text += std::exchange(m_firstSpan, false) ? "\n" : ",\n";
     jsonObject_t object(m_out.text);
     object.value("traceId") += '"';
@@ -162,19 +147,21 @@ void otlpTrace_t::writeSpan(const id_t& id, const std::string& name, int64_t fro
         status.add("code", 2);
 }
 
-void otlpTrace_t::enter(thread_t&, call_t& call)
+void otlpTrace_t::enter(thread_t& thread, call_t& call)
 {
     call.tag = ++m_tag;
+    id_t& id = m_spans[call.tag].id;
+    id.span = id.trace = hash(call.offset);
+    if (const call_t* const outer = thread.outer()) {
+        id.trace = m_spans[outer->tag].id.trace;
+        id.parent = hash(outer->offset);
+    }
 }
 
 void otlpTrace_t::leave(thread_t& thread, call_t& call, int64_t to, bool finished)
 {
-    span_t span;
-    if (const auto found = m_spans.find(call.tag); found != m_spans.end()) {
-        span = std::move(found->second);
-        m_spans.erase(found);
-    }
-    writeSpan(idOf(thread, call), call.name, call.from, to, thread.id, span, finished);
+    writeSpan(call.name, call.from, to, thread.id, m_spans[call.tag], finished);
+    m_spans.erase(call.tag);
     m_out.written();
 }
 
@@ -200,30 +187,28 @@ void otlpTrace_t::appendEvent(span_t& span, const traceEvent_t& event, int64_t a
 }
 
 // Events of a call go into a child, those outside of all calls into a trace of their own.
-void otlpTrace_t::writeEvents(thread_t& thread, const call_t* call, span_t& span)
+void otlpTrace_t::writeEvents(uint32_t thread, bool loose, span_t& span)
 {
+    const id_t id = span.id;
     const uint64_t own = hash(~++m_loose);
-    id_t id{own, own, 0};
-    if (call) {
-        id = idOf(thread, *call);
-        id.parent = std::exchange(id.span, own);
-    }
-    writeSpan(id, "events", span.from, span.to, thread.id, span);
+    span.id = loose ? id_t{own, own, 0} : id_t{id.trace, own, id.span};
+    writeSpan("events", span.from, span.to, thread, span);
     m_out.written();
     const bool failed = span.failed;
     span = {};
-    span.failed = failed && call;
+    span.id = id;
+    span.failed = failed;
 }
 
 void otlpTrace_t::mark(thread_t& thread, const traceEvent_t& event, int64_t at)
 {
-    call_t* const call = thread.top();
+    const call_t* const call = thread.top();
     span_t loose;
     span_t& span = call ? m_spans[call->tag] : loose;
     span.failed = span.failed || event.kind == kind_t::error;
     appendEvent(span, event, at);
     if (!call || span.count >= mostEvents)
-        writeEvents(thread, call, span);
+        writeEvents(thread.id, !call, span);
 }
 
 void otlpTrace_t::end(const source_t& source)

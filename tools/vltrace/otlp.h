@@ -28,28 +28,28 @@ public:
     void finish() override;
 
 private:
+    struct id_t {
+        uint64_t trace; // of the outermost call
+        uint64_t span;
+        uint64_t parent; // 0: none
+    };
     struct span_t {
+        id_t id{};
         std::string events; // JSON, without the brackets around
         size_t count = 0;   // of them
         int64_t from = 0;   // time of the first
         int64_t to = 0;     // and the last of them
         bool failed = false;
     };
-    struct id_t {
-        uint64_t trace; // of the outermost call
-        uint64_t span;
-        uint64_t parent; // 0: none
-    };
     void enter(thread_t& thread, call_t& call) override;
     void leave(thread_t& thread, call_t& call, int64_t to, bool finished) override;
     void mark(thread_t& thread, const traceEvent_t& event, int64_t at) override;
 
     void openResource();
-    void writeSpan(const id_t& id, const std::string& name, int64_t from, int64_t to,
-                   uint32_t thread, const span_t& span, bool finished = true);
-    void writeEvents(thread_t& thread, const call_t* call, span_t& span);
+    void writeSpan(const std::string& name, int64_t from, int64_t to, uint32_t thread,
+                   const span_t& span, bool finished = true);
+    void writeEvents(uint32_t thread, bool loose, span_t& span);
     void appendEvent(span_t& span, const traceEvent_t& event, int64_t at) const;
-    id_t idOf(const thread_t& thread, const call_t& call) const;
     uint64_t hash(uint64_t value) const; // with the file's name; never 0
     void addTime(jsonObject_t& object, std::string_view name, int64_t at) const;
 

@@ -79,9 +79,8 @@ uint32_t viewPage_t::statusNumber(const message_t& message)
 
 void viewPage_t::enter(thread_t& thread, openCall_t& call)
 {
-    size_t parent = 0;
-    for (size_t i = thread.depth - 1; i > 0 && parent == 0; --i)
-        parent = thread.calls[i - 1].tag;
+    const openCall_t* const outer = thread.outer();
+    const size_t parent = outer ? outer->tag : 0;
     m_calls.push_back(
         {laneOf(thread.id), stringOf(call.name), call.from, call.from, parent, false});
     call.tag = m_calls.size();

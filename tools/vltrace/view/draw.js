@@ -38,7 +38,7 @@ function placeOf(event) {
   if (!isCall(event))
     return { x: xOf(timeOf(event)), y: y + strip / 2 };
   const left = Math.max(gutter, xOf(calls.from[event])), right = Math.min(view.width, xOf(calls.to[event]));
-  return { x: left + Math.max(0.5, (right - left) / 2), y: y + strip + (Math.min(calls.depth[event], 60) + 0.5) * row };
+  return { x: left + Math.max(0.5, (right - left) / 2), y: y + strip + (Math.min(calls.depth[event], deepest) + 0.5) * row };
 }
 
 function hueOf(name) {

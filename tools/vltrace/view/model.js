@@ -3,6 +3,7 @@
 const data = JSON.parse(document.getElementById("data").textContent);
 const calls = decodeCalls(data.calls);
 const marks = decodeMarks(data.marks);
+const deepest = 60; // deeper calls have no row: they are walked to, and in the chain
 const eventCount = calls.count + marks.count;
 const lanes = data.lanes.map(([file, thread]) => ({ file, thread, rows: [], kinds: {}, events: [] }));
 const kinds = { E: "error", n: "note", U: "message", D: "debug", x: "damage", ">": "call" };
@@ -32,8 +33,8 @@ function fillLanes() {
   let last = 1;
   for (let i = 0; i < calls.count; ++i) {
     const lane = lanes[calls.lane[i]];
-    const row = Math.min(calls.depth[i], 60);
-    (lane.rows[row] ??= []).push(i);
+    if (calls.depth[i] <= deepest)
+      (lane.rows[calls.depth[i]] ??= []).push(i);
     lane.events.push(i);
     last = Math.max(last, calls.to[i]);
   }
@@ -82,8 +83,8 @@ function statusOf(event) {
 function chainOf(event) {
   const chain = [];
   for (let i = isCall(event) ? event : marks.call[event - calls.count]; i >= 0; i = calls.parent[i])
-    chain.unshift(i);
-  return chain;
+    chain.push(i);
+  return chain.reverse();
 }
 
 function clock(time) {

@@ -42,7 +42,9 @@ function showDetails() {
   const chain = chainOf(event);
   if (chain.length === 0) return;
   const functions = element("ol", null);
-  for (const call of chain) {
+  const most = 100;
+  functions.start = Math.max(1, chain.length - most + 1);
+  for (const call of chain.slice(-most)) {
     const button = element("button", data.strings[calls.name[call]]);
     button.type = "button";
     button.onclick = () => { select(call); panel.focus(); };
