@@ -1,5 +1,5 @@
-# vl_embed(NAME [variable file...]...) makes NAME.h and NAME.cpp in the current binary folder: each variable is a
-# std::string_view of the files' bytes, one after the other. They are made again at build time when a file changes.
+# vl_embed(NAME [variable file...]...) makes NAME.cpp in the current binary folder: each variable is a std::string_view of
+# the files' bytes, one after the other, as NAME.h declares it. It is made again at build time when a file changes.
 set(VL_EMBED_SCRIPT ${CMAKE_CURRENT_LIST_FILE})
 
 # Run as a script, this file makes the source: -D OUTPUT= -D NAME= -D PARTS=variable=file,file;...
@@ -23,13 +23,11 @@ if(CMAKE_SCRIPT_MODE_FILE)
 endif()
 
 function(vl_embed name)
-  set(header "#pragma once\n\n#include <string_view>\n\n")
   set(inputs "")
   set(parts "")
   set(rest ${ARGN})
   while(rest)
     list(POP_FRONT rest variable)
-    string(APPEND header "extern const std::string_view ${variable};\n")
     set(files "")
     while(rest)
       list(GET rest 0 file)
@@ -43,7 +41,6 @@ function(vl_embed name)
     list(JOIN files "," files)
     list(APPEND parts "${variable}=${files}")
   endwhile()
-  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}.h CONTENT "${header}" @ONLY)
   set(output ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
   add_custom_command(OUTPUT ${output}
     COMMAND ${CMAKE_COMMAND} -D OUTPUT=${output} -D NAME=${name} "-DPARTS=${parts}" -P ${VL_EMBED_SCRIPT}
