@@ -1,4 +1,5 @@
-# GoogleTest and CLI11 come from the distribution's packages, JsonCpp and PCRE2 from its source packages (scripts/setup.sh).
+# GoogleTest, CLI11 and zlib come from the distribution's packages, JsonCpp, PCRE2 and minizip from its source packages
+# (scripts/setup.sh).
 include(FetchContent)
 set(vl_third_party ${CMAKE_SOURCE_DIR}/build/third-party)
 
@@ -54,3 +55,18 @@ add_library(vl_pcre2 STATIC ${vl_pcre2_sources})
 target_include_directories(vl_pcre2 SYSTEM PUBLIC ${vl_pcre2} PRIVATE ${pcre2_SOURCE_DIR}/src)
 target_compile_definitions(vl_pcre2 PUBLIC PCRE2_STATIC PCRE2_CODE_UNIT_WIDTH=8
   PRIVATE HAVE_CONFIG_H SUPPORT_PCRE2_8 SUPPORT_UNICODE)
+
+# ZIP archives: vlhost writes them, its test reads them.
+if(WIN32)
+  FetchContent_Declare(minizip SYSTEM
+    URL ${vl_third_party}/minizip_1.1.orig.tar.xz
+    URL_HASH SHA256=7d8da446d3b6799e7851f077a66551a46b80fc3de708549e79dbd3e49e842ba1
+    DOWNLOAD_EXTRACT_TIMESTAMP ON)
+  FetchContent_MakeAvailable(minizip) # it has no build of its own
+  add_library(vl_minizip STATIC ${minizip_SOURCE_DIR}/ioapi.c ${minizip_SOURCE_DIR}/unzip.c
+    ${minizip_SOURCE_DIR}/zip.c)
+  target_compile_definitions(vl_minizip PRIVATE NOCRYPT NOUNCRYPT)
+  target_compile_options(vl_minizip PRIVATE -w)
+  target_include_directories(vl_minizip SYSTEM PUBLIC ${minizip_SOURCE_DIR})
+  target_link_libraries(vl_minizip PUBLIC z)
+endif()

@@ -6,7 +6,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 third_party="$root/build/third-party"
 # Source package, its archive, and that one's SHA-256.
 sources="libjsoncpp=1.9.5-4 libjsoncpp_1.9.5.orig.tar.gz f409856e5920c18d0c2fb85276e24ee607d2a09b5e7d5f0a371368903c275da2
-pcre2=10.42-1 pcre2_10.42.orig.tar.gz c33b418e3b936ee3153de2c61cc638e7e4fe3156022a5c77d0711bcbb9d64f1f"
+pcre2=10.42-1 pcre2_10.42.orig.tar.gz c33b418e3b936ee3153de2c61cc638e7e4fe3156022a5c77d0711bcbb9d64f1f
+minizip minizip_1.1.orig.tar.xz 7d8da446d3b6799e7851f077a66551a46b80fc3de708549e79dbd3e49e842ba1"
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
