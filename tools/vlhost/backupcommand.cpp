@@ -3,6 +3,7 @@
 #include "formats/text/printable.h"
 #include "print.h"
 #include "shared/backupinput.h"
+#include "shared/checksumfile.h"
 #include "shared/commandline.h"
 #include "shared/habits.h"
 #include "shared/outputfile.h"
@@ -16,6 +17,7 @@ namespace {
 struct arguments_t {
     std::string file;
     bool force = false;
+    bool checksum = false;
 };
 
 std::string counted(size_t count, const char* thing, const char* things)
@@ -60,13 +62,29 @@ void report(Json::Value& json, const BackupFinding& finding, bool asJson)
         std::cerr << "vlhost: " << printable(findingText(finding)) << '\n';
 }
 
+// A checksum that lies there of the backup that is replaced would be wrong from now on.
+void write(const arguments_t& arguments, const bytes_t& bytes)
+{
+    COutputFile file(arguments.file, arguments.force, {}, std::cout);
+    file.Stream().write(reinterpret_cast<const char*>(bytes.data()),
+                        static_cast<std::streamsize>(bytes.size()));
+    file.Complete();
+    if (arguments.checksum || compareChecksum(arguments.file, bytes) != checksum_t::absent)
+        writeChecksum(arguments.file, bytes, arguments.force);
+}
+
 void takeAndCheck(const arguments_t& arguments, const options_t& options)
 {
     const bool toOutput = arguments.file == "-";
     if (toOutput && options.json)
         throw CToolError("standard output can't take the backup and the JSON text",
                          "name a file, or leave --json out", exitStatus::wrongUsage);
+    if (toOutput && arguments.checksum)
+        throw CToolError("a checksum lies beside a file", "name one, or leave --checksum out",
+                         exitStatus::wrongUsage);
     refuseExisting(arguments.file, arguments.force);
+    if (arguments.checksum)
+        refuseExisting(checksumFileName(arguments.file), arguments.force);
     refuseBackupOfNothing();
     const CPluginHost host(options.plugin);
     const backup_t backup = takeBackup(host);
@@ -86,12 +104,8 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
         good = good && finding.grade != BackupFinding::Grade::error;
     }
     json["written"] = good;
-    if (good) {
-        COutputFile file(arguments.file, arguments.force, {}, std::cout);
-        file.Stream().write(reinterpret_cast<const char*>(backup.bytes.data()),
-                            static_cast<std::streamsize>(backup.bytes.size()));
-        file.Complete();
-    }
+    if (good)
+        write(arguments, backup.bytes);
     if (options.json)
         printResult(json, true);
     if (!good)
@@ -114,6 +128,9 @@ void addBackupCommand(CLI::App& app, const options_t& options)
     command->add_option("file", arguments->file, "Where the bytes go; - is standard output")
         ->required();
     command->add_flag("--force", arguments->force, "Replace the file");
-    addExample(*command, "vlhost backup logons.vlb");
+    command->add_flag(
+        "--checksum", arguments->checksum,
+        "Write its SHA-256 beside it, as FILE.sha256, which 'vlbackup verify' checks");
+    addExample(*command, "vlhost backup logons.vlb --checksum");
     command->callback([arguments, &options] { takeAndCheck(*arguments, options); });
 }
