@@ -26,7 +26,7 @@ CToolError usageError(const CLI::App& app, const CLI::Error& error)
     const CLI::App& command = chosenCommand(app);
     std::string path;
     for (const CLI::App* at = &command; at; at = at->get_parent())
-        path = at->get_name() + ' ' + path;
+        path.insert(0, at->get_name() + ' ');
     const std::vector<std::string> words = app.remaining(true);
     const bool named = command.get_require_subcommand_min() != 0 && !words.empty();
     return CToolError(named ? '"' + words.front() + "\" is no " +

@@ -66,10 +66,10 @@ std::string joined(const std::vector<std::string>& words, const char* separator)
 
 std::string namesOf(const std::vector<word_t>& words)
 {
-    std::vector<std::string> names;
+    std::string names;
     for (const word_t& one : words)
-        names.push_back(one.word);
-    return joined(names, " ");
+        names += (names.empty() ? "" : " ") + one.word;
+    return names;
 }
 
 // statePatterns gives the states below the program, as patterns of a case.
@@ -181,10 +181,10 @@ std::string fishScript(const std::string& program, const std::vector<at_t>& stat
 // listed gives texts as members of a list.
 std::string listed(const std::vector<std::string>& texts)
 {
-    std::vector<std::string> members;
+    std::string members;
     for (const std::string& text : texts)
-        members.push_back(quoted(text, "''"));
-    return "@(" + joined(members, ", ") + ')';
+        members += (members.empty() ? "" : ", ") + quoted(text, "''");
+    return "@(" + members + ')';
 }
 
 std::string powershellScript(const std::string& program, const std::vector<at_t>& states)

@@ -9,13 +9,6 @@
 
 namespace {
 
-std::string versionText(const CLI::App& app)
-{
-    return app.get_name() + " " VL_VERSION "\nbackup format " +
-           std::to_string(currentBackupElements) + "\ntrace format " +
-           tracecore::traceFormatVersion;
-}
-
 // Every command takes them too, which the parser asks of each.
 void passUp(CLI::App& command)
 {
@@ -51,6 +44,13 @@ void addHabits(CLI::App& app)
            },
            "Print the manual page")
         ->group("");
+}
+
+std::string versionText(const CLI::App& app)
+{
+    return app.get_name() + " " VL_VERSION "\nbackup format " +
+           std::to_string(currentBackupElements) + "\ntrace format " +
+           tracecore::traceFormatVersion;
 }
 
 void addExample(CLI::App& command, const std::string& example)

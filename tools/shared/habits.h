@@ -9,6 +9,9 @@
 // command's name.
 void addHabits(CLI::App& app);
 
+// versionText is what --version prints.
+std::string versionText(const CLI::App& app);
+
 // addExample shows a command line in the command's help and manual page.
 //
 // example: as it is typed
