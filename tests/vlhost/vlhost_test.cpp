@@ -1,14 +1,7 @@
-#include "common/module.h"
-#include "common/scoped.h"
-#include "common/text.h"
+#include "host.h"
 #include "shared/commandline.h"
 #include "support/importhooks.h"
-#include "support/process.h"
-#include "support/registry.h"
-#include "support/state.h"
 #include "vlhost/commands.h"
-
-#include <windows.h>
 
 #include <functional>
 #include <set>
@@ -16,147 +9,16 @@
 #include <gtest/gtest.h>
 #include <json/reader.h>
 
-namespace fs = std::filesystem;
-
 namespace {
-
-const std::wstring folder = L"C:\\vlhost test\\"; // the current one
-const std::wstring own = folder + L"own\\";
-const fs::path userData = fs::path(_wgetenv(L"LOCALAPPDATA")) / L"Veltrano\\KRS";
-const fs::path copies = userData / L"SafetyCopies";
-const fs::path bin = fs::path(moduleFileName(nullptr)).parent_path();
-const std::wstring dashboardKey = L"SOFTWARE\\Veltrano\\Applications\\DashBoard";
-const std::wstring categoriesKey = dashboardKey + L"\\QLCategories";
-
-bool has(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-void expectIn(const std::string& text, std::initializer_list<const char*> parts)
-{
-    for (const char* part : parts)
-        EXPECT_TRUE(has(text, part)) << part << " is not in\n" << text;
-}
-
-processResult_t host(const std::wstring& arguments, const std::string& input = "")
-{
-    return process_t(bin / L"vlhost.exe", arguments, input).result();
-}
-
-std::string hostText(const std::wstring& arguments, const std::string& input = "")
-{
-    const processResult_t result = host(arguments, input);
-    EXPECT_EQ(0u, result.status) << utf8FromWide(arguments) << '\n' << result.err << result.out;
-    return result.out;
-}
-
-// refused gives all that vlhost prints when it ends with this status.
-std::string refused(const std::wstring& arguments, DWORD status = 1)
-{
-    const processResult_t result = host(arguments);
-    EXPECT_EQ(status, result.status) << utf8FromWide(arguments);
-    return result.out + result.err;
-}
-
-// utf16 gives a text as it is in a backup.
-std::string utf16(const std::wstring& text)
-{
-    std::string octets;
-    for (const wchar_t unit : text)
-        octets.append({static_cast<char>(unit >> 8), static_cast<char>(unit)});
-    return octets;
-}
-
-std::string renamed(std::string backup, const std::wstring& from, const std::wstring& to)
-{
-    return backup.replace(backup.find(utf16(from)), from.size() * 2, utf16(to));
-}
-
-CFileHandle held(const wchar_t* path)
-{
-    return CFileHandle(CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-}
-
-// Host has a user with templates, quick links, categories and settings, made again for each test.
-class Host : public testing::Test
-{
-protected:
-    static void SetUpTestSuite()
-    {
-        fs::create_directories(folder);
-        fs::current_path(folder);
-        setBin();
-        CopyFileW((bin / L"VLFPApi.dll").c_str(), L"C:\\windows\\system32\\VLFPApi.dll", TRUE);
-        hostText(L"--plugin \"" + (bin / L"VLOnlineIDs.dll").wstring() + L"\" info");
-        hostText(L"register");
-        hostText(L"setting set path_localstorage_dir \"C:\\vlhost test\\own\\\\\"");
-        hostText(L"setting set path_quicklink_filename \"C:\\vlhost test\\links.txt\"");
-        hostText(L"setting set path_dontpromptlist_filename \"C:\\vlhost test\\never.txt\"");
-    }
-
-    static void setBin(const std::wstring& place = bin)
-    {
-        for (const wchar_t* key : {L"", L"\\KRS"})
-            setValue(HKEY_LOCAL_MACHINE, std::wstring(L"SOFTWARE\\Veltrano\\Applications") + key,
-                     L"BinDir", place);
-    }
-
-    void SetUp() override
-    {
-        fs::remove_all(own);
-        writeFile(L"own\\bank.vlm", "bank");
-        writeFile(L"own\\Köln.vlm", "post");
-        writeFile(L"own\\updata.vls", "state");
-        writeFile(L"never.txt", "https://never.example/\r\n");
-        writeFile(L"links.txt",
-                  "[ShortCutRecord]\r\nUrl=https://bank.example/\r\nName=Bank\r\nProfile=1\r\n"
-                  "Manifest=C:\\vlhost test\\own\\bank.vlm\r\n"
-                  "ManifestID=m\r\nUnknown=kept by none but a raw copy\r\n");
-        fs::remove_all(copies);
-        RegDeleteTreeW(HKEY_CURRENT_USER, dashboardKey.c_str());
-        setValue(HKEY_CURRENT_USER, categoriesKey, L"Work", L"%x%;bank", REG_EXPAND_SZ);
-        setValue(HKEY_CURRENT_USER, dashboardKey, L"LastQLCategory", L"Work");
-        hostText(L"setting set open_guard_desk_qa Ctrl+1");
-        hostText(L"setting set useGrabbingCreds 1");
-        hostText(L"backup --force good.vlb");
-        m_good = fileBytes(L"good.vlb");
-    }
-
-    // All that a restore may touch, byte for byte.
-    static state_t state()
-    {
-        state_t all;
-        addFiles(all, folder, 1);
-        addValues(all, HKEY_CURRENT_USER, dashboardKey);
-        addValues(all, HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano\\Settings");
-        std::erase_if(all, [](const auto& one) { return one.first.ends_with(L".vlb"); });
-        return all;
-    }
-    static void expectState(const state_t& expected)
-    {
-        EXPECT_EQ("", difference(state(), expected));
-    }
-
-    // Makes what a later user would have, so that a restore of the first state has much to do.
-    static void change()
-    {
-        fs::remove(L"own\\bank.vlm");
-        writeFile(L"own\\late.vlm", "late");
-        writeFile(L"own\\updata.vls", "later state");
-        setValue(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
-        RegDeleteKeyValueW(HKEY_CURRENT_USER, dashboardKey.c_str(), L"LastQLCategory");
-        hostText(L"setting set open_guard_desk_qa Ctrl+2");
-    }
-
-    std::string m_good; // a backup of the user
-};
 
 TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
 {
     refused(L"backup good.vlb"); // not without --force
     const processResult_t piped = host(L"backup -");
     EXPECT_EQ(m_good, piped.out);
+    hostText(L"backup summed.vlb --checksum");
+    EXPECT_TRUE(has(fileBytes(L"summed.vlb.sha256"), " summed.vlb\n"));
+    refused(L"backup summed.vlb --checksum");
     expectIn(piped.err, {"2 templates and 1 data file, equal to the disk; 1 quick link; "
                          "1 category; settings"});
     writeFile(L"own\\nothing.vlm", "");

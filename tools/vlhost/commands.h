@@ -16,5 +16,8 @@ void addDashboardCommands(CLI::App& app, const options_t& options);
 void addRegistrationCommands(CLI::App& app, const options_t& options);
 void addStoreCommands(CLI::App& app, const options_t& options);
 void addRestoreCommand(CLI::App& app, const options_t& options);
+void addBundleCommand(CLI::App& app, const options_t& options);
 void addCallCommands(CLI::App& app, const options_t& options);
+void addDoctorCommand(CLI::App& app, const options_t& options);
+void addDrillCommand(CLI::App& app, const options_t& options);
 void addTraceCommands(CLI::App& app, const options_t& options);

@@ -12,11 +12,14 @@ int main(int argc, char** argv)
     app.add_option("--plugin", options.plugin, "The plug-in's DLL, instead of the registered one");
     app.add_flag("--json", options.json, "Print JSON");
     addBackupCommand(app, options);
+    addBundleCommand(app, options);
     addDashboardCommands(app, options);
     addRegistrationCommands(app, options);
     addStoreCommands(app, options);
     addRestoreCommand(app, options);
     addCallCommands(app, options);
+    addDoctorCommand(app, options);
+    addDrillCommand(app, options);
     addTraceCommands(app, options);
 
     const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);

@@ -8,25 +8,32 @@ using namespace VLONLINEIDSLib;
 
 namespace {
 
-constexpr wchar_t pluginKey[] = L"SOFTWARE\\Veltrano\\VLKT\\Plugins\\UIElements\\BackupRestore\\"
-                                L"{42F9948B-B690-4325-A073-63A8BF31FF32}";
+constexpr wchar_t pluginsKey[] = L"SOFTWARE\\Veltrano\\VLKT\\Plugins\\";
+constexpr wchar_t classKey[] = L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
 
 using getClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
 
 } // namespace
 
-std::wstring registeredPluginPath()
+std::wstring registeredPluginPath(const wchar_t* role)
 {
     wchar_t stored[MAX_PATH] = {};
     DWORD size = sizeof stored;
     // RegGetValueW terminates the text, and expands one that is stored with environment references.
     const LSTATUS result =
-        RegGetValueW(HKEY_LOCAL_MACHINE, pluginKey, L"", RRF_RT_REG_SZ, nullptr, stored, &size);
-    if (result != ERROR_SUCCESS || !*stored)
+        RegGetValueW(HKEY_LOCAL_MACHINE, (pluginsKey + (role + std::wstring(classKey))).c_str(),
+                     L"", RRF_RT_REG_SZ, nullptr, stored, &size);
+    return result == ERROR_SUCCESS ? stored : L"";
+}
+
+std::wstring registeredPluginPath()
+{
+    const std::wstring path = registeredPluginPath(L"UIElements\\BackupRestore");
+    if (path.empty())
         throw CToolError(
             "the plug-in is not registered with the dashboard",
             "run 'vlhost register' as an administrator, or name the DLL with --plugin");
-    return stored;
+    return path;
 }
 
 CLoadedModule loadPlugin(const std::wstring& path)

@@ -47,6 +47,9 @@ private:
 // Errors: CToolError when it isn't registered
 std::wstring registeredPluginPath();
 
+// registeredPluginPath of a role, such as TrayIcon, is empty without one.
+std::wstring registeredPluginPath(const wchar_t* role);
+
 // loadPlugin loads the plug-in's DLL without making an object.
 //
 // Errors: CToolError

@@ -1,0 +1,235 @@
+#include "host.h"
+#include "support/manuals.h"
+#include "support/memorysearch.h"
+#include "vlhost/secretstore.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <unzip.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+
+#include <json/reader.h>
+
+// What a user and who helps get of an installation: doctor, drill, bundle, and the program's manuals.
+
+namespace {
+
+// agent_t is an agent that has made its window and its objects.
+struct agent_t {
+    agent_t()
+    {
+        const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vlhost-test-agent"));
+        m_process.emplace(bin / L"vlagent.exe",
+                          L"--ready-event vlhost-test-agent --journal journal.jsonl");
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 60000));
+    }
+    ~agent_t()
+    {
+        process_t(bin / L"vlagent.exe", L"--quit").result();
+        m_process->result();
+    }
+    agent_t(const agent_t&) = delete;
+
+private:
+    std::optional<process_t> m_process;
+};
+
+TEST_F(Host, DoctorFindsEachFault)
+{
+    const auto bad = [] {
+        std::string names;
+        Json::Value document;
+        std::istringstream(host(L"doctor --json").out) >> document;
+        for (const auto& one : document["checks"])
+            if (!one["good"].asBool())
+                names += one["check"].asString() + (one["mend"].asString().empty() ? "?;" : ";");
+        return names;
+    };
+    const auto registerAs = [](const fs::path& file) {
+        for (const wchar_t* role : {L"UIElements\\AppControl", L"UIElements\\BackupRestore"})
+            setValue(HKEY_LOCAL_MACHINE,
+                     std::wstring(L"SOFTWARE\\Veltrano\\VLKT\\Plugins\\") + role +
+                         L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}",
+                     L"", fs::absolute(file));
+    };
+    const fs::path policy = L"C:\\windows\\system32\\VLFPApi.dll", other = L"VLOnlineIDs.dll";
+    const auto again = [] { hostText(L"register"); };
+    const auto brand = [](const fs::path& file) {
+        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding\\Common", L"DLLPath", file);
+    };
+    const auto settings = [](const wchar_t* place) {
+        hostText(L"setting set path_localstorage_dir \"C:\\vlhost test\\" + std::wstring(place));
+    };
+    fs::copy_file(bin / other, other, fs::copy_options::overwrite_existing);
+    brand(bin / L"Branding.dll");
+    EXPECT_EQ("agent window;agent objects;", bad());
+    const agent_t agent;
+    EXPECT_EQ("", bad());
+    const struct {
+        const char* check;
+        std::function<void()> plant, mend;
+    } faults[] = {
+        {"registration", [] { hostText(L"unregister"); }, again},
+        {"keys", [&] { registerAs(other); }, again},
+        {"file", [&] { registerAs(L"none.dll"); }, again},
+        {"bitness", [&] { registerAs(L"never.txt"); }, again},
+        {"component", [&] { registerAs(bin / L"Branding.dll"); }, again},
+        {"language files", [&] { registerAs(other); }, again},
+        {"bin folder", [] { setBin(L"C:\\none"); }, [] { setBin(); }},
+        {"settings provider", [] { setBin(folder); }, [] { setBin(); }},
+        {"console program", [] { setBin(folder); }, [] { setBin(); }},
+        {"policy library", [&] { fs::rename(policy, L"away.dll"); },
+         [&] { fs::rename(L"away.dll", policy); }},
+        {"branding", [&] { brand(L"never.txt"); }, [&] { brand(bin / L"Branding.dll"); }},
+        {"personal folder", [&] { settings(L"never.txt\\in\\\\\""); },
+         [&] { settings(L"own\\\\\""); }},
+        {"policy", [] { hostText(L"disable"); }, [] { hostText(L"enable"); }},
+        {"trace switch", [] { hostText(L"trace on --dir \"C:\\vlhost test\\never.txt\\in\""); },
+         [] { hostText(L"trace off"); }},
+    };
+    for (const auto& fault : faults) {
+        fault.plant();
+        EXPECT_TRUE(has(';' + bad(), std::string(";") + fault.check + ';')) << fault.check << bad();
+        fault.mend();
+        EXPECT_EQ("", bad()) << fault.check;
+    }
+}
+
+TEST_F(Host, DrillProvesABackupAndTouchesNothing)
+{
+    const agent_t agent;
+    writeFile(L"shared\\team.vlm", "team");
+    hostText(L"setting set path_alienstorage_dirs \"C:\\vlhost test\\shared\"");
+    hostText(L"backup shared.vlb --force");
+    writeFile(L"twice.vlb", renamed(m_good, L"Köln.", L"bank."));
+    change();
+    writeFile(L"shared\\team.vlm", "changed");
+    const std::string heard = fileBytes(L"journal.jsonl"); // by the agent
+    const auto before = state();
+    const auto left = [] {
+        std::string names;
+        for (const auto& entry : fs::directory_iterator(fs::temp_directory_path()))
+            if (has(entry.path().string(), "vlhost-drill"))
+                names += entry.path().string();
+        HKEY key = nullptr;
+        if (RegOpenKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\Veltrano-Drill", &key) == ERROR_SUCCESS)
+            names += " and a key";
+        RegCloseKey(key);
+        return names;
+    };
+    for (const wchar_t* file : {L"good.vlb", L"shared.vlb"})
+        EXPECT_TRUE(has(hostText(std::wstring(L"drill ") + file), "come back"));
+    refused(L"drill twice.vlb");
+    EXPECT_EQ("", left());
+    const process_t ended(bin / L"vlhost.exe", L"drill shared.vlb");
+    while (ended.runs(0) && left().empty())
+        SwitchToThread();
+    ended.kill();
+    expectState(before);
+    EXPECT_EQ("changed", fileBytes(L"shared\\team.vlm"));
+    EXPECT_EQ(heard, fileBytes(L"journal.jsonl"));
+    hostText(L"drill good.vlb"); // which removes what the other left
+    EXPECT_EQ("", left());
+    hostText(L"setting set path_alienstorage_dirs \"\"");
+}
+
+TEST_F(Host, BundleHasNothingOfTheUsers)
+{
+    writeFile(L"own\\Zwölfender.vlm", "galumphing");
+    writeFile(L"never.txt", "https://mimsy.example/\r\n");
+    writeFile(L"links.txt", "[ShortCutRecord]\r\nUrl=https://vorpal.example/\r\nName=Jabberwock\r\n"
+                            "Profile=1\r\nManifest=C:\\vlhost test\\own\\Zwölfender.vlm\r\n"
+                            "ManifestID=frumious\r\n");
+    setValue(HKEY_CURRENT_USER, categoriesKey, L"Xylophone", L"borogoves");
+    hostText(L"trace on --dir \"C:\\vlhost test\\bundled\"");
+    hostText(L"backup users.vlb --force");
+    const agent_t agent;
+    hostText(L"restore users.vlb --entry plugin-data --secret-from 0", "slithytoves");
+    hostText(L"trace off");
+    hostText(L"bundle support.zip --force");
+    const unzFile archive = unzOpen("support.zip");
+    ASSERT_TRUE(archive);
+    std::map<std::string, std::string> entries;
+    for (int at = unzGoToFirstFile(archive); at == UNZ_OK; at = unzGoToNextFile(archive)) {
+        char name[64] = "";
+        unz_file_info info;
+        std::string content(1 << 22, '\0');
+        unzGetCurrentFileInfo(archive, &info, name, sizeof name, nullptr, 0, nullptr, 0);
+        unzOpenCurrentFile(archive);
+        content.resize(
+            static_cast<size_t>(std::max(0, unzReadCurrentFile(archive, content.data(), 1 << 22))));
+        unzCloseCurrentFile(archive);
+        std::erase(content, '\0'); // wide texts too
+        entries[name] = std::move(content);
+    }
+    unzClose(archive);
+    ASSERT_TRUE(entries.contains("trace-1.txt"));
+    EXPECT_TRUE(has(entries["trace-1.txt"], " > CVLKTPages::GetStorageData\n"));
+    EXPECT_TRUE(has(entries["doctor.json"], "\"settings provider\""));
+    for (const auto& [name, content] : entries)
+        for (const char* word : {"fender", "galumph", "mimsy", "vorpal", "abberwock", "frumious",
+                                 "ylophone", "borogoves", "slithy", "vlhost test", "users\\"})
+            EXPECT_FALSE(has(content, word)) << name << ": " << word;
+    hostText(L"secret delete");
+}
+
+TEST_F(Host, BadInputIsOneLineAndChangesNothing)
+{
+    writeFile(L"cut.vlb", m_good.substr(0, m_good.size() / 2));
+    writeFile(L"text.vlb", "no backup");
+    const CFileHandle open = held(L"never.txt");
+    const auto before = state();
+    for (const wchar_t* command : {L"restore", L"restore --force", L"drill", L"drill --json"})
+        for (const wchar_t* input : {L"none.vlb", L"own", L"cut.vlb", L"text.vlb", L"never.txt",
+                                     L"good.vlb --unknown", L""}) {
+            SCOPED_TRACE(utf8FromWide(std::wstring(command) + L' ' + input));
+            const processResult_t result = host(std::wstring(command) + L' ' + input);
+            EXPECT_EQ(*input == 0 || has(utf8FromWide(input), "--") ? 2u : 1u, result.status);
+            EXPECT_EQ("", result.out);
+            EXPECT_EQ(1, std::count(result.err.begin(), result.err.end(), '\n')) << result.err;
+        }
+    for (const wchar_t* output :
+         {L"backup own", L"bundle own", L"backup good.vlb", L"bundle good.vlb",
+          L"backup none\\x.vlb", L"bundle none\\x.zip", L"bundle", L"doctor x"}) {
+        const processResult_t result = host(output);
+        EXPECT_NE(0u, result.status) << utf8FromWide(output);
+        EXPECT_EQ("", result.out);
+    }
+    expectState(before);
+    EXPECT_EQ(m_good, fileBytes(L"good.vlb"));
+}
+
+TEST_F(Host, SecretsAreGoneAfterUse)
+{
+    const std::string secret = unusualOctets(90), end = secret.substr(40);
+    std::string wideEnd(end.size() * 2, '\0');
+    for (size_t i = 0; i < end.size(); ++i)
+        wideEnd[i * 2] = end[i];
+    const size_t narrow = copiesOf(end), wide = copiesOf(wideEnd);
+    int ends[2];
+    ASSERT_EQ(0, _pipe(ends, 4096, _O_BINARY));
+    _write(ends[1], secret.data(), static_cast<unsigned>(secret.size()));
+    _close(ends[1]);
+    {
+        const CSecretBytes list = encodeSecretList(protectedStorage, readSecretFrom(ends[0]));
+        EXPECT_LT(wide, copiesOf(wideEnd)) << "the search works";
+    }
+    _close(ends[0]);
+    EXPECT_EQ(narrow, copiesOf(end));
+    EXPECT_EQ(wide, copiesOf(wideEnd));
+}
+
+TEST_F(Host, ManualsAreWhole)
+{
+    expectManuals("vlhost", [](const commandLine_t& words) {
+        std::wstring line;
+        for (const std::string& word : words)
+            line += wideFromUtf8(word) + L' ';
+        return hostText(line);
+    });
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+#include "commands.h"
+#include "common/text.h"
+#include "formats/text/printable.h"
+#include "print.h"
+#include "relocation.h"
+#include "scratchprofile.h"
+#include "shared/backupinput.h"
+#include "shared/commandline.h"
+#include "shared/habits.h"
+#include "shared/inputfile.h"
+#include "shared/systemerror.h"
+#include "shared/terminal.h"
+#include "storage/settings.h"
+#include "takebackup.h"
+#include "variants.h"
+#include "vlbackup/difference.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+
+using namespace VLONLINEIDSLib;
+
+namespace {
+
+// reasonOf explains a difference that every restore makes, on this machine or another.
+std::string reasonOf(const BackupDifference& difference, const CBackupView& tried)
+{
+    const BackupVersion version = versionOf(tried.elementCount);
+    const bool absent =
+        (difference.element == "categories" && !version.categories) ||
+        (difference.element == "settings" && !version.settings) ||
+        (difference.element == "backup" && tried.elementCount != currentBackupElements);
+    return absent ? "an earlier form of backup has less in it" : reasonAfterRestore(difference);
+}
+
+// restoreAndTake gives a backup of what a restore of this one makes of an empty profile.
+bytes_t restoreAndTake(const bytes_t& bytes, const options_t& options)
+{
+    const CScratchProfile profile;
+    const std::wstring below = profile.Folder() + L"e\\";
+    std::vector<std::wstring> folders;
+    CVariant data;
+    setBytes(data, moveFiles(bytes, below, folders));
+    std::wstring list;
+    for (const std::wstring& folder : folders) {
+        std::filesystem::create_directories(folder);
+        list += (list.empty() ? L"" : L"|") + folder;
+    }
+    for (const auto& [key, value] :
+         {std::pair(L"path_alienstorage_dirs", list),
+          std::pair(L"path_bin_dir", profile.Folder() + L"bin\\")}) // it may have templates
+        if (const HRESULT status = settings_set(key, value); FAILED(status))
+            throw CToolError("the setting '" + utf8FromWide(key) + "': " + statusText(status),
+                             "'vlhost doctor' says what is missing");
+    const CPluginHost host(options.plugin);
+    const HRESULT status = host.Get<IVLKTBackupRestore2>().get()->SetStorageData(data.Get());
+    if (FAILED(status))
+        throw CToolError("the backup can't be restored: " + statusText(status),
+                         "'vlbackup verify' says what is wrong with it");
+    return moveFilesBack(takeBackup(host).bytes, below);
+}
+
+Json::Value jsonOf(const BackupDifference& difference, const std::string& reason)
+{
+    Json::Value json(Json::objectValue);
+    json["element"] = difference.element;
+    json["item"] = difference.item;
+    json["what"] = difference.what;
+    json["reason"] = reason;
+    return json;
+}
+
+void drill(const std::string& file, const options_t& options)
+{
+    const bytes_t bytes = readInput(file, std::cin);
+    CBackupView wanted;
+    if (!decodeBackup(bytes, wanted))
+        refuseBackup(file, bytes, wanted);
+    if (!wanted.Restorable())
+        throw CToolError(shownInput(file) + " is not sound", "'vlbackup verify' says why");
+    const bytes_t again = restoreAndTake(bytes, options);
+    CBackupView found;
+    decodeBackup(again, found);
+    Json::Value json(Json::objectValue);
+    json["schema"] = "vlhost-drill-1";
+    json["backup"] = file;
+    json["files"] = wanted.files.size();
+    json["quickLinks"] = wanted.links.size();
+    json["categories"] = wanted.categories.size();
+    json["differences"] = Json::Value(Json::arrayValue);
+    size_t lost = 0;
+    for (const BackupDifference& difference : compareBackups(wanted, found)) {
+        const std::string reason = reasonOf(difference, wanted);
+        json["differences"].append(jsonOf(difference, reason));
+        lost += reason.empty();
+        if (!options.json && !isQuiet())
+            std::cout << (reason.empty() ? "difference: " : "as expected: ")
+                      << printable(difference.element + ' ' + difference.item + ": " +
+                                   difference.what)
+                      << (reason.empty() ? "" : " (" + reason + ')') << '\n';
+    }
+    json["restorable"] = lost == 0;
+    if (options.json)
+        printResult(json, true);
+    if (lost != 0)
+        throw CToolError("not everything would come back from " + shownInput(file),
+                         "your own profile was not touched");
+    if (!options.json && !isQuiet())
+        std::cout << "restored into a throw-away profile, backed up there and compared: "
+                  << wanted.files.size() << " files, " << wanted.links.size() << " quick links, "
+                  << wanted.categories.size() << " categories and the settings "
+                  << coloured(std::cout, colour_t::green, "come back") << '\n';
+}
+
+} // namespace
+
+void addDrillCommand(CLI::App& app, const options_t& options)
+{
+    CLI::App* const command = app.add_subcommand(
+        "drill",
+        "Prove that a backup can be restored, in a throw-away profile; exit status 1 if not");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("file", *file, "The backup; - is standard input")->required();
+    addExample(*command, "vlhost drill logons.vlb");
+    command->callback([file, &options] { drill(*file, options); });
+}
