@@ -24,44 +24,8 @@ bool CDerReader::NextHeader(Extent& extent) const noexcept
     return true;
 }
 
-bool CDerReader::Next(Extent& extent) const noexcept
-{
-    Extent next{};
-    if (!NextHeader(next) || m_rest.size() - next.header < next.length)
-        return false;
-    extent = next;
-    return true;
-}
-
 size_t CDerReader::Announced() const noexcept
 {
     Extent next{};
     return NextHeader(next) ? next.header + next.length : 0;
-}
-
-bool CDerReader::ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept
-{
-    Extent extent{};
-    if (!Next(extent))
-        return false;
-    tag = m_rest[0];
-    contents = m_rest.subspan(extent.header, extent.length);
-    m_rest = m_rest.subspan(extent.header + extent.length);
-    return true;
-}
-
-bool CDerReader::Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept
-{
-    uint8_t found = 0;
-    return !m_rest.empty() && m_rest[0] == tag && ReadAny(found, contents);
-}
-
-bool CDerReader::ReadElement(std::span<const uint8_t>& element) noexcept
-{
-    Extent extent{};
-    if (!Next(extent))
-        return false;
-    element = m_rest.first(extent.header + extent.length);
-    m_rest = m_rest.subspan(element.size());
-    return true;
 }

@@ -32,13 +32,34 @@ public:
 
     // Read takes an element of that tag.
     // contents: the content octets without tag and length, a view into the reader's bytes
-    [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept;
+    [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept
+    {
+        uint8_t found = 0;
+        return !m_rest.empty() && m_rest[0] == tag && ReadAny(found, contents);
+    }
 
     // ReadAny takes an element of any tag; tag gets the first octet of a tag of several.
-    [[nodiscard]] bool ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept;
+    [[nodiscard]] bool ReadAny(uint8_t& tag, std::span<const uint8_t>& contents) noexcept
+    {
+        Extent extent{};
+        if (!Next(extent))
+            return false;
+        tag = m_rest[0];
+        contents = m_rest.subspan(extent.header, extent.length);
+        m_rest = m_rest.subspan(extent.header + extent.length);
+        return true;
+    }
 
     // ReadElement takes an element of any tag whole, with tag and length.
-    [[nodiscard]] bool ReadElement(std::span<const uint8_t>& element) noexcept;
+    [[nodiscard]] bool ReadElement(std::span<const uint8_t>& element) noexcept
+    {
+        Extent extent{};
+        if (!Next(extent))
+            return false;
+        element = m_rest.first(extent.header + extent.length);
+        m_rest = m_rest.subspan(element.size());
+        return true;
+    }
 
 private:
     struct Extent {
@@ -46,7 +67,16 @@ private:
         size_t length; // content octets
     };
     bool NextHeader(Extent& extent) const noexcept;
-    bool Next(Extent& extent) const noexcept; // all of it is there
+
+    // Next is true if all of the next element is there. Most are small, with one octet of each.
+    bool Next(Extent& extent) const noexcept
+    {
+        if (m_rest.size() >= 2 && (m_rest[0] & 0x1F) != 0x1F && m_rest[1] < 0x80)
+            extent = {2, m_rest[1]};
+        else if (!NextHeader(extent))
+            return false;
+        return m_rest.size() - extent.header >= extent.length;
+    }
 
     std::span<const uint8_t> m_rest;
 };

@@ -25,6 +25,22 @@ std::u16string unitsHighOctetFirst(std::span<const uint8_t> octets)
     return units;
 }
 
+size_t countOf(CDerReader rest) noexcept
+{
+    size_t count = 0;
+    for (std::span<const uint8_t> element; rest.ReadElement(element);)
+        ++count;
+    return count;
+}
+
+// likelyCount guesses how many elements a sequence has by the first ones, so that it need not be
+// walked twice. However small these are, the room is a part of the sequence's own size.
+size_t likelyCount(size_t size, size_t read, size_t count) noexcept
+{
+    const size_t likely = size / (read / count) + size / (16 * (read / count));
+    return count + 1 + std::min(likely, size / 64);
+}
+
 std::string_view asText(std::span<const uint8_t> octets)
 {
     return {reinterpret_cast<const char*>(octets.data()), octets.size()};
@@ -107,16 +123,28 @@ bool CDerSequenceView::Decode(std::span<const uint8_t> bytes)
     std::span<const uint8_t> contents;
     if (!CDerReader(bytes).Read(derTag::sequence, contents))
         return false;
-    // Counted first: growing as they come would take twice the memory.
     size_t count = 0;
-    std::span<const uint8_t> element;
-    for (CDerReader reader(contents); !reader.AtEnd(); ++count)
+    std::array<CDerElement, fewElements> few;
+    std::vector<CDerElement> many;
+    CDerReader reader(contents);
+    for (std::span<const uint8_t> element; !reader.AtEnd(); ++count) {
+        const CDerReader rest = reader;
         if (!reader.ReadElement(element))
             return false;
-    std::vector<CDerElement> many(count > m_few.size() ? count : 0);
-    CDerElement* next = many.empty() ? m_few.data() : many.data();
-    for (CDerReader reader(contents); reader.ReadElement(element);)
-        *next++ = CDerElement(element);
+        if (count < few.size()) {
+            few[count] = CDerElement(element);
+            continue;
+        }
+        if (many.empty()) {
+            const auto read = static_cast<size_t>(element.data() - contents.data());
+            many.reserve(likelyCount(contents.size(), read, count));
+            many.assign(few.begin(), few.end());
+        } else if (many.size() == many.capacity()) {
+            many.reserve(count + countOf(rest));
+        }
+        many.emplace_back(element);
+    }
+    m_few = few;
     m_many = std::move(many);
     m_count = count;
     return true;

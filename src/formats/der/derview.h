@@ -76,7 +76,9 @@ public:
     const CDerElement* end() const noexcept { return begin() + m_count; }
 
 private:
+    static constexpr size_t fewElements = 6; // as many as the longest record has
+
     size_t m_count = 0;
-    std::array<CDerElement, 6> m_few; // as many as the longest record has
-    std::vector<CDerElement> m_many;  // instead, if there are more
+    std::array<CDerElement, fewElements> m_few;
+    std::vector<CDerElement> m_many; // instead, if there are more
 };

@@ -1,6 +1,8 @@
 #include "formats/text/unicode.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 namespace {
 
@@ -17,6 +19,15 @@ char32_t takeCharacter(std::u16string_view& text)
     const char32_t second = text.front();
     text.remove_prefix(1);
     return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+// plainPrefix counts the ASCII characters in front, which is most often all.
+template <class Char> size_t plainPrefix(std::basic_string_view<Char> text) noexcept
+{
+    const auto end = std::find_if(text.begin(), text.end(), [](Char c) {
+        return static_cast<std::make_unsigned_t<Char>>(c) >= 0x80;
+    });
+    return static_cast<size_t>(end - text.begin());
 }
 
 } // namespace
@@ -50,8 +61,11 @@ char32_t takeCharacter(std::string_view& text)
 
 std::u16string utf16FromUtf8(std::string_view text)
 {
+    const size_t plain = plainPrefix(text);
     std::u16string out;
     out.reserve(text.size());
+    out.assign(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(plain));
+    text.remove_prefix(plain);
     while (!text.empty()) {
         const char32_t c = takeCharacter(text);
         if (c < 0x10000) {
@@ -66,8 +80,13 @@ std::u16string utf16FromUtf8(std::string_view text)
 
 std::string utf8FromUtf16(std::u16string_view text)
 {
+    const size_t plain = plainPrefix(text);
     std::string out;
     out.reserve(text.size());
+    out.resize(plain);
+    std::transform(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(plain), out.begin(),
+                   [](char16_t c) { return static_cast<char>(c); });
+    text.remove_prefix(plain);
     while (!text.empty()) {
         const char32_t c = takeCharacter(text);
         if (c < 0x80) {
