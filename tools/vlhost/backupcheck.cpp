@@ -42,13 +42,13 @@ std::vector<storedFile_t> filesToStore()
 // differenceOf compares one stored file with the disk; empty for none.
 std::string differenceOf(const storedFile_t& file, std::span<const uint8_t> content)
 {
+    if (fileHolds(file.path, content))
+        return {};
     const auto now = fileAt(file.path);
     if (!now && isThere(file.path))
         return "is a folder, of which a restore would make an empty file: rename it";
     if (!now)
         return content.empty() && !file.isTemplate ? "" : "is not on the disk any more";
-    if (fileHolds(file.path, content))
-        return {};
     if (const CFilePieces opened(file.path); opened.Error() != 0)
         return "could not be read: " + errorText(opened.Error());
     if (content.empty())

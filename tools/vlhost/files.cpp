@@ -14,6 +14,13 @@ namespace {
 
 constexpr DWORD pieceSize = 1u << 16;
 
+// isEmptyFile knows it also of a file that another program holds.
+bool isEmptyFile(const std::wstring& path)
+{
+    const auto now = fileAt(path);
+    return now && now->size == 0;
+}
+
 } // namespace
 
 std::wstring fileKey(const std::wstring& path)
@@ -44,8 +51,10 @@ CFilePieces::CFilePieces(const std::wstring& path)
                          OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr)),
       m_piece(std::make_unique_for_overwrite<BYTE[]>(pieceSize))
 {
-    if (!m_file)
+    LARGE_INTEGER size{};
+    if (!m_file || !GetFileSizeEx(m_file.get(), &size))
         m_error = GetLastError();
+    m_size = static_cast<uint64_t>(size.QuadPart);
 }
 
 std::span<const BYTE> CFilePieces::Next()
@@ -58,36 +67,37 @@ std::span<const BYTE> CFilePieces::Next()
 
 bool fileHolds(const std::wstring& path, std::span<const BYTE> bytes)
 {
-    const auto now = fileAt(path);
-    if (!now || now->size != bytes.size())
-        return false;
-    if (bytes.empty())
-        return true;
     CFilePieces file(path);
-    for (auto piece = file.Next(); !piece.empty(); piece = file.Next()) {
-        if (piece.size() > bytes.size() || !std::equal(piece.begin(), piece.end(), bytes.begin()))
+    if (file.Error() != 0)
+        return bytes.empty() && isEmptyFile(path);
+    if (file.Size() != bytes.size())
+        return false;
+    while (!bytes.empty()) {
+        const auto piece = file.Next();
+        if (piece.empty() || piece.size() > bytes.size() ||
+            !std::equal(piece.begin(), piece.end(), bytes.begin()))
             return false;
         bytes = bytes.subspan(piece.size());
     }
-    return file.Error() == 0 && bytes.empty();
+    return true;
 }
 
 bool fileEquals(const std::wstring& one, const std::wstring& other)
 {
-    const auto first = fileAt(one);
-    const auto second = fileAt(other);
-    if (!first || !second || first->size != second->size)
-        return false;
     CFilePieces files[] = {CFilePieces(one), CFilePieces(other)};
-    for (;;) { // regular files fill each piece
+    if (files[0].Error() != 0 || files[1].Error() != 0)
+        return isEmptyFile(one) && isEmptyFile(other);
+    if (files[0].Size() != files[1].Size())
+        return false;
+    for (uint64_t left = files[0].Size(); left > 0;) { // regular files fill each piece
         const auto piece = files[0].Next();
         const auto match = files[1].Next();
-        if (files[0].Error() != 0 || files[1].Error() != 0 ||
+        if (piece.empty() || piece.size() > left ||
             !std::equal(piece.begin(), piece.end(), match.begin(), match.end()))
             return false;
-        if (piece.empty())
-            return true;
+        left -= piece.size();
     }
+    return true;
 }
 
 void copyOver(const std::wstring& from, const std::wstring& to)

@@ -36,12 +36,14 @@ class CFilePieces
 public:
     explicit CFilePieces(const std::wstring& path);
 
+    uint64_t Size() const noexcept { return m_size; } // bytes, when it was opened
     // Next gives the next bytes, on loan until the next call; none at the end and after an error.
     std::span<const BYTE> Next();
     DWORD Error() const noexcept { return m_error; } // of the platform; 0 for none
 
 private:
     CFileHandle m_file;
+    uint64_t m_size = 0;
     DWORD m_error = 0;
     std::unique_ptr<BYTE[]> m_piece;
 };

@@ -36,14 +36,11 @@ void compareFiles(const CBackupView& backup, const restorePlan_t& plan,
     CProgress progress("comparing", plan.files.size());
     for (const auto& file : plan.files) {
         progress.Step();
-        const bool there = isThere(file.path);
         const char* what = nullptr;
         if (file.action == fileAction_t::remove)
-            what = there ? "was not deleted (is it read-only?)" : nullptr;
-        else if (!there)
-            what = "was not written";
+            what = isThere(file.path) ? "was not deleted (is it read-only?)" : nullptr;
         else if (!fileHolds(file.path, backup.files[file.source].content))
-            what = "holds other bytes";
+            what = isThere(file.path) ? "holds other bytes" : "was not written";
         if (what)
             differences.push_back({utf8FromWide(file.path), what});
     }
@@ -168,9 +165,9 @@ restorePlan_t planRestore(const CBackupView& backup)
         if (isNew)
             plan.files.push_back({path});
         plannedFile_t& planned = plan.files[place->second];
-        planned.action = !isThere(path)                  ? fileAction_t::add
-                         : fileHolds(path, file.content) ? fileAction_t::same
-                                                         : fileAction_t::change;
+        planned.action = fileHolds(path, file.content) ? fileAction_t::same
+                         : isThere(path)               ? fileAction_t::change
+                                                       : fileAction_t::add;
         planned.bytes = file.content.size();
         planned.source = i;
     }

@@ -86,6 +86,45 @@ unsigned numberOf(const std::wstring& name)
     return static_cast<unsigned>(std::wcstoul(name.c_str(), nullptr, 10));
 }
 
+// copyFolders lists the folders of complete copies, the oldest first.
+std::vector<fs::path> copyFolders()
+{
+    std::vector<fs::path> folders;
+    const fs::path root = safetyCopiesFolder();
+    if (!fs::exists(root))
+        return folders;
+    for (const auto& entry : fs::directory_iterator(root))
+        if (entry.path().filename().wstring().find_first_not_of(L"0123456789") ==
+            std::wstring::npos)
+            folders.push_back(entry.path());
+    std::ranges::sort(folders, {},
+                      [](const fs::path& folder) { return numberOf(folder.filename().wstring()); });
+    return folders;
+}
+
+// readCopy is readCopyIndex with the number.
+safetyCopy_t readCopy(const fs::path& folder)
+{
+    safetyCopy_t copy = readCopyIndex(folder);
+    copy.number = numberOf(folder.filename().wstring());
+    return copy;
+}
+
+// unfinishedBefore gives the number of the newest copy that can be read, if its work wasn't
+// finished; else 0.
+unsigned unfinishedBefore()
+{
+    const std::vector<fs::path> folders = copyFolders();
+    for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder) {
+        try {
+            const safetyCopy_t newest = readCopy(*folder);
+            return newest.finished ? 0 : newest.number;
+        } catch (const std::exception&) { // damaged
+        }
+    }
+    return 0;
+}
+
 } // namespace
 
 uint64_t safetyCopy_t::Bytes() const
@@ -122,23 +161,13 @@ std::wstring safetyCopiesFolder()
 std::vector<safetyCopy_t> listSafetyCopies(std::vector<std::wstring>& damaged)
 {
     std::vector<safetyCopy_t> copies;
-    const fs::path root = safetyCopiesFolder();
-    if (!fs::exists(root))
-        return copies;
-    for (const auto& entry : fs::directory_iterator(root)) {
-        const std::wstring name = entry.path().filename().wstring();
-        if (name.find_first_not_of(L"0123456789") != std::wstring::npos)
-            continue;
+    for (const auto& folder : copyFolders()) {
         try {
-            copies.push_back(readCopyIndex(entry.path()));
-            copies.back().number = numberOf(name);
+            copies.push_back(readCopy(folder));
         } catch (const std::exception&) {
-            damaged.push_back(entry.path().wstring());
+            damaged.push_back(folder.wstring());
         }
     }
-    std::sort(copies.begin(), copies.end(), [](const safetyCopy_t& one, const safetyCopy_t& other) {
-        return one.number < other.number;
-    });
     return copies;
 }
 
@@ -189,13 +218,10 @@ unsigned CSafetyCopies::Make(const std::vector<std::wstring>& paths,
     const fs::path target = fs::path(safetyCopiesFolder()) / std::to_wstring(number);
     const fs::path folder = target.wstring() + unfinishedSuffix;
     try {
-        std::vector<std::wstring> damaged;
-        const auto before = listSafetyCopies(damaged);
         fs::create_directory(folder);
         safetyCopy_t copy;
         copy.made = utcText(std::time(nullptr));
-        if (!before.empty() && !before.back().finished)
-            copy.continues = before.back().number;
+        copy.continues = unfinishedBefore();
         copy.undoes = undoes;
         copy.folder = utf8FromWide(personalFolder());
         copy.files = copyFiles(paths, folder);
@@ -218,10 +244,13 @@ void CSafetyCopies::Finish(unsigned number)
     markFinished(fs::path(safetyCopiesFolder()) / std::to_wstring(number));
 }
 
-void CSafetyCopies::Prune(unsigned pinned)
+bool CSafetyCopies::IsPruneDue() const
+{
+    return copyFolders().size() > keptCopies;
+}
+
+void CSafetyCopies::Prune(const std::vector<safetyCopy_t>& copies, unsigned pinned)
 try {
-    std::vector<std::wstring> damaged;
-    const auto copies = listSafetyCopies(damaged);
     CCopyHoldings holdings(copies);
     for (size_t i = 0; i + keptCopies < copies.size(); ++i) {
         const safetyCopy_t& copy = copies[i];

@@ -80,8 +80,12 @@ public:
     // Finish marks that the work which the copy was made for ran to its end.
     void Finish(unsigned number);
 
-    // Prune removes copies beyond the newest five that hold nothing of their own, except pinned.
-    void Prune(unsigned pinned);
+    // IsPruneDue is true if there may be copies beyond the newest five. Prune removes those that
+    // hold nothing of their own, except pinned.
+    //
+    // copies: all, as listSafetyCopies gives them
+    bool IsPruneDue() const;
+    void Prune(const std::vector<safetyCopy_t>& copies, unsigned pinned);
 
 private:
     void TakeOverFormer();

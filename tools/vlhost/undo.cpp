@@ -167,7 +167,9 @@ std::vector<difference_t> putBack(const undoPlan_t& plan)
 void finishCopy(CSafetyCopies& copies, unsigned number)
 {
     copies.Finish(number);
+    if (!copies.IsPruneDue())
+        return;
     std::vector<std::wstring> damaged;
     const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    copies.Prune(chooseCopies(all, std::nullopt).front()->number);
+    copies.Prune(all, chooseCopies(all, std::nullopt).front()->number);
 }
