@@ -50,9 +50,12 @@ test: build
 
 bench: build
 	$(set-up) bench
+	@$(call configure,release)
+	@$(call configure,native-release)
 	@$(call compile,release,vl_bench)
+	@$(call compile,native-release,vl_bench)
 	@scripts/base-prefix.sh
-	@scripts/bench.sh
+	@scripts/bench.py
 
 lint:
 	$(set-up) build lint

@@ -1,17 +1,21 @@
-#include "common/scoped.h"
+#include "child.h"
+#include "pages.h"
 #include "plugin/vlktpages.h"
-#include "ratio.h"
+#include "rounds.h"
 #include "storage/textfile.h"
 #include "support/fakesettings.h"
 
+#include <psapi.h>
+
+#include <atomic>
 #include <cstring>
 #include <span>
-#include <string>
-#include <vector>
+#include <thread>
 
-// The operations as a host calls them: export against mapping and copying the same files once,
-// restore against copying the array once, as it belongs to the host, and deleting and writing the
-// same files, each by nothing but the platform's calls.
+// The operations as a host calls them: export against listing, mapping and copying the same files
+// once, restore against copying the array once, as it belongs to the host, and listing, deleting
+// and writing the same files, each by nothing but the platform's calls. Then the memory that they
+// take, in processes of their own.
 namespace {
 
 const std::wstring folder = [] {
@@ -33,92 +37,173 @@ void writeRaw(const std::wstring& path, std::span<const uint8_t> content)
     WriteFile(file.get(), content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
 }
 
-void deleteRaw()
+template <class Body> void eachListed(Body body)
 {
     WIN32_FIND_DATAW entry = {};
     const CSearchHandle search(FindFirstFileW((folder + L"*.vlm").c_str(), &entry));
     if (!search)
         return;
     do {
-        DeleteFileW((folder + entry.cFileName).c_str());
+        body(folder + entry.cFileName);
     } while (FindNextFileW(search.get(), &entry));
 }
 
-void copyRaw(int count, std::vector<uint8_t>& out)
+void deleteRaw()
 {
+    eachListed([](const std::wstring& path) { DeleteFileW(path.c_str()); });
+}
+
+void copyRaw(size_t bytes)
+{
+    const CFreshPages out(bytes);
     size_t at = 0;
-    for (int i = 0; i < count; ++i) {
-        MappedFile mapped = mapfile_open(folder + nameOf(i));
+    eachListed([&](const std::wstring& path) {
+        MappedFile mapped = mapfile_open(path);
         std::memcpy(out.data() + at, mapped.view, mapped.size);
         at += mapped.size;
         mapfile_close(mapped);
-    }
+    });
 }
 
-bool within = true;
-VLONLINEIDSLib::IVLKTBackupRestore2* plugin = nullptr;
-
-void row(const std::string& name, double limit, const std::function<void()>& measured,
-         const std::function<void()>& baseline)
-{
-    within = bench::ratio(name.c_str(), limit, 9, measured, baseline) <= limit && within;
-}
-
-void measure(const char* what, int count, size_t size, size_t restored, double exportLimit,
-             double restoreLimit)
+void makeFiles(int count, size_t size)
 {
     deleteRaw();
     const std::vector<uint8_t> content(size, 0x5A);
     for (int i = 0; i < count; ++i)
         writeRaw(folder + nameOf(i), content);
     writeRaw(folder + L"updata_temp.vls", {}); // data is present by it
-    VARIANT backup = {};
-    row(
-        std::string("export of ") + what + " / mapping and copying them", exportLimit,
-        [&] {
-            VariantClear(&backup);
-            plugin->GetStorageData(nullptr, &backup);
-        },
-        [&] {
-            std::vector<uint8_t> out(static_cast<size_t>(count) * size);
-            copyRaw(count, out);
-        });
+}
 
-    for (int i = static_cast<int>(restored); i < count; ++i)
-        DeleteFileW((folder + nameOf(i)).c_str());
-    VariantClear(&backup);
-    plugin->GetStorageData(nullptr, &backup);
-    row(
-        "restore of " + std::to_string(restored) + " of them / copying, deleting, writing them",
-        restoreLimit, [&] { plugin->SetStorageData(&backup); },
-        [&] {
-            SAFEARRAY* copy = nullptr;
-            SafeArrayCopy(backup.parray, &copy);
-            deleteRaw();
-            const std::span array(static_cast<const uint8_t*>(copy->pvData), restored * size);
-            for (size_t i = 0; i < restored; ++i)
-                writeRaw(folder + nameOf(static_cast<int>(i)), array.subspan(i * size, size));
-            SafeArrayDestroy(copy);
-        });
-    VariantClear(&backup);
-    deleteRaw();
+// CProduct is the plug-in's object, with settings that name the folder.
+class CProduct
+{
+public:
+    CProduct()
+    {
+        CreateDirectoryW(folder.c_str(), nullptr);
+        m_settings.values = {{L"path_localstorage_dir", folder},
+                             {L"path_cachestorage_dir", folder + L"cache\\"},
+                             {L"path_quicklink_filename", folder + L"quicklinks.txt"},
+                             {L"is_personalMode", L"1"}};
+        void* object = nullptr;
+        CComCreator<CComObject<CVLKTPages>>::CreateInstance(
+            nullptr, __uuidof(VLONLINEIDSLib::IVLKTBackupRestore2), &object);
+        m_object = static_cast<VLONLINEIDSLib::IVLKTBackupRestore2*>(object);
+    }
+
+    void Export()
+    {
+        VariantClear(&m_backup);
+        m_object->GetStorageData(nullptr, &m_backup);
+        if (m_backup.vt == VT_EMPTY)
+            std::exit(2);
+    }
+    void Restore() { m_object->SetStorageData(&m_backup); }
+    SAFEARRAY* Array() const { return m_backup.parray; }
+    void Drop() { VariantClear(&m_backup); }
+
+private:
+    fakeSettings_t m_settings;
+    VLONLINEIDSLib::IVLKTBackupRestore2* m_object = nullptr;
+    VARIANT m_backup = {};
+};
+
+void compareExport(CProduct& product, const char* workload, int count, size_t size, double target)
+{
+    makeFiles(count, size);
+    bench::CGroup group;
+    const size_t mine = group.Add([&] { product.Export(); }, [&] { product.Drop(); });
+    const size_t floor = group.Add([&] { copyRaw(static_cast<size_t>(count) * size); });
+    group.Run();
+    bench::row("export of templates / list, map, copy once", workload, group.Ratios(mine, floor),
+               target);
+}
+
+void compareRestore(CProduct& product, const char* workload, int count, size_t size)
+{
+    makeFiles(count, size);
+    product.Export();
+    bench::CGroup group;
+    const size_t mine = group.Add([&] { product.Restore(); });
+    const size_t floor = group.Add([&] {
+        SAFEARRAY* copy = nullptr;
+        SafeArrayCopy(product.Array(), &copy);
+        deleteRaw();
+        const std::span array(static_cast<const uint8_t*>(copy->pvData),
+                              static_cast<size_t>(count) * size);
+        for (int i = 0; i < count; ++i)
+            writeRaw(folder + nameOf(i), array.subspan(static_cast<size_t>(i) * size, size));
+        SafeArrayDestroy(copy);
+    });
+    group.Run();
+    bench::row("restore of templates / copy the array, list, delete, write", workload,
+               group.Ratios(mine, floor), 1.05);
+}
+
+// privateBytes is the memory of this process that no file lies under.
+size_t privateBytes()
+{
+    PROCESS_MEMORY_COUNTERS counters = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    return counters.PagefileUsage;
+}
+
+// printPeak is the child's work: the most memory that an operation took beyond what was there
+// before, in bytes.
+int printPeak(bool restoring)
+{
+    CProduct product;
+    if (restoring)
+        product.Export();
+    const size_t before = privateBytes();
+    std::atomic<bool> ended = false;
+    size_t most = before;
+    std::thread watcher([&] {
+        while (!ended) {
+            most = std::max(most, privateBytes());
+            Sleep(1);
+        }
+    });
+    if (restoring)
+        product.Restore();
+    else
+        product.Export();
+    ended = true;
+    watcher.join();
+    std::printf("%zu\n", std::max(most, privateBytes()) - before);
+    return 0;
+}
+
+void comparePeaks(const char* workload, int count, size_t size, double target)
+{
+    makeFiles(count, size);
+    for (const bool restoring : {false, true}) {
+        std::vector<double> ratios;
+        for (int round = 0; round < 9; ++round)
+            ratios.push_back(std::stod(bench::runProgram(L"backup_bench.exe",
+                                                         restoring ? L"restore" : L"export")) /
+                             (static_cast<double>(count) * static_cast<double>(size)));
+        bench::row(restoring ? "restore, peak memory beyond the array / backup bytes"
+                             : "export, peak memory / backup bytes",
+                   workload, ratios, target);
+    }
 }
 
 } // namespace
 
-int main()
+int wmain(int argc, wchar_t** argv)
 {
-    CreateDirectoryW(folder.c_str(), nullptr);
-    fakeSettings_t settings;
-    settings.values = {{L"path_localstorage_dir", folder},
-                       {L"path_cachestorage_dir", folder + L"cache\\"},
-                       {L"path_quicklink_filename", folder + L"quicklinks.txt"},
-                       {L"is_personalMode", L"1"}};
-    void* object = nullptr;
-    CComCreator<CComObject<CVLKTPages>>::CreateInstance(
-        nullptr, __uuidof(VLONLINEIDSLib::IVLKTBackupRestore2), &object);
-    plugin = static_cast<VLONLINEIDSLib::IVLKTBackupRestore2*>(object);
-    measure("1,000 templates of 4 KiB", 1000, 0x1000, 1000, 1.5, 1.3);
-    measure("200 templates of 1 MiB", 200, 0x100000, 100, 1.5, 1.3);
-    return within ? 0 : 1;
+    if (argc > 1)
+        return printPeak(argv[1] == std::wstring(L"restore"));
+    CProduct product;
+    compareExport(product, "1,000 x 4 KiB", 1000, 0x1000, 1.10);
+    compareExport(product, "200 x 1 MiB", 200, 0x100000, 1.15);
+    compareExport(product, "10,000 x 64 B", 10000, 64, 1.20);
+    compareRestore(product, "1,000 x 4 KiB", 1000, 0x1000);
+    compareRestore(product, "100 x 1 MiB", 100, 0x100000);
+    product.Drop();
+    comparePeaks("200 x 1 MiB", 200, 0x100000, 1.05);
+    comparePeaks("5,000 x 4 KiB", 5000, 0x1000, 1.3);
+    deleteRaw();
+    return 0;
 }

@@ -76,4 +76,6 @@ rm -rf "$apt"
 # Header-only packages get a folder of links of their own: the host's include folder on the search path of a
 # cross build would shadow the target's C library.
 mkdir -p "$third_party/include"
-ln -sfn /usr/include/CLI "$third_party/include/CLI"
+for library in CLI fmt spdlog; do
+    ln -sfn "/usr/include/$library" "$third_party/include/$library"
+done
