@@ -33,12 +33,12 @@ size_t countOf(CDerReader rest) noexcept
     return count;
 }
 
-// likelyCount guesses how many elements a sequence has by the first ones, so that it need not be
-// walked twice. However small these are, the room is a part of the sequence's own size.
-size_t likelyCount(size_t size, size_t read, size_t count) noexcept
+// likelyCount guesses how many elements of that size a sequence has, so that it need not be walked
+// twice. However small they are, the room is a part of the sequence's own size.
+size_t likelyCount(size_t size, size_t each) noexcept
 {
-    const size_t likely = size / (read / count) + size / (16 * (read / count));
-    return count + 1 + std::min(likely, size / 64);
+    each = std::max<size_t>(each, 2); // a tag and a length at least
+    return std::min(size / each + size / (16 * each), size / 64);
 }
 
 std::string_view asText(std::span<const uint8_t> octets)
@@ -137,7 +137,7 @@ bool CDerSequenceView::Decode(std::span<const uint8_t> bytes)
         }
         if (many.empty()) {
             const auto read = static_cast<size_t>(element.data() - contents.data());
-            many.reserve(likelyCount(contents.size(), read, count));
+            many.reserve(few.size() + 1 + likelyCount(contents.size(), read / few.size()));
             many.assign(few.begin(), few.end());
         } else if (many.size() == many.capacity()) {
             many.reserve(count + countOf(rest));
