@@ -1,6 +1,7 @@
 #!/bin/sh
-# setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the sources of
-# the libraries that the target has no package of. Everything except the packages goes below build/. A second run finds its work done and needs no network.
+# setup.sh GROUP... installs what is missing of the named groups of packages.txt, and fetches the sources of the libraries
+# that the target has no package of. Everything except the packages goes below build/. A second run finds its work done
+# and needs no network.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 third_party="$root/build/third-party"
@@ -42,7 +43,7 @@ verified() {
     [ -f "$third_party/$1" ] && echo "$2  $third_party/$1" | sha256sum -c --quiet - >/dev/null 2>&1
 }
 
-# A private list of package sources, derived from the machine's own, which stay as they are.
+# A private list of package sources: the release that has these versions, from the machine's own mirror.
 apt="$root/build/apt"
 private_apt() {
     apt-get -q -o Dir::Etc::sourcelist=/dev/null -o Dir::Etc::sourceparts="$apt/parts" \
@@ -51,13 +52,11 @@ private_apt() {
 list_sources() {
     rm -rf "$apt"
     mkdir -p "$apt/parts" "$apt/lists/partial" "$apt/cache/archives/partial" "$third_party"
-    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-        [ -f "$file" ] && sed -n '/debian/s/^deb /deb-src /p' "$file"
-    done | sort -u >"$apt/parts/derived.list" || true
-    for file in /etc/apt/sources.list.d/*.sources; do
-        [ -f "$file" ] && grep -qi debian "$file" || continue
-        sed 's/^Types:.*/Types: deb-src/' "$file" >"$apt/parts/$(basename "$file")"
-    done
+    mirrors=$(cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources 2>/dev/null |
+        sed -nE 's/^(URIs:|deb (\[[^]]*\] )?) *([a-z]+:[^ ]*).*/\3/p' | grep -i debian | grep -v security | sort -u)
+    for mirror in $mirrors; do
+        echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $mirror bookworm main"
+    done >"$apt/parts/derived.list"
     private_apt update
 }
 
