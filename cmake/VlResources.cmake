@@ -92,13 +92,13 @@ function(vl_add_language language langid)
     COMMAND Python3::Interpreter ${source}/generate/mui.py
       language VLOnlineIDs.dll ${PROJECT_VERSION} ${source}/resourceids.h ${language} ${folder}/VLOnlineIDs.dll.mui.bin
     DEPENDS ${source}/generate/mui.py ${source}/resourceids.h VERBATIM)
-  vl_resource_module(${target} ${source}/lang/${language}.rc ${folder}/language.rc ${folder}/version.rc)
+  vl_resource_module(${target} ${folder}/language.rc)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME VLOnlineIDs.dll SUFFIX .mui LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/${language})
-  target_include_directories(${target} PRIVATE ${folder})
-  set_source_files_properties(${source}/lang/${language}.rc PROPERTIES OBJECT_DEPENDS ${source}/resourceids.h)
-  set_source_files_properties(${folder}/language.rc PROPERTIES
-    OBJECT_DEPENDS "${folder}/VLOnlineIDs.dll.mui.bin;${folder}/qlinkload.htm")
+  target_include_directories(${target} PRIVATE ${folder} ${source})
+  set(parts ${folder}/VLOnlineIDs.dll.mui.bin ${folder}/qlinkload.htm ${folder}/version.rc ${source}/lang/${language}.rc
+    ${source}/resourceids.h)
+  set_source_files_properties(${folder}/language.rc PROPERTIES OBJECT_DEPENDS "${parts}")
   if(NOT TARGET vl_languages)
     add_custom_target(vl_languages)
   endif()
