@@ -10,6 +10,7 @@
 #include <array>
 #include <memory>
 #include <sstream>
+#include <string_view>
 
 #include <json/json.h>
 
@@ -32,9 +33,10 @@ void traceCaught(const std::string& operation)
 }
 
 // memberOf gives null for a member of a value that has nothing in it, even of an array.
-const Json::Value& memberOf(const Json::Value& value, const std::string& member)
+// member: by value, or newer compilers take the result for a part of it
+const Json::Value& memberOf(const Json::Value& value, std::string_view member)
 {
-    return value.empty() ? Json::Value::nullSingleton() : value[member];
+    return value.empty() ? Json::Value::nullSingleton() : value[std::string(member)];
 }
 
 // parse gives false for any text that the library can't take, however it says so: most errors are a

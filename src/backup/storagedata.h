@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <cstdint>
+
 // CStorageData gathers the user's templates, quick links, categories and settings into the elements
 // of a backup, and puts templates and quick links back. It holds no state: each operation reads
 // files, registry and settings again.

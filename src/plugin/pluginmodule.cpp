@@ -2,6 +2,8 @@
 #include "common/initorder.h"
 #include "plugin/vlktpages.h"
 
+#include <iterator>
+
 namespace {
 
 constinit std::atomic<void*> factoryCell{nullptr};

@@ -2,6 +2,7 @@
 #include "tracecore/tracer.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace tracecore {
 

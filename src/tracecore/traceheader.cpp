@@ -6,7 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <vector>
+#include <string>
 
 namespace tracecore {
 
@@ -76,7 +76,7 @@ bool readVersion(const CLoadedModule& library, HMODULE module, VS_FIXEDFILEINFO&
     if (!size || !read || !query || !GetModuleFileNameA(module, path, MAX_PATH))
         return false;
     DWORD ignored = 0;
-    std::vector<char> block(size(path, &ignored));
+    std::string block(size(path, &ignored), '\0');
     void* root = nullptr;
     UINT length = 0;
     if (block.empty() || !read(path, 0, static_cast<DWORD>(block.size()), block.data()) ||

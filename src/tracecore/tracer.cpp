@@ -9,6 +9,7 @@
 
 #include <cstdarg>
 #include <cwchar>
+#include <iterator>
 #include <mutex>
 
 namespace tracecore {

@@ -2,6 +2,8 @@
 
 #include "support/tracedecoder.h"
 
+#include <cstdint>
+
 // traceBytes_t makes the bytes of trace files. It shares no code with what it tests.
 class traceBytes_t
 {

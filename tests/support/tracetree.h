@@ -2,6 +2,7 @@
 
 #include "support/tracedecoder.h"
 
+#include <cstdint>
 #include <map>
 #include <sstream>
 

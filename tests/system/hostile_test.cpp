@@ -3,6 +3,7 @@
 #include "support/agentstub.h"
 #include "support/freshprocess.h"
 
+#include <iterator>
 #include <random>
 
 // Backups that nobody wrote, and restores whose process ends.

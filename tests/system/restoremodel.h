@@ -5,6 +5,7 @@
 #include "support/state.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <map>

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <iterator>
 #include <random>
 #include <thread>
 

@@ -3,6 +3,7 @@
 #include "formats/text/printable.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 

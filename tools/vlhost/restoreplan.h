@@ -3,6 +3,7 @@
 #include "dashboardstate.h"
 #include "formats/backup/backupview.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "dashboardstate.h"
 #include "files.h"
 
+#include <cstdint>
 #include <ctime>
 #include <optional>
 #include <string>

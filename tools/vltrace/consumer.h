@@ -5,6 +5,7 @@
 #include "shared/statusnames.h"
 #include "source.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -3,6 +3,7 @@
 #include "formats/backup/finding.h"
 #include "formats/backup/records.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <utility>
