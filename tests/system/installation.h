@@ -10,6 +10,7 @@
 #include "support/tracetree.h"
 #include "vlonlineids.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -28,6 +29,16 @@ inline bytes newLogon(const std::vector<bytes>& files = {filePair(L"new.vlm", "n
                 seq({seq({wide(L"New"), wide(L"https://new.example"), wide(L"new.vlm"), integer(7),
                           wide(L"m-7"), integer(1)})}),
                 seq({seq({wide(L"Fun"), wide(L"new")})}), settings});
+}
+
+// setOldSystem makes Wine show a program an older system, one whose plug-ins find their texts
+// themselves. A real system can't.
+inline bool setOldSystem(const std::wstring& program)
+{
+    if (!GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version"))
+        return false;
+    setValue(HKEY_CURRENT_USER, LR"(Software\Wine\AppDefaults\)" + program, L"Version", L"winxp64");
+    return true;
 }
 
 // value_t is a value that passes an interface.
