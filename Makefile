@@ -11,7 +11,7 @@ compile = cmake --build --preset $(1) $(if $(2),--target $(2))
 configure = cmake --preset $(1) -D CMAKE_C_COMPILER_LAUNCHER=ccache -D CMAKE_CXX_COMPILER_LAUNCHER=ccache \
     $(if $(CI),-D VL_WERROR=ON) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
 
-.PHONY: build sdk demo test bench faults fuzz soak lint coverage package package-test clean
+.PHONY: build sdk demo test bench faults fuzz soak lint coverage package package-test test-kit clean
 set-up = @mkdir -p build && scripts/setup.sh
 
 build:
@@ -91,7 +91,7 @@ coverage:
 	@scripts/base-prefix.sh
 	@scripts/coverage.sh
 
-package: build
+package: build sdk
 	$(set-up) package
 	@scripts/package.sh
 
@@ -99,6 +99,12 @@ package-test: package
 	@scripts/base-prefix.sh
 	@scripts/package-test.sh
 	@scripts/reproduce.sh
+
+# For a machine with a real Windows.
+test-kit: build
+	$(set-up) test package
+	@$(call compile,release)
+	@scripts/test-kit.sh
 
 clean:
 	rm -rf build

@@ -1,7 +1,7 @@
 #!/bin/sh
 # package.sh makes build/package from build/dist: a zip archive for Windows, the same as an installer and as a package for
-# Windows Installer, the Linux tools, the debug symbols, a list of all that is inside (SPDX), and checksums. Nothing has
-# debug symbols except their own archive; times are the commit's.
+# Windows Installer, the Linux tools, what integrators build with, the debug symbols, a list of all that is inside (SPDX),
+# and checksums. Nothing has debug symbols except their own archive; times are the commit's.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 version=${VERSION:-$(sed -n 's/^project(VLOnlineIDs VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")}
@@ -10,11 +10,15 @@ export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
 out=${OUTPUT:-"$root/build/package"}
 name="VLOnlineIDs-$version"
 tools="vltools-$version"
+sdk="$name-sdk"
 symbols="$name-symbols"
 rm -rf "$out"
 mkdir -p "$out/$name" "$out/$tools" "$out/$symbols"
 cd "$out"
 cp -R "$root/build/dist/." "$name/"
+cp -R "$root/build/sdk" "$sdk"
+cp -R "$root/examples" "$sdk/examples"
+cp "$root/LICENSE" "$root/docs/integrating.md" "$sdk/"
 for file in vlbackup vltrace share; do
     [ ! -e "$name/$file" ] || mv "$name/$file" "$tools/"
 done
@@ -38,7 +42,7 @@ for file in "$tools/vlbackup" "$tools/vltrace"; do
 done
 find . -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 
-for folder in "$name" "$symbols"; do
+for folder in "$name" "$sdk" "$symbols"; do
     find "$folder" | sort | zip -q -X -@ "$folder.zip"
 done
 tar --sort=name --owner=0 --group=0 --numeric-owner -cJf "$tools.tar.xz" "$tools"
@@ -53,7 +57,7 @@ setup=$(sed -n 's|.*File Id="\([^"]*\)".*/vlsetup.exe".*|\1|p' files.wxs)
 product=$(python3 -c 'import sys, uuid; print(uuid.uuid5(uuid.NAMESPACE_URL, sys.argv[1]))' "$name-$SOURCE_DATE_EPOCH")
 wixl --arch x64 -D Win64=yes -D "VERSION=$version" -D "PRODUCT=$product" -D "SETUP=$setup" -D "SOURCE=$name" \
     --output "$name.msi" installer.wxs files.wxs
-rm -rf installer.wxs files.wxs "$name" "$tools" "$symbols"
+rm -rf installer.wxs files.wxs "$name" "$tools" "$sdk" "$symbols"
 
 "$root/scripts/sbom.py" write "$out" "$version"
 sha256sum -- * >SHA256SUMS
