@@ -38,7 +38,7 @@ MAY_INCLUDE = FORMATS | {
     "plugin": PLUGIN,
     "include": [],
     "shared": ["common", *FORMATS],
-    "vlbackup": [*FORMATS, "shared"],
+    "vlbackup": ["common", *FORMATS, "shared"],
     "vltrace": [*FORMATS, "shared"],
     "vlhost": [*PLUGIN, "shared"],
     "vlsetup": ["common", *FORMATS, "shared"],

@@ -47,7 +47,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
         return std::string(path.begin(), path.end());
     };
     const bytes backup = seq({seq({filePair(L"a.vlm", std::string(300, 'x'))}), seq({})});
-    const std::vector<uint8_t> trace = sampleTrace().bytes;
+    const std::vector<uint8_t> traceBytes = sampleTrace().bytes;
     const auto write = [&](const char* file, const auto& content) {
         std::ofstream(folder / file, std::ios::binary)
             << std::string(content.begin(), content.end());
@@ -59,7 +59,6 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
         {"", "is a folder"},
         {write("empty", std::string()), "it is empty"},
         {write("text", std::string("0123 plain\r\n")), "it is text"},
-        {write("json", std::string(" {\"a\":1}")), "it is JSON text"},
         {write("zip", std::string("PK\3\4....")), "it is a ZIP archive"},
         {write("zeros", std::string(5000, '\0')), "it is nothing but zeros"},
         {write("noise", std::string("\xFE\1\2\3")), "it is bytes that begin FE 01 02 03"},
@@ -67,6 +66,10 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
     fs::permissions(folder / write("locked", backup), fs::perms::none);
     if (!std::ifstream(folder / "locked")) // an administrator may read it
         shared.emplace_back("locked", "permission denied");
+    const std::pair<const char*, std::string> json = {write("json", std::string(" {\"a\":1}")),
+                                                      "it is JSON text"},
+                                              trace = {write("trace", traceBytes),
+                                                       "it is a trace, which vltrace reads"};
     const struct {
         const char* name;
         tool_t tool;
@@ -79,14 +82,26 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
           {"info", "--json", "*"},
           {"cat", "*", "a.vlm"},
           {"verify", "*"},
+          {"find", "*", "a"},
+          {"extract", "*", name("out")},
+          {"to-json", "*", "-"},
           {"diff", "*", "-"},
           {"diff", "-", "*"}},
          {{write("cut", cut(backup)), "cut at byte " + std::to_string(backup.size() - 3) + " of "},
-          {write("trace", trace), "it is a trace, which vltrace reads"}}},
+          json,
+          trace}},
+        {"vlbackup", // which take a damaged one
+         runVlbackup,
+         {{"hex", "*"}, {"recover", "*", "-"}, {"redact", "*", "-"}},
+         {json, trace}},
+        {"vlbackup",
+         runVlbackup,
+         {{"from-json", "*", "-"}},
+         {{write("backup", backup), "it is a backup, which vlbackup reads"}}},
         {"vltrace",
          vltrace,
          {{"cat", "*"}, {"tail", "*"}, {"stats", "*"}, {"export", "*"}, {"diff", "*", "-"}},
-         {{write("backup", backup), "it is a backup, which vlbackup reads"}}},
+         {{write("backup", backup), "it is a backup, which vlbackup reads"}, json}},
     };
     for (const auto& tool : tools) {
         auto inputs = tool.more;
@@ -110,7 +125,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
         expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");
     }
     const toolRun_t damaged =
-        runTool(vltrace, {"stats", name(write("cut.trc3", cut(trace)))}, backup);
+        runTool(vltrace, {"stats", name(write("cut.trc3", cut(traceBytes)))}, backup);
     EXPECT_EQ(damaged.status, 0);
     EXPECT_NE(damaged.err.find("is cut at byte " + std::to_string(sampleTrace().starts.back())),
               std::string::npos)

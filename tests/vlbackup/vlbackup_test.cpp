@@ -1,5 +1,7 @@
 #include "formats/backup/backupview.h"
+#include "formats/backup/elementtree.h"
 #include "formats/text/printable.h"
+#include "shared/checksumfile.h"
 #include "support/backupbytes.h"
 #include "support/files.h"
 #include "support/toolrun.h"
@@ -107,6 +109,11 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
          0,
          "sound, with warnings (errors 0, warnings 1, notes 0)"},
         {{"diff", "-", "-"}, {}, 2, "both"},
+        {{"diff", "-"}, {}, 2, "or give --live"},
+        {{"diff", "-", "x", "--live"}, {}, 2, "not with another"},
+#ifndef _WIN32
+        {{"diff", "-", "--live"}, example, 1, "no profile on this system"},
+#endif
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
@@ -160,16 +167,19 @@ TEST(Vlbackup, HoldsTheBackupAndLittleOfEachElement)
     const bytes backup = seq({seq(stored), none});
     const auto path = std::filesystem::temp_directory_path() / "vlbackup-many-test.bin";
     writeFile(path, {reinterpret_cast<const char*>(backup.data()), backup.size()});
-    for (const char* const command : {"ls", "info", "verify"})
+    for (const std::string command : {"ls", "info", "verify", "diff"})
         for (const bool json : {false, true}) {
             std::ostream out(&nothing);
             std::istringstream in;
             const size_t before = mostHeld = held;
             std::vector<std::string> arguments = {command, path.string()};
+            const size_t backups = command == "diff" ? 2 : 1;
+            if (backups == 2)
+                arguments.push_back(path.string());
             if (json)
                 arguments.emplace_back("--json");
             EXPECT_NE(runVlbackup(std::move(arguments), in, out, out), 2);
-            EXPECT_LT(mostHeld - before, backup.size() + 3 * 64 * count) << command << json;
+            EXPECT_LT(mostHeld - before, backups * 128 * count) << command << json;
         }
     std::filesystem::remove(path);
 }
@@ -378,10 +388,38 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
         EXPECT_EQ(vlbackup({"verify", "-", "--strict"}, c.backup).status,
                   c.verdict == std::string("sound") ? 0 : 1)
             << text.out;
-        EXPECT_NE(vlbackup({"verify", "-", "--json"}, c.backup)
-                      .out.find(std::string("\"verdict\": \"") + c.verdict),
-                  std::string::npos);
+        Json::Value json;
+        ASSERT_TRUE(Json::Reader().parse(vlbackup({"verify", "-", "--json"}, c.backup).out, json));
+        EXPECT_EQ(json["verdict"], c.verdict);
+        std::map<std::string, size_t> offsets;
+        walkElements(c.backup, [&](const BackupElement& element) {
+            offsets.try_emplace(pathText(element.place), element.place.offset);
+        });
+        for (const Json::Value& found : json["findings"]) {
+            const auto at = offsets.find(found["path"].asString());
+            if (at != offsets.end() && !at->first.empty()) { // else it is what a missing one lacks
+                EXPECT_EQ(found["offset"].asUInt(), at->second) << found;
+            }
+        }
     }
+}
+
+TEST(Verify, ComparesWithTheChecksumBesideIt)
+{
+    const auto path = std::filesystem::temp_directory_path() / "vlbackup-sum-test.bin";
+    const bytes backup = with(0, seq({a}));
+    const auto verify = [&] { return vlbackup({"verify", path.string()}, backup); };
+    writeFile(path, {reinterpret_cast<const char*>(backup.data()), backup.size()});
+    writeChecksum(path.string(), backup, true);
+    EXPECT_EQ(verify().out, "sound\n");
+    EXPECT_NE(vlbackup({"info", path.string()}, {})
+                  .out.find(fileBytes(path.string() + ".sha256").substr(0, 64)),
+              std::string::npos);
+    writeChecksum(path.string(), example, true);
+    EXPECT_EQ(verify().status, 1);
+    EXPECT_NE(verify().out.find("another checksum"), std::string::npos) << verify().out;
+    std::filesystem::remove(path);
+    std::filesystem::remove(path.string() + ".sha256");
 }
 
 TEST(BackupView, NamesTheMarkedFilesOutsideOfFolders)

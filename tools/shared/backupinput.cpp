@@ -39,14 +39,16 @@ void judgeDocument(CBackupView& backup)
     const BackupSettings& settings = backup.settings;
     if (settings.form != SettingsForm::document || settings.document.empty())
         return;
+    const BackupPlace place{.element = 3, .offset = settings.offset};
     const std::optional<Json::Value> document = parseDocument(settings.document);
     if (!document)
         backup.Find({Grade::error, "settings",
-                     "the document isn't JSON; a restore leaves the settings as they are"});
+                     "the document isn't JSON; a restore leaves the settings as they are", place});
     else if (const char* const fault = documentFault(*document))
         backup.Find(
             {Grade::error, "settings",
-             fault + std::string("; a restore fails there, with the files replaced by then")});
+             fault + std::string("; a restore fails there, with the files replaced by then"),
+             place});
 }
 
 } // namespace
@@ -59,12 +61,15 @@ bool decodeBackup(std::span<const uint8_t> bytes, CBackupView& view)
     return true;
 }
 
+bool beginsAsBackup(std::span<const uint8_t> bytes)
+{
+    // A digit 0 is the octet that begins a backup, too.
+    return bytes.size() > 1 && bytes[0] == 0x30 && (bytes[1] >= 0x80 || bytes[1] < 0x20);
+}
+
 void refuseBackup(const std::string& name, std::span<const uint8_t> bytes, const CBackupView& view)
 {
-    // A digit 0 is the octet that begins a backup.
-    const bool begun =
-        bytes.size() > 1 && bytes[0] == 0x30 && (bytes[1] >= 0x80 || bytes[1] < 0x20);
-    if (begun)
+    if (beginsAsBackup(bytes))
         throw CToolError(shownInput(name) + " is no whole backup: " + view.refusal,
                          "copy it again, or take another");
     throw CToolError(shownInput(name) + " is no backup: it is " + describeBytes(bytes),

@@ -17,6 +17,9 @@
 // them whole.
 bool decodeBackup(std::span<const uint8_t> bytes, CBackupView& view);
 
+// beginsAsBackup is true for bytes that begin as a backup does, whatever became of the rest.
+bool beginsAsBackup(std::span<const uint8_t> bytes);
+
 // refuseBackup raises the CToolError for bytes that decodeBackup refused: cut, and where, damaged,
 // or what they are instead of a backup.
 //

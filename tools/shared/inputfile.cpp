@@ -109,12 +109,23 @@ std::ifstream openInput(const std::string& name)
     return file;
 }
 
+CInput::CInput(const std::string& name, std::istream& standardInput)
+{
+    if (name == "-") {
+        m_read = readAll(name, standardInput);
+        return;
+    }
+    std::ifstream file = openInput(name); // says what is wrong with it
+    if (entryKind(pathOf(name)) == entryKind_t::file)
+        m_file = CMappedFile(pathOf(name));
+    if (m_file.Bytes().empty())
+        m_read = readAll(name, file);
+}
+
 std::vector<uint8_t> readInput(const std::string& name, std::istream& standardInput)
 {
-    if (name == "-")
-        return readAll(name, standardInput);
-    std::ifstream file = openInput(name);
-    return readAll(name, file);
+    const CInput input(name, standardInput);
+    return {input.Bytes().begin(), input.Bytes().end()};
 }
 
 std::string describeBytes(std::span<const uint8_t> bytes)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shared/mappedfile.h"
+
 #include <cstdint>
 #include <fstream>
 #include <istream>
@@ -14,7 +16,23 @@
 // openInput opens a file; "-" is none.
 std::ifstream openInput(const std::string& name);
 
-// readInput reads a whole input.
+// CInput is a whole input: the view of a file, or what was read from a pipe.
+class CInput
+{
+public:
+    CInput(const std::string& name, std::istream& standardInput);
+
+    std::span<const uint8_t> Bytes() const noexcept
+    {
+        return m_read.empty() ? m_file.Bytes() : m_read;
+    }
+
+private:
+    CMappedFile m_file;
+    std::vector<uint8_t> m_read;
+};
+
+// readInput gives a copy of a whole input.
 std::vector<uint8_t> readInput(const std::string& name, std::istream& standardInput);
 
 // checkRead raises if the last read of the stream failed for another reason than its end.

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <memory>
 #include <sstream>
-#include <utility>
 
 #include <json/writer.h>
 
@@ -22,6 +21,9 @@ std::unique_ptr<Json::StreamWriter> makeWriter(const char* indentation)
     builder["indentation"] = indentation;
     return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
 }
+
+constexpr std::string_view digits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 } // namespace
 
@@ -62,8 +64,6 @@ std::string jsonText(const Json::Value& value, bool indented)
 
 std::string base64(std::span<const uint8_t> bytes)
 {
-    static constexpr char digits[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string out;
     out.reserve((bytes.size() + 2) / 3 * 4);
     for (size_t i = 0; i < bytes.size(); i += 3) {
@@ -77,61 +77,24 @@ std::string base64(std::span<const uint8_t> bytes)
     return out;
 }
 
-CJsonDocument::CJsonDocument(std::ostream& out) : m_out(out)
+std::optional<std::vector<uint8_t>> bytesOfBase64(std::string_view text)
 {
-    m_out << '{';
-}
-
-CJsonDocument::~CJsonDocument()
-{
-    m_out << "\n}\n";
-}
-
-void CJsonDocument::Name(const char* name)
-{
-    m_out << std::exchange(m_separator, ",\n") << "  " << jsonText(name, false) << ": ";
-}
-
-// A line end in JSON text is never part of a value.
-void CJsonDocument::Value(const Json::Value& value, const char* indentation)
-{
-    for (const char c : jsonText(value, true)) {
-        m_out << c;
-        if (c == '\n')
-            m_out << indentation;
+    if (text.size() % 4 != 0)
+        return std::nullopt;
+    const size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
+    std::vector<uint8_t> bytes;
+    bytes.reserve(text.size() / 4 * 3);
+    uint32_t group = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool padded = i >= text.size() - padding;
+        const size_t digit = padded ? 0 : digits.find(text[i]);
+        if (digit == std::string_view::npos)
+            return std::nullopt;
+        group = group << 6 | static_cast<uint32_t>(digit);
+        if (i % 4 == 3)
+            for (const unsigned shift : {16U, 8U, 0U})
+                bytes.push_back(static_cast<uint8_t>(group >> shift));
     }
-}
-
-void CJsonDocument::Member(const char* name, const Json::Value& value)
-{
-    Name(name);
-    Value(value, "  ");
-}
-
-void CJsonDocument::Base64(const char* name, std::span<const uint8_t> bytes)
-{
-    constexpr size_t piece = 3 << 14; // of whole groups
-    Name(name);
-    m_out << '"';
-    for (; !bytes.empty(); bytes = bytes.subspan(std::min(piece, bytes.size())))
-        m_out << base64(bytes.first(std::min(piece, bytes.size())));
-    m_out << '"';
-}
-
-void CJsonDocument::BeginList(const char* name)
-{
-    Name(name);
-    m_out << '[';
-    m_firstItem = true;
-}
-
-void CJsonDocument::Item(const Json::Value& value)
-{
-    m_out << (std::exchange(m_firstItem, false) ? "\n    " : ",\n    ");
-    Value(value, "    ");
-}
-
-void CJsonDocument::EndList()
-{
-    m_out << (m_firstItem ? "]" : "\n  ]");
+    bytes.resize(bytes.size() - padding);
+    return bytes;
 }

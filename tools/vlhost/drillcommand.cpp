@@ -6,6 +6,7 @@
 #include "scratchprofile.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
+#include "shared/difference.h"
 #include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
@@ -13,7 +14,6 @@
 #include "storage/settings.h"
 #include "takebackup.h"
 #include "variants.h"
-#include "vlbackup/difference.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -90,7 +90,7 @@ void drill(const std::string& file, const options_t& options)
     json["categories"] = wanted.categories.size();
     json["differences"] = Json::Value(Json::arrayValue);
     size_t lost = 0;
-    for (const BackupDifference& difference : compareBackups(wanted, found)) {
+    compareBackups(wanted, found, [&](const BackupDifference& difference) {
         const std::string reason = reasonOf(difference, wanted);
         json["differences"].append(jsonOf(difference, reason));
         lost += reason.empty();
@@ -99,7 +99,7 @@ void drill(const std::string& file, const options_t& options)
                       << printable(difference.element + ' ' + difference.item + ": " +
                                    difference.what)
                       << (reason.empty() ? "" : " (" + reason + ')') << '\n';
-    }
+    });
     json["restorable"] = lost == 0;
     if (options.json)
         printResult(json, true);

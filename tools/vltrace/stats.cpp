@@ -1,14 +1,12 @@
 #include "stats.h"
 
 #include "formats/text/printable.h"
-#include "shared/jsontext.h"
+#include "shared/jsondocument.h"
 
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
 #include <utility>
-
-#include <json/value.h>
 
 using namespace tracecore;
 
@@ -129,27 +127,26 @@ void statsTable_t::finish()
 
 void statsTable_t::writeJson()
 {
-    CJsonDocument document(m_out);
-    document.Member("schema", "stats-1");
-    Json::Value files(Json::arrayValue);
+    CJsonDocument document(m_out, "stats-1");
+    document.BeginList("files");
     for (const std::string& file : m_files)
-        files.append(file);
-    document.Member("files", files);
+        document.Text(nullptr, file);
+    document.EndList();
     document.BeginList("functions");
     for (const functionStats_t* stats : rows()) {
-        Json::Value item(Json::objectValue);
-        item["name"] = stats->name;
-        item["calls"] = Json::Value(stats->calls);
-        item["errors"] = Json::Value(stats->errors);
-        item["notes"] = Json::Value(stats->notes);
-        item["messages"] = Json::Value(stats->messages);
-        item["unfinished"] = Json::Value(stats->unfinished);
-        item["timed"] = Json::Value(stats->timed);
+        document.BeginObject(nullptr);
+        document.Text("name", stats->name);
+        document.Number("calls", stats->calls);
+        document.Number("errors", stats->errors);
+        document.Number("notes", stats->notes);
+        document.Number("messages", stats->messages);
+        document.Number("unfinished", stats->unfinished);
+        document.Number("timed", stats->timed);
         if (stats->timed > 0) {
-            item["totalMilliseconds"] = Json::Value(stats->total);
-            item["longestMilliseconds"] = Json::Value(stats->longest);
+            document.Number("totalMilliseconds", stats->total);
+            document.Number("longestMilliseconds", stats->longest);
         }
-        document.Item(item);
+        document.EndObject();
     }
     document.EndList();
 }

@@ -5,8 +5,9 @@
 #include "formats/text/unicode.h"
 
 #include <algorithm>
+#include <bit>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 namespace {
 
@@ -25,49 +26,54 @@ bool steers(const std::string& text)
     return false;
 }
 
-// CNames holds entries by names that a restore takes for the same. It reads a name again whenever
-// one is compared, as the names of a backup may take as much memory as the backup.
+// CNames holds entries by names that a restore takes for the same, in an open hash table of 8 bytes for each entry and 8 for
+// its free places. It makes a key again when two hashes are equal, as the names of a backup may take as much memory as the
+// backup.
 class CNames
 {
 public:
     using KeyOf = std::function<std::u16string(size_t entry)>;
 
-    explicit CNames(KeyOf keyOf)
-        : m_keyOf(std::move(keyOf)), m_entries(0, Hash{m_keyOf}, Equal{m_keyOf})
+    CNames(size_t count, KeyOf keyOf)
+        : m_keyOf(std::move(keyOf)), m_slots(std::bit_ceil(count + count / 2 + 1))
     {}
-    CNames(const CNames&) = delete;
-    CNames& operator=(const CNames&) = delete;
 
     // Returns: an earlier entry of the same name, or entry itself
-    size_t Add(size_t entry) { return *m_entries.insert(entry).first; }
+    size_t Add(size_t entry, const std::u16string& key)
+    {
+        Slot& slot = m_slots[PlaceOf(key)];
+        if (slot.entry == 0)
+            slot = {HashOf(key), static_cast<uint32_t>(entry + 1)};
+        return slot.entry - 1;
+    }
 
-    bool Has(const std::u16string& key) const { return m_entries.contains(key); }
+    bool Has(const std::u16string& key) const { return m_slots[PlaceOf(key)].entry != 0; }
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        size_t operator()(const std::u16string& key) const
-        {
-            return std::hash<std::u16string>()(key);
-        }
-        size_t operator()(size_t entry) const { return (*this)(keyOf(entry)); }
-        const KeyOf& keyOf;
-    };
-    struct Equal {
-        using is_transparent = void;
-        bool operator()(const std::u16string& key, size_t entry) const
-        {
-            return key == keyOf(entry);
-        }
-        bool operator()(size_t one, size_t other) const
-        {
-            return one == other || keyOf(one) == keyOf(other);
-        }
-        const KeyOf& keyOf;
+    struct Slot {
+        uint32_t hash = 0;
+        uint32_t entry =
+            0; // and one more: 0 is free. A backup's size has 32 bits, so an entry's number has
     };
 
+    static uint32_t HashOf(const std::u16string& key)
+    {
+        return static_cast<uint32_t>(std::hash<std::u16string>()(key));
+    }
+
+    // The slot of that key, or a free one.
+    size_t PlaceOf(const std::u16string& key) const
+    {
+        const uint32_t hash = HashOf(key);
+        size_t place = hash & (m_slots.size() - 1);
+        while (m_slots[place].entry != 0 &&
+               (m_slots[place].hash != hash || m_keyOf(m_slots[place].entry - 1) != key))
+            place = (place + 1) & (m_slots.size() - 1);
+        return place;
+    }
+
     KeyOf m_keyOf;
-    std::unordered_set<size_t, Hash, Equal> m_entries;
+    std::vector<Slot> m_slots;
 };
 
 class CJudge
@@ -76,19 +82,16 @@ public:
     CJudge(const CBackupView& backup, const FindingSink& sink)
         : m_backup(backup),
           m_sink(sink),
-          m_files([&backup](size_t i) { return backup.files[i].Key(); }),
-          m_links([&backup](size_t i) {
-              const BackupLink& link = backup.links[i];
-              return utf16FromUtf8(std::to_string(link.profile) + '|')
-                  .append(utf16FromUtf8(fileNamePart(link.manifest)));
-          }),
-          m_categories([&backup](size_t i) { return caseKey(backup.categories[i].name); })
+          m_files(backup.files.size(), [&backup](size_t i) { return backup.files[i].Key(); }),
+          m_links(backup.links.size(), [&backup](size_t i) { return backup.links[i].Key(); }),
+          m_categories(backup.categories.size(),
+                       [&backup](size_t i) { return backup.categories[i].Key(); })
     {}
 
     void File(size_t entry)
     {
         const BackupFile file = m_backup.files[entry];
-        Enter(templates, file.place, file.name);
+        Enter(0, {.entry = file.place, .offset = file.offset}, file.name);
         Text("the name", file.name);
         if (file.alien)
             MarkedPath(file.target);
@@ -101,7 +104,7 @@ public:
         const bool data = file.name == "updata.vls" || file.name == "updata_temp.vls";
         if (file.content.empty() && !data)
             Find(Grade::warning, "is empty, and a restore empties the file");
-        if (const size_t other = m_files.Add(entry); other != entry)
+        if (const size_t other = m_files.Add(entry, file.Key()); other != entry)
             Find(Grade::error, "is the same file as " +
                                    placeText(templates, m_backup.files[other].place) +
                                    ", and a restore keeps one");
@@ -110,7 +113,7 @@ public:
     void Link(size_t entry)
     {
         const BackupLink& link = m_backup.links[entry];
-        Enter(quicklinks, link.place, link.name);
+        Enter(1, {.entry = link.place, .offset = link.offset}, link.name);
         const std::pair<const char*, const std::string&> texts[] = {{"the name", link.name},
                                                                     {"the target", link.target},
                                                                     {"the manifest", link.manifest},
@@ -134,7 +137,7 @@ public:
                                      " is no template of the personal folder");
         if (const char* const warning = targetWarning(link.target))
             Find(Grade::warning, warning + (": " + link.target));
-        const size_t other = m_links.Add(entry);
+        const size_t other = m_links.Add(entry, link.Key());
         if (other != entry && !manifest.empty())
             Find(Grade::error, "has the template and profile of " +
                                    placeText(quicklinks, m_backup.links[other].place) +
@@ -144,23 +147,26 @@ public:
     void Category(size_t entry)
     {
         const BackupCategory& category = m_backup.categories[entry];
-        Enter(categories, entry, category.name);
+        Enter(2, {.entry = entry, .offset = category.offset}, category.name);
         Text("the name", category.name);
-        if (const size_t other = m_categories.Add(entry); other != entry)
+        if (const size_t other = m_categories.Add(entry, category.Key()); other != entry)
             Find(Grade::error, "is the same category as " + placeText(categories, other) +
                                    ", and a restore keeps one");
     }
 
 private:
-    void Enter(const char* element, size_t place, const std::string& name)
+    void Enter(size_t element, BackupPlace place, const std::string& name)
     {
-        m_where = placeText(element, place);
+        m_place = place;
+        m_place.element = element;
         m_name = name;
     }
 
     void Find(Grade grade, const std::string& what)
     {
-        m_sink({grade, m_where, '"' + m_name + "\" " + what});
+        constexpr const char* elements[] = {templates, quicklinks, categories};
+        m_sink({grade, placeText(elements[m_place.element], m_place.entry),
+                '"' + m_name + "\" " + what, m_place});
     }
 
     void Text(const char* what, const std::string& text)
@@ -221,7 +227,7 @@ private:
 
     const CBackupView& m_backup;
     const FindingSink& m_sink;
-    std::string m_where;
+    BackupPlace m_place; // of the entry that is judged
     std::string m_name;
     CNames m_files;
     CNames m_links;

@@ -14,32 +14,45 @@ std::u16string BackupFile::Key() const
     return alien ? pathKey(target) : nameKey(target);
 }
 
+std::u16string BackupCategory::Key() const
+{
+    return caseKey(name);
+}
+
 BackupFile CBackupFiles::operator[](size_t index) const
 {
     const Stored& stored = m_files[index];
     CDerSequenceView pair;
-    (void)pair.Decode(stored.encoded); // it was one when it was added
+    (void)pair.Decode(m_backup.subspan(stored.offset)); // it was one when it was added
     const StoredFile file = decodeFile(pair);
-    return {utf8FromUtf16(file.name), file.content, utf8FromUtf16(file.target), file.marked,
-            stored.place};
+    return {utf8FromUtf16(file.name),
+            file.content,
+            utf8FromUtf16(file.target),
+            file.marked,
+            stored.place,
+            stored.offset};
 }
 
 bool CBackupView::Decode(std::span<const uint8_t> backup)
 {
     *this = CBackupView(std::move(m_sink));
+    m_backup = backup;
     CDerReader reader(backup);
     std::span<const uint8_t> outer;
     CDerSequenceView top;
     if (!reader.ReadElement(outer) || !top.Decode(outer))
-        return Refuse(damageText(backup));
+        return Refuse(damageOf(backup));
     size = outer.size();
     elementCount = top.Count();
     const BackupVersion version = versionOf(elementCount);
     if (!version.restorable)
-        return Refuse(countText(elementCount, "element") + " where a restore wants at least 2");
+        return Refuse({Grade::error, "backup",
+                       countText(elementCount, "element") + " where a restore wants at least 2"});
     if (size < backup.size())
-        Find({Grade::note, "backup",
-              countText(backup.size() - size, "byte") + " after its end, which a restore ignores"});
+        Find({Grade::note,
+              "backup",
+              countText(backup.size() - size, "byte") + " after its end, which a restore ignores",
+              {.offset = size}});
     elements.reserve(elementCount);
     for (const CDerElement& element : top)
         elements.push_back(element.Encoded());
@@ -93,71 +106,79 @@ FindingSink CBackupView::Sink()
     return [this](BackupFinding finding) { Find(std::move(finding)); };
 }
 
-bool CBackupView::Refuse(std::string why)
+bool CBackupView::Refuse(const BackupFinding& why)
 {
-    refusal = std::move(why);
+    refusal = why.what;
+    refusedAt = why.place;
     return false;
+}
+
+CFormCheck CBackupView::Check(size_t position, const char* name)
+{
+    return {Sink(), m_backup, position, name};
+}
+
+size_t CBackupView::OffsetOf(const CDerElement& element) const noexcept
+{
+    return static_cast<size_t>(element.Encoded().data() - m_backup.data());
 }
 
 void CBackupView::DecodeFiles(const CDerElement& element)
 {
-    CFormCheck check(Sink());
+    CFormCheck check = Check(0, "templates");
     CDerSequenceView list;
     CDerSequenceView pair;
-    check.Sequence(element, "templates", list);
-    files.Reserve(list.Count());
+    check.List(element, list);
+    files = CBackupFiles(m_backup, list.Count());
     for (size_t i = 0; i < list.Count(); ++i) {
-        const std::string where = placeText("templates", i);
-        if (!check.Sequence(list[i], where, pair))
-            continue;
-        check.File(pair, where);
-        if (!decodeFile(pair).name.empty())
-            files.Add(list[i], i);
+        if (check.Entry(list, i, pair) && check.File(pair))
+            files.Add(OffsetOf(list[i]), i);
     }
 }
 
 void CBackupView::DecodeLinks(const CDerElement& element, TextForm form)
 {
-    CFormCheck check(Sink());
+    CFormCheck check = Check(1, "quicklinks");
     CDerSequenceView list;
     CDerSequenceView record;
-    check.Sequence(element, "quicklinks", list);
+    check.List(element, list);
     links.reserve(list.Count());
     for (size_t i = 0; i < list.Count(); ++i) {
-        const std::string where = placeText("quicklinks", i);
-        if (!check.Sequence(list[i], where, record))
+        if (!check.Entry(list, i, record))
             continue;
-        check.Link(record, form, where);
+        check.Link(record, form);
         BackupLink link;
         if (!decodeLink(record, form, link))
             continue;
         link.place = i;
+        link.offset = OffsetOf(list[i]);
         links.push_back(std::move(link));
     }
 }
 
 void CBackupView::DecodeCategories(const CDerElement& element)
 {
-    CFormCheck check(Sink());
+    CFormCheck check = Check(2, "categories");
     CDerSequenceView list;
     CDerSequenceView pair;
-    check.Sequence(element, "categories", list);
+    check.List(element, list);
     categories.reserve(list.Count());
     for (size_t i = 0; i < list.Count(); ++i) {
-        const std::string where = placeText("categories", i);
-        if (check.Sequence(list[i], where, pair))
-            check.Category(pair, where);
+        if (check.Entry(list, i, pair))
+            check.Category(pair);
         const StoredCategory stored = decodeCategory(pair);
-        categories.push_back({utf8FromUtf16(stored.name), utf8FromUtf16(stored.text)});
+        categories.push_back(
+            {utf8FromUtf16(stored.name), utf8FromUtf16(stored.text), OffsetOf(list[i])});
     }
 }
 
 void CBackupView::DecodeSettings(const CDerElement& element)
 {
-    CFormCheck check(Sink());
+    CFormCheck check = Check(3, "settings");
     CDerSequenceView items;
-    check.Sequence(element, "settings", items);
+    check.List(element, items);
     check.Settings(items);
+    settings.offset = OffsetOf(element);
     settings.form = settingsFormOf(items.Count());
     if (settings.form == SettingsForm::document)
         settings.document = items[0].NarrowText();

@@ -15,6 +15,8 @@
 // A whole backup as a restore would read it, with a finding for everything that an export would not
 // write. Portable, for tools. Texts are UTF-8; contents are views into the backup's bytes.
 
+class CFormCheck;
+
 // BackupFile is one stored file.
 struct BackupFile {
     std::string name;                 // as stored, with "alien|" in front if it goes to a full path
@@ -22,6 +24,7 @@ struct BackupFile {
     std::string target; // where a restore writes: a full path, or a name in the personal folder
     bool alien = false; // whether target is a full path, and so marked
     size_t place = 0;   // in its element
+    size_t offset = 0;  // of its pair in the backup's bytes
 
     // Key is the same for two names of one file, whatever their case or spelling.
     std::u16string Key() const;
@@ -57,8 +60,14 @@ public:
         size_t m_index;
     };
 
-    void Add(const CDerElement& encoded, size_t place) { m_files.push_back({encoded, place}); }
-    void Reserve(size_t count) { m_files.reserve(count); }
+    CBackupFiles() noexcept = default;
+    // backup: the bytes that all files are in
+    CBackupFiles(std::span<const uint8_t> backup, size_t count) : m_backup(backup)
+    {
+        m_files.reserve(count);
+    }
+
+    void Add(size_t offset, size_t place) { m_files.push_back({offset, place}); }
 
     size_t size() const noexcept { return m_files.size(); }
     // Errors: std::bad_alloc
@@ -68,9 +77,10 @@ public:
 
 private:
     struct Stored {
-        CDerElement encoded;
+        size_t offset;
         size_t place;
     };
+    std::span<const uint8_t> m_backup;
     std::vector<Stored> m_files;
 };
 
@@ -78,6 +88,10 @@ private:
 struct BackupCategory {
     std::string name;
     std::string text;
+    size_t offset = 0; // of its pair in the backup's bytes
+
+    // Key is the same for two names of one category.
+    std::u16string Key() const;
 };
 
 // BackupSettings is the settings element: a JSON document, or the typed elements of early backups.
@@ -87,6 +101,7 @@ struct BackupSettings {
     bool showPrompt = false; // the rest is of the legacy form
     std::string hotKey;
     std::span<const uint8_t> dontPromptList; // the element as it is stored; empty if there is none
+    size_t offset = 0;                       // of the settings element in the backup's bytes
 };
 
 // CBackupView holds one decoded backup. The decoded bytes must outlive it.
@@ -126,13 +141,16 @@ public:
     BackupSettings settings;
     std::vector<BackupFinding> findings;            // empty if there is a sink
     std::string refusal;                            // why Decode refused the bytes
+    BackupPlace refusedAt;                          // and where
     std::vector<std::span<const uint8_t>> elements; // the outer sequence's, encoded
 
 private:
     using Grade = BackupFinding::Grade;
 
     FindingSink Sink(); // of Find; of no use when the view has moved
-    bool Refuse(std::string why);
+    CFormCheck Check(size_t position, const char* name);
+    bool Refuse(const BackupFinding& why);
+    size_t OffsetOf(const CDerElement& element) const noexcept;
     void DecodeFiles(const CDerElement& element);
     void DecodeLinks(const CDerElement& element, TextForm form);
     void DecodeCategories(const CDerElement& element);
@@ -140,6 +158,7 @@ private:
 
     FindingSink m_sink;
     std::array<size_t, 3> m_counts{}; // of the findings, by grade
+    std::span<const uint8_t> m_backup;
 };
 
 // backupVersionText says in one line what a backup of that many elements is and what a restore

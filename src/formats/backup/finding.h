@@ -1,7 +1,23 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
+
+// BackupPlace says where an element of a backup is: its position in the outer sequence, that of the entry in it, and that
+// of the item in the entry, as deep as it goes. In the settings the items are the entries.
+struct BackupPlace {
+    static constexpr size_t none = SIZE_MAX;
+
+    size_t element = none;
+    size_t entry = none;
+    size_t item = none;
+    size_t offset = 0; // of its tag in the backup's bytes
+};
+
+// pathText gives the positions from the outside inwards, as in "0/3/1"; empty for the backup itself.
+std::string pathText(const BackupPlace& place);
 
 // BackupFinding is one thing that an export would not write, or that a reader should know before a
 // restore.
@@ -12,8 +28,9 @@ struct BackupFinding {
         error,   // a restore refuses, drops, misreads or replaces this part
     };
     Grade grade;
-    std::string where; // element and position, such as "templates[3]"
-    std::string what;  // a clause; UTF-8, with names as they are stored
+    std::string where;      // element and position, such as "templates[3]"
+    std::string what;       // a clause; UTF-8, with names as they are stored
+    BackupPlace place = {}; // of the element, or of what should hold a missing one
 };
 
 // FindingSink takes each finding when it is found: there may be several for each entry of a backup.

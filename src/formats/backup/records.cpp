@@ -14,6 +14,12 @@ std::string textOf(const CDerElement& element, TextForm form)
 
 } // namespace
 
+std::u16string BackupLink::Key() const
+{
+    return utf16FromUtf8(std::to_string(profile) + '|')
+        .append(utf16FromUtf8(fileNamePart(manifest)));
+}
+
 StoredFile decodeFile(const CDerSequenceView& pair)
 {
     StoredFile file;

@@ -50,7 +50,11 @@ struct BackupLink {
     uint32_t profile = 0;
     std::string manifestid;
     bool wocred = false;
-    size_t place = 0; // in its element
+    size_t place = 0;  // in its element
+    size_t offset = 0; // of its record in the backup's bytes
+
+    // Key is the same for two links of which a restore keeps one: of one template and profile.
+    std::u16string Key() const;
 };
 
 // decodeLink reads a quick link record. False, with link unchanged, if it hasn't five or six

@@ -29,3 +29,13 @@ size_t CDerReader::Announced() const noexcept
     Extent next{};
     return NextHeader(next) ? next.header + next.length : 0;
 }
+
+bool CDerReader::Header(size_t& octets, size_t& length) const noexcept
+{
+    Extent next{};
+    if (!NextHeader(next))
+        return false;
+    octets = next.header;
+    length = next.length;
+    return true;
+}

@@ -30,6 +30,10 @@ public:
     // that much is left; 0 if they can't be read.
     size_t Announced() const noexcept;
 
+    // Header gives the octets of the next element's tag and length, and the content octets that these announce, whether or
+    // not that much is left. False if they can't be read.
+    [[nodiscard]] bool Header(size_t& octets, size_t& length) const noexcept;
+
     // Read takes an element of that tag.
     // contents: the content octets without tag and length, a view into the reader's bytes
     [[nodiscard]] bool Read(uint8_t tag, std::span<const uint8_t>& contents) noexcept

@@ -2,8 +2,8 @@
 
 #include "formats/backup/backupview.h"
 
+#include <functional>
 #include <string>
-#include <vector>
 
 // BackupDifference is one thing that two backups don't share.
 struct BackupDifference {
@@ -13,12 +13,16 @@ struct BackupDifference {
     std::string reason = {}; // why it is no difference after all; empty unless it was looked for
 };
 
-// compareBackups compares two backups element by element. Items are matched by name, and by their
-// order where a name comes twice; then the order of those that both have is compared, and finally
-// the encoded bytes.
+using DifferenceSink = std::function<void(BackupDifference difference)>;
+
+// compareBackups compares two backups element by element. Items are matched by name, and by their order where a name
+// comes twice; then the order of those that both have is compared, and finally the encoded bytes. Takes 40 bytes for each
+// entry, besides what the views hold.
 //
-// Returns: empty only for backups that are equal byte for byte, bytes after their ends left out
-std::vector<BackupDifference> compareBackups(const CBackupView& first, const CBackupView& second);
+// sink: gets each difference when it is found; none for backups that are equal byte for byte, bytes after their ends left
+//       out
+void compareBackups(const CBackupView& first, const CBackupView& second,
+                    const DifferenceSink& sink);
 
 // reasonAfterRestore says why the format itself makes such a difference between a backup and one
 // that was taken after restoring it elsewhere; empty for a difference that it does not explain.

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "shared/outputfile.h"
+#include "verbs.h"
+
+#include <functional>
+
+class CJsonDocument;
+
+// CWrittenFile is the output of a verb that writes a file, and reports it.
+class CWrittenFile
+{
+public:
+    explicit CWrittenFile(const Call& call)
+        : m_call(call), m_file(call.output, call.force, {call.input}, call.out)
+    {}
+
+    std::ostream& Stream() noexcept { return m_file.Stream(); }
+
+    // Complete puts the file in its place, and reports its name and size unless it is standard output.
+    // more: adds to the JSON document of that schema
+    void Complete(const char* schema, const std::function<void(CJsonDocument&)>& more = {});
+
+private:
+    const Call& m_call;
+    COutputFile m_file;
+};
