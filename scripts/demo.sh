@@ -147,6 +147,7 @@ say "A second backup there, compared with the first"
 host "$second" backup 'C:\again.vlb' >/dev/null || fail "the second backup failed"
 cp "$second/drive_c/again.vlb" "$out/second.vlb"
 "$dist/vlbackup" diff --restored "$out/first.vlb" "$out/second.vlb" || fail "not everything came back"
+in_profile "$second" "$bin\\vlbackup.exe" diff --restored --live 'C:\backup.vlb' || fail "the profile differs"
 [ "$(host "$first" secret read | sha256sum)" = "$(host "$second" secret read | sha256sum)" ] ||
     fail "the secret did not come back"
 echo "the secret is the same too"
