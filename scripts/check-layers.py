@@ -40,7 +40,7 @@ MAY_INCLUDE = FORMATS | {
     "shared": ["common", *FORMATS],
     "vlbackup": ["common", *FORMATS, "shared"],
     "vltrace": [*FORMATS, "shared"],
-    "vlhost": [*PLUGIN, "shared"],
+    "vlhost": [*PLUGIN, "shared", "vlbackup"],
     "vlsetup": ["common", *FORMATS, "shared"],
     "branding": ["resources"],
     "journal": GROUND,

@@ -166,7 +166,7 @@ TEST_F(Host, BundleHasNothingOfTheUsers)
         entries[name] = std::move(content);
     }
     unzClose(archive);
-    ASSERT_TRUE(entries.contains("trace-1.txt"));
+    ASSERT_TRUE(entries.contains("trace-1.txt") && entries["backup.vlb"].size() > 100);
     EXPECT_TRUE(has(entries["trace-1.txt"], " > CVLKTPages::GetStorageData\n"));
     EXPECT_TRUE(has(entries["doctor.json"], "\"settings provider\""));
     for (const auto& [name, content] : entries)

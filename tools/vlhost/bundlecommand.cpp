@@ -13,8 +13,10 @@
 #include "shared/inputfile.h"
 #include "shared/jsontext.h"
 #include "shared/outputfile.h"
+#include "takebackup.h"
 #include "traceswitch.h"
 #include "tracewatch.h"
+#include "vlbackup/redaction.h"
 #include "ziparchive.h"
 
 #include <filesystem>
@@ -31,7 +33,9 @@ constexpr char readme[] =
     "doctor.json   what is good and what isn't; what was found is left out, as it may be a path\n"
     "version.txt   versions of the program, of its formats and of the system\n"
     "trace-N.txt   the newest traces, decoded. All that doesn't come from the plug-in's own file,\n"
-    "              such as names, paths and addresses, is replaced by <...>\n";
+    "              such as names, paths and addresses, is replaced by <...>\n"
+    "backup.vlb    a backup of the same shape as the user's, with its texts and contents "
+    "replaced\n";
 
 constexpr size_t newestTraces = 5;
 
@@ -118,6 +122,19 @@ size_t addTraces(CZipArchive& archive, const std::wstring& plugin)
     return files.size();
 }
 
+bool addBackup(CZipArchive& archive, const options_t& options)
+{
+    try {
+        const CPluginHost host(options.plugin);
+        std::ostringstream redacted;
+        redactBackup(takeBackup(host).bytes, redacted);
+        archive.Add("backup.vlb", redacted.str());
+        return true;
+    } catch (const CToolError&) {
+        return false; // which doctor.json explains
+    }
+}
+
 void bundle(const arguments_t& arguments, const options_t& options, const std::string& version)
 {
     refuseExisting(arguments.file, arguments.force);
@@ -132,6 +149,7 @@ void bundle(const arguments_t& arguments, const options_t& options, const std::s
     json["schema"] = "vlhost-bundle-1";
     json["file"] = arguments.file;
     json["traces"] = plugin.empty() ? 0 : addTraces(archive, plugin);
+    json["backup"] = addBackup(archive, options);
     const std::string bytes = archive.Finish();
     json["bytes"] = bytes.size();
     COutputFile file(arguments.file, arguments.force, {}, std::cout);
