@@ -31,7 +31,7 @@ std::wstring hostPath()
 CKernelHandle startHost(HANDLE pipe)
 {
     const std::wstring host = hostPath();
-    std::wstring line = L'"' + host + L"\" backup -"; // the call writes into it
+    std::wstring line = L'"' + host + L"\" --quiet backup -"; // the call writes into it
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
