@@ -1,6 +1,7 @@
 #include "shared/toolmain.h"
 
 #include <iostream>
+#include <iterator>
 
 #ifdef _WIN32
 #include "common/scoped.h"
@@ -16,6 +17,7 @@
 namespace {
 
 constexpr DWORD streams[] = {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+constexpr size_t streamCount = std::size(streams);
 
 } // namespace
 #endif
@@ -27,7 +29,7 @@ CToolStreams::CToolStreams()
         _setmode(_fileno(stream), _O_BINARY);
     m_codePage = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
-    for (size_t i = 0; i < m_modes.size(); ++i)
+    for (size_t i = 0; i < streamCount; ++i)
         if (const HANDLE stream = GetStdHandle(streams[i]); GetConsoleMode(stream, &m_modes[i]))
             SetConsoleMode(stream, m_modes[i] | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 #endif
@@ -39,7 +41,7 @@ CToolStreams::~CToolStreams()
     std::cout.flush(); // while the console still reads UTF-8
 #ifdef _WIN32
     SetConsoleOutputCP(m_codePage);
-    for (size_t i = 0; i < m_modes.size(); ++i)
+    for (size_t i = 0; i < streamCount; ++i)
         if (m_modes[i] != 0)
             SetConsoleMode(GetStdHandle(streams[i]), m_modes[i]);
 #endif

@@ -28,7 +28,7 @@ std::wstring registeredPluginPath(const wchar_t* role)
 
 std::wstring registeredPluginPath()
 {
-    const std::wstring path = registeredPluginPath(L"UIElements\\BackupRestore");
+    std::wstring path = registeredPluginPath(L"UIElements\\BackupRestore");
     if (path.empty())
         throw CToolError(
             "the plug-in is not registered with the dashboard",
