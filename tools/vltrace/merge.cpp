@@ -118,6 +118,7 @@ int traceMerge_t::run(const std::vector<traceInput_t*>& inputs, bool labelled)
                          [this](traceInput_t* input) { return advance(*input); });
     if (!labelled) {
         std::vector<source_t*> sources;
+        sources.reserve(ready.size());
         for (traceInput_t* input : ready)
             sources.push_back(&input->source());
         labelSources(sources);

@@ -66,6 +66,8 @@ std::string programOf(const std::string& name)
 
 std::vector<std::string> tracesIn(const std::string& folder)
 {
+    const bool separated = folder.find_last_of("/\\") + 1 == folder.size();
+    const std::string prefix = separated ? folder : folder + '/';
     std::vector<std::string> names;
     std::error_code error;
     for (fs::directory_iterator entry(pathOf(folder), error), end; !error && entry != end;
@@ -73,8 +75,7 @@ std::vector<std::string> tracesIn(const std::string& folder)
         const auto last = entry->path().filename().u8string();
         const std::string name(last.begin(), last.end());
         if (isTraceName(name) && entryKind(entry->path()) == entryKind_t::file)
-            names.push_back(folder + (folder.find_last_of("/\\") + 1 == folder.size() ? "" : "/") +
-                            name);
+            names.push_back(prefix + name);
     }
     if (error)
         throw CToolError(folder + " can't be listed: " + reasonOf(error), "may you read it?");
