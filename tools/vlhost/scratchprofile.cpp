@@ -90,7 +90,7 @@ CScratchProfile::~CScratchProfile()
     Remove();
 }
 
-// A restore tells the agent, which would look for news in the user's own profile. A thread finds no
+// A restore notifies the agent, which would look for news in the user's own profile. A thread finds no
 // windows but those of its desktop.
 void CScratchProfile::HideAgent()
 {

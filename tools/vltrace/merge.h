@@ -25,7 +25,7 @@ public:
 
     // run reads all that there is. An input that fails is left out from there on.
     //
-    // labelled: they are some of several, whose records are to be told apart
+    // labelled: they are some of several, whose records have to be distinguished
     // Returns:  the exit status
     int run(const std::vector<traceInput_t*>& inputs, bool labelled = false);
 

@@ -14,7 +14,7 @@ struct source_t {
     std::string shown; // the same for people
     size_t number;     // from 1
     std::optional<uint32_t> process;
-    // What tells its lines from those of the others: the process id, or "#" and the number.
+    // What marks its lines among those of the others: the process id, or "#" and the number.
     // Empty if it is the only one.
     std::string label;
 };
