@@ -43,25 +43,39 @@ request_t readRequest(const void* view)
     return request;
 }
 
-// readPayload takes the value out of the payload block and wipes it there.
-//
-// Returns: null, or why there is no value
-const char* readPayload(std::string& value)
-{
-    mappedBlock_t block{CKernelHandle(OpenFileMappingW(FILE_MAP_WRITE, FALSE, names.payload)), {}};
-    if (!block.handle)
-        return "payload block missing";
-    block.view.reset(MapViewOfFile(block.handle.get(), FILE_MAP_WRITE, 0, 0, 0));
-    const auto first = static_cast<char*>(block.view.get());
-    const size_t size = std::min(sharedBlockSize(first), maximumValue + 1);
-    const char* const end = size ? static_cast<char*>(std::memchr(first, 0, size)) : nullptr;
-    if (end)
-        value.assign(first, static_cast<size_t>(end - first));
-    SecureZeroMemory(first, size);
-    if (size == 0)
-        return "payload block can't be read";
-    return end ? nullptr : "payload not terminated or too long";
-}
+// payload_t is the payload block. What the client gave is wiped when it goes, and no sooner: an
+// agent that dies before leaves it to the next one.
+struct payload_t {
+    payload_t() : m_block{CKernelHandle(OpenFileMappingW(FILE_MAP_WRITE, FALSE, names.payload)), {}}
+    {
+        m_block.view.reset(MapViewOfFile(m_block.handle.get(), FILE_MAP_WRITE, 0, 0, 0));
+        m_size = std::min(sharedBlockSize(m_block.view.get()), maximumValue + 1);
+    }
+    ~payload_t() { SecureZeroMemory(m_block.view.get(), m_size); }
+    payload_t(const payload_t&) = delete;
+    payload_t& operator=(const payload_t&) = delete;
+
+    // read gives the value.
+    //
+    // Returns: null, or why there is none
+    const char* read(std::string& value) const
+    {
+        if (!m_block.handle)
+            return "payload block missing";
+        if (m_size == 0)
+            return "payload block can't be read";
+        const auto first = static_cast<const char*>(m_block.view.get());
+        const auto end = static_cast<const char*>(std::memchr(first, 0, m_size));
+        if (!end)
+            return "payload not terminated or too long";
+        value.assign(first, end);
+        return nullptr;
+    }
+
+private:
+    mappedBlock_t m_block;
+    size_t m_size = 0;
+};
 
 bool isUtf8(std::string_view text)
 {
@@ -69,11 +83,10 @@ bool isUtf8(std::string_view text)
                                                static_cast<int>(text.size()), nullptr, 0) > 0;
 }
 
-// check says why a request is refused; null for a good one. The value is taken in any case, so that
-// it doesn't stay in the block.
-const char* check(const request_t& request, std::string& value)
+// check reads the value, and says why a request is refused; null for a good one.
+const char* check(const request_t& request, const payload_t& payload, std::string& value)
 {
-    const char* const noPayload = readPayload(value);
+    const char* const noPayload = payload.read(value);
     if (request.header.command != commandRestoreSecret)
         return "unknown command";
     if (request.header.message != restore2DoneMessage())
@@ -168,9 +181,16 @@ void agentLink_t::leave(HWND window)
 
 void agentLink_t::serve(HWND window)
 {
+    exchange(window); // what the client gave is wiped by then
+    SetEvent(m_objects.ackEvent.get());
+}
+
+void agentLink_t::exchange(HWND window)
+{
     const request_t request = readRequest(m_objects.buffer.view.get());
+    const payload_t payload;
     wipedText_t value;
-    const char* const reason = check(request, value.text);
+    const char* const reason = check(request, payload, value.text);
     journalLine_t line("exchange");
     line.number("command", request.header.command)
         .number("client", request.header.processId)
@@ -191,5 +211,4 @@ void agentLink_t::serve(HWND window)
     m_journal.write(line);
     if (!reason)
         PostMessageW(window, request.header.message, 0, 0);
-    SetEvent(m_objects.ackEvent.get());
 }

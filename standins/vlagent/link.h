@@ -30,6 +30,7 @@ public:
 
 private:
     void serve(HWND window);
+    void exchange(HWND window);
     void servePending(HWND window);
     void leave(HWND window);
 

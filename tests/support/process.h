@@ -20,7 +20,7 @@ class process_t
 {
 public:
     explicit process_t(const std::filesystem::path& program, const std::wstring& arguments = L"",
-                       const std::string& input = "")
+                       const std::string& input = "", DWORD flags = 0)
     {
         writeFile(m_streams / L"0", input);
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
@@ -35,7 +35,7 @@ public:
         startup.hStdError = streams[2].get();
         std::wstring line = L'"' + program.wstring() + L"\" " + arguments;
         PROCESS_INFORMATION process{};
-        EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+        EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr,
                                    nullptr, &startup, &process))
             << "error " << GetLastError();
         m_thread.reset(process.hThread);
@@ -49,6 +49,18 @@ public:
     }
     void stop() const { SuspendThread(m_thread.get()); }
     void goOn() const { ResumeThread(m_thread.get()); }
+    void load(const std::filesystem::path& library) const // into it
+    {
+        const std::wstring& name = library.native();
+        const size_t size = (name.size() + 1) * sizeof(wchar_t);
+        void* const there = VirtualAllocEx(handle(), nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+        WriteProcessMemory(handle(), there, name.c_str(), size, nullptr);
+        const CKernelHandle thread(CreateRemoteThread(
+            handle(), nullptr, 0,
+            reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(&LoadLibraryW)), there,
+            0, nullptr));
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), 60000)) << "hangs";
+    }
     void kill() const
     {
         TerminateProcess(handle(), 9);

@@ -1,4 +1,5 @@
 #include "installation.h"
+#include "neighbours/secretclient.h"
 #include "restoremodel.h"
 #include "support/agentstub.h"
 #include "support/freshprocess.h"
@@ -6,9 +7,9 @@
 #include <iterator>
 #include <random>
 
-// Backups that nobody wrote, and restores whose process ends.
+// Backups that nobody wrote, and restores, undoings and agents whose process ends.
 //
-// VL_STRIDE=1 in the environment takes all moments of a restore, and 4,000 backups in place of a
+// VL_STRIDE=1 in the environment takes all moments of such a process, and 4,000 backups in place of a
 // sample. VL_SEED is the one backup to take.
 
 namespace {
@@ -189,6 +190,8 @@ size_t numberOf(const char* variable, size_t otherwise)
     return text ? std::stoul(text) : otherwise;
 }
 
+std::atomic<size_t> runs{0};
+
 class HostileBackup : public installedTest
 {
 protected:
@@ -212,8 +215,7 @@ protected:
     HRESULT restore(const plugin_t& plugin, size_t entry, bytes backup) const
     {
         if (entry == 2)
-            return plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-                0, nullptr, static_cast<ULONG>(backup.size()), backup.data());
+            return setPluginData(plugin, {}, backup);
         value_t data(backup);
         const auto target = plugin.as<IVLKTBackupRestore2>();
         return entry == 0 ? target->SetStorageData(&data) : target->SetStorageData2(0x10002, &data);
@@ -230,10 +232,34 @@ protected:
     {
         return process_t(m_built / L"vlhost.exe", arguments).result();
     }
+    // endedVlhost ends at that moment of the modules, with status 77 if there is one.
+    processResult_t endedVlhost(const std::wstring& arguments, const wchar_t* modules,
+                                size_t moment) const
+    {
+        setHarm(L"end", modules, moment);
+        const process_t process(m_built / L"vlhost.exe", arguments, "", CREATE_SUSPENDED);
+        process.load(m_built / L"endingcalls.dll");
+        process.goOn();
+        return process.result();
+    }
+    void undo(const state_t& wanted) const
+    {
+        const processResult_t undone = vlhost(L"restore --undo");
+        EXPECT_EQ(0u, undone.status) << undone.out << undone.err;
+        EXPECT_EQ("", difference(stateNow(), wanted));
+    }
+    static void setHarm(const wchar_t* harm, const wchar_t* modules, size_t moment)
+    {
+        SetEnvironmentVariableW(L"VL_HARM", harm);
+        SetEnvironmentVariableW(L"VL_MODULES", modules);
+        SetEnvironmentVariableW(L"VL_MOMENT", std::to_wstring(moment).c_str());
+    }
 
     state_t m_first;
     std::optional<agentStub_t> m_agentStub;
     const fs::path m_backup = m_root / L"sound.vlb";
+    const std::wstring m_restore = L"--plugin \"" + (m_built / L"VLOnlineIDs.dll").wstring() +
+                                   L"\" restore \"" + m_backup.wstring() + L'"';
     const fs::path m_copies = fs::path(_wgetenv(L"LOCALAPPDATA")) / L"Veltrano\\KRS\\SafetyCopies";
 };
 
@@ -242,7 +268,6 @@ constexpr const char* expectedPosts[] = {"0 0", "1 2", ""}; // by entry
 TEST_F(HostileBackup, LeavesWhatTheModelLeaves)
 {
     IN_FRESH_PROCESS({
-        static std::atomic<size_t> runs{0};
         endWhenStuck(runs);
         m_agentStub.emplace();
         const plugin_t plugin;
@@ -269,6 +294,19 @@ TEST_F(HostileBackup, LeavesWhatTheModelLeaves)
     });
 }
 
+// eachMoment calls body with a moment's number until nothing happens at that one; in a sample with
+// one in so many.
+template <class Body> void eachMoment(const std::string& what, size_t sample, Body body)
+{
+    runs = 0;
+    size_t moment = 0;
+    for (bool again = true; again; moment += numberOf("VL_STRIDE", sample), ++runs) {
+        SCOPED_TRACE(moment);
+        again = body(moment);
+    }
+    printRuns(what.c_str(), runs);
+}
+
 class EndedRestore : public HostileBackup, public testing::WithParamInterface<size_t>
 {};
 
@@ -282,40 +320,121 @@ TEST_P(EndedRestore, LeavesAStepAndIsTriedAgainOrUndone)
     ASSERT_EQ(S_OK, model_t([&] { steps.push_back(stateNow()); }).restore(viewOf(backup)));
     const plugin_t plugin;
     const std::wstring command =
-        L"--plugin \"" + (m_built / L"endingplugin.dll").wstring() + L"\" restore \"" +
-        m_backup.wstring() + L'"' +
-        (entry == 2 ? L" --entry plugin-data" : L" --entry 2 --flags 65538");
+        m_restore + (entry == 2 ? L" --entry plugin-data" : L" --entry 2 --flags 65538");
     auto step = steps.cbegin();
-    size_t moment = 0, runs = 0;
-    for (bool ended = true; ended; moment += numberOf("VL_STRIDE", 23), ++runs) {
-        SCOPED_TRACE(moment);
-        fs::remove_all(m_copies);
-        ready();
-        SetEnvironmentVariableW(L"VL_END", std::to_wstring(moment).c_str());
-        const auto [status, out, err] = vlhost(command);
-        const state_t left = stateNow();
-        const auto found = std::find(step, steps.cend(), left);
-        ended = status == 77;
-        EXPECT_TRUE(ended || (status == 0 && left == steps.back())) << out << err;
-        if (found == steps.cend())
-            ADD_FAILURE() << "it is no step that follows:" << difference(left, *step);
-        else
-            step = found;
-        const std::string post = posted();
-        EXPECT_EQ(post,
-                  left == steps.back() && !(ended && post.empty()) ? expectedPosts[entry] : "");
-        ready();
-        apply(left);
-        EXPECT_EQ(S_OK, restore(plugin, entry, backup));
-        EXPECT_EQ("", difference(stateNow(), steps.back()));
-        apply(left);
-        const processResult_t undone = vlhost(L"restore --undo");
-        EXPECT_EQ(0u, undone.status) << undone.out << undone.err;
-        EXPECT_EQ("", difference(stateNow(), m_first));
-    }
-    printRuns(entry == 2 ? "SetPluginData ended" : "SetStorageData2 ended", runs);
+    eachMoment(
+        entry == 2 ? "SetPluginData ended" : "SetStorageData2 ended", 37, [&](size_t moment) {
+            fs::remove_all(m_copies);
+            ready();
+            const auto [status, out, err] =
+                endedVlhost(command, L"vlhost.exe VLOnlineIDs.dll VloSet.dll", moment);
+            const state_t left = stateNow();
+            const auto found = std::find(step, steps.cend(), left);
+            const bool ended = status == 77;
+            EXPECT_TRUE(ended || (status == 0 && left == steps.back())) << out << err;
+            if (found == steps.cend())
+                ADD_FAILURE() << "it is no step that follows:" << difference(left, *step);
+            else
+                step = found;
+            const std::string post = posted();
+            EXPECT_EQ(post,
+                      left == steps.back() && !(ended && post.empty()) ? expectedPosts[entry] : "");
+            ready();
+            apply(left);
+            EXPECT_EQ(S_OK, restore(plugin, entry, backup));
+            EXPECT_EQ("", difference(stateNow(), steps.back()));
+            apply(left);
+            if (fs::exists(m_copies / L"1") || left != m_first)
+                undo(m_first);
+            return ended;
+        });
 }
 
 INSTANTIATE_TEST_SUITE_P(Entries, EndedRestore, testing::Values(1, 2));
+
+TEST_F(HostileBackup, UndoThatEndsIsTriedAgainAndLosesNothing)
+{
+    m_agentStub.emplace();
+    writeFile(m_backup, viewOf(soundBackup(0)));
+    const fs::path kept = m_root / L"kept", finished = m_copies / L"6" / L"finished";
+    for (int i = 0; i < 5; ++i) { // one copy more than stays
+        ready();
+        EXPECT_EQ(0u, vlhost(m_restore).status);
+    }
+    const state_t restored = stateNow();
+    fs::copy(m_copies, kept, fs::copy_options::recursive);
+    eachMoment("undo ended", 37, [&](size_t moment) {
+        fs::remove_all(m_copies);
+        fs::copy(kept, m_copies, fs::copy_options::recursive);
+        apply(restored);
+        const auto [status, out, err] =
+            endedVlhost(L"restore --undo", L"vlhost.exe VloSet.dll", moment);
+        const bool ended = status == 77;
+        EXPECT_TRUE(ended || status == 0) << out << err;
+        if (!fs::exists(finished))
+            undo(m_first);
+        EXPECT_EQ("", difference(stateNow(), m_first));
+        undo(restored);
+        return ended;
+    });
+}
+
+class BadAgent : public HostileBackup, public testing::WithParamInterface<const wchar_t*>
+{
+protected:
+    // send gives that secret to the agent.
+    static void send(const plugin_t& plugin, const std::wstring& secret)
+    {
+        const auto first = reinterpret_cast<const char*>(secret.c_str());
+        const bytes list = seq({seq({wide(L"KRS Protected Storage"),
+                                     octets({first, (secret.size() + 1) * sizeof(wchar_t)})})});
+        EXPECT_EQ(S_OK, setPluginData(plugin, list, seq({seq({}), seq({})})));
+    }
+    static std::wstring stored()
+    {
+        const CSecretClient store;
+        uint32_t size = 0;
+        store.Size(L"KRS Protected Storage", size);
+        CSecretBytes value(size);
+        store.Read(L"KRS Protected Storage", value);
+        return {reinterpret_cast<const wchar_t*>(value.bytes.data()), size / sizeof(wchar_t) - 1};
+    }
+};
+
+TEST_P(BadAgent, KeepsNoClientAndLosesNoSecret)
+{
+    IN_FRESH_PROCESS({
+        endWhenStuck(runs);
+        const plugin_t plugin;
+        const std::wstring harm = GetParam();
+        const bool ends = harm == L"end"; // or does harm before a call only
+        eachMoment("agent: " + utf8FromWide(harm), 7, [&](size_t moment) {
+            const std::wstring secret = L"secret " + std::to_wstring(moment);
+            setHarm(harm.c_str(), L"vlagent.exe VLFPApi.dll", ends ? moment : 2 * moment);
+            startAgent();
+            m_agent->load(m_built / L"endingcalls.dll");
+            std::jthread client([&] {
+                send(plugin, secret);
+                process_t(m_built / L"vlagent.exe", L"--quit").result();
+            });
+            const auto [status, out, err] = m_agent->result();
+            const bool done = ends ? status == 77 : err.starts_with("done");
+            EXPECT_TRUE(done || status == 0) << out << err;
+            startAgent();
+            client.join();
+            if (ends) {
+                EXPECT_EQ(secret, stored());
+            }
+            stopAgent();
+            startAgent();
+            send(plugin, L"later " + secret);
+            EXPECT_EQ(L"later " + secret, stored());
+            stopAgent();
+            return done;
+        });
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Harm, BadAgent, testing::Values(L"end", L"answer", L"rewrite"));
 
 } // namespace

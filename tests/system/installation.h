@@ -89,6 +89,13 @@ private:
     IUnknown* m_object;
 };
 
+inline HRESULT setPluginData(const plugin_t& plugin, const bytes& secrets, const bytes& data)
+{
+    return plugin.as<IVLKTBackupRestore3>()->SetPluginData(
+        static_cast<ULONG>(secrets.size()), secrets.data(), static_cast<ULONG>(data.size()),
+        data.data());
+}
+
 // A call that ends in an exception within, and traces.
 inline void callAndFail(const plugin_t& plugin)
 {
@@ -96,13 +103,13 @@ inline void callAndFail(const plugin_t& plugin)
 }
 
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a
-// quick link. What runs in a fresh process finds what its parent installed.
+// quick link. What runs in a process of the test's own finds what its parent installed.
 class installedTest : public testing::Test
 {
 protected:
     void SetUp() override
     {
-        if (testing::internal::InDeathTestChild()) {
+        if (testing::internal::InDeathTestChild() || role()) {
             fs::current_path(m_root / L"current");
             return;
         }
@@ -132,6 +139,19 @@ protected:
         stopAgent();
         fs::remove(m_policyLibrary);
     }
+    // playing starts a process in which this test runs again and has a role, which is null here.
+    static process_t playing(const std::wstring& given)
+    {
+        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+        const std::string name = std::string(test->test_suite_name()) + '.' + test->name();
+        SetEnvironmentVariableW(roleName, given.c_str());
+        process_t process(moduleFileName(nullptr),
+                          wideFromUtf8("--gtest_brief=1 --gtest_filter=" + name));
+        SetEnvironmentVariableW(roleName, nullptr);
+        return process;
+    }
+    static const wchar_t* role() { return _wgetenv(roleName); }
+
     void setTracing(DWORD on) const
     {
         const auto key = m_key + LR"(\Tracing)";
@@ -178,13 +198,15 @@ protected:
     std::map<std::string, std::string> userFiles() const // path below the user's folder, content
     {
         std::map<std::string, std::string> files;
-        std::error_code ignored;
-        for (const auto& entry : fs::recursive_directory_iterator(m_krs, ignored))
-            if (entry.is_regular_file())
-                files[fs::relative(entry.path(), m_krs).string()] = fileBytes(entry.path());
+        std::error_code gone; // other threads may delete a file
+        for (fs::recursive_directory_iterator entry(m_krs, gone), end; entry != end;
+             entry.increment(gone))
+            if (entry->is_regular_file(gone))
+                files[entry->path().lexically_relative(m_krs).string()] = fileBytes(*entry);
         return files;
     }
 
+    static constexpr wchar_t roleName[] = L"VL_ROLE";
     const std::wstring m_key = LR"(SOFTWARE\Veltrano)";
     const std::wstring m_brandingKey = m_key + LR"(\Branding\Common)";
     const wchar_t* const m_policyLibrary = LR"(C:\windows\system32\VLFPApi.dll)";

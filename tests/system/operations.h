@@ -136,16 +136,10 @@ private:
         if (data.parray->cLocks != 0)
             outcome.given += "the host's array is locked";
     }
-    static HRESULT takes(const plugin_t& plugin, const bytes& secrets, const bytes& data)
-    {
-        return plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-            static_cast<ULONG>(secrets.size()), secrets.data(), static_cast<ULONG>(data.size()),
-            data.data());
-    }
     void pluginData(const plugin_t& plugin, outcome_t& outcome)
     {
         m_agentStub.answer();
-        restored(takes(plugin, m_secrets, newLogon(m_files, m_oldSettings)), outcome);
+        restored(setPluginData(plugin, m_secrets, newLogon(m_files, m_oldSettings)), outcome);
     }
     void registration(const plugin_t& plugin, outcome_t& outcome)
     {
@@ -186,8 +180,8 @@ private:
             outcome.add(plugin.as<IVLKTBackupRestore2>()->SetStorageData(&value));
         }
         outcome.add(plugin.as<IVLKTBackupRestore2>()->SetStorageData2(0, &none));
-        outcome.add(takes(plugin, m_secrets, garbage));
-        outcome.add(takes(plugin, m_secrets, {}));
+        outcome.add(setPluginData(plugin, m_secrets, garbage));
+        outcome.add(setPluginData(plugin, m_secrets, {}));
         make(plugin, outcome, plugin.as<IUnknown>(), IID_IUnknown);
         make(plugin, outcome, nullptr, IID_IDispatch);
     }

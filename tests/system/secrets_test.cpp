@@ -71,9 +71,7 @@ TEST_F(Secrets, StayInNoMoreThanTheCopiesThatAreNotOverwritten)
         calls = 0;
         failAt = i % 2 ? 1 + random() % 60 : 0; // by every other number a call fails
         SCOPED_TRACE(testing::Message() << "secret " << i << ", failing call " << failAt);
-        plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-            static_cast<ULONG>(list.size()), list.data(), static_cast<ULONG>(data.size()),
-            data.data());
+        setPluginData(plugin, list, data);
         failAt = 0;
         EXPECT_GE(2u + 1u, copiesOf(narrowEnd)); // the form that is transferred
         EXPECT_GE(3u + 2u, copiesOf(wideEnd));   // the list before it is decoded, and the text
