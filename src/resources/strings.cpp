@@ -1,11 +1,11 @@
 #include "resources/strings.h"
 
+#include "common/guardedcall.h"
 #include "formats/resource/stringblock.h"
 #include "resources/branding.h"
 #include "resources/resourceids.h"
 #include "resources/resourcemodule.h"
 
-#include <iterator>
 #include <span>
 #include <string_view>
 
@@ -14,6 +14,7 @@ namespace {
 constexpr std::wstring_view markerStart = L"<<%";
 constexpr std::wstring_view marker = L"<<%PN%>>";
 constexpr WORD primaryLanguage = 0x3FF;
+constexpr int bufferSize = 260; // characters
 
 HRSRC findStringBlock(HMODULE module, WORD number)
 {
@@ -45,6 +46,11 @@ int readString(HMODULE module, HRSRC resource, unsigned index, std::wstring& out
     return static_cast<int>(text->size());
 }
 
+int loadProductName(HMODULE module, wchar_t* buffer)
+{
+    return LoadStringW(module, IDS_PRODUCT_NAME, buffer, bufferSize);
+}
+
 } // namespace
 
 std::wstring GetBrandedString(UINT id)
@@ -64,8 +70,8 @@ int LoadStringFromModule(HMODULE module, UINT id, std::wstring& out)
                 return length;
         }
     }
-    wchar_t buffer[260] = {};
-    const int length = LoadStringW(module, id, buffer, static_cast<int>(std::size(buffer)));
+    wchar_t buffer[bufferSize] = {};
+    const int length = LoadStringW(module, id, buffer, bufferSize);
     out = buffer;
     return length;
 }
@@ -79,10 +85,12 @@ void ExpandProductName(std::wstring& text)
 }
 
 std::wstring GetProductName()
-{
-    wchar_t buffer[260] = {};
-    // Also with no branding DLL: the process's program may have the string.
-    LoadStringW(CBranding::LoadResourceDLL(), IDS_PRODUCT_NAME, buffer,
-                static_cast<int>(std::size(buffer)));
+try {
+    wchar_t buffer[bufferSize] = {};
+    // Also with no branding DLL: the process's program may have the string. The platform trusts the
+    // lengths in a file, so that it reads past the end of a damaged one.
+    callGuarded(loadProductName, CBranding::LoadResourceDLL(), buffer);
     return buffer;
+} catch (const structuredException_t&) {
+    return {};
 }

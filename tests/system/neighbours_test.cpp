@@ -1,6 +1,7 @@
 #include "neighbours/settingsprovider.h"
 #include "neighbours/vlfpapi.h"
 #include "operations.h"
+#include "resources/resourceids.h"
 #include "support/freshprocess.h"
 #include "support/growth.h"
 #include "support/linkfixture.h"
@@ -14,7 +15,8 @@
 
 namespace {
 
-// lie_t is what the functions of the settings and policy libraries do in place of their work.
+// lie_t is what the functions of the settings and policy libraries do in place of their work, and
+// the platform with a string of the branding library.
 struct lie_t {
     const char* name;
     HRESULT (*act)();
@@ -36,6 +38,17 @@ LONG WINAPI lyingPolicy(uint32_t, VLFPPolicyRecord* records)
 {
     const HRESULT status = lie->act();
     *records = {nullptr, status, ~0u, ~0ull, ~0ull, ~0ull};
+    return status;
+}
+
+int nameLoads = 0; // of the product's name
+int WINAPI lyingBranding(HMODULE module, UINT id, wchar_t* buffer, int size)
+{
+    if (id != IDS_PRODUCT_NAME)
+        return LoadStringW(module, id, buffer, size);
+    ++nameLoads;
+    const HRESULT status = lie->act();
+    lie->text.copy(buffer, static_cast<size_t>(size - 1));
     return status;
 }
 
@@ -78,6 +91,16 @@ std::atomic<size_t> progress{0};
 class Liars : public operationsTest
 {
 protected:
+    void SetUp() override
+    {
+        operationsTest::SetUp();
+        setOldSystem(fs::path(moduleFileName(nullptr)).filename()); // for texts with the name
+    }
+    void TearDown() override
+    {
+        RegDeleteTreeW(HKEY_CURRENT_USER, LR"(Software\Wine\AppDefaults)");
+        operationsTest::TearDown();
+    }
     std::vector<outcome_t> all(const plugin_t& plugin)
     {
         std::vector<outcome_t> outcomes;
@@ -108,13 +131,39 @@ TEST_F(Liars, CanNeitherCrashNorGrowNorSpoilWhatComesLater)
             {
                 const silentPlugin_t plugin;
                 lie = &told;
-                const importPatch_t find(GetModuleHandleW(L"VLOnlineIDs.dll"), "GetProcAddress",
-                                         reinterpret_cast<void*>(findLiar));
+                nameLoads = 0;
+                const HMODULE dll = GetModuleHandleW(L"VLOnlineIDs.dll");
+                const importPatch_t find(dll, "GetProcAddress", reinterpret_cast<void*>(findLiar)),
+                    name(dll, "LoadStringW", reinterpret_cast<void*>(lyingBranding));
                 EXPECT_EQ("", grownBy([&] { all(plugin); }));
+                EXPECT_TRUE(nameLoads > 0 || LOBYTE(GetVersion()) != 5);
             }
             EXPECT_NE(std::string::npos, traced().find(told.line));
             EXPECT_TRUE(before == allByHonest());
         }
+    });
+}
+
+// The platform trusts what such a file says. VL_SOAK takes every octet of its tables.
+TEST_F(Liars, BrandingFileMayBeDamagedAnywhere)
+{
+    IN_FRESH_PROCESS({
+        endWhenStuck(progress);
+        const std::string sound = fileBytes(m_built / L"Branding.dll");
+        const size_t name = sound.find(std::string("\x1A\0V\0e\0", 6)), tables = 0xE00;
+        const size_t step = getenv("VL_SOAK") ? 1 : 37;
+        for (size_t at = 0; at < tables + 60; at += at < tables ? step : 1) {
+            ++progress;
+            std::fprintf(stderr, "%zu\n", at);
+            std::string bad = sound;
+            char& octet = bad[at < tables ? at : name + tables - at];
+            octet = static_cast<char>(octet ^ 0x80);
+            const fs::path file = m_root / (std::to_wstring(at) + L".dll");
+            writeFile(file, bad);
+            setValue(HKEY_LOCAL_MACHINE, m_brandingKey, L"DLLPath", file);
+            plugin_t().property(propertyName);
+        }
+        printRuns("damaged branding files", progress);
     });
 }
 
@@ -174,7 +223,6 @@ protected:
         std::string name, said; // what the trace says
         act_t change;           // before the exchange
         int waits = 0;          // those that would have no end
-        act_t act = nullptr;    // what it does when it gets the signal
     };
 
     static CKernelHandle& object(agentStub_t& stub, int name)
@@ -219,8 +267,6 @@ protected:
                     all.push_back({std::to_string(name) + (denied ? " denied" : " taken"), text,
                                    take(name, denied)});
             }
-        const auto silent = [](agentStub_t&) {};
-        const auto answerTwice = [](agentStub_t& stub) { stub.answer(), stub.answer(); };
         const badAgent_t others[] = {
             {"no events", said(acknowledge, "-2147024890"), // the later one's error
              [this](agentStub_t& stub) {
@@ -236,22 +282,11 @@ protected:
              takeBlock(buffer, 0x1000, PAGE_READWRITE | SEC_RESERVE)},
             {"count of 0", " E -2147023436 WaitForSingleObject = ffffffff on Semaphore|",
              [](agentStub_t& stub) { WaitForSingleObject(stub.semaphore.get(), 0); }, 1},
-            {"no answer", noAnswer, silent, 1},
-            {"two answers", "", answerTwice},
+            {"no answer", noAnswer, [](agentStub_t&) {}, 1},
             {"no buffer", " U '`I04`'IPC.OpenFileMapping 'VLMAX_NIPC_BUFFER' MMF.FILE_NOT_FOUND|",
              [](agentStub_t& stub) { stub.buffer.reset(); }},
             {"no window", " U '`I04`'NoVLAgent| U VlAgent window NOT found!|",
-             [](agentStub_t& stub) { DestroyWindow(stub.window); }},
-            {"ends after the signal", noAnswer, silent, 1,
-             [](agentStub_t& stub) {
-                 for (const int name : {admission, acknowledge, dataReady, buffer})
-                     object(stub, name).reset();
-             }},
-            {"overwrites all and answers twice", "", silent, 0, [=](agentStub_t& stub) {
-                 for (const wchar_t* name : {names[buffer], names[payload]})
-                     std::memset(blockView_t(name).bytes, 0xFF, 0x1000);
-                 answerTwice(stub);
-             }}};
+             [](agentStub_t& stub) { DestroyWindow(stub.window); }}};
         all.insert(all.end(), std::begin(others), std::end(others));
         return all;
     }
@@ -260,25 +295,16 @@ protected:
     std::string exchange(const plugin_t& plugin, const badAgent_t& bad)
     {
         const bytes secrets = seq({seq({wide(L"KRS Protected Storage"), m_value})});
-        const bytes data = seq({seq({}), seq({})});
         const size_t before = traced().size();
         agentStub_t stub;
         bad.change(stub);
-        const CKernelHandle signal(OpenEventW(SYNCHRONIZE, FALSE, names[dataReady]));
-        std::thread agent([&] {
-            if (bad.act && WaitForSingleObject(signal.get(), 10000) == WAIT_OBJECT_0)
-                bad.act(stub);
-        });
-        EXPECT_EQ(S_OK, plugin.as<IVLKTBackupRestore3>()->SetPluginData(
-                            static_cast<ULONG>(secrets.size()), secrets.data(),
-                            static_cast<ULONG>(data.size()), data.data()));
-        agent.join();
+        EXPECT_EQ(S_OK, setPluginData(plugin, secrets, seq({seq({}), seq({})})));
         EXPECT_TRUE(m_taken || !blockView_t(names[payload]).bytes);
         if (stub.semaphore) {
             EXPECT_EQ(bad.name == "count of 0",
                       WaitForSingleObject(stub.semaphore.get(), 0) == WAIT_TIMEOUT);
         }
-        if (stub.buffer && stub.dataReady && !bad.act) {
+        if (stub.buffer && stub.dataReady) {
             const bool sent = WaitForSingleObject(stub.dataReady.get(), 0) == WAIT_OBJECT_0;
             EXPECT_EQ(sent, bad.said.empty() || bad.said == noAnswer);
             EXPECT_EQ(sent, blockView_t(names[buffer]).bytes[0] == 2);
@@ -297,7 +323,7 @@ protected:
     CKernelHandle m_taken;
 };
 
-TEST_F(Link, EachNameMayBeAnothersAndTheAgentMayEndAtAnyStep)
+TEST_F(Link, EachNameMayBeAnothers)
 {
     IN_FRESH_PROCESS({
         endWhenStuck(progress);
