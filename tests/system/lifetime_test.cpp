@@ -1,10 +1,15 @@
 #include "operations.h"
+#include "support/freshprocess.h"
 #include "support/growth.h"
 #include "support/meeting.h"
 #include "support/patchimport.h"
-#include "support/process.h"
 
+#include <pthread.h>
+
+#include <atomic>
 #include <functional>
+#include <optional>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -15,9 +20,9 @@ constexpr const wchar_t* libraries[] = {L"VLOnlineIDs.dll", L"VLFPApi.dll", L"Vl
 const fs::path built = fs::path(moduleFileName(nullptr)).parent_path().parent_path();
 
 // Ends with a library loaded that has something to free, and no time to do it.
-void endWithoutAWord(unsigned number)
+void endWithoutAWord(const wchar_t* name)
 {
-    const HMODULE library = LoadLibraryW((built / libraries[number]).c_str());
+    const HMODULE library = LoadLibraryW((built / name).c_str());
     for (const char* function : {"free", "CloseHandle", "WaitForSingleObject"})
         new importPatch_t(library, function, reinterpret_cast<void*>(+[] {
                               TerminateProcess(GetCurrentProcess(), 3);
@@ -28,67 +33,63 @@ void endWithoutAWord(unsigned number)
 constexpr const char* stops[] = {"malloc",      "free",         "WaitForSingleObject",
                                  "WriteFile",   "GetLocalTime", "MultiByteToWideChar",
                                  "CreateFileW", "ReleaseMutex"};
+constexpr unsigned stopCount = 2 * std::size(stops);
 
-// Ends with a thread that stands still in some call; by every other number it is terminated, and
-// the plug-in is unloaded after a further call. The thread's calls only fail, and so load nothing:
-// one that dies in the system's loader lets no process end.
-void endAfterAStop(unsigned number)
-{
-    static const HANDLE stopped = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    auto* const plugin = new plugin_t; // not ours to free once the process ends
-    HANDLE thread = nullptr;
-    {
-        const importPatch_t patch(GetModuleHandleW(L"VLOnlineIDs.dll"), stops[number / 2],
-                                  reinterpret_cast<void*>(+[] {
-                                      SetEvent(stopped);
-                                      Sleep(INFINITE);
-                                  }));
-        const auto keepCalling = [](void* context) -> DWORD {
-            for (;;)
-                callAndFail(*static_cast<plugin_t*>(context));
-        };
-        thread = CreateThread(nullptr, 0, keepCalling, plugin, 0, nullptr);
-        if (WaitForSingleObject(stopped, 10000) != WAIT_OBJECT_0)
-            TerminateProcess(GetCurrentProcess(), 4);
-    }
-    if (number % 2) {
-        TerminateThread(thread, 0);
-        callAndFail(*plugin);
-        delete plugin;
-    }
-    ExitProcess(0);
-}
-
-// Lifetime runs again in processes of its own, which end in one of those ways: the environment
-// has its number.
+// Lifetime runs again in processes of its own, which end in one of those ways: their role is its
+// number.
 class Lifetime : public operationsTest
 {
 protected:
-    void SetUp() override
+    // end is while a thread stands still in some call, or at any moment of all operations. By some
+    // numbers a thread was terminated before, or the plug-in is unloaded.
+    [[noreturn]] void end(unsigned number)
     {
-        if (!_wgetenv(numberName))
-            operationsTest::SetUp();
-    }
-
-    void expectEnds(void (*end)(unsigned), unsigned count)
-    {
-        if (const wchar_t* const mine = _wgetenv(numberName))
-            end(static_cast<unsigned>(_wtoi(mine)));
-        const std::string filter =
-            "--gtest_brief=1 --gtest_filter=Lifetime." +
-            std::string(testing::UnitTest::GetInstance()->current_test_info()->name());
-        for (unsigned number = 0; number < count; ++number) {
-            SCOPED_TRACE(number);
-            SetEnvironmentVariableW(numberName, std::to_wstring(number).c_str());
-            const process_t process(moduleFileName(nullptr), wideFromUtf8(filter));
-            SetEnvironmentVariableW(numberName, nullptr);
-            const processResult_t result = process.result();
-            EXPECT_EQ(0u, result.status) << result.out << result.err;
-            fs::remove(m_traceFile);
+        static std::atomic<bool> enough{false}, hasFailed{false};
+        static const HANDLE stopped = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        std::minstd_rand random(number + 1);
+        auto* const plugin = new silentPlugin_t; // not ours to free once the process ends
+        const bool stands = number < stopCount;
+        const unsigned kind = stands ? number % 2 * 2 : number % 3;
+        std::optional<importPatch_t> patch;
+        if (stands)
+            patch.emplace(GetModuleHandleW(L"VLOnlineIDs.dll"), stops[number / 2],
+                          reinterpret_cast<void*>(+[] {
+                              SetEvent(stopped);
+                              Sleep(INFINITE);
+                          }));
+        // A thread that may be terminated only fails, and so loads nothing: one that dies in the
+        // system's loader lets no process end. Nor do the others then load anything: they could
+        // wait for the heap's lock with the loader's taken.
+        const auto call = [this, plugin](unsigned seed, bool onlyFails) {
+            for (std::minstd_rand mine(seed); !enough; hasFailed = onlyFails)
+                onlyFails ? callAndFail(*plugin)
+                          : void(run(*plugin, operationNames[mine() % std::size(operationNames)]));
+        };
+        std::vector<std::thread> threads;
+        threads.emplace_back(call, 0, true);
+        for (int i = 0; i < (stands ? 0 : 3); ++i)
+            threads.emplace_back(call, random(), kind == 1);
+        std::thread([this] {
+            while (WaitForSingleObject(m_agentStub.dataReady.get(), INFINITE) == WAIT_OBJECT_0)
+                m_agentStub.answer();
+        }).detach();
+        if (stands && WaitForSingleObject(stopped, 10000) != WAIT_OBJECT_0)
+            TerminateProcess(GetCurrentProcess(), 4);
+        patch.reset();
+        while (!stands && !hasFailed) // the loader starts a thread, too
+            Sleep(1);
+        Sleep(stands ? 0 : random() % 20);
+        if (kind == 1 || (kind == 2 && stands))
+            TerminateThread(pthread_gethandle(threads[0].native_handle()), 0);
+        else if (kind == 2)
+            for (enough = true; std::thread & thread : threads)
+                thread.join();
+        if (kind == 2) {
+            callAndFail(*plugin);
+            delete plugin;
         }
+        ExitProcess(0);
     }
-
-    static constexpr wchar_t numberName[] = L"VL_TEST_END";
 };
 
 TEST_F(Lifetime, LoadsKeepNothing)
@@ -134,14 +135,21 @@ TEST_F(Lifetime, LoadsKeepNothing)
     }
 }
 
-TEST_F(Lifetime, ProcessEndsWithoutAWordFromUs)
+// As many as VL_ENDS in the environment says.
+TEST_F(Lifetime, ProcessEndsWithoutAWordFromUsAndAtAnyMoment)
 {
-    expectEnds(endWithoutAWord, std::size(libraries));
-}
-
-TEST_F(Lifetime, ProcessEndsAndUnloadsThoughAThreadStandsStill)
-{
-    expectEnds(endAfterAStop, 2 * std::size(stops));
+    constexpr unsigned silent = std::size(libraries);
+    const unsigned mine = role() ? std::stoul(role()) : 0;
+    if (role())
+        mine < silent ? endWithoutAWord(libraries[mine]) : end(mine - silent);
+    const unsigned count = getenv("VL_ENDS") ? std::stoul(getenv("VL_ENDS")) : stopCount + 15;
+    for (unsigned number = 0; number < count; ++number) {
+        SCOPED_TRACE(number);
+        const processResult_t result = playing(std::to_wstring(number)).result();
+        EXPECT_EQ(0u, result.status) << result.out << result.err;
+        fs::remove(m_traceFile);
+    }
+    printRuns("process ends", count);
 }
 
 } // namespace

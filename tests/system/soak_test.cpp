@@ -33,14 +33,37 @@ protected:
             i += m_done[i] >= before[i] + 2;
         return secondsSince(start) < 60;
     }
-    // turnTo lets the next call look at the switch, and one that looked too early look again.
-    bool turnTo(DWORD on) const
+    // turn lets the other process turn the switch, the next call look at it, and one that looked too
+    // early look again.
+    bool turn() const
     {
-        setTracing(on);
-        late += 40000;
-        const bool alive = waitForCalls();
-        late += 40000;
-        return alive && waitForCalls();
+        SetEvent(m_asked.get());
+        bool alive = WaitForSingleObject(m_turned.get(), 60000) == WAIT_OBJECT_0;
+        for (int look = 0; look < 2; ++look) {
+            late += 40000;
+            alive = alive && waitForCalls();
+        }
+        return alive;
+    }
+    // flip is the other process. It turns the switch when it is asked, and changes policy and
+    // settings all the time.
+    [[noreturn]] void flip() const
+    {
+        std::minstd_rand random;
+        const auto user = m_key + L"\\Settings", policy = m_key + L"\\VLFPApi\\Policy";
+        for (DWORD on = 0;;) {
+            if (WaitForSingleObject(m_asked.get(), random() % 20) == WAIT_OBJECT_0) {
+                setTracing(on ^= 1);
+                SetEvent(m_turned.get());
+            }
+            const DWORD disabled = random() % 2;
+            RegSetKeyValueW(HKEY_LOCAL_MACHINE, policy.c_str(),
+                            LR"(CommonSettings\{42F9948B-B690-4325-A073-63A8BF31FF32}\DisableApps)",
+                            REG_DWORD, &disabled, sizeof disabled);
+            setValue(HKEY_CURRENT_USER, user, L"path_alienstorage_dirs",
+                     random() % 2 ? LR"(C:\VL\a|C:\VL\b)" : L"");
+            setValue(HKEY_CURRENT_USER, user, L"useGrabbingCreds", std::to_wstring(random() % 2));
+        }
     }
     // Each call, with its number, is traced.
     void work(const plugin_t& plugin, size_t index)
@@ -49,11 +72,8 @@ protected:
         value_t number(bytes{});
         for (uint32_t next = 1000000; !m_enough; m_done[index] = next++) {
             plugin.as<IVLKTPluginInfo>()->GetInfo(next, &number);
-            try {
-                if (next % 4 == 0)
-                    run(plugin, operationNames[random() % std::size(operationNames)]);
-            } catch (const fs::filesystem_error&) { // ours: a listed file has gone
-            }
+            if (next % 4 == 0)
+                run(plugin, operationNames[random() % std::size(operationNames)]);
         }
     }
     // Numbered calls stand whole among the records of their thread, and none is left out.
@@ -82,6 +102,8 @@ protected:
 
     std::atomic<uint32_t> m_done[8] = {}; // by thread, its last number
     std::atomic<bool> m_enough{false};
+    const CKernelHandle m_asked{CreateEventW(nullptr, FALSE, FALSE, L"vl-test-asked")};
+    const CKernelHandle m_turned{CreateEventW(nullptr, FALSE, FALSE, L"vl-test-turned")};
     size_t m_numbers = 0;
 };
 
@@ -108,8 +130,11 @@ TEST_F(Soak, ManyCallsKeepNothing)
 
 TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
 {
+    if (role())
+        flip();
     const double seconds = soak ? _wtoi(soak) : 8;
     setTracing(0);
+    const process_t flipping = playing(L"flip");
     const silentPlugin_t plugin;
     const importPatch_t ticks(GetModuleHandleW(L"VLOnlineIDs.dll"), "GetTickCount",
                               reinterpret_cast<void*>(+[] { return GetTickCount() + late; }));
@@ -127,13 +152,12 @@ TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
     while (!HasFailure() && secondsSince(start) < seconds) {
         const fs::path file = m_root / (L"trace" + std::to_wstring(++rounds) + L".trc3");
         setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", file);
-        setValue(HKEY_CURRENT_USER, m_key + L"\\Settings", L"path_alienstorage_dirs",
-                 rounds % 2 ? L"C:\\VL\\a|C:\\VL\\b" : L"");
-        bool alive = turnTo(1);
+        bool alive = turn();
         Sleep(150);
-        alive = alive && turnTo(0);
+        alive = alive && turn();
         if (!alive) {
             ADD_FAILURE() << "a thread hangs";
+            flipping.kill();
             std::fflush(nullptr);
             _exit(1); // it has our objects
         }
@@ -144,6 +168,7 @@ TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
         }
         fs::remove(file);
     }
+    flipping.kill();
     m_enough = true;
     for (auto& thread : threads)
         thread.join();

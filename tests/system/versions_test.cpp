@@ -27,13 +27,10 @@ TEST_F(Versions, ACurrentSystemOpensNoLanguageFile)
 
 TEST_F(Versions, AnOlderSystemGetsItsTextsFromTheLanguageFiles)
 {
-    if (LOBYTE(GetVersion()) != 5) { // run again as version 5.2
-        fs::current_path(m_built);   // the other process removes this one's
-        const fs::path program = moduleFileName(nullptr);
-        if (!setOldSystem(program.filename()))
+    if (!role()) { // run again as version 5.2
+        if (!setOldSystem(fs::path(moduleFileName(nullptr)).filename()))
             GTEST_SKIP() << "this system can't show a program an older one";
-        const processResult_t older =
-            process_t(program, L"--gtest_brief=1 --gtest_filter=*AnOlderSystem*").result();
+        const processResult_t older = playing(L"older").result();
         EXPECT_EQ(0u, older.status) << older.out;
         RegDeleteTreeW(HKEY_CURRENT_USER, LR"(Software\Wine\AppDefaults)");
         return;
