@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t largestBlock = 0x10000;
+constexpr size_t largestBlock = 0x100000;
 
 } // namespace
 
