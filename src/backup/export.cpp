@@ -21,7 +21,9 @@ namespace {
 constexpr wchar_t dataFile[] = L"updata.vls";
 constexpr wchar_t temporaryDataFile[] = L"updata_temp.vls";
 
-// Up to this size a copy is cheaper than a mapping, and a process can hold only so many mappings.
+// A mapping takes a page at least, and a process can hold only so many.
+constexpr size_t pageSize = 0x1000;
+constexpr size_t mostSmallMappings = 0x2000;
 constexpr size_t largestCopiedFile = 0x10000;
 constexpr size_t copyBlock = 0x100000; // so large that the heap gives it back to the system
 
@@ -32,8 +34,9 @@ std::wstring personalFolder()
     return addslash(unifyslashes(settings_getpath(L"path_localstorage_dir")));
 }
 
-// CFileReader reads files into nodes. The small ones are copied, many to a block, which goes as soon
-// as the last of them is written: a backup of small files takes its memory once, not twice.
+// CFileReader reads files into nodes, which borrow the mappings: the backup takes its memory once,
+// not twice. The smallest files, and the later ones of very many small ones, are copied, many to a
+// block, which goes as soon as the last of them is written.
 class CFileReader
 {
 public:
@@ -42,7 +45,9 @@ public:
     {
         mappedfile_scope file(fileName);
         const std::span<const uint8_t> bytes(file.get().view, file.get().size);
-        if (bytes.size() > largestCopiedFile) {
+        const bool isSmall = bytes.size() <= largestCopiedFile;
+        if (!isSmall || (bytes.size() >= pageSize && m_smallMappings < mostSmallMappings)) {
+            m_smallMappings += isSmall;
             node.SetOctets(bytes, std::make_shared<mappedfile_scope>(std::move(file)));
             return;
         }
@@ -57,6 +62,7 @@ public:
     }
 
 private:
+    size_t m_smallMappings = 0;
     std::shared_ptr<uint8_t[]> m_block;
     std::span<uint8_t> m_free; // the rest of the block
 };
