@@ -21,19 +21,26 @@ const std::wstring policyLibrary = [] {
     return std::wstring(system) + L"\\VLFPApi.dll";
 }();
 
-HMODULE plugin;
+HMODULE language; // the plug-in's language file
 volatile int sink;
 
-// The branded strings: nothing is found here, as where the system reads language files itself.
+// A branded string, with no branding DLL there.
 void rawText(UINT id)
 {
     const auto block = MAKEINTRESOURCEW(id / 16 + 1);
     const auto strings = MAKEINTRESOURCEW(6);
-    FindResourceExW(plugin, strings, block, 0);
-    FindResourceExW(plugin, strings, block, GetUserDefaultUILanguage() & 0x3FF);
-    FindResourceW(plugin, strings, block);
+    const HRSRC found = FindResourceExW(language, strings, block, 0);
+    const HGLOBAL loaded = LoadResource(language, found);
+    sink = *static_cast<const char*>(LockResource(loaded)) +
+           static_cast<int>(SizeofResource(language, found));
+    FreeResource(loaded);
     wchar_t text[260] = {};
-    sink = LoadStringW(plugin, id, text, 260);
+    LoadStringW(GetModuleHandleW(nullptr), IDS_HOST_BRANDING_KEY, text, 260);
+    for (int i = 0; i < 2; ++i)
+        sink = openKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding\\Common", KEY_QUERY_VALUE)
+                   ? 1
+                   : 0;
+    sink = LoadStringW(nullptr, IDS_PRODUCT_NAME, text, 260);
     SysFreeString(SysAllocString(text));
 }
 
@@ -73,8 +80,15 @@ void setValue(const wchar_t* path, const wchar_t* name, DWORD value)
 
 } // namespace
 
-int main()
+// On a current system the strings come with the module, and Wine finds none there. So the calls are
+// made in a process for which the system is an older one.
+int main(int argc, char**)
 {
+    if (argc == 1) {
+        RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine", L"Version", REG_SZ, L"winxp64", 16);
+        std::fputs(bench::runProgram(L"call_bench.exe", L"older").c_str(), stdout);
+        return 0;
+    }
     CopyFileW((bench::programFolder() + L"VLFPApi.dll").c_str(), policyLibrary.c_str(), FALSE);
     const std::wstring dismissed =
         std::wstring(dashboardDismissedKey) + L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}";
@@ -82,7 +96,10 @@ int main()
     setValue(dismissed.c_str(), L"1", 0);
     const std::wstring path = bench::programFolder() + L"VLOnlineIDs.dll";
     const CPluginHost host(std::string(path.begin(), path.end()));
-    plugin = GetModuleHandleW(L"VLOnlineIDs.dll");
+    language = LoadLibraryExW((bench::programFolder() + L"en-US\\VLOnlineIDs.dll.mui").c_str(),
+                              nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    if (!language)
+        return 2;
     const auto element = host.Get<IVLKTElementUI>();
     const auto security = host.Get<IVLKSecurityStatus>();
     const auto application = host.Get<IVLKTDisableApp>();
