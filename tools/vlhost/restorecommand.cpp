@@ -88,6 +88,8 @@ auto fieldsOf(const BackupLink& link)
 void compareLinks(const CPluginHost& host, const CBackupView& wanted,
                   std::vector<difference_t>& differences)
 {
+    if (wanted.links.empty())
+        return; // and spare a backup
     const bytes_t now = takeBackupIfAny(host);
     CBackupView found;
     if (now.empty() || !found.Decode(now))
