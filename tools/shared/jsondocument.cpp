@@ -52,7 +52,9 @@ void CJsonDocument::End(char bracket)
 
 void CJsonDocument::Text(const char* name, std::string_view text)
 {
-    Plain(name, jsonString(text));
+    std::string string;
+    appendJsonString(string, text);
+    Plain(name, string);
 }
 
 void CJsonDocument::Plain(const char* name, std::string_view value)

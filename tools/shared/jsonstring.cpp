@@ -2,55 +2,84 @@
 
 #include "formats/text/unicode.h"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 
 namespace {
 
-// The escape of a character that JSON has a letter for; 0 if it has none.
-char letterOf(char32_t character)
+void appendEscape(std::string& out, char32_t character)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    out += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        out += digits[character >> shift & 0xF];
+}
+
+void appendCharacter(std::string& out, char32_t character, std::string_view bytes)
 {
     switch (character) {
     case '"':
     case '\\':
-        return static_cast<char>(character);
+        out += '\\';
+        out += bytes;
+        break;
     case '\b':
-        return 'b';
+        out += "\\b";
+        break;
     case '\f':
-        return 'f';
+        out += "\\f";
+        break;
     case '\n':
-        return 'n';
+        out += "\\n";
+        break;
     case '\r':
-        return 'r';
+        out += "\\r";
+        break;
     case '\t':
-        return 't';
+        out += "\\t";
+        break;
+    case 0xFFFD:
+        out += "\uFFFD";
+        break;
     default:
-        return 0;
+        if (isSteering(character) || character == '<')
+            appendEscape(out, character);
+        else
+            out += bytes;
+    }
+}
+
+// appendEscaped appends text, in which plain bytes stay as they are.
+void appendEscaped(std::string& out, std::string_view text, auto isPlain)
+{
+    while (!text.empty()) {
+        const auto end = std::ranges::find_if_not(text, isPlain);
+        const auto run = static_cast<size_t>(end - text.begin());
+        out += text.substr(0, run);
+        text.remove_prefix(run);
+        if (text.empty())
+            return;
+        const std::string_view before = text;
+        const char32_t character = takeCharacter(text);
+        appendCharacter(out, character, before.substr(0, before.size() - text.size()));
     }
 }
 
 } // namespace
 
-std::string jsonString(std::string_view text)
+void appendJsonString(std::string& out, std::string_view text, bool forPage)
 {
-    std::string out = "\"";
-    out.reserve(text.size() + 2);
-    while (!text.empty()) {
-        const std::string_view before = text;
-        const char32_t character = takeCharacter(text);
-        if (const char letter = letterOf(character)) {
-            out += '\\';
-            out += letter;
-        } else if (isSteering(character)) {
-            std::array<char, 8> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\u%04x",
-                          static_cast<unsigned>(character));
-            out += escape.data();
-        } else if (character == 0xFFFD) {
-            out += "\uFFFD";
-        } else {
-            out += before.substr(0, before.size() - text.size());
-        }
-    }
-    return out += '"';
+    out += '"';
+    appendEscaped(out, text, [forPage](char c) {
+        return static_cast<signed char>(c) >= 0x20 && c != '"' && c != '\\' && c != 0x7F &&
+               (c != '<' || !forPage);
+    });
+    out += '"';
+}
+
+std::string escapeSteering(std::string_view json)
+{
+    std::string out;
+    out.reserve(json.size());
+    appendEscaped(out, json, [](char c) { return static_cast<unsigned char>(c) < 0x7F; });
+    return out;
 }

@@ -1,11 +1,8 @@
 #include "shared/jsontext.h"
 
-#include "formats/text/printable.h"
-#include "formats/text/unicode.h"
+#include "shared/jsonstring.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <memory>
 #include <sstream>
 
@@ -26,32 +23,6 @@ constexpr std::string_view digits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 } // namespace
-
-std::string escapeSteering(std::string_view json)
-{
-    std::string out;
-    out.reserve(json.size());
-    while (!json.empty()) {
-        if (static_cast<unsigned char>(json[0]) < 0x7F) { // the writer has escaped these
-            out += json[0];
-            json.remove_prefix(1);
-            continue;
-        }
-        const std::string_view before = json;
-        const char32_t character = takeCharacter(json);
-        if (isSteering(character)) {
-            std::array<char, 8> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\u%04x",
-                          static_cast<unsigned>(character));
-            out += escape.data();
-        } else if (character == 0xFFFD) {
-            out += "\uFFFD";
-        } else {
-            out += before.substr(0, before.size() - json.size());
-        }
-    }
-    return out;
-}
 
 std::string jsonText(const Json::Value& value, bool indented)
 {

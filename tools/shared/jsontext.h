@@ -18,9 +18,3 @@ std::string base64(std::span<const uint8_t> bytes);
 
 // bytesOfBase64 is the reverse. Nothing for a text that is none.
 std::optional<std::vector<uint8_t>> bytesOfBase64(std::string_view text);
-
-// escapeSteering gives JSON text with the characters of isSteering as \u escapes, so that it can be
-// shown on a terminal as well. Its own line ends stay.
-//
-// json: well-formed, but maybe not UTF-8; what isn't becomes U+FFFD
-std::string escapeSteering(std::string_view json);

@@ -27,7 +27,7 @@ void jsonLines_t::takeHeader(const source_t& source, const traceHeader_t& header
         for (const std::string& line : header.lines) {
             if (&line != &header.lines.front())
                 m_out.text += ',';
-            appendJson(m_out.text, line);
+            appendJsonString(m_out.text, line);
         }
         m_out.text += ']';
         if (!source.label.empty())
@@ -74,7 +74,7 @@ void jsonLines_t::write(const traceEvent_t& event)
         for (const openFunction_t& function : chain) {
             if (&function != &chain.front())
                 m_out.text += ',';
-            appendJson(m_out.text, function.name);
+            appendJsonString(m_out.text, function.name);
         }
         m_out.text += ']';
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shared/jsonstring.h"
+
 #include <charconv>
 #include <concepts>
 #include <ostream>
@@ -16,12 +18,6 @@ void appendNumber(std::string& out, std::integral auto number)
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }
 
-// appendJson appends a text as a JSON string. What acts on a display is escaped, and what is no
-// UTF-8 becomes U+FFFD.
-//
-// forPage: escape what could end a script, too
-void appendJson(std::string& out, std::string_view text, bool forPage = false);
-
 // jsonObject_t appends an object to a text, member by member; the end of its life closes it.
 class jsonObject_t
 {
@@ -37,7 +33,7 @@ public:
     // name: nothing in it needs an escape
     void add(std::string_view name, std::string_view text)
     {
-        appendJson(value(name), text, m_forPage);
+        appendJsonString(value(name), text, m_forPage);
     }
     void add(std::string_view name, std::integral auto number)
     {

@@ -2,6 +2,7 @@
 
 #include "lines.h"
 #include "pageparts.h"
+#include "shared/jsonstring.h"
 #include "textout.h"
 
 #include <algorithm>
@@ -167,14 +168,14 @@ void viewPage_t::writeData()
         out.text += ']';
     });
     writeList(object.value("strings"), m_strings, [&](const std::string* string) {
-        appendJson(out.text, *string, true);
+        appendJsonString(out.text, *string, true);
         out.written();
     });
     writeList(object.value("statuses"), m_statuses, [&](int32_t status) {
         const tools::statusInfo_t& info = statusOf(status);
-        appendJson(out.text += '[', info.hex, true);
-        appendJson(out.text += ',', info.name, true);
-        appendJson(out.text += ',', info.text, true);
+        appendJsonString(out.text += '[', info.hex, true);
+        appendJsonString(out.text += ',', info.name, true);
+        appendJsonString(out.text += ',', info.text, true);
         out.text += ']';
     });
     object.add("base", base);
