@@ -3,7 +3,6 @@
 #include "lines.h"
 #include "pageparts.h"
 #include "shared/jsonstring.h"
-#include "textout.h"
 
 #include <algorithm>
 #include <ostream>
@@ -15,21 +14,23 @@ namespace vltrace {
 namespace {
 
 // writeList writes a list; append appends one item of it.
-void writeList(std::string& out, const auto& items, auto append)
+void writeList(textOut_t& out, const auto& items, auto append)
 {
     char before = '[';
     for (const auto& item : items) {
-        out += std::exchange(before, ',');
+        out.text += std::exchange(before, ',');
         append(item);
+        out.written();
     }
-    out += before == '[' ? "[]" : "]";
+    out.text += before == '[' ? "[]" : "]";
 }
 
 // writeColumn writes a list with one number for each item.
-void writeColumn(jsonObject_t& object, std::string_view name, const auto& items, auto numberOf)
+void writeColumn(textOut_t& out, jsonObject_t& object, std::string_view name, const auto& items,
+                 auto numberOf)
 {
-    std::string& out = object.value(name);
-    writeList(out, items, [&](const auto& item) { appendNumber(out, numberOf(item)); });
+    object.value(name);
+    writeList(out, items, [&](const auto& item) { appendNumber(out.text, numberOf(item)); });
 }
 
 // deltas makes of a column of times one of their distances, which are shorter.
@@ -58,32 +59,12 @@ uint32_t viewPage_t::laneOf(int64_t thread)
     return place->second;
 }
 
-uint32_t viewPage_t::stringOf(std::string_view text)
-{
-    const auto number = static_cast<uint32_t>(m_strings.size());
-    const auto [place, isNew] = m_stringNumbers.try_emplace(std::string(text), number);
-    if (isNew)
-        m_strings.push_back(&place->first);
-    return place->second;
-}
-
-uint32_t viewPage_t::statusNumber(const message_t& message)
-{
-    if (message.status.value_or(0) == 0)
-        return 0;
-    const auto number = static_cast<uint32_t>(m_statuses.size() + 1);
-    const auto [place, isNew] = m_statusNumbers.try_emplace(*message.status, number);
-    if (isNew)
-        m_statuses.push_back(*message.status);
-    return place->second;
-}
-
 void viewPage_t::enter(thread_t& thread, openCall_t& call)
 {
     const openCall_t* const outer = thread.outer();
-    const size_t parent = outer ? outer->tag : 0;
+    const auto parent = static_cast<uint32_t>(outer ? outer->tag : 0);
     m_calls.push_back(
-        {laneOf(thread.id), stringOf(call.name), call.from, call.from, parent, false});
+        {call.from, call.from, laneOf(thread.id), m_strings.numberOf(call.name), parent, false});
     call.tag = m_calls.size();
 }
 
@@ -99,20 +80,33 @@ void viewPage_t::mark(thread_t& thread, const traceEvent_t& event, int64_t at)
     if (event.kind == kind_t::stamp)
         return;
     const openCall_t* const call = thread.top();
-    m_marks.push_back({laneOf(thread.id), event.kind == kind_t::note ? 'n' : event.record.level,
-                       stringOf(event.message.text), statusNumber(event.message), at,
-                       call ? call->tag : 0});
+    m_marks.push_back({at, laneOf(thread.id), m_strings.numberOf(event.message.text),
+                       event.message.status.value_or(0),
+                       static_cast<uint32_t>(call ? call->tag : 0),
+                       event.kind == kind_t::note ? 'n' : event.record.level});
 }
 
 void viewPage_t::damage(const traceDamage_t& item, int64_t at)
 {
-    m_marks.push_back({laneOf(-1), 'x', stringOf(damageText(item)), 0, at, 0});
+    m_marks.push_back({at, laneOf(-1), m_strings.numberOf(damageText(item)), 0, 0, 'x'});
 }
 
-void viewPage_t::writeFiles(std::string& text) const
+// statuses gives each status of a mark once, in their order.
+std::vector<int32_t> viewPage_t::statuses() const
 {
-    writeList(text, m_files, [&](const source_t& file) {
-        jsonObject_t object(text, true);
+    std::vector<int32_t> all;
+    for (const mark_t& mark : m_marks)
+        if (mark.status != 0)
+            all.push_back(mark.status);
+    std::ranges::sort(all);
+    all.erase(std::ranges::unique(all).begin(), all.end());
+    return all;
+}
+
+void viewPage_t::writeFiles(textOut_t& out) const
+{
+    writeList(out, m_files, [&](const source_t& file) {
+        jsonObject_t object(out.text, true);
         object.add("name", file.shown);
         object.add("program", programOf(file.shown));
         if (file.process)
@@ -120,34 +114,45 @@ void viewPage_t::writeFiles(std::string& text) const
     });
 }
 
-void viewPage_t::writeCalls(std::string& text, int64_t base) const
+void viewPage_t::writeCalls(textOut_t& out, int64_t base) const
 {
-    jsonObject_t object(text);
-    writeColumn(object, "lane", m_calls, [](const call_t& call) { return call.lane; });
-    writeColumn(object, "name", m_calls, [](const call_t& call) { return call.name; });
-    writeColumn(object, "from", m_calls,
-                deltas([](const call_t& call) { return call.from; }, base));
-    writeColumn(object, "took", m_calls, [](const call_t& call) { return call.to - call.from; });
-    writeColumn(object, "parent", m_calls, [number = size_t{0}](const call_t& call) mutable {
+    jsonObject_t object(out.text);
+    const auto column = [&](std::string_view name, auto numberOf) {
+        writeColumn(out, object, name, m_calls, numberOf);
+    };
+    column("lane", [](const call_t& call) { return call.lane; });
+    column("name", [](const call_t& call) { return call.name; });
+    column("from", deltas([](const call_t& call) { return call.from; }, base));
+    column("took", [](const call_t& call) { return call.to - call.from; });
+    column("parent", [number = uint32_t{0}](const call_t& call) mutable {
         ++number;
         return call.parent == 0 ? 0 : number - call.parent; // how far back it is
     });
-    writeColumn(object, "finished", m_calls,
-                [](const call_t& call) { return call.finished ? 1 : 0; });
+    column("finished", [](const call_t& call) { return call.finished ? 1 : 0; });
 }
 
-void viewPage_t::writeMarks(std::string& text, int64_t base) const
+// statuses: those of the list, of which a mark has the number, from 1; 0: none
+void viewPage_t::writeMarks(textOut_t& out, int64_t base,
+                            const std::vector<int32_t>& statuses) const
 {
-    jsonObject_t object(text);
-    writeColumn(object, "lane", m_marks, [](const mark_t& mark) { return mark.lane; });
-    writeColumn(object, "text", m_marks, [](const mark_t& mark) { return mark.text; });
-    writeColumn(object, "status", m_marks, [](const mark_t& mark) { return mark.status; });
-    writeColumn(object, "at", m_marks, deltas([](const mark_t& mark) { return mark.at; }, base));
-    writeColumn(object, "call", m_marks, [](const mark_t& mark) { return mark.call; });
-    std::string kinds;
-    for (const mark_t& mark : m_marks)
-        kinds += mark.kind;
-    object.add("kind", kinds);
+    jsonObject_t object(out.text);
+    const auto column = [&](std::string_view name, auto numberOf) {
+        writeColumn(out, object, name, m_marks, numberOf);
+    };
+    column("lane", [](const mark_t& mark) { return mark.lane; });
+    column("text", [](const mark_t& mark) { return mark.text; });
+    column("status", [&](const mark_t& mark) {
+        const auto place = std::ranges::lower_bound(statuses, mark.status);
+        return mark.status == 0 ? 0 : place - statuses.begin() + 1;
+    });
+    column("at", deltas([](const mark_t& mark) { return mark.at; }, base));
+    column("call", [](const mark_t& mark) { return mark.call; });
+    object.value("kind") += '"';
+    for (const mark_t& mark : m_marks) {
+        out.text += mark.kind;
+        out.written();
+    }
+    out.text += '"';
 }
 
 void viewPage_t::writeData()
@@ -161,17 +166,20 @@ void viewPage_t::writeData()
 
     textOut_t out(m_out);
     jsonObject_t object(out.text);
-    writeFiles(object.value("files"));
-    writeList(object.value("lanes"), m_lanes, [&](const auto& lane) {
+    object.value("files");
+    writeFiles(out);
+    object.value("lanes");
+    writeList(out, m_lanes, [&](const auto& lane) {
         appendNumber(out.text += '[', lane.first);
         appendNumber(out.text += ',', lane.second);
         out.text += ']';
     });
-    writeList(object.value("strings"), m_strings, [&](const std::string* string) {
-        appendJsonString(out.text, *string, true);
-        out.written();
-    });
-    writeList(object.value("statuses"), m_statuses, [&](int32_t status) {
+    object.value("strings");
+    writeList(out, m_strings.all(),
+              [&](std::string_view string) { appendJsonString(out.text, string, true); });
+    const std::vector<int32_t> listed = statuses();
+    object.value("statuses");
+    writeList(out, listed, [&](int32_t status) {
         const tools::statusInfo_t& info = statusOf(status);
         appendJsonString(out.text += '[', info.hex, true);
         appendJsonString(out.text += ',', info.name, true);
@@ -179,8 +187,10 @@ void viewPage_t::writeData()
         out.text += ']';
     });
     object.add("base", base);
-    writeCalls(object.value("calls"), base);
-    writeMarks(object.value("marks"), base);
+    object.value("calls");
+    writeCalls(out, base);
+    object.value("marks");
+    writeMarks(out, base, listed);
 }
 
 void viewPage_t::finish()
