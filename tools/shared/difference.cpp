@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -96,7 +97,7 @@ Side settingsOf(const CBackupView& backup)
             [kept](size_t i) { return (*kept)[i]; }};
 }
 
-constexpr size_t alone = SIZE_MAX;
+constexpr uint32_t alone = UINT32_MAX;
 
 // CMatch finds the item of the second side that has the name of one of the first.
 class CMatch
@@ -120,20 +121,22 @@ public:
         }
     }
 
-    std::vector<size_t> partner; // of each of the first; alone for none
-    std::vector<bool> met;       // which of the second are one
+    std::vector<uint32_t> partner; // of each of the first; alone for none
+    std::vector<bool> met;         // which of the second are one
 
 private:
     struct Key {
-        size_t hash;
-        size_t index;
+        uint32_t hash;
+        uint32_t index;
     };
 
     static std::vector<Key> KeysOf(const Side& side)
     {
+        if (side.count >= alone)
+            throw std::bad_alloc(); // a hundred gigabytes of items
         std::vector<Key> keys(side.count);
-        for (size_t i = 0; i < side.count; ++i)
-            keys[i] = {std::hash<std::string>()(side.name(i)), i};
+        for (uint32_t i = 0; i < keys.size(); ++i)
+            keys[i] = {static_cast<uint32_t>(std::hash<std::string>()(side.name(i))), i};
         std::sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) {
             return std::pair(a.hash, a.index) < std::pair(b.hash, b.index);
         });

@@ -16,8 +16,8 @@ struct BackupDifference {
 using DifferenceSink = std::function<void(BackupDifference difference)>;
 
 // compareBackups compares two backups element by element. Items are matched by name, and by their order where a name
-// comes twice; then the order of those that both have is compared, and finally the encoded bytes. Takes 40 bytes for each
-// entry, besides what the views hold.
+// comes twice; then the order of those that both have is compared, and finally the encoded bytes. Takes 20 bytes for each
+// pair of entries, besides what the views hold.
 //
 // sink: gets each difference when it is found; none for backups that are equal byte for byte, bytes after their ends left
 //       out
