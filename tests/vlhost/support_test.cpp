@@ -101,9 +101,16 @@ TEST_F(Host, DoctorFindsEachFault)
 TEST_F(Host, DrillProvesABackupAndTouchesNothing)
 {
     const agent_t agent;
-    writeFile(L"shared\\team.vlm", "team");
-    hostText(L"setting set path_alienstorage_dirs \"C:\\vlhost test\\shared\"");
+    const std::wstring team = folder + L"shared\\team.vlm", deep(180, L'd');
+    writeFile(team, "team");
+    for (const std::wstring& name : {std::wstring(59, L'n'), std::wstring(4, L'n')})
+        writeFile(folder + deep + L'\\' + name + L".vlm", "deep"); // the longest name
+    writeFile(folder + std::wstring(240, L'n') + L".vlm", "long");
+    hostText(L"setting set path_alienstorage_dirs \"C:\\vlhost test\\shared|C:\\vlhost test\\" +
+             deep + L"|C:\\vlhost test\"");
     hostText(L"backup shared.vlb --force");
+    writeFile(L"slashed.vlb",
+              renamed(fileBytes(L"shared.vlb"), team, L"C:/vlhost test/shared/team.vlm"));
     writeFile(L"twice.vlb", renamed(m_good, L"Köln.", L"bank."));
     change();
     writeFile(L"shared\\team.vlm", "changed");
@@ -120,7 +127,7 @@ TEST_F(Host, DrillProvesABackupAndTouchesNothing)
         RegCloseKey(key);
         return names;
     };
-    for (const wchar_t* file : {L"good.vlb", L"shared.vlb"})
+    for (const wchar_t* file : {L"good.vlb", L"shared.vlb", L"slashed.vlb"})
         EXPECT_TRUE(has(hostText(std::wstring(L"drill ") + file), "come back"));
     refused(L"drill twice.vlb");
     EXPECT_EQ("", left());
@@ -133,6 +140,8 @@ TEST_F(Host, DrillProvesABackupAndTouchesNothing)
     EXPECT_EQ(heard, fileBytes(L"journal.jsonl"));
     hostText(L"drill good.vlb"); // which removes what the other left
     EXPECT_EQ("", left());
+    fs::remove_all(folder + deep);
+    fs::remove(folder + std::wstring(240, L'n') + L".vlm");
     hostText(L"setting set path_alienstorage_dirs \"\"");
 }
 

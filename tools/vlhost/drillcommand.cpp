@@ -38,12 +38,11 @@ std::string reasonOf(const BackupDifference& difference, const CBackupView& trie
 bytes_t restoreAndTake(const bytes_t& bytes, const options_t& options)
 {
     const CScratchProfile profile;
-    const std::wstring below = profile.Folder() + L"e\\";
-    std::vector<std::wstring> folders;
+    CRelocation relocation(profile.Folder() + L"e\\");
     CVariant data;
-    setBytes(data, moveFiles(bytes, below, folders));
+    setBytes(data, relocation.Move(bytes));
     std::wstring list;
-    for (const std::wstring& folder : folders) {
+    for (const std::wstring& folder : relocation.Folders()) {
         std::filesystem::create_directories(folder);
         list += (list.empty() ? L"" : L"|") + folder;
     }
@@ -58,7 +57,7 @@ bytes_t restoreAndTake(const bytes_t& bytes, const options_t& options)
     if (FAILED(status))
         throw CToolError("the backup can't be restored: " + statusText(status),
                          "'vlbackup verify' says what is wrong with it");
-    return moveFilesBack(takeBackup(host).bytes, below);
+    return relocation.MoveBack(takeBackup(host).bytes);
 }
 
 Json::Value jsonOf(const BackupDifference& difference, const std::string& reason)

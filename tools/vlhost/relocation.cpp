@@ -8,12 +8,14 @@
 #include "shared/toolerror.h"
 #include "shared/windowsfiles.h"
 
-#include <algorithm>
+#include <windows.h>
+
+#include <filesystem>
 #include <functional>
 
-namespace {
+namespace fs = std::filesystem;
 
-constexpr wchar_t sharePart[] = L"UNC\\"; // in place of the two backslashes of a share
+namespace {
 
 // replaceTargets encodes the backup again, with the full paths as they are given.
 bytes_t replaceTargets(std::span<const BYTE> backup,
@@ -49,36 +51,48 @@ bytes_t replaceTargets(std::span<const BYTE> backup,
 
 } // namespace
 
-bytes_t moveFiles(std::span<const BYTE> backup, const std::wstring& below,
-                  std::vector<std::wstring>& folders)
+// The folder of a place is made up when it is first asked for.
+const std::wstring& CRelocation::FolderOf(const std::wstring& place, const std::wstring& inside)
 {
-    return replaceTargets(backup, [&](const std::wstring& path) {
-        const bool share = path.starts_with(L"\\\\");
-        const bool drive = path.size() > 3 && path[1] == L':' && path[2] == L'\\';
-        std::wstring moved = below;
-        if (share)
-            moved += sharePart + path.substr(2);
-        else if (drive)
-            moved += path[0] + path.substr(2);
-        if ((!share && !drive) || fullPath(moved) != moved)
-            throw CToolError("the stored file \"" + utf8FromWide(path) +
-                                 "\" can't be tried elsewhere",
-                             "'vlbackup verify' says what is wrong with it");
-        const std::wstring folder(folderPart(moved));
-        if (std::ranges::find(folders, folder) == folders.end())
-            folders.push_back(folder);
-        return moved;
+    const std::wstring number = std::to_wstring(m_folders.size() + 1);
+    return m_folders.try_emplace(fileKey(place), m_below + number + L'\\' + inside).first->second;
+}
+
+std::wstring CRelocation::Moved(const std::wstring& path)
+{
+    const std::wstring original = fullPath(path);
+    const std::wstring folder(folderPart(original));
+    const std::wstring name = original.substr(folder.size());
+    const bool prefixed = path.starts_with(LR"(\\?\)"); // and may be of any length
+    const bool tooLong = path.size() >= MAX_PATH && !prefixed;
+    std::wstring moved =
+        tooLong ? FolderOf(original, folder.substr(2)) + name : FolderOf(folder, L"") + name;
+    if (moved.size() >= MAX_PATH && !tooLong)
+        moved = FolderOf(original, L"") + L"x" + fs::path(name).extension().wstring();
+    if (fullPath(moved) != moved)
+        throw CToolError("the stored file \"" + utf8FromWide(path) + "\" can't be tried elsewhere",
+                         "'vlbackup verify' says what is wrong with it");
+    m_originals[fileKey(moved)] = path;
+    return moved;
+}
+
+bytes_t CRelocation::Move(std::span<const BYTE> backup)
+{
+    return replaceTargets(backup, [this](const std::wstring& path) { return Moved(path); });
+}
+
+bytes_t CRelocation::MoveBack(std::span<const BYTE> backup) const
+{
+    return replaceTargets(backup, [this](const std::wstring& path) {
+        const auto original = m_originals.find(fileKey(path));
+        return original == m_originals.end() ? path : original->second;
     });
 }
 
-bytes_t moveFilesBack(std::span<const BYTE> backup, const std::wstring& below)
+std::vector<std::wstring> CRelocation::Folders() const
 {
-    return replaceTargets(backup, [&](const std::wstring& path) {
-        if (!path.starts_with(below))
-            return path;
-        const std::wstring original = path.substr(below.size());
-        if (original.starts_with(sharePart))
-            return L"\\\\" + original.substr(std::size(sharePart) - 1);
-        return original.substr(0, 1) + L':' + original.substr(1);
-    });
+    std::vector<std::wstring> folders;
+    for (const auto& [place, folder] : m_folders)
+        folders.push_back(folder);
+    return folders;
 }
