@@ -66,6 +66,8 @@ inline void expectManuals(const std::string& program,
         line.emplace_back("--help");
         const std::string help = run(line);
         const size_t inner = std::min(help.find("\nSubcommands:"), help.size());
+        EXPECT_NE(help.find(inner == help.size() ? "Example:\n  " + command : ""), help.npos)
+            << help;
         for (const std::string& option : shownWords(help.substr(0, inner), true))
             expectWord(command, option);
         for (const std::string& name : shownWords(help.substr(inner), false)) {

@@ -233,12 +233,13 @@ TEST_F(Host, SecretsAreGoneAfterUse)
 
 TEST_F(Host, ManualsAreWhole)
 {
-    expectManuals("vlhost", [](const commandLine_t& words) {
-        std::wstring line;
-        for (const std::string& word : words)
-            line += wideFromUtf8(word) + L' ';
-        return hostText(line);
-    });
+    for (const std::string program : {"vlhost", "vlsetup"})
+        expectManuals(program, [&](const commandLine_t& words) {
+            std::wstring line;
+            for (const std::string& word : words)
+                line += wideFromUtf8(word) + L' ';
+            return process_t(bin / (program + ".exe"), line).result().out;
+        });
 }
 
 } // namespace

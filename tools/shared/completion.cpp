@@ -212,6 +212,7 @@ std::string powershellScript(const std::string& program, const std::vector<at_t>
         << "        if ($words.ContainsKey(\"$state $before\")) { $state = \"$state $before\" }\n"
         << "    }\n    $offered = $values[\"$state $before\"]\n"
         << "    if ($null -eq $offered) { $offered = $words[$state] }\n"
+        << "    if (!$word) { $offered = $offered -notlike '-*' }\n" // then it completes files
         << "    $offered | Where-Object { $_.StartsWith($word) } | ForEach-Object {\n"
         << "        $name, $help = $_ -split ' ', 2\n        if (!$help) { $help = $name }\n"
         << "        [System.Management.Automation.CompletionResult]::new(\n"

@@ -1,6 +1,7 @@
 #include "common/text.h"
 #include "setup.h"
 #include "shared/commandline.h"
+#include "shared/habits.h"
 #include "shared/windowsfiles.h"
 
 #include <windows.h>
@@ -51,6 +52,7 @@ int main(int argc, char** argv)
                              "Replace files of the same name; the removal puts them back");
     installCommand->add_option("--uninstaller", uninstaller,
                                "File of the package for the list of installed programs");
+    addExample(*installCommand, "vlsetup install --stand-ins none");
     installCommand->callback([&] {
         print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller), standIns,
                        replace}));
@@ -60,6 +62,7 @@ int main(int argc, char** argv)
     CLI::App* const uninstallCommand =
         app.add_subcommand("uninstall", "Remove what was installed, and nothing else");
     uninstallCommand->add_option("folder", root, "The product's folder")->capture_default_str();
+    addExample(*uninstallCommand, "vlsetup uninstall");
     uninstallCommand->callback([&] {
         const removed_t result = uninstall(wideFromUtf8(root));
         print(result.lines);
