@@ -70,7 +70,7 @@ host "$first" setting set path_alienstorage_dirs 'C:\Shared Logons' >/dev/null |
 host "$first" setting set show_training_prompt -1 >/dev/null || fail "setting"
 host "$first" setting set open_guard_desk_qa 'Ctrl+Alt+71' >/dev/null || fail "setting"
 host "$first" setting set useGrabbingCreds 1 >/dev/null || fail "setting"
-quicklinks=$(unix_path "$first" "$(host "$first" --json setting get path_quicklink_filename | sed -n 's/.*: "\(.*\)"/\1/p' | sed 's/\\\\/\\/g')")
+quicklinks=$(unix_path "$first" "$(host "$first" --json setting get path_quicklink_filename | sed -n 's/.*"value": "\(.*\)"/\1/p' | sed 's/\\\\/\\/g')")
 mkdir -p "$(dirname "$quicklinks")"
 {
     printf '[ShortCutRecord]\r\nManifest=%%appdata%%\\Veltrano\\KRS\\Templates\\bank.vlm\r\n'
@@ -80,7 +80,7 @@ mkdir -p "$(dirname "$quicklinks")"
 } >"$quicklinks"
 in_profile "$first" reg add 'HKCU\SOFTWARE\Veltrano\Applications\DashBoard\QLCategories' /v Work /d 'bank;post' /f >/dev/null
 in_profile "$first" reg add 'HKCU\SOFTWARE\Veltrano\Applications\DashBoard\QLCategories' /v Home /d 'mail' /f >/dev/null
-list=$(unix_path "$first" "$(host "$first" --json setting get path_dontpromptlist_filename | sed -n 's/.*: "\(.*\)"/\1/p' | sed 's/\\\\/\\/g')")
+list=$(unix_path "$first" "$(host "$first" --json setting get path_dontpromptlist_filename | sed -n 's/.*"value": "\(.*\)"/\1/p' | sed 's/\\\\/\\/g')")
 mkdir -p "$(dirname "$list")"
 printf 'https://never.example/\r\n' >"$list"
 printf 'correct horse battery staple' | host "$first" secret store >/dev/null || fail "the secret could not be stored"

@@ -7,7 +7,6 @@
 #include <set>
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 
 namespace {
 
@@ -167,24 +166,10 @@ TEST_F(Host, MarkedPathsStayInTheFoldersOfTheProfile)
     hostText(L"setting set path_alienstorage_dirs \"\"");
 }
 
-TEST_F(Host, EachCommandPrintsOneDocument)
+TEST_F(Host, TextOfASettingControlsNoTerminal)
 {
     hostText(L"setting set open_guard_desk_qa \"a\nb\x1B[m\"");
     EXPECT_EQ("open_guard_desk_qa: a\\nb\\x1B[m\n", hostText(L"setting get open_guard_desk_qa"));
-    for (const wchar_t* arguments :
-         {L"info", L"setting get open_guard_desk_qa", L"backup good.vlb --force",
-          L"restore good.vlb --dry-run", L"restore good.vlb", L"restore --undo --dry-run",
-          L"restore --undo", L"restore --list-undo", L"trace status", L"call get-status"}) {
-        SCOPED_TRACE(utf8FromWide(arguments));
-        std::istringstream text(hostText(std::wstring(L"--json ") + arguments));
-        Json::Value document;
-        Json::CharReaderBuilder strict;
-        Json::CharReaderBuilder::strictMode(&strict.settings_);
-        std::string errors;
-        EXPECT_TRUE(Json::parseFromStream(strict, text, &document, &errors)) << errors;
-        for (const auto& file : document["plan"]["files"])
-            EXPECT_EQ(0u, file["path"].asString().find("C:\\vlhost test\\")) << text.str();
-    }
 }
 
 TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)

@@ -148,12 +148,7 @@ def calls_agree(folder, traces, records):
     folded = dict(line.rsplit(" ", 1) for line in run("export", "--format", "folded", folder).splitlines())
     same("folded", sum(map(int, folded.values())), total)
     assert any(line.startswith("host;a:b;") for line in folded), list(folded)[:3]
-    schema = json.loads((SOURCE / "docs/schemas/stats-1.json").read_text())
-    document = json.loads(run("stats", "--json", folder))
-    same("schema", [document["schema"], set(document)], [schema["properties"]["schema"]["const"], set(schema["required"])])
-    form = schema["properties"]["functions"]["items"]
-    for row in document["functions"]:
-        assert set(form["required"]) <= set(row) <= set(form["properties"]), row
+    for row in json.loads(run("stats", "--json", folder))["functions"]:
         mine = [r for r in records if r.get("function") == row["name"]]
         same(row["name"], [row["calls"], row["errors"], row["notes"], row["messages"], row["timed"], row["calls"] - row["timed"]],
              [sum(r["level"] == ">" for r in mine), *(sum(r["kind"] == k for r in mine) for k in ("error", "note", "message")),

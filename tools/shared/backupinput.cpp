@@ -1,7 +1,9 @@
 #include "shared/backupinput.h"
 
 #include "formats/backup/documentsettings.h"
+#include "formats/text/printable.h"
 #include "shared/inputfile.h"
+#include "shared/terminal.h"
 #include "shared/toolerror.h"
 
 #include <json/reader.h>
@@ -51,6 +53,12 @@ void judgeDocument(CBackupView& backup)
              place});
 }
 
+colour_t colourOf(Grade grade)
+{
+    constexpr colour_t colours[] = {colour_t::green, colour_t::yellow, colour_t::red};
+    return colours[static_cast<size_t>(grade)];
+}
+
 } // namespace
 
 bool decodeBackup(std::span<const uint8_t> bytes, CBackupView& view)
@@ -88,21 +96,20 @@ const char* gradeName(Grade grade)
     }
 }
 
-const char* verdictText(const CBackupView& backup)
+std::string verdictText(const std::ostream& out, const CBackupView& backup)
 {
-    switch (backup.Verdict()) {
-    case Grade::error:
-        return "not sound";
-    case Grade::warning:
-        return "sound, with warnings";
-    default:
-        return "sound";
-    }
+    const char* text = "sound";
+    if (backup.Verdict() == Grade::error)
+        text = "not sound";
+    else if (backup.Verdict() == Grade::warning)
+        text = "sound, with warnings";
+    return coloured(out, colourOf(backup.Verdict()), text);
 }
 
-std::string findingText(const BackupFinding& finding)
+std::string findingText(const std::ostream& out, const BackupFinding& finding)
 {
-    return std::string(gradeName(finding.grade)) + ": " + finding.where + ": " + finding.what;
+    return coloured(out, colourOf(finding.grade), gradeName(finding.grade)) + ": " +
+           printable(finding.where + ": " + finding.what);
 }
 
 std::optional<Json::Value> parseDocument(const std::string& text)

@@ -30,11 +30,11 @@ bool beginsAsBackup(std::span<const uint8_t> bytes);
 // gradeName is the word for a grade: "note", "warning" or "error".
 const char* gradeName(BackupFinding::Grade grade);
 
-// verdictText is the word for a whole backup: "sound", "sound, with warnings" or "not sound".
-const char* verdictText(const CBackupView& backup);
-
-// findingText is "error: templates[3]: ..." with the name as it is stored.
-std::string findingText(const BackupFinding& finding);
+// verdictText is the word for a whole backup: "sound", "sound, with warnings" or "not sound", and
+// findingText "error: templates[3]: ..." with the name as it is stored. Both are printable, and in
+// colour where the stream shows it.
+std::string verdictText(const std::ostream& out, const CBackupView& backup);
+std::string findingText(const std::ostream& out, const BackupFinding& finding);
 
 // parseDocument reads a settings document as leniently as a restore does: it may have comments, and
 // text after its end. Nothing if it isn't JSON.

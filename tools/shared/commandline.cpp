@@ -1,9 +1,6 @@
 #include "shared/commandline.h"
 
-#include "formats/text/printable.h"
 #include "shared/habits.h"
-#include "shared/jsontext.h"
-#include "shared/terminal.h"
 #include "shared/toolmain.h"
 
 #include <algorithm>
@@ -35,39 +32,6 @@ CToolError usageError(const CLI::App& app, const CLI::Error& error)
                       "see " + path + "--help", exitStatus::wrongUsage);
 }
 
-// CFailures prints the one line of a failure: for people, or as a JSON document.
-class CFailures
-{
-public:
-    CFailures(const CLI::App& app, std::ostream& out, std::ostream& err, bool json)
-        : m_app(app), m_out(out), m_err(err), m_json(json)
-    {}
-
-    int Report(const CToolError& error) const
-    {
-        m_out.flush();
-        if (m_json) {
-            Json::Value line(Json::objectValue);
-            line["schema"] = "error-1";
-            line["tool"] = m_app.get_name();
-            line["error"] = error.What();
-            line["hint"] = error.Hint();
-            line["exitStatus"] = error.ExitStatus();
-            m_err << jsonText(line, false) << '\n';
-        } else {
-            m_err << coloured(m_err, colour_t::red, m_app.get_name() + ':') << ' '
-                  << printable(error.what()) << '\n';
-        }
-        return error.ExitStatus();
-    }
-
-private:
-    const CLI::App& m_app;
-    std::ostream& m_out;
-    std::ostream& m_err;
-    const bool m_json;
-};
-
 // Looked for by itself, as the parser may stop before it.
 bool wantsJson(const std::vector<std::string>& arguments)
 {
@@ -80,7 +44,11 @@ bool wantsJson(const std::vector<std::string>& arguments)
 int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
             const std::function<int()>& work)
 {
-    const CFailures failures(app, out, err, wantsJson(arguments));
+    const auto fail = [&, json = wantsJson(arguments)](const CToolError& error) {
+        out.flush();
+        reportFailure(err, app.get_name(), error, json);
+        return error.ExitStatus();
+    };
     addHabits(app);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that the parser takes them in
@@ -93,13 +61,13 @@ int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out
     } catch (const CLI::Success& help) {
         return app.exit(help, out, err);
     } catch (const CLI::ParseError& error) {
-        return failures.Report(usageError(app, error));
+        return fail(usageError(app, error));
     } catch (const CToolError& error) {
-        return failures.Report(error);
+        return fail(error);
     } catch (const std::bad_alloc&) {
-        return failures.Report(CToolError("out of memory", "close other programs and try again"));
+        return fail(CToolError("out of memory", "close other programs and try again"));
     } catch (const std::exception& error) {
-        return failures.Report(CToolError(error.what()));
+        return fail(CToolError(error.what()));
     }
 }
 

@@ -2,15 +2,17 @@
 
 #include "shared/exitstatus.h"
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
-// CToolError ends a tool with one line on standard error: what is wrong, and a hint on what to do
-// about it.
+// CToolError is one line on standard error: what is wrong, and a hint on what to do about it. Raised,
+// it ends the tool.
 class CToolError : public std::runtime_error
 {
 public:
-    // what, hint: UTF-8; names from elsewhere go in as they are, runTool makes the line printable
+    // what, hint: UTF-8; names from elsewhere go in as they are
+    // status:     good for a warning, which is reported but not raised
     explicit CToolError(const std::string& what, const std::string& hint = {},
                         int status = exitStatus::failed)
         : std::runtime_error(hint.empty() ? what : what + " (" + hint + ")"),
@@ -34,3 +36,8 @@ private:
     size_t m_hintSize;
     int m_exitStatus;
 };
+
+// reportFailure writes the line of a failure or a warning, whatever is in it printable: for people,
+// or as the JSON document that docs/schemas/error-1.json describes.
+void reportFailure(std::ostream& err, const std::string& tool, const CToolError& error,
+                   bool asJson);

@@ -3,6 +3,7 @@
 #include "shared/backupinput.h"
 #include "shared/difference.h"
 #include "shared/jsondocument.h"
+#include "shared/terminal.h"
 #include "shared/toolerror.h"
 #include "verbs.h"
 
@@ -23,11 +24,12 @@ void differenceItem(const BackupDifference& difference, bool withReason, CJsonDo
     document.EndObject();
 }
 
-std::string differenceLine(const BackupDifference& difference)
+std::string differenceLine(const std::ostream& out, const BackupDifference& difference)
 {
     const std::string& reason = difference.reason;
-    return difference.element + (difference.item.empty() ? "" : " ") + printable(difference.item) +
-           ": " + printable(difference.what) + (reason.empty() ? "" : " (" + reason + ")") + '\n';
+    return coloured(out, reason.empty() ? colour_t::red : colour_t::yellow, difference.element) +
+           (difference.item.empty() ? "" : " ") + printable(difference.item) + ": " +
+           printable(difference.what) + (reason.empty() ? "" : " (" + reason + ")") + '\n';
 }
 
 // After a restore of the first, what the format itself makes different is reported with its reason,
@@ -47,13 +49,14 @@ int compare(const CBackupView& first, const CBackupView& second, const Call& cal
         if (document)
             differenceItem(difference, call.restored, *document);
         else
-            call.out << differenceLine(difference);
+            call.out << differenceLine(call.out, difference);
     });
     if (document) {
         document->EndList();
         document->Flag("equal", identical);
     } else if (equal) {
-        call.out << (identical ? "equal\n" : "equal except for that\n");
+        call.out << coloured(call.out, colour_t::green, "equal")
+                 << (identical ? "\n" : " except for that\n");
     }
     return equal ? exitStatus::good : exitStatus::failed;
 }

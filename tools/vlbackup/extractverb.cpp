@@ -33,13 +33,13 @@ public:
             m_call.out << printable(path) << '\n';
     }
 
-    void Refused(const BackupFile& file, const std::string& why)
+    void Refused(const BackupFile& file, const CToolError& error)
     {
         m_status = exitStatus::failed;
         if (m_document)
-            Item(file, "failure", why);
+            Item(file, "failure", error.what());
         else
-            m_call.err << "vlbackup: " << printable(why) << '\n';
+            reportFailure(m_call.err, "vlbackup", error, false);
     }
 
     int Status() const noexcept { return m_status; }
@@ -76,7 +76,7 @@ int verbs::extract(const Call& call)
         try {
             outcomes.Written(file, extraction.Write(file));
         } catch (const CToolError& error) {
-            outcomes.Refused(file, error.what());
+            outcomes.Refused(file, error);
         }
     };
     if (!call.other.empty()) {
@@ -90,9 +90,10 @@ int verbs::extract(const Call& call)
         if (last[i])
             write(file);
         else
-            outcomes.Refused(file, '"' + file.name +
-                                       "\" is the same file as a later one, and isn't written "
-                                       "(a restore keeps the last)");
+            outcomes.Refused(file,
+                             CToolError('"' + file.name +
+                                            "\" is the same file as a later one, and isn't written",
+                                        "a restore keeps the last"));
     }
     return outcomes.Status();
 }

@@ -29,7 +29,7 @@ void infoText(const CBackupView& backup, const std::string& sum, std::ostream& o
         << "quick links  " << backup.links.size() << (backup.oldLinks ? ", old form\n" : "\n")
         << "categories   " << backup.categories.size() << '\n'
         << "settings     " << formName(backup.settings.form) << '\n'
-        << "verdict      " << verdictText(backup) << " (errors "
+        << "verdict      " << verdictText(out, backup) << " (errors "
         << backup.FindingCount(Grade::error) << ", warnings " << backup.FindingCount(Grade::warning)
         << ", notes " << backup.FindingCount(Grade::note) << ")\n";
 }

@@ -38,11 +38,13 @@ void recoveredCounts(const Salvage& salvage, CJsonDocument& document)
 void report(const Salvage& salvage, std::ostream& out)
 {
     for (const Loss& loss : salvage.losses)
-        out << "lost: byte " << loss.offset << ", " << countText(loss.size, "byte") << ": "
+        out << coloured(out, colour_t::red, "lost") << ": byte " << loss.offset << ", "
+            << countText(loss.size, "byte") << ": "
             << (loss.name.empty() ? "" : '"' + printable(loss.name) + "\" ") << printable(loss.what)
             << '\n';
     if (!isQuiet())
-        out << "recovered: " << countText(salvage.files.size(), "template") << ", "
+        out << coloured(out, colour_t::green, "recovered") << ": "
+            << countText(salvage.files.size(), "template") << ", "
             << countText(salvage.links.size(), "quick link") << ", " << salvage.categories.size()
             << (salvage.categories.size() == 1 ? " category, " : " categories, ")
             << (salvage.settings.empty() ? "no settings\n" : "settings\n");

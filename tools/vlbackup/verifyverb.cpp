@@ -1,4 +1,3 @@
-#include "formats/text/printable.h"
 #include "shared/backupinput.h"
 #include "shared/checksumfile.h"
 #include "shared/exitstatus.h"
@@ -21,10 +20,10 @@ void findingItem(const BackupFinding& finding, CJsonDocument& document)
 }
 
 // "error: templates[3]: ... (byte 120, element 0/3)"
-std::string findingLine(const BackupFinding& finding)
+std::string findingLine(const std::ostream& out, const BackupFinding& finding)
 {
     const std::string path = pathText(finding.place);
-    return printable(findingText(finding)) + " (byte " + std::to_string(finding.place.offset) +
+    return findingText(out, finding) + " (byte " + std::to_string(finding.place.offset) +
            (path.empty() ? ")\n" : ", element " + path + ")\n");
 }
 
@@ -65,7 +64,7 @@ int verbs::verify(const Call& call)
         if (document)
             findingItem(finding, *document);
         else
-            call.out << findingLine(finding);
+            call.out << findingLine(call.out, finding);
     });
     if (!decodeBackup(input.Bytes(), view)) {
         if (!document)
@@ -78,7 +77,7 @@ int verbs::verify(const Call& call)
         document->Text("checksum", checksum);
         document->Text("verdict", verdictName(view));
     } else {
-        call.out << verdictText(view) << '\n';
+        call.out << verdictText(call.out, view) << '\n';
     }
     const bool good = call.strict ? view.Sound() : view.Restorable();
     return good ? exitStatus::good : exitStatus::failed;

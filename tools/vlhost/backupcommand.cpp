@@ -59,7 +59,7 @@ void report(Json::Value& json, const BackupFinding& finding, bool asJson)
     one["what"] = finding.what;
     json["findings"].append(one);
     if (!asJson && (finding.grade == BackupFinding::Grade::error || !isQuiet()))
-        std::cerr << "vlhost: " << printable(findingText(finding)) << '\n';
+        std::cerr << "vlhost: " << findingText(std::cerr, finding) << '\n';
 }
 
 // A checksum that lies there of the backup that is replaced would be wrong from now on.
@@ -107,7 +107,7 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
     if (good)
         write(arguments, backup.bytes);
     if (options.json)
-        printResult(json, true);
+        printResult("vlhost-backup-1", json, true);
     if (!good)
         throw CToolError("the plug-in gave a backup that is not whole",
                          "nothing was written to " + arguments.file +

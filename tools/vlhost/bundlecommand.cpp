@@ -146,7 +146,6 @@ void bundle(const arguments_t& arguments, const options_t& options, const std::s
                                     ? registeredPluginPath(L"UIElements\\BackupRestore")
                                     : wideFromUtf8(options.plugin);
     Json::Value json(Json::objectValue);
-    json["schema"] = "vlhost-bundle-1";
     json["file"] = arguments.file;
     json["traces"] = plugin.empty() ? 0 : addTraces(archive, plugin);
     json["backup"] = addBackup(archive, options);
@@ -156,7 +155,7 @@ void bundle(const arguments_t& arguments, const options_t& options, const std::s
     file.Stream() << bytes;
     file.Complete();
     if (arguments.file != "-")
-        printDone(json, options.json);
+        printDone("vlhost-bundle-1", json, options.json);
 }
 
 } // namespace

@@ -231,7 +231,7 @@ private:
         command->callback([&options = m_options, arguments = m_arguments, body] {
             const CPluginHost host(options.plugin);
             const Json::Value result = body(host, *arguments);
-            printResult(result, options.json);
+            printResult("vlhost-call-1", result, options.json);
             const Json::Value& status = result["status"];
             if (result["failed"].asBool())
                 throw CToolError("the operation failed: " + status["number"].asString() + ' ' +

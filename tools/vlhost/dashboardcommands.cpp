@@ -182,6 +182,16 @@ void undismiss()
                          "it is the value 2 of HKCU\\" + utf8FromWide(dismissedKey));
 }
 
+// shownNow is what the dashboard shows of the notifications.
+Json::Value shownNow(const CPluginHost& host)
+{
+    Json::Value json(Json::objectValue);
+    const LONG level = securityLevel(host);
+    addNumber(json, "level", level, meaningOf(levelMeanings, level));
+    json["notifications"] = notificationsOf(host);
+    return json;
+}
+
 // setShown shows or dismisses what the dashboard shows now, and asks the plug-in if that worked.
 Json::Value setShown(const CPluginHost& host, bool shown)
 {
@@ -204,21 +214,18 @@ Json::Value setShown(const CPluginHost& host, bool shown)
                              always ? "while the user is at risk it can't be dismissed"
                                     : "may HKCU\\" + utf8FromWide(dismissedKey) + " be written?");
     });
-    Json::Value json(Json::objectValue);
-    const LONG level = securityLevel(host);
-    addNumber(json, "level", level, meaningOf(levelMeanings, level));
-    json["notifications"] = notificationsOf(host);
-    return json;
+    return shownNow(host);
 }
 
 Json::Value openConsole(const CPluginHost& host)
 {
     Json::Value json(Json::objectValue);
+    json["started"] = false; // without a notification
     eachNotification(host, [&](unsigned, IVLKTElementUI* notice) {
         const HRESULT status = notice->SetProperty(commandOpenConsole, nullptr);
         if (FAILED(status))
             throw CToolError("the notification refused: " + statusText(status));
-        json["console"] = "started";
+        json["started"] = true;
     });
     return json;
 }
@@ -242,33 +249,39 @@ Json::Value switchTo(const CPluginHost& host, bool on)
     return statusOf(host);
 }
 
+constexpr char statusSchema[] = "vlhost-status-1";
+constexpr char shownSchema[] = "vlhost-notifications-1";
+
 } // namespace
 
 void addDashboardCommands(CLI::App& app, const options_t& options)
 {
-    const auto add = [&](const char* name, const char* help, auto body, auto print) {
+    const auto add = [&](const char* name, const char* help, auto body, auto print,
+                         const char* schema) {
         CLI::App* const command = app.add_subcommand(name, help);
         addExample(*command, std::string("vlhost ") + name);
-        command->callback([&options, body, print] {
+        command->callback([&options, body, print, schema] {
             const CPluginHost host(options.plugin);
-            print(body(host), options.json);
+            print(schema, body(host), options.json);
         });
     };
-    add("info", "Everything that a dashboard shows of the plug-in", infoOf, printResult);
+    add("info", "Everything that a dashboard shows of the plug-in", infoOf, printResult,
+        "vlhost-info-1");
     add("status", "Status, level, and whether the application is switched off", statusOf,
-        printResult);
-    add("notifications", "What the user should look at", notificationsOf, printResult);
+        printResult, statusSchema);
+    add("notifications", "What the user should look at", shownNow, printResult, shownSchema);
     add(
         "dismiss", "Dismiss the notification",
-        [](const CPluginHost& host) { return setShown(host, false); }, printDone);
+        [](const CPluginHost& host) { return setShown(host, false); }, printDone, shownSchema);
     add(
         "show", "Show the notification again",
-        [](const CPluginHost& host) { return setShown(host, true); }, printDone);
-    add("console", "Open the console at the plug-in's page", openConsole, printDone);
+        [](const CPluginHost& host) { return setShown(host, true); }, printDone, shownSchema);
+    add("console", "Open the console at the plug-in's page", openConsole, printDone,
+        "vlhost-console-1");
     add(
         "enable", "Switch the application on",
-        [](const CPluginHost& host) { return switchTo(host, true); }, printDone);
+        [](const CPluginHost& host) { return switchTo(host, true); }, printDone, statusSchema);
     add(
         "disable", "Switch the application off",
-        [](const CPluginHost& host) { return switchTo(host, false); }, printDone);
+        [](const CPluginHost& host) { return switchTo(host, false); }, printDone, statusSchema);
 }

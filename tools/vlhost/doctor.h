@@ -17,7 +17,9 @@ struct checkup_t {
 //
 // chosen: the plug-in that --plugin names; empty for the registered one. UTF-8
 std::vector<checkup_t> examine(const std::string& chosen);
-Json::Value jsonOf(const std::vector<checkup_t>& checkups);
+
+inline constexpr char doctorSchema[] = "vlhost-doctor-1";
+Json::Value jsonOf(const std::vector<checkup_t>& checkups); // with the schema
 
 // These are the parts of examine: what is installed, and what this user has.
 void examineInstallation(const std::string& chosen, std::vector<checkup_t>& checkups);

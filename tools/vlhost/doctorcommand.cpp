@@ -27,7 +27,7 @@ void diagnose(const options_t& options)
 {
     const std::vector<checkup_t> checkups = examine(options.plugin);
     if (options.json)
-        printResult(jsonOf(checkups), true);
+        printResult(doctorSchema, jsonOf(checkups), true);
     else
         std::ranges::for_each(checkups, printLine);
     if (const auto bad = std::ranges::count(checkups, false, &checkup_t::good))
@@ -49,7 +49,7 @@ std::vector<checkup_t> examine(const std::string& chosen)
 Json::Value jsonOf(const std::vector<checkup_t>& checkups)
 {
     Json::Value json(Json::objectValue);
-    json["schema"] = "vlhost-doctor-1";
+    json["schema"] = doctorSchema;
     json["good"] = std::ranges::all_of(checkups, &checkup_t::good);
     json["checks"] = Json::Value(Json::arrayValue);
     for (const checkup_t& one : checkups) {

@@ -82,7 +82,6 @@ void drill(const std::string& file, const options_t& options)
     CBackupView found;
     decodeBackup(again, found);
     Json::Value json(Json::objectValue);
-    json["schema"] = "vlhost-drill-1";
     json["backup"] = file;
     json["files"] = wanted.files.size();
     json["quickLinks"] = wanted.links.size();
@@ -94,14 +93,16 @@ void drill(const std::string& file, const options_t& options)
         json["differences"].append(jsonOf(difference, reason));
         lost += reason.empty();
         if (!options.json && !isQuiet())
-            std::cout << (reason.empty() ? "difference: " : "as expected: ")
+            std::cout << (reason.empty() ? coloured(std::cout, colour_t::red, "difference")
+                                         : coloured(std::cout, colour_t::green, "as expected"))
+                      << ": "
                       << printable(difference.element + ' ' + difference.item + ": " +
                                    difference.what)
                       << (reason.empty() ? "" : " (" + reason + ')') << '\n';
     });
     json["restorable"] = lost == 0;
     if (options.json)
-        printResult(json, true);
+        printResult("vlhost-drill-1", json, true);
     if (lost != 0)
         throw CToolError("not everything would come back from " + shownInput(file),
                          "your own profile was not touched");

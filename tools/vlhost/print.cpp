@@ -18,17 +18,18 @@ Json::Value jsonOfStatus(HRESULT status)
     return json;
 }
 
-void printResult(const Json::Value& value, bool asJson)
+void printResult(const char* schema, Json::Value value, bool asJson)
 {
     if (asJson) {
+        value["schema"] = schema;
         std::cout << jsonText(value, true) << '\n';
     } else {
         std::cout << plainText(value);
     }
 }
 
-void printDone(const Json::Value& value, bool asJson)
+void printDone(const char* schema, const Json::Value& value, bool asJson)
 {
     if (asJson || !isQuiet())
-        printResult(value, asJson);
+        printResult(schema, value, asJson);
 }

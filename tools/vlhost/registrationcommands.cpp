@@ -38,7 +38,7 @@ void registerWith(const options_t& options, const char* function, bool registere
     Json::Value json(Json::objectValue);
     json["file"] = utf8FromWide(path);
     json["done"] = function;
-    printDone(json, options.json);
+    printDone("vlhost-register-1", json, options.json);
 }
 
 } // namespace

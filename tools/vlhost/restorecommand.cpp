@@ -1,7 +1,6 @@
 #include "agent/discovery.h"
 #include "commands.h"
 #include "common/text.h"
-#include "formats/text/printable.h"
 #include "print.h"
 #include "restoreplan.h"
 #include "restorereport.h"
@@ -12,6 +11,7 @@
 #include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
+#include "shared/terminal.h"
 #include "takebackup.h"
 #include "undo.h"
 #include "undocommand.h"
@@ -111,20 +111,20 @@ constexpr char untouched[] = "nothing was touched";
 void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CRestoreReport& report)
 {
     Json::Value& list = report["findings"] = Json::Value(Json::arrayValue);
-    const auto show = [&](const std::string& grade, const std::string& where,
-                          const std::string& what) {
+    const auto show = [&](const BackupFinding& finding) {
         Json::Value one(Json::objectValue);
-        one["grade"] = grade;
-        one["where"] = where;
-        one["what"] = what;
+        one["grade"] = gradeName(finding.grade);
+        one["where"] = finding.where;
+        one["what"] = finding.what;
         list.append(one);
-        report.Text(grade + ": " + printable(where) + ": " + printable(what) + '\n');
+        report.Text(findingText(std::cout, finding) + '\n');
     };
     for (const auto& finding : backup.findings)
         if (finding.grade != BackupFinding::Grade::note)
-            show(gradeName(finding.grade), finding.where, finding.what);
+            show(finding);
     for (const auto& stray : plan.strays)
-        show("warning", stray, "outside the folders that this profile's settings name");
+        show({BackupFinding::Grade::warning, stray,
+              "outside the folders that this profile's settings name"});
     if (force)
         return;
     const bool restorable = backup.Restorable();
@@ -143,7 +143,7 @@ void restoreFile(const arguments_t& arguments, const options_t& options)
     if (!decodeBackup(bytes, backup))
         refuseBackup(arguments.file, bytes, backup);
     const CPluginHost host(options.plugin);
-    CRestoreReport report(options.json);
+    CRestoreReport report("vlhost-restore-1", options.json);
     const restorePlan_t plan = planRestore(backup);
     report["elements"] = backup.elementCount;
     report.Text("backup: " + backupVersionText(backup.elementCount) + '\n');
@@ -170,7 +170,8 @@ void restoreFile(const arguments_t& arguments, const options_t& options)
     report.Print();
     if (!differences.empty())
         throw CToolError("not everything came back as the backup has it", undoHint);
-    report.Text("restored and compared: all is as the backup has it\n");
+    report.Text("restored and compared: " +
+                coloured(std::cout, colour_t::green, "all is as the backup has it") + '\n');
 }
 
 } // namespace

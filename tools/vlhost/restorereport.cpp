@@ -50,7 +50,7 @@ void CRestoreReport::Text(const std::string& text) const
 void CRestoreReport::Print() const
 {
     if (m_asJson)
-        printResult(m_document, true);
+        printResult(m_schema, m_document, true);
 }
 
 void CRestoreReport::Plan(const Json::Value& plan)
@@ -81,7 +81,7 @@ void CRestoreReport::Differences(const std::vector<difference_t>& differences)
         one["item"] = difference.item;
         one["what"] = difference.what;
         list.append(one);
-        Text("difference: " + printable(difference.item) + ": " + printable(difference.what) +
-             '\n');
+        Text(coloured(std::cout, colour_t::red, "difference") + ": " + printable(difference.item) +
+             ": " + printable(difference.what) + '\n');
     }
 }

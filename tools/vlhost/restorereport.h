@@ -12,7 +12,7 @@
 class CRestoreReport
 {
 public:
-    explicit CRestoreReport(bool json) : m_asJson(json) {}
+    CRestoreReport(const char* schema, bool json) : m_schema(schema), m_asJson(json) {}
 
     // Text is for people alone, the members for the document alone.
     void Text(const std::string& text) const;
@@ -25,6 +25,7 @@ public:
     void Differences(const std::vector<difference_t>& differences);
 
 private:
+    const char* m_schema;
     bool m_asJson;
     Json::Value m_document{Json::objectValue};
 };

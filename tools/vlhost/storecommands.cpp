@@ -15,6 +15,8 @@ struct arguments_t {
     int descriptor = 0;
 };
 
+constexpr char secretSchema[] = "vlhost-secret-1";
+
 Json::Value done(const char* what, const std::string& name)
 {
     Json::Value json(Json::objectValue);
@@ -38,7 +40,7 @@ void addSecretCommands(CLI::App& app, const options_t& options)
     store->callback([arguments, &options] {
         const CSecretBytes value = readSecretFrom(arguments->descriptor);
         CSecretStore().Store(wideFromUtf8(arguments->name), value);
-        printDone(done("stored", arguments->name), options.json);
+        printDone(secretSchema, done("stored", arguments->name), options.json);
     });
 
     const auto target = std::make_shared<int>(1);
@@ -58,7 +60,7 @@ void addSecretCommands(CLI::App& app, const options_t& options)
         json["name"] = arguments->name;
         const bool exists = CSecretStore().Exists(wideFromUtf8(arguments->name));
         json["exists"] = exists;
-        printDone(json, options.json);
+        printDone(secretSchema, json, options.json);
         if (!exists)
             throw CToolError("there is no secret '" + arguments->name + "'");
     });
@@ -67,7 +69,7 @@ void addSecretCommands(CLI::App& app, const options_t& options)
     addExample(*remove, "vlhost secret delete");
     remove->callback([arguments, &options] {
         CSecretStore().Delete(wideFromUtf8(arguments->name));
-        printDone(done("deleted", arguments->name), options.json);
+        printDone(secretSchema, done("deleted", arguments->name), options.json);
     });
 }
 
@@ -77,6 +79,21 @@ void addSecretCommands(CLI::App& app, const options_t& options)
     throw CToolError("the setting '" + key + "': " + statusText(status),
                      missing ? "VloSet.dll is not in the installation's bin folder"
                              : "is the key spelt right?");
+}
+
+constexpr char settingSchema[] = "vlhost-setting-1";
+
+// settingOf has the key as a member for people alone: in JSON it could be the name of another one.
+Json::Value settingOf(const std::string& key, const std::string& value, bool asJson)
+{
+    Json::Value json(Json::objectValue);
+    if (!asJson) {
+        json[key] = value;
+        return json;
+    }
+    json["key"] = key;
+    json["value"] = value;
+    return json;
 }
 
 void addSettingsCommands(CLI::App& app, const options_t& options)
@@ -94,7 +111,8 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
         const HRESULT status = settings_query(wideFromUtf8(arguments->name), value);
         if (FAILED(status))
             settingFailed(arguments->name, status);
-        printResult(done(arguments->name.c_str(), utf8FromWide(value)), options.json);
+        printResult(settingSchema, settingOf(arguments->name, utf8FromWide(value), options.json),
+                    options.json);
     });
 
     CLI::App* const set = settings->add_subcommand("set", "Write one");
@@ -106,7 +124,8 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
             settings_set(wideFromUtf8(arguments->name), wideFromUtf8(arguments->value));
         if (FAILED(status))
             settingFailed(arguments->name, status);
-        printDone(done(arguments->name.c_str(), arguments->value), options.json);
+        printDone(settingSchema, settingOf(arguments->name, arguments->value, options.json),
+                  options.json);
     });
 }
 

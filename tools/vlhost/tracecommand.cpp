@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr char traceSchema[] = "vlhost-trace-1";
 constexpr unsigned everyProcess = 0;
 constexpr unsigned usualPatience = 90; // seconds: a process looks at the switch each 30
 
@@ -195,7 +196,7 @@ void change(const arguments_t& arguments, const options_t& options, bool on,
     Json::Value json = statusOf(module);
     if (arguments.process)
         json["followed"] = followed;
-    printDone(json, options.json);
+    printDone(traceSchema, json, options.json);
 }
 
 void switchOn(const arguments_t& arguments, const options_t& options)
@@ -257,5 +258,6 @@ void addTraceCommands(CLI::App& app, const options_t& options)
     CLI::App* const status =
         trace->add_subcommand("status", "What is set, and which trace files lie there");
     addExample(*status, "vlhost trace status");
-    status->callback([&options] { printResult(statusOf(module_t(options.plugin)), options.json); });
+    status->callback(
+        [&options] { printResult(traceSchema, statusOf(module_t(options.plugin)), options.json); });
 }

@@ -6,6 +6,7 @@
 #include "print.h"
 #include "restorereport.h"
 #include "safetycopy.h"
+#include "shared/terminal.h"
 #include "shared/toolerror.h"
 #include "undo.h"
 
@@ -17,11 +18,14 @@
 
 namespace {
 
-void warnOfDamaged(const std::vector<std::wstring>& damaged)
+void warnOfDamaged(const std::vector<std::wstring>& damaged, const options_t& options)
 {
     for (const auto& folder : damaged)
-        std::cerr << "vlhost: the safety copy in " << printable(utf8FromWide(folder))
-                  << " is damaged; what is left of its files can be copied by hand\n";
+        reportFailure(std::cerr, "vlhost",
+                      CToolError("the safety copy in " + utf8FromWide(folder) + " is damaged",
+                                 "what is left of its files can be copied by hand",
+                                 exitStatus::good),
+                      options.json);
 }
 
 std::string purposeText(const safetyCopy_t& copy)
@@ -69,8 +73,8 @@ void undoRestore(std::optional<unsigned> number, bool dryRun, const options_t& o
     CSafetyCopies copies;
     std::vector<std::wstring> damaged;
     const std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    warnOfDamaged(damaged);
-    CRestoreReport report(options.json);
+    warnOfDamaged(damaged, options);
+    CRestoreReport report("vlhost-undo-1", options.json);
     const undoPlan_t plan = planUndo(chooseCopies(all, number));
     report.Text("puts back: safety copy");
     for (const unsigned one : plan.copies)
@@ -95,7 +99,7 @@ void undoRestore(std::optional<unsigned> number, bool dryRun, const options_t& o
     if (!differences.empty())
         throw CToolError("not everything could be put back",
                          "the safety copies are whole: try 'vlhost restore --undo' again");
-    report.Text("put back\n");
+    report.Text(coloured(std::cout, colour_t::green, "put back") + '\n');
 }
 
 void listUndo(const options_t& options)
@@ -103,7 +107,7 @@ void listUndo(const options_t& options)
     const CSafetyCopies copies; // takes over the copy of an earlier version
     std::vector<std::wstring> damaged;
     std::vector<safetyCopy_t> all = listSafetyCopies(damaged);
-    warnOfDamaged(damaged);
+    warnOfDamaged(damaged, options);
     std::set<unsigned> next;
     if (!all.empty())
         for (const safetyCopy_t* const copy : chooseCopies(all, std::nullopt))
@@ -119,7 +123,7 @@ void listUndo(const options_t& options)
         text += lineOf(copy, isNext);
     }
     if (options.json)
-        printResult(json, true);
+        printResult("vlhost-list-undo-1", json, true);
     else
         std::cout << (all.empty() ? "there is no safety copy\n" : text);
 }

@@ -14,6 +14,7 @@
 #include "shared/filesystem.h"
 #include "shared/habits.h"
 #include "shared/outputfile.h"
+#include "shared/terminal.h"
 #include "stats.h"
 #include "textout.h"
 #include "viewpage.h"
@@ -42,13 +43,13 @@ struct job_t {
     const std::function<bool()>& wait;
     std::ostream& out;
 
-    void complain(const std::string& line) const
+    void complain(const CToolError& error) const
     {
-        streams.err << "vltrace: " << printable(line) << '\n';
+        reportFailure(streams.err, "vltrace", error, options.json);
     }
     inputs_t inputs(const std::vector<std::string>& names) const
     {
-        return {names, streams.in, filter, [this](const std::string& line) { complain(line); }};
+        return {names, streams.in, filter, [this](const CToolError& error) { complain(error); }};
     }
     inputs_t inputs() const { return inputs(options.files); }
 };
@@ -56,7 +57,7 @@ struct job_t {
 int runCat(const job_t& job)
 {
     textOut_t out(job.out);
-    linePrinter_t printer(lineOptionsOf(job.options), [&](const std::string& line) {
+    linePrinter_t printer(lineOptionsOf(job.options, job.out), [&](const std::string& line) {
         out.text += line;
         out.written();
     });
@@ -67,7 +68,7 @@ int runTail(const job_t& job)
 {
     std::deque<std::string> last;
     bool live = false;
-    linePrinter_t printer(lineOptionsOf(job.options), [&](std::string& line) {
+    linePrinter_t printer(lineOptionsOf(job.options, job.out), [&](std::string& line) {
         if (live) {
             job.out << line;
             return;
@@ -133,9 +134,9 @@ int runView(const job_t& job)
     viewPage_t page(job.out);
     const int status = readEach(job.inputs(), page);
     if (page.events() > many)
-        job.complain(
-            "the page has " + std::to_string(page.events()) +
-            " records and will be slow (--from, --to and the other filters leave some out)");
+        job.complain(CToolError(
+            "the page has " + std::to_string(page.events()) + " records and will be slow",
+            "--from, --to and the other filters leave some out", exitStatus::good));
     return status;
 }
 
@@ -158,7 +159,9 @@ int runDiff(const job_t& job)
         compareRuns(runs[0], runs[1], table, [&, first = true](const std::string& line) mutable {
             if (std::exchange(first, false))
                 out.text += names;
-            out.text += line;
+            out.text += line[0] == '-'   ? coloured(job.out, colour_t::red, line)
+                        : line[0] == '+' ? coloured(job.out, colour_t::green, line)
+                                         : line;
             out.written();
         });
     return equal ? exitStatus::good : differs;
@@ -231,12 +234,13 @@ int run(const verb_t& verb, const options_t& options, const streams_t& streams,
     checkUse(options);
     const filter_t filter = filterOf(options);
     COutputFile file(options.output, options.force, everyFile(options.files), streams.out);
-    const int status = verb.run({options, filter, streams, wait, file.Stream()});
+    const job_t job{options, filter, streams, wait, file.Stream()};
+    const int status = verb.run(job);
     if (status == exitStatus::good || status == differs || options.output == "-")
         file.Complete();
     else
-        streams.err << "vltrace: " << printable(options.output)
-                    << " is not written, as not all could be read (leave out what can't)\n";
+        job.complain(CToolError(options.output + " is not written, as not all could be read",
+                                "leave out what can't"));
     return status == differs ? exitStatus::failed : status;
 }
 

@@ -2,6 +2,7 @@
 
 #include "filter.h"
 #include "formats/text/printable.h"
+#include "shared/terminal.h"
 #include "textout.h"
 
 #include <algorithm>
@@ -93,6 +94,7 @@ void linePrinter_t::takeRecord(const traceEvent_t& event)
         (m_line += event.source.label) += "  ";
     m_line += threadText(record.thread);
     m_line.append(2 + 2 * std::min(depth, deepestIndent), ' ');
+    const size_t begin = m_line.size();
     (m_line += record.level) += ' ';
     if (record.level != levelExit) {
         appendMessage(m_line, event.message, m_options.marks);
@@ -106,6 +108,11 @@ void linePrinter_t::takeRecord(const traceEvent_t& event)
     } else {
         m_line += "(a function whose entry is not known)";
     }
+    if (m_options.terminal && (event.kind == kind_t::error || event.kind == kind_t::note))
+        m_line.replace(begin, std::string::npos,
+                       coloured(*m_options.terminal,
+                                event.kind == kind_t::error ? colour_t::red : colour_t::yellow,
+                                m_line.substr(begin)));
     if (record.mended)
         m_line += "  -- the text is damaged --";
     m_line += '\n';

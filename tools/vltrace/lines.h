@@ -3,6 +3,7 @@
 #include "consumer.h"
 
 #include <functional>
+#include <iosfwd>
 #include <string>
 
 namespace vltrace {
@@ -11,6 +12,7 @@ namespace vltrace {
 struct lineOptions_t {
     bool chains = false; // each record with its chain of open functions, in place of nesting
     bool marks = true;   // a colour directive as "[colour 04] "; else it is left out
+    const std::ostream* terminal = nullptr; // gets errors and notes in colour, if it shows it
 };
 
 // linePrinter_t makes readable lines: date, time, process if there are several files, thread, level

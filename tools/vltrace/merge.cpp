@@ -1,9 +1,7 @@
 #include "merge.h"
 
-#include "shared/exitstatus.h"
 #include "shared/filesystem.h"
 #include "shared/inputfile.h"
-#include "shared/toolerror.h"
 
 #include <algorithm>
 #include <iterator>
@@ -52,7 +50,7 @@ std::vector<source_t> sourcesOf(const inputs_t& inputs, int& status)
             for (const std::string& file : expand(name))
                 sources.push_back(sourceOf(file, sources.size() + 1));
         } catch (const CToolError& error) {
-            inputs.complain(error.what());
+            inputs.complain(error);
             status = error.ExitStatus();
         }
     }
@@ -69,7 +67,7 @@ bool traceMerge_t::advance(traceInput_t& input)
         if (!input.isFinished())
             return false; // for now
     } catch (const CToolError& error) {
-        m_complain(error.what());
+        m_complain(error);
         m_status = error.ExitStatus();
     }
     end(input);
@@ -85,12 +83,14 @@ void traceMerge_t::end(traceInput_t& input)
     const traceFeed_t& feed = input.feed();
     const std::string name = input.source().shown;
     if (feed.cutOffset)
-        m_complain(name + " is cut at byte " + std::to_string(*feed.cutOffset) +
-                   ": the rest is no whole record (is it still being written?)");
+        m_complain(CToolError(name + " is cut at byte " + std::to_string(*feed.cutOffset) +
+                                  ": the rest is no whole record",
+                              "is it still being written?", exitStatus::good));
     else if (feed.damages > 0)
-        m_complain(name + " is damaged in " + std::to_string(feed.damages) +
-                   (feed.damages == 1 ? " place, " : " places, ") + std::to_string(feed.skipped) +
-                   " bytes skipped (vltrace cat shows where)");
+        m_complain(CToolError(name + " is damaged in " + std::to_string(feed.damages) +
+                                  (feed.damages == 1 ? " place, " : " places, ") +
+                                  std::to_string(feed.skipped) + " bytes skipped",
+                              "vltrace cat shows where", exitStatus::good));
 }
 
 void traceMerge_t::give(traceInput_t& input)
@@ -175,7 +175,7 @@ int readInOrder(const inputs_t& inputs, traceConsumer_i& consumer)
                 std::make_unique<traceInput_t>(source, inputs.standardInput, piece, false));
             all.push_back(open.back().get());
         } catch (const CToolError& error) {
-            inputs.complain(error.what());
+            inputs.complain(error);
             status = error.ExitStatus();
         }
     }
@@ -194,7 +194,7 @@ int readEach(const inputs_t& inputs, traceConsumer_i& consumer)
             traceInput_t input(source, inputs.standardInput, largestPiece, false);
             status = std::max(status, merge.run({&input}, true));
         } catch (const CToolError& error) {
-            inputs.complain(error.what());
+            inputs.complain(error);
             status = error.ExitStatus();
         }
     }

@@ -2,6 +2,7 @@
 
 #include "consumer.h"
 #include "filter.h"
+#include "shared/toolerror.h"
 #include "tracefeed.h"
 
 #include <functional>
@@ -19,7 +20,7 @@ class traceMerge_t
 public:
     // complain: called with what is wrong with a file
     traceMerge_t(traceConsumer_i& consumer, const filter_t& filter,
-                 std::function<void(const std::string&)> complain)
+                 std::function<void(const CToolError&)> complain)
         : m_consumer(consumer), m_filter(filter), m_complain(std::move(complain))
     {}
 
@@ -39,7 +40,7 @@ private:
 
     traceConsumer_i& m_consumer;
     const filter_t& m_filter;
-    std::function<void(const std::string&)> m_complain;
+    std::function<void(const CToolError&)> m_complain;
     int m_status = 0;
 };
 
@@ -48,7 +49,7 @@ struct inputs_t {
     const std::vector<std::string>& names; // of files and folders
     std::istream& standardInput;
     const filter_t& filter;
-    std::function<void(const std::string&)> complain;
+    std::function<void(const CToolError&)> complain;
 };
 
 // readInOrder reads the files together, in the order of time; readEach one after the other. One that

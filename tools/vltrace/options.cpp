@@ -124,9 +124,9 @@ void addExportOptions(CLI::App& command, options_t& options)
         ->capture_default_str();
 }
 
-lineOptions_t lineOptionsOf(const options_t& options)
+lineOptions_t lineOptionsOf(const options_t& options, const std::ostream& out)
 {
-    return {options.errors || options.notes, !options.noMarks};
+    return {options.errors || options.notes, !options.noMarks, &out};
 }
 
 int utcOffsetOf(const options_t& options)

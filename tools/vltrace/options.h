@@ -48,7 +48,7 @@ void addExportOptions(CLI::App& command, options_t& options);
 
 // What the options mean; they raise a CLI::ValidationError or a CToolError for what means nothing.
 filter_t filterOf(const options_t& options);
-lineOptions_t lineOptionsOf(const options_t& options);
+lineOptions_t lineOptionsOf(const options_t& options, const std::ostream& out);
 int utcOffsetOf(const options_t& options); // minutes
 
 } // namespace vltrace

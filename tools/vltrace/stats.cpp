@@ -127,7 +127,7 @@ void statsTable_t::finish()
 
 void statsTable_t::writeJson()
 {
-    CJsonDocument document(m_out, "stats-1");
+    CJsonDocument document(m_out, "vltrace-stats-1");
     document.BeginList("files");
     for (const std::string& file : m_files)
         document.Text(nullptr, file);
