@@ -143,6 +143,7 @@ TEST_F(Host, DrillProvesABackupAndTouchesNothing)
     fs::remove_all(folder + deep);
     fs::remove(folder + std::wstring(240, L'n') + L".vlm");
     hostText(L"setting set path_alienstorage_dirs \"\"");
+    expectIn(hostText(L"drill slashed.vlb"), {"warning: C:/vlhost test/shared/team.vlm: outside"});
 }
 
 TEST_F(Host, BundleHasNothingOfTheUsers)

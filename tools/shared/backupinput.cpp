@@ -79,7 +79,7 @@ void refuseBackup(const std::string& name, std::span<const uint8_t> bytes, const
 {
     if (beginsAsBackup(bytes))
         throw CToolError(shownInput(name) + " is no whole backup: " + view.refusal,
-                         "copy it again, or take another");
+                         "copy it again, or save what is intact by 'vlbackup recover'");
     throw CToolError(shownInput(name) + " is no backup: it is " + describeBytes(bytes),
                      "a backup is what 'vlhost backup' writes");
 }

@@ -1,5 +1,6 @@
 #include "shared/commandline.h"
 
+#include "shared/filesystem.h"
 #include "shared/habits.h"
 #include "shared/toolmain.h"
 
@@ -26,10 +27,23 @@ CToolError usageError(const CLI::App& app, const CLI::Error& error)
         path.insert(0, at->get_name() + ' ');
     const std::vector<std::string> words = app.remaining(true);
     const bool named = command.get_require_subcommand_min() != 0 && !words.empty();
+    if (named && entryKind(pathOf(words.front())) != entryKind_t::missing)
+        return CToolError("what to do with " + words.front() + " is missing",
+                          "a command goes before it: see " + path + "--help",
+                          exitStatus::wrongUsage);
     return CToolError(named ? '"' + words.front() + "\" is no " +
                                   (words.front()[0] == '-' ? "option" : "command")
                             : error.what(),
                       "see " + path + "--help", exitStatus::wrongUsage);
+}
+
+// takeHelp makes of "help COMMAND" what the parser knows: "COMMAND --help".
+void takeHelp(std::vector<std::string>& arguments)
+{
+    if (arguments.empty() || arguments.front() != "help")
+        return;
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
 }
 
 // Looked for by itself, as the parser may stop before it.
@@ -50,6 +64,7 @@ int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out
         return error.ExitStatus();
     };
     addHabits(app);
+    takeHelp(arguments);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the order that the parser takes them in
         app.parse(std::move(arguments));

@@ -9,12 +9,16 @@
 
 namespace {
 
-// Every command takes them too, which the parser asks of each.
-void passUp(CLI::App& command)
+// Every command takes them too, which the parser asks of each, but lists in the help of the program
+// alone.
+void passUp(CLI::App& command, const std::string& program)
 {
     command.fallthrough();
-    for (CLI::App* const inner : command.get_subcommands({}))
-        passUp(*inner);
+    for (CLI::App* const inner : command.get_subcommands({})) {
+        inner->footer(inner->get_footer() + "\nOptions of every command: see " + program +
+                      " --help");
+        passUp(*inner, program);
+    }
 }
 
 } // namespace
@@ -22,11 +26,11 @@ void passUp(CLI::App& command)
 void addHabits(CLI::App& app)
 {
     setQuiet(false);
-    passUp(app);
+    passUp(app, app.get_name());
     app.add_flag_callback(
         "-q,--quiet", [] { setQuiet(true); }, "Print only what was asked for, and failures");
     app.set_version_flag(
-        "--version", [&app] { return versionText(app); },
+        "-V,--version", [&app] { return versionText(app); },
         "Print the versions of it and its formats");
     // The parser ends with what such a call carries, as it does for --version.
     app.add_option_function<std::string>(

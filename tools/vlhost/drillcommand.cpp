@@ -3,6 +3,7 @@
 #include "formats/text/printable.h"
 #include "print.h"
 #include "relocation.h"
+#include "restoreplan.h"
 #include "scratchprofile.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
@@ -78,6 +79,10 @@ void drill(const std::string& file, const options_t& options)
         refuseBackup(file, bytes, wanted);
     if (!wanted.Restorable())
         throw CToolError(shownInput(file) + " is not sound", "'vlbackup verify' says why");
+    std::vector<std::string> strays;
+    if (isThere(settings_getpath(L"path_localstorage_dir")) &&
+        isThere(settings_getpath(L"path_cachestorage_dir")))
+        strays = straysOf(wanted); // which would make these two
     const bytes_t again = restoreAndTake(bytes, options);
     CBackupView found;
     decodeBackup(again, found);
@@ -86,6 +91,13 @@ void drill(const std::string& file, const options_t& options)
     json["files"] = wanted.files.size();
     json["quickLinks"] = wanted.links.size();
     json["categories"] = wanted.categories.size();
+    json["outside"] = Json::Value(Json::arrayValue);
+    for (const std::string& stray : strays) {
+        json["outside"].append(stray);
+        if (!options.json && !isQuiet())
+            std::cout << findingText(std::cout, {BackupFinding::Grade::warning, stray, strayText})
+                      << "; a restore asks for --force\n";
+    }
     json["differences"] = Json::Value(Json::arrayValue);
     size_t lost = 0;
     compareBackups(wanted, found, [&](const BackupDifference& difference) {

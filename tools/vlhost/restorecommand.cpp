@@ -123,8 +123,7 @@ void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CRe
         if (finding.grade != BackupFinding::Grade::note)
             show(finding);
     for (const auto& stray : plan.strays)
-        show({BackupFinding::Grade::warning, stray,
-              "outside the folders that this profile's settings name"});
+        show({BackupFinding::Grade::warning, stray, strayText});
     if (force)
         return;
     const bool restorable = backup.Restorable();
@@ -133,7 +132,10 @@ void judge(const CBackupView& backup, const restorePlan_t& plan, bool force, CRe
     report.Print();
     throw CToolError(restorable ? "the backup writes to folders that are not this profile's"
                                 : "the backup is not sound",
-                     std::string(untouched) + "; --force restores it all the same");
+                     std::string(untouched) +
+                         (restorable ? "; 'vlhost setting set path_alienstorage_dirs' names "
+                                       "further folders, and --force restores it all the same"
+                                     : "; --force restores it all the same"));
 }
 
 void restoreFile(const arguments_t& arguments, const options_t& options)

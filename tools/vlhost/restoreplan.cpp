@@ -4,6 +4,7 @@
 #include "common/text.h"
 #include "files.h"
 #include "formats/backup/documentsettings.h"
+#include "formats/text/pathpart.h"
 #include "shared/backupinput.h"
 #include "shared/progress.h"
 #include "shared/toolerror.h"
@@ -40,7 +41,10 @@ void compareFiles(const CBackupView& backup, const restorePlan_t& plan,
         if (file.action == fileAction_t::remove)
             what = isThere(file.path) ? "was not deleted (is it read-only?)" : nullptr;
         else if (!fileHolds(file.path, backup.files[file.source].content))
-            what = isThere(file.path) ? "holds other bytes" : "was not written";
+            what = isThere(file.path) ? "holds other bytes"
+                   : isThere(std::wstring(folderPart(file.path)))
+                       ? "was not written"
+                       : "was not written: its folder is missing, and a restore makes none";
         if (what)
             differences.push_back({utf8FromWide(file.path), what});
     }
@@ -102,17 +106,6 @@ void compareSettings(const CBackupView& backup, std::vector<difference_t>& diffe
     }
 }
 
-// namedFolders gives the folders that the settings name. UTF-8
-std::vector<std::string> namedFolders()
-{
-    FolderSet folders;
-    prepfolderlist(folders);
-    std::vector<std::string> names;
-    for (const auto& folder : folders)
-        names.push_back(utf8FromWide(folder.path));
-    return names;
-}
-
 constexpr const char* actionNames[] = {"add", "change", "same", "delete"}; // of fileAction_t
 
 } // namespace
@@ -124,6 +117,19 @@ std::wstring personalFolder()
         throw CToolError("the settings name no personal folder",
                          "is VloSet.dll in the installation's bin folder?");
     return folder;
+}
+
+std::vector<std::string> straysOf(const CBackupView& backup)
+{
+    FolderSet folders;
+    prepfolderlist(folders);
+    std::vector<std::string> names;
+    for (const auto& folder : folders)
+        names.push_back(utf8FromWide(folder.path));
+    std::vector<std::string> strays;
+    for (const BackupFile& file : backup.MarkedOutside(names))
+        strays.push_back(file.target);
+    return strays;
 }
 
 std::vector<std::wstring> deletedByRestore(const std::wstring& folder,
@@ -175,8 +181,7 @@ restorePlan_t planRestore(const CBackupView& backup)
         if (places.emplace(fileKey(path), 0).second)
             plan.files.push_back(
                 {path, fileAction_t::remove, fileAt(path).value_or(fileState_t()).size});
-    for (const BackupFile& file : backup.MarkedOutside(namedFolders()))
-        plan.strays.push_back(file.target);
+    plan.strays = straysOf(backup);
     const BackupVersion version = versionOf(backup.elementCount);
     plan.categories = version.categories;
     plan.settings = version.settings;

@@ -40,7 +40,7 @@ struct restorePlan_t {
     std::wstring listFile;   // the list of addresses never asked about, if it is written; or empty
     bool categories = false; // whether the categories are replaced
     bool settings = false;   // whether the settings are applied
-    std::vector<std::string> strays; // marked paths that leave the folders of the settings; UTF-8
+    std::vector<std::string> strays; // as straysOf gives them
 
     // Touched is every path whose file a restore may delete or replace.
     std::vector<std::wstring> Touched() const;
@@ -52,6 +52,10 @@ struct restorePlan_t {
 // Errors: CToolError without a personal folder
 restorePlan_t planRestore(const CBackupView& backup);
 Json::Value jsonOfPlan(const restorePlan_t& plan, const CBackupView& backup);
+
+// straysOf lists the marked paths that leave the folders of the settings. UTF-8
+std::vector<std::string> straysOf(const CBackupView& backup);
+inline constexpr char strayText[] = "outside the folders that this profile's settings name";
 
 // deletedByRestore lists the files that any restore deletes now, by full path.
 std::vector<std::wstring> deletedByRestore(const std::wstring& folder,

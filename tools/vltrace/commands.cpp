@@ -131,6 +131,9 @@ int runExport(const job_t& job)
 int runView(const job_t& job)
 {
     constexpr size_t many = 1'000'000; // a browser shows more, but slowly
+    if (isTerminal(job.out))
+        throw CToolError("a page is nothing for a terminal", "name a file: -o trace.html",
+                         exitStatus::wrongUsage);
     viewPage_t page(job.out);
     const int status = readEach(job.inputs(), page);
     if (page.events() > many)
