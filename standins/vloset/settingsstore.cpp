@@ -2,21 +2,36 @@
 
 #include "common/scoped.h"
 
+std::wstring expandreferences(const wchar_t* text)
+{
+    const DWORD size = ExpandEnvironmentStringsW(text, nullptr, 0);
+    std::wstring expanded(size, L'\0');
+    ExpandEnvironmentStringsW(text, expanded.data(), size);
+    expanded.resize(wcslen(expanded.c_str()));
+    return expanded;
+}
+
+// Wine's RegGetValueW takes the buffer's bytes for characters when it expands, and writes past its
+// end. So the text is read as it is, and expanded here.
 std::optional<std::wstring> readtext(HKEY root, const wchar_t* key, const wchar_t* name,
                                      DWORD flags)
 {
     std::wstring text(MAX_PATH, L'\0');
+    DWORD type = REG_NONE;
     for (;;) {
         auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-        const LSTATUS error = RegGetValueW(root, key, name, flags, nullptr, text.data(), &size);
-        if (error == ERROR_SUCCESS) {
-            text.resize(wcslen(text.c_str()));
-            return text;
-        }
+        const LSTATUS error =
+            RegGetValueW(root, key, name, flags | rawText, &type, text.data(), &size);
+        if (error == ERROR_SUCCESS)
+            break;
         if (error != ERROR_MORE_DATA)
             return std::nullopt;
-        text.resize(text.size() * 2); // not every system reports the expanded text's size then
+        text.resize(text.size() * 2);
     }
+    if (type == REG_EXPAND_SZ && !(flags & RRF_NOEXPAND))
+        return expandreferences(text.c_str());
+    text.resize(wcslen(text.c_str()));
+    return text;
 }
 
 HRESULT writesetting(const wchar_t* name, const std::wstring& text)

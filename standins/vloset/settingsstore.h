@@ -12,6 +12,9 @@ inline constexpr wchar_t settingsKey[] = LR"(SOFTWARE\Veltrano\Settings)";
 inline constexpr DWORD expandedText = RRF_RT_REG_SZ;
 inline constexpr DWORD rawText = RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND;
 
+// expandreferences replaces references to the environment, as %APPDATA%.
+std::wstring expandreferences(const wchar_t* text);
+
 // readtext reads a text up to its first zero.
 //
 // flags:   expandedText or rawText, and a view

@@ -23,10 +23,7 @@ std::wstring bindir()
 
 std::wstring expandtext(const wchar_t* text)
 {
-    const DWORD size = ExpandEnvironmentStringsW(text, nullptr, 0);
-    std::wstring expanded(size, L'\0');
-    ExpandEnvironmentStringsW(text, expanded.data(), size);
-    expanded.resize(wcslen(expanded.c_str()));
+    const std::wstring expanded = expandreferences(text);
     return expanded.starts_with(L'%') ? std::wstring() : expanded;
 }
 

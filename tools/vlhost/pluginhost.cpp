@@ -3,6 +3,7 @@
 #include "common/text.h"
 #include "shared/systemerror.h"
 #include "shared/toolerror.h"
+#include "storage/paths.h"
 
 using namespace VLONLINEIDSLib;
 
@@ -19,11 +20,13 @@ std::wstring registeredPluginPath(const wchar_t* role)
 {
     wchar_t stored[MAX_PATH] = {};
     DWORD size = sizeof stored;
-    // RegGetValueW terminates the text, and expands one that is stored with environment references.
-    const LSTATUS result =
-        RegGetValueW(HKEY_LOCAL_MACHINE, (pluginsKey + (role + std::wstring(classKey))).c_str(),
-                     L"", RRF_RT_REG_SZ, nullptr, stored, &size);
-    return result == ERROR_SUCCESS ? stored : L"";
+    DWORD type = REG_NONE;
+    // RegGetValueW terminates the text. Expanded it is here: Wine would write past the buffer's end.
+    constexpr DWORD asItIs = RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND;
+    if (RegGetValueW(HKEY_LOCAL_MACHINE, (pluginsKey + (role + std::wstring(classKey))).c_str(),
+                     L"", asItIs, &type, stored, &size) != ERROR_SUCCESS)
+        return {};
+    return type == REG_EXPAND_SZ ? expandenv(stored) : stored;
 }
 
 std::wstring registeredPluginPath()
