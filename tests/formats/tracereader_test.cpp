@@ -114,6 +114,8 @@ traceModel_t randomTrace(std::mt19937& random)
         const char level = "><>>U<EDTtN"[upTo(11)];
         const size_t longest = i % 500 == 0 ? 0x10000 : upTo(10) ? 30 : 500;
         std::string text(level == '<' ? 0 : upTo(longest), static_cast<char>('a' + i % 26));
+        for (size_t at = 1; i % 3 == 0 && at + 1 < text.size(); at += 2)
+            text.replace(at, 2, "\xC3\xA4");
         const size_t hour = upTo(24), ms = upTo(1000), day = upTo(31);
         if (level == 'T') {
             text = two(hour) + ":59:04." + std::to_string(1000 + ms).substr(1);

@@ -68,4 +68,6 @@ TEST(ProductName, TakesThePlaceOfEveryMarker)
         ExpandProductName(text);
         EXPECT_EQ(text, expanded);
     }
+    const givenString_t inside(IDS_STATUS_READY, L"of <<%PN%>>.");
+    EXPECT_EQ(GetBrandedString(IDS_STATUS_READY), L"of ."); // there is no branding DLL
 }

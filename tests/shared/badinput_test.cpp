@@ -1,11 +1,17 @@
 #include "formats/text/printable.h"
 #include "support/backupbytes.h"
+#include "support/files.h"
 #include "support/toolrun.h"
 #include "support/tracebytes.h"
 #include "vlbackup/commands.h"
 #include "vltrace/commands.h"
 
+#ifndef _WIN32
+#include <sys/resource.h>
+#endif
+
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -130,6 +136,22 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
     EXPECT_NE(damaged.err.find("is cut at byte " + std::to_string(sampleTrace().starts.back())),
               std::string::npos)
         << damaged.err;
+    const std::string all(traceBytes.begin(), traceBytes.end());
+    write("middle.trc3", cut(all) + std::string(100, '\xFF') + all.substr(sampleTrace().starts[0]));
+    EXPECT_EQ(runTool(vltrace, {"stats", name("middle.trc3")}, backup).err.find("is cut"),
+              std::string::npos);
+#ifndef _WIN32
+    write("full", std::string("mine"));
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+    const toolRun_t full = runTool(runVlbackup, {"redact", "-", name("full"), "--force"}, backup);
+    setrlimit(RLIMIT_FSIZE, &before);
+    expectOneLine(full, 1, "can't be written whole");
+    EXPECT_EQ(fileBytes(folder / "full"), "mine");
+#endif
     fs::permissions(folder / "locked", fs::perms::owner_all);
     fs::remove_all(folder);
 }

@@ -1,5 +1,7 @@
 #include "formats/text/printable.h"
+#include "shared/filesystem.h"
 #include "shared/jsontext.h"
+#include "shared/statusnames.h"
 
 #include <gtest/gtest.h>
 
@@ -27,6 +29,16 @@ TEST(Printable, NothingSteersATerminal)
     }
     EXPECT_EQ(printable("a\r\nb"), "a\\r\\nb");
     EXPECT_EQ(printableLines("a\r\nb\n\x1B\r"), "a\nb\n\\x1B\\r");
+}
+
+TEST(Names, AreThoseOfErrorsAndOfLongPaths)
+{
+    for (const uint32_t code : {5U, 0x80070005U})
+        EXPECT_EQ(tools::describeStatus(static_cast<int32_t>(code)).name, "ERROR_ACCESS_DENIED")
+            << code;
+#ifdef _WIN32
+    EXPECT_EQ(pathOf("//server/share/x").native(), L"\\\\?\\UNC\\server\\share\\x");
+#endif
 }
 
 } // namespace

@@ -18,7 +18,7 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
     const UINT done = restore2DoneMessage();
     const std::tuple<const char*, UINT, const char*, const char*> cases[] = {
         {"c3e66f1f3e4922891fbf81f6143f4094ca5d2073f709033c047ee62981e6fcc8\",\"outcome\":\"stored",
-         done, "kept", "S\xC3\xA9/cret"},
+         done, "k\xC3\xA4pt", "S\xC3\xA9/cret"},
         {"reason\":\"unknown message", restoreDoneMessage(), "refused", "b"},
         {"reason\":\"payload is not UTF-8", done, "refused", "\xC3"},
         {"reason\":\"value without a name", done, "", "b"}};
@@ -28,6 +28,12 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
     }
     PostMessageW(findAgentWindow(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0u, agent.result().status);
+    const std::string journal = fileBytes("C:\\vlagent.json");
+    EXPECT_NE(std::string::npos, journal.find("\"name\":\"k\xC3\xA4pt\""));
+    constexpr std::string_view passedOn = "\"event\":\"message\"";
+    const size_t first = journal.find(passedOn);
+    EXPECT_NE(std::string::npos, first);
+    EXPECT_EQ(std::string::npos, journal.find(passedOn, first + 1)); // what is refused is not
 }
 
 } // namespace

@@ -99,6 +99,7 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         {ls, three, 0, "without credentials)\ncategories\n  c = 1\nsettings (absent)\n"},
         {ls, seq({none, none, none, parts[3], none}), 0, "settings (absent)"}, // of five
         {ls, legacy, 0, "prompt: show\n  hot key: Alt+1\n  do-not-prompt list: 3 bytes"},
+        {ls, with(3, seq({integer(1), wide(L"Alt+1"), octets("x"), none})), 0, "list: 0 bytes"},
         {{"ls", "-", "--json"}, seq({seq({odd}), none}), 0, "\"name\": \"\xC3\xA9.vlm\""},
         {{"cat", "-", "\xC3\xA9.vlm"}, with(0, seq({odd, odd})), 0, {"\0\r\n\x1A\xFF", 5}},
         {{"cat", "-", "a.vlm"}, with(0, seq({filePair(L"a.vlm", {}), a})), 0, "AB"}, // the last one
@@ -358,6 +359,7 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
         {stored(L"alien|\\\\?\\C:\\Users\\x\\b.vlm"), "warning", "folder of the system"},
         {stored(L"alien|C:\\\\.\\Users. \\b.vlm"), "error", "folder of the system"},
         {stored(L"alien|\\\\server\\share\\b.vlm"), "warning", "network share"},
+        {stored(L"alien|\\\\?\\UNC\\server\\share\\b.vlm"), "warning", "network share"},
         {stored(L"alien|C:\\" + longName + L"\\abcd.vlm"), "warning", "most hosts"},
         {stored(L"alien|C:\\" + std::wstring(200, L'\u0416') + L"\\a.vlm"), "sound", ""},
         {links({seq({wide(L"")})}), "error", "quicklinks[0]: 1 element; a restore drops"},
