@@ -22,9 +22,12 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
         {"reason\":\"unknown message", restoreDoneMessage(), "refused", "b"},
         {"reason\":\"payload is not UTF-8", done, "refused", "\xC3"},
         {"reason\":\"value without a name", done, "", "b"}};
+    const CKernelHandle kept(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                                0x1000, L"VLTEMPLATE"));
     for (const auto& [journalled, message, name, body] : cases) {
         EXPECT_TRUE(sendToAgent(findAgentWindow(), message, name, body));
         EXPECT_NE(std::string::npos, fileBytes("C:\\vlagent.json").find(journalled)) << journalled;
+        EXPECT_EQ(std::string(8, '\0'), blockView_t(L"VLTEMPLATE").text(8)); // wiped
     }
     PostMessageW(findAgentWindow(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0u, agent.result().status);

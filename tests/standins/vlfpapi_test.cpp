@@ -6,7 +6,27 @@
 
 namespace {
 
+constexpr LONG notFound = static_cast<LONG>(0x80070002);
 constexpr wchar_t user[] = L"HOME\\ann";
+constexpr wchar_t setting[] = L"CommonSettings\\DisableApps";
+
+TEST(PolicyLibrary, TheMachinesValueComesBeforeTheUsers)
+{
+    const auto asked = [] {
+        VLFPPolicyRecord records[] = {{L"Other", 0, 0, 0, 6, 0}, {setting, 0, 0, 0, 5, 0}};
+        EXPECT_EQ(VLFPGetPolicySettingsEx(2, records), S_OK);
+        EXPECT_EQ(records[0].status, notFound);
+        return std::tuple(records[1].status, records[1].value);
+    };
+    const DWORD own = 7;
+    VLFPPolicyRecord record = {setting, 0, 0, 4, 0xFFFFFFFF00000002, 0};
+    EXPECT_EQ(asked(), std::tuple(notFound, 5u));
+    RegSetKeyValueW(HKEY_CURRENT_USER, LR"(SOFTWARE\Veltrano\VLFPApi\Policy)", setting, REG_DWORD,
+                    &own, sizeof own);
+    EXPECT_EQ(asked(), std::tuple(1, 7u));
+    EXPECT_EQ(VLFPSetPolicySettingsEx(1, &record), S_OK);
+    EXPECT_EQ(asked(), std::tuple(0, 2u));
+}
 
 TEST(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
 {

@@ -96,11 +96,6 @@ protected:
         operationsTest::SetUp();
         setOldSystem(fs::path(moduleFileName(nullptr)).filename()); // for texts with the name
     }
-    void TearDown() override
-    {
-        RegDeleteTreeW(HKEY_CURRENT_USER, LR"(Software\Wine\AppDefaults)");
-        operationsTest::TearDown();
-    }
     std::vector<outcome_t> all(const plugin_t& plugin)
     {
         std::vector<outcome_t> outcomes;

@@ -1,5 +1,6 @@
 #include "operations.h"
 #include "support/growth.h"
+#include "support/meeting.h"
 
 #include <atomic>
 #include <chrono>
@@ -33,43 +34,31 @@ protected:
             i += m_done[i] >= before[i] + 2;
         return secondsSince(start) < 60;
     }
-    // turn lets the other process turn the switch, the next call look at it, and one that looked too
-    // early look again.
-    bool turn() const
+    // change lets another process write a value, below HKEY_LOCAL_MACHINE or HKEY_CURRENT_USER.
+    static void change(const std::wstring& value, const std::wstring& type, const std::wstring& to)
     {
-        SetEvent(m_asked.get());
-        bool alive = WaitForSingleObject(m_turned.get(), 60000) == WAIT_OBJECT_0;
-        for (int look = 0; look < 2; ++look) {
-            late += 40000;
-            alive = alive && waitForCalls();
-        }
-        return alive;
+        const std::wstring line = L"add HK" + value + L" /t REG_" + type + L" /f /d \"" + to + L'"';
+        EXPECT_EQ(0u, process_t(LR"(C:\windows\system32\reg.exe)", line).result().status);
     }
-    // flip is the other process. It turns the switch when it is asked, and changes policy and
-    // settings all the time.
-    [[noreturn]] void flip() const
+    // turnTo lets the next call look at the switch, and one that looked too early look again.
+    bool turnTo(const wchar_t* on) const
     {
-        std::minstd_rand random;
-        const auto user = m_key + L"\\Settings", policy = m_key + L"\\VLFPApi\\Policy";
-        for (DWORD on = 0;;) {
-            if (WaitForSingleObject(m_asked.get(), random() % 20) == WAIT_OBJECT_0) {
-                setTracing(on ^= 1);
-                SetEvent(m_turned.get());
-            }
-            const DWORD disabled = random() % 2;
-            RegSetKeyValueW(HKEY_LOCAL_MACHINE, policy.c_str(),
-                            LR"(CommonSettings\{42F9948B-B690-4325-A073-63A8BF31FF32}\DisableApps)",
-                            REG_DWORD, &disabled, sizeof disabled);
-            setValue(HKEY_CURRENT_USER, user, L"path_alienstorage_dirs",
-                     random() % 2 ? LR"(C:\VL\a|C:\VL\b)" : L"");
-            setValue(HKEY_CURRENT_USER, user, L"useGrabbingCreds", std::to_wstring(random() % 2));
-        }
+        change(LR"(LM\SOFTWARE\Veltrano\Tracing /v DoTrace)", L"DWORD", on);
+        late += 40000;
+        const bool alive = waitForCalls();
+        late += 40000;
+        return alive && waitForCalls();
     }
     // Each call, with its number, is traced.
     void work(const plugin_t& plugin, size_t index)
     {
         std::minstd_rand random(static_cast<unsigned>(index + 1));
         value_t number(bytes{});
+        m_together.arriveAndWait(); // at the first use
+        plugin.make()->Release();
+        for (const char* const name : {"information", "backup"})
+            m_first[index] += run(plugin, name).given;
+        m_together.arriveAndWait();
         for (uint32_t next = 1000000; !m_enough; m_done[index] = next++) {
             plugin.as<IVLKTPluginInfo>()->GetInfo(next, &number);
             if (next % 4 == 0)
@@ -102,8 +91,8 @@ protected:
 
     std::atomic<uint32_t> m_done[8] = {}; // by thread, its last number
     std::atomic<bool> m_enough{false};
-    const CKernelHandle m_asked{CreateEventW(nullptr, FALSE, FALSE, L"vl-test-asked")};
-    const CKernelHandle m_turned{CreateEventW(nullptr, FALSE, FALSE, L"vl-test-turned")};
+    meeting_t m_together{8};
+    std::string m_first[8]; // by thread, what it got then
     size_t m_numbers = 0;
 };
 
@@ -130,11 +119,8 @@ TEST_F(Soak, ManyCallsKeepNothing)
 
 TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
 {
-    if (role())
-        flip();
     const double seconds = soak ? _wtoi(soak) : 8;
     setTracing(0);
-    const process_t flipping = playing(L"flip");
     const silentPlugin_t plugin;
     const importPatch_t ticks(GetModuleHandleW(L"VLOnlineIDs.dll"), "GetTickCount",
                               reinterpret_cast<void*>(+[] { return GetTickCount() + late; }));
@@ -152,12 +138,16 @@ TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
     while (!HasFailure() && secondsSince(start) < seconds) {
         const fs::path file = m_root / (L"trace" + std::to_wstring(++rounds) + L".trc3");
         setValue(HKEY_LOCAL_MACHINE, m_key + LR"(\Tracing)", L"FileName", file);
-        bool alive = turn();
-        Sleep(150);
-        alive = alive && turn();
+        bool alive = turnTo(L"1");
+        const std::wstring now = rounds % 2 ? L"1" : L"0";
+        change(LR"(CU\SOFTWARE\Veltrano\Settings /v path_alienstorage_dirs)", L"SZ",
+               L"C:\\VL\\" + now);
+        change(LR"(LM\SOFTWARE\Veltrano\VLFPApi\Policy /v )"
+               LR"(CommonSettings\{42F9948B-B690-4325-A073-63A8BF31FF32}\DisableApps)",
+               L"DWORD", now);
+        alive = alive && turnTo(L"0");
         if (!alive) {
             ADD_FAILURE() << "a thread hangs";
-            flipping.kill();
             std::fflush(nullptr);
             _exit(1); // it has our objects
         }
@@ -168,10 +158,11 @@ TEST_F(Soak, MixedCallsLoseNoRecordBetweenTwoFlipsOfTheSwitch)
         }
         fs::remove(file);
     }
-    flipping.kill();
     m_enough = true;
     for (auto& thread : threads)
         thread.join();
+    for (const std::string& first : m_first)
+        EXPECT_EQ(m_first[0], first);
     answers = false;
     agent.join();
     EXPECT_GT(m_numbers, 0u);

@@ -59,3 +59,15 @@ TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsTha
     }
     theTracer().mutex = std::move(own);
 }
+
+TEST_F(TraceThreads, ThreadThatEndedWithTheMutexKeepsNobodyOut)
+{
+    const HANDLE mutex = theTracer().mutex.get();
+    traceTo(L"ended");
+    std::thread([mutex] { WaitForSingleObject(mutex, INFINITE); }).join();
+    traceText("by the next one");
+    std::thread([mutex] {
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        ReleaseMutex(mutex);
+    }).join();
+}

@@ -86,6 +86,7 @@ protected:
         hostText(L"setting set path_localstorage_dir \"C:\\vlhost test\\own\\\\\"");
         hostText(L"setting set path_quicklink_filename \"C:\\vlhost test\\links.txt\"");
         hostText(L"setting set path_dontpromptlist_filename \"C:\\vlhost test\\never.txt\"");
+        hostText(L"setting set show_training_prompt 0"); // an undo can't take a setting away
     }
 
     static void setBin(const std::wstring& place = bin)

@@ -134,6 +134,8 @@ TEST_F(Host, EveryFileThatAnyRestoreReplacedIsInSomeCopy)
     EXPECT_TRUE(count >= 5 && count <= 7) << hostText(L"restore --list-undo");
     hostText(L"restore --undo 1");
     expectState(first);
+    const std::string list = hostText(L"restore --list-undo");
+    EXPECT_LT(list.find("before undoing with copy 1"), list.find("before a restore"));
 }
 
 TEST_F(Host, CopyOfAnEarlierVersionIsTakenOver)
