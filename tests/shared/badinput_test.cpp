@@ -129,6 +129,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
         }
         expectOneLine(runTool(tool.tool, {}, backup), 2, "--help");
         expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");
+        expectOneLine(runTool(tool.tool, {name("text")}, backup), 2, "a command goes before");
     }
     const toolRun_t damaged =
         runTool(vltrace, {"stats", name(write("cut.trc3", cut(traceBytes)))}, backup);

@@ -3,6 +3,7 @@
 
 schemas_test.py tools FOLDER runs vlbackup and vltrace, schemas_test.py host VLHOST vlhost.exe under Wine.
 """
+import contextlib
 import json
 import os
 import pty
@@ -90,14 +91,16 @@ def check(what, out, err):
 
 def shown(*command):
     """What a terminal gets of a command."""
-    pieces = []
-
-    def read(terminal):
-        pieces.append(os.read(terminal, 1 << 16))
-        return b""
-
-    pty.spawn([str(word) for word in command], read)
-    return b"".join(pieces).decode()
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execvp(str(command[0]), [str(word) for word in command])
+    text = b""
+    with contextlib.suppress(OSError):  # at the end
+        while piece := os.read(terminal, 1 << 16):
+            text += piece
+    os.close(terminal)
+    os.waitpid(child, 0)
+    return text.decode()
 
 
 def check_colours(tools):
@@ -114,6 +117,7 @@ def check_colours(tools):
         for plain in (shown("env", "NO_COLOR=1", program, *words), shown("env", "TERM=dumb", program, *words),
                       (piped.stdout + piped.stderr).decode()):
             assert "\x1B" not in plain, (command, plain)
+    assert "name a file" in shown(tools / "vltrace", "view", SAMPLES / "restore.trc3"), "a page on the terminal"
 
 
 def check_tools(tools):

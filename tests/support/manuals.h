@@ -65,6 +65,9 @@ inline void expectManuals(const std::string& program,
                                                                       commandLine_t line) {
         line.emplace_back("--help");
         const std::string help = run(line);
+        if (line.size() == 2) {
+            EXPECT_EQ(run({"help", line.front()}), help);
+        }
         const size_t inner = std::min(help.find("\nSubcommands:"), help.size());
         EXPECT_NE(help.find(inner == help.size() ? "Example:\n  " + command : ""), help.npos)
             << help;

@@ -2,6 +2,7 @@
 #include "support/tracebytes.h"
 #include "vltrace/commands.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <random>
 #include <sstream>
@@ -201,6 +202,19 @@ TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
         "back\n"
         "          1          0          0          0          1          -          -          -  "
         "outer\n");
+}
+
+TEST_F(VltraceTool, FoldedStacksEndAtAHundredFunctions)
+{
+    traceBytes_t trace;
+    for (int i = 0; i < 150; ++i)
+        trace.records(8, {">f"});
+    write("t", trace);
+    const std::string stacks = run({"export", "--format", "folded", name("t")}).out;
+    EXPECT_EQ(100, std::count(stacks.begin(), stacks.end(), '\n'));
+    const std::string last = stacks.substr(stacks.rfind('\n', stacks.size() - 2) + 1);
+    EXPECT_EQ(100, std::count(last.begin(), last.end(), ';'));
+    EXPECT_TRUE(last.ends_with("f 101\n")) << last;
 }
 
 } // namespace
