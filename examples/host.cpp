@@ -1,8 +1,8 @@
 // The smallest dashboard: for each plug-in that is registered it prints path, name, status and
 // security level. Exit status: 0 if there is one and each of them answered.
 //
-//     cl /std:c++17 /I include examples\host.cpp advapi32.lib ole32.lib oleaut32.lib
-//     x86_64-w64-mingw32-g++-posix -std=c++17 -static -I include examples/host.cpp -loleaut32
+//     cl /std:c++17 /I include examples\host.cpp advapi32.lib ole32.lib oleaut32.lib uuid.lib
+//     x86_64-w64-mingw32-g++-posix -static -I include examples/host.cpp -lole32 -loleaut32 -luuid
 
 #include "vlonlineids.h"
 
@@ -122,5 +122,7 @@ int main()
         ++shown;
     }
     RegCloseKey(plugins);
+    if (!shown)
+        fputs("no plug-in is registered\n", stderr);
     return shown && !failed ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
 # check-interfaces.sh checks what integrators get: header and example host compile as C++17 for both compilers,
-# the IDL compiles, and header and IDL agree. Part of "make lint".
+# the host also by the command in its comment, the IDL compiles, and header and IDL agree. Part of "make lint".
 set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 work="$root/build/interfaces"
@@ -37,6 +37,13 @@ for compiler in gnu msvc; do
         }
     done
 done
+
+# The command in the comment of the example is one that works.
+command=$(sed -n 's|^// *\(x86_64-.*\)|\1|p' "$root/examples/host.cpp")
+(cd "$root" && ${command:-false} -o "$work/host.exe") || {
+    echo "check-interfaces: the command in examples/host.cpp fails" >&2
+    status=1
+}
 
 # The table of each interface: its base, and its operations in their order with the arguments.
 tables() {
