@@ -137,6 +137,7 @@ protected:
     {
         fs::remove(L"own\\bank.vlm");
         writeFile(L"own\\late.vlm", "late");
+        writeFile(L"own\\updata_temp.vls", "temp");
         writeFile(L"own\\updata.vls", "later state");
         setValue(HKEY_CURRENT_USER, categoriesKey, L"Late", L"late", REG_EXPAND_SZ);
         RegDeleteKeyValueW(HKEY_CURRENT_USER, dashboardKey.c_str(), L"LastQLCategory");

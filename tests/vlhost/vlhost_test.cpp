@@ -132,10 +132,15 @@ TEST_F(Host, EveryFileThatAnyRestoreReplacedIsInSomeCopy)
             << utf8FromWide(name);
     const auto count = std::distance(fs::directory_iterator(copies), fs::directory_iterator());
     EXPECT_TRUE(count >= 5 && count <= 7) << hostText(L"restore --list-undo");
+    fs::remove_all(own); // an undo makes it again
     hostText(L"restore --undo 1");
     expectState(first);
     const std::string list = hostText(L"restore --list-undo");
     EXPECT_LT(list.find("before undoing with copy 1"), list.find("before a restore"));
+    for (const auto& entry : fs::recursive_directory_iterator(copies))
+        if (entry.path().extension() != L".json" && entry.is_regular_file())
+            fs::remove(entry.path());
+    expectIn(host(L"restore --list-undo").err, {"is damaged"});
 }
 
 TEST_F(Host, CopyOfAnEarlierVersionIsTakenOver)
@@ -187,6 +192,7 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
         {L"setting get no_such_key", 1, "spelt right"},
         {L"trace on --dir traces", 2, "full path"},
         {L"trace on --until 2099-12-31", 2, "further away"}, // past, for the plug-in
+        {L"trace on --until 2027-02-31", 2, "is no day"},
         {L"call get-property 12345", 1, "ERROR_UNKNOWN_PROPERTY"},
     };
     for (const auto& [arguments, status, shown] : cases) {
@@ -203,6 +209,7 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndAStatus)
 // Only the notification of a missing set-up goes, and the dashboard's own value brings it back.
 TEST_F(Host, DismissalHoldsUntilShown)
 {
+    hostText(L"call get-property 101 --notification 1"); // the last one
     for (int round = 0; round < 2; ++round) {
         expectIn(hostText(L"dismiss"), {"level: 4"});
         expectIn(hostText(L"show"), {"level: 2"});
@@ -253,7 +260,9 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
 {
     const std::wstring self = std::to_wstring(GetCurrentProcessId());
     const std::wstring on = L"trace on --dir \"C:\\vlhost test\\traces\" --wait " + self;
+    setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", L"DoTrace", L"\xFF", REG_DWORD, 4);
     const std::string before = hostText(L"trace status");
+    expectIn(before, {"tracing: off"}); // the switch has run out
     refused(L"trace on --wait 99999");
     refused(on); // it hasn't the plug-in yet
     EXPECT_EQ(before, hostText(L"trace status"));
