@@ -71,7 +71,10 @@ remove() {
 }
 try installer 'C:\Product'
 
-install-old() { run msiexec /i "C:\\old\\$(basename "$work"/old/*.msi)" /qn 'INSTALLDIR=C:\Product Folder'; }
+install-old() {
+    run msiexec /i "C:\\old\\$(basename "$work"/old/*.msi)" /qn 'INSTALLDIR=C:\Product Folder' STANDINS=none &&
+        [ ! -e "$prefix/drive_c/Product Folder/bin/VloSet.dll" ]
+}
 install-new() { run msiexec /i "C:\\$(basename "$made"/*.msi)" /qn 'INSTALLDIR=C:\Product Folder'; }
 remove() { run msiexec /x "C:\\$(basename "$made"/*.msi)" /qn; }
 try 'Windows Installer' 'C:\Product Folder'
