@@ -101,6 +101,10 @@ TEST(Vlbackup, CommandsAnswerWithStatusAndText)
         {ls, legacy, 0, "prompt: show\n  hot key: Alt+1\n  do-not-prompt list: 3 bytes"},
         {ls, with(3, seq({integer(1), wide(L"Alt+1"), octets("x"), none})), 0, "list: 0 bytes"},
         {{"ls", "-", "--json"}, seq({seq({odd}), none}), 0, "\"name\": \"\xC3\xA9.vlm\""},
+        {{"ls", "-", "--json"},
+         seq({seq({filePair(L"alien|C:\\a\\b.vlm", "x")}), none}),
+         0,
+         R"("target": "C:\\a\\b.vlm")"},
         {{"cat", "-", "\xC3\xA9.vlm"}, with(0, seq({odd, odd})), 0, {"\0\r\n\x1A\xFF", 5}},
         {{"cat", "-", "a.vlm"}, with(0, seq({filePair(L"a.vlm", {}), a})), 0, "AB"}, // the last one
         {{"cat", "-", "settings"}, example, 0, "_filename\":\"x\"}}}"},
@@ -462,6 +466,8 @@ TEST(Diff, NamesEachDifference)
          with(0, seq({b, longer}))},
         {with(3, settings(R"("a":1)")), true,
          "settings settings.current.path_dontpromptlist_filename: only in the first\n"},
+        {with(3, settings(R"("path_dontpromptlist_filename":"x")")), false,
+         "settings settings.current.a: only in the first\n"},
         {with(3, settings(R"("path_dontpromptlist_filename":"x","a":1)")), false,
          "backup element 3: encoded differently\n"},
     };

@@ -267,6 +267,8 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
     refused(on); // it hasn't the plug-in yet
     EXPECT_EQ(before, hostText(L"trace status"));
     const CLoadedModule plugin(LoadLibraryW((bin / L"VLOnlineIDs.dll").c_str()));
+    const std::ofstream other(
+        fs::path(L"traces\\h.x64.other.dll~~01.02.26_at_03.04.05.006~~1." + self + L".trc3"));
     EXPECT_TRUE(has(host(on + L" --timeout 1").err, "process " + utf8FromWide(self)));
     const process_t waiting(bin / L"vlhost.exe", on);
     const fs::path name =
