@@ -55,8 +55,8 @@ COMMANDS = [
 ]
 # What leads to a profile in which vlhost's examples can be run, and what has other documents than they.
 PROFILE = r"""
-copy {bin}\VLFPApi.dll C:\windows\system32
-reg add HKLM\SOFTWARE\Veltrano\Applications /v BinDir /d {bin} /f
+copy "{bin}\VLFPApi.dll" C:\windows\system32
+reg add HKLM\SOFTWARE\Veltrano\Applications /v BinDir /d "{bin}" /f
 vlhost register
 vlhost setting set path_localstorage_dir C:\Logons\
 mkdir C:\Logons
