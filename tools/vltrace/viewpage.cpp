@@ -99,7 +99,7 @@ std::vector<int32_t> viewPage_t::statuses() const
         if (mark.status != 0)
             all.push_back(mark.status);
     std::ranges::sort(all);
-    all.erase(std::ranges::unique(all).begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
     return all;
 }
 

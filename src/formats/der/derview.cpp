@@ -150,7 +150,7 @@ bool CDerSequenceView::Decode(std::span<const uint8_t> bytes)
     }
     std::vector<CDerElement> many;
     const auto read = static_cast<size_t>(element.data() - contents.data());
-    many.reserve(count + 1 + likelyCount(contents.size(), read / count));
+    many.reserve(fewElements + 1 + likelyCount(contents.size(), read / fewElements));
     for (reader = CDerReader(contents); !reader.AtEnd();) {
         const CDerReader rest = reader;
         if (!reader.ReadElement(element))
