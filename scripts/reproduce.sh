@@ -8,6 +8,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
     echo "reproduce: there are changes that no commit has; commit them and run make build first" >&2
     exit 1
 }
+SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct) # strip writes a time, too
+export SOURCE_DATE_EPOCH
 again=$(mktemp -d "$root/build/reproduce XXXXXX")
 trap 'rm -rf "$again"' EXIT
 git clone -q "$root" "$again"
