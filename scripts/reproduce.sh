@@ -9,7 +9,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
     exit 1
 }
 SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct) # strip writes a time, too
-export SOURCE_DATE_EPOCH
+export SOURCE_DATE_EPOCH CCACHE_DISABLE=1 # JsonCpp's build turns the cache on wherever it is found
 again=$(mktemp -d "$root/build/reproduce XXXXXX")
 trap 'rm -rf "$again"' EXIT
 git clone -q "$root" "$again"
