@@ -18,6 +18,9 @@ if(WIN32)
   target_link_options(vl_build_flags INTERFACE -Wl,--no-insert-timestamp)
   target_compile_definitions(vl_build_flags INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+else()
+  # A build's id is made from its symbols, too, and those name files as the compiler was called with them.
+  target_link_options(vl_build_flags INTERFACE -Wl,--build-id=none)
 endif()
 if(VL_CHECKS)
   target_compile_definitions(vl_build_flags INTERFACE _GLIBCXX_ASSERTIONS)
