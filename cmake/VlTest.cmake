@@ -15,6 +15,5 @@ function(vl_add_test name)
   add_test(NAME ${name}
     COMMAND ${runner} $<TARGET_FILE:${name}> --gtest_brief=1 --gtest_output=xml:${name}.xml ${arg_ARGS}
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/results)
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/results)
