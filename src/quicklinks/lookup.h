@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -31,7 +30,17 @@ public:
 private:
     void follow(const std::vector<QLRecord>& records);
 
-    // Each record is listed under its own profile and under anyprofile; positions ascend.
-    std::unordered_map<std::string, std::vector<size_t>> m_positions;
-    size_t m_followed = 0; // records that are in m_positions
+    // A chain holds the records of one file name and profile in ascending order, apart from others
+    // of the same hash. Each record is in two chains, by its own profile and by anyprofile, as the
+    // links 2 * position and 2 * position + 1: a look-up meets few cache lines however many there
+    // are.
+    struct chain_t {
+        uint32_t first;
+        uint32_t last;
+    };
+    void append(uint32_t link, size_t key);
+
+    std::unordered_map<size_t, chain_t> m_chains; // by keyof
+    std::vector<uint32_t> m_next;                 // of each link
+    size_t m_followed = 0;                        // records that are in chains
 };
