@@ -5,6 +5,7 @@
 #include "plugin/vlktpages.h"
 #include "support/tracerecorder.h"
 
+#include <functional>
 #include <stdexcept>
 #include <utility>
 
@@ -12,77 +13,65 @@
 
 using namespace VLONLINEIDSLib;
 
-namespace {
-
-counted<IClassFactory> factory()
-{
-    void* out = nullptr;
-    EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, &out), S_OK);
-    return counted<IClassFactory>(static_cast<IClassFactory*>(out));
-}
-
-counted<IUnknown> query(IUnknown* object, const IID& iid)
-{
-    void* out = nullptr;
-    EXPECT_EQ(object->QueryInterface(iid, &out), S_OK) << iid.Data1;
-    return counted<IUnknown>(static_cast<IUnknown*>(out));
-}
-
-} // namespace
-
-TEST(Factory, IsOneForTheModuleAndRefusesWhatItCannotMake)
+TEST(Object, ComesFromTheOneFactoryAndAnswersForItsEightInterfacesAndNoOther)
 {
     const LONG locks = _pAtlModule->GetLockCount();
-    const counted<IClassFactory> made = factory();
-    EXPECT_EQ(made, factory());
+    void* out = nullptr;
+    const auto taken = [&](HRESULT status) {
+        EXPECT_EQ(status, S_OK);
+        return counted<IUnknown>(static_cast<IUnknown*>(out));
+    };
+    const auto made = taken(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, &out));
+    EXPECT_EQ(made, taken(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, &out)));
     EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // only the way from one to two locks
-    void* out = &out;
+    const auto factory = static_cast<IClassFactory*>(made.get());
+    auto object = taken(factory->CreateInstance(nullptr, IID_IUnknown, &out));
     _ATL_OBJMAP_ENTRY& entry = *_AtlObjectMapFirst[0];
-    void* const kept = entry.pCF->exchange(nullptr);
-    const auto maker =
-        std::exchange(entry.pfnGetClassObject, [](void*, REFIID, void**) { return E_OUTOFMEMORY; });
-    EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, &out), E_OUTOFMEMORY);
-    entry.pfnGetClassObject = maker;
-    entry.pCF->store(kept);
-    EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, nullptr), E_POINTER);
-    EXPECT_EQ(DllGetClassObject(IID_IUnknown, IID_IUnknown, &out), CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(DllGetClassObject(CLSID_CVLKTPages, IID_IDispatch, &(out = &out)), E_NOINTERFACE);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(made->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(made->CreateInstance(made.get(), IID_IUnknown, &(out = &out)), CLASS_E_NOAGGREGATION);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(made->CreateInstance(nullptr, IID_IDispatch, &out), E_NOINTERFACE);
-    EXPECT_EQ(made->CreateInstance(nullptr, IID_IUnknown, &out), S_OK);
-    static_cast<IUnknown*>(out)->Release();
-    EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // both objects are gone again
-    EXPECT_EQ(made->LockServer(FALSE), S_OK);
-    EXPECT_EQ(_pAtlModule->GetLockCount(), locks);
-    EXPECT_EQ(made->LockServer(TRUE), S_OK);
-    EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1);
-}
-
-TEST(Object, AnswersForItsEightInterfacesAndNoOther)
-{
-    const LONG locks = _pAtlModule->GetLockCount();
-    void* out = nullptr;
-    EXPECT_EQ(factory()->CreateInstance(nullptr, IID_IUnknown, &out), S_OK);
-    const auto object = static_cast<IUnknown*>(out);
+    const std::pair<HRESULT, std::function<HRESULT(void**)>> refusals[] = {
+        {CLASS_E_CLASSNOTAVAILABLE,
+         [](void** to) { return DllGetClassObject(IID_IUnknown, IID_IUnknown, to); }},
+        {E_NOINTERFACE,
+         [](void** to) { return DllGetClassObject(CLSID_CVLKTPages, IID_IDispatch, to); }},
+        {E_OUTOFMEMORY,
+         [&](void** to) {
+             void* const kept = entry.pCF->exchange(nullptr);
+             const auto maker = std::exchange(entry.pfnGetClassObject,
+                                              [](void*, REFIID, void**) { return E_OUTOFMEMORY; });
+             const HRESULT status = DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, to);
+             entry.pfnGetClassObject = maker;
+             entry.pCF->store(kept);
+             return status;
+         }},
+        {CLASS_E_NOAGGREGATION,
+         [&](void** to) { return factory->CreateInstance(factory, IID_IUnknown, to); }},
+        {E_NOINTERFACE,
+         [&](void** to) { return factory->CreateInstance(nullptr, IID_IDispatch, to); }},
+        {E_NOINTERFACE, [&](void** to) { return object->QueryInterface(IID_IDispatch, to); }}};
+    for (const auto& row : refusals) {
+        SCOPED_TRACE(&row - refusals);
+        EXPECT_EQ(row.second(&(out = &out)), row.first);
+        EXPECT_EQ(out, nullptr);
+        EXPECT_EQ(row.second(nullptr), E_POINTER);
+    }
     for (const IID& iid :
-         {__uuidof(IVLKTPages), __uuidof(IVLKTElementUI), __uuidof(IVLKSecurityStatus),
-          __uuidof(IVLKTPluginInfo), __uuidof(IVLKTDisableApp), __uuidof(IVLKTBackupRestore3),
-          __uuidof(IVLKTBackupRestore2), __uuidof(IVLKTTraySubscribe)})
-        EXPECT_EQ(query(query(object, iid).get(), IID_IUnknown).get(), object); // one identity
-    EXPECT_EQ(object->QueryInterface(IID_IDispatch, &out), E_NOINTERFACE);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+         {__uuidof(IVLKTElementUI), __uuidof(IVLKSecurityStatus), __uuidof(IVLKTPluginInfo),
+          __uuidof(IVLKTDisableApp), __uuidof(IVLKTBackupRestore3), __uuidof(IVLKTBackupRestore2),
+          __uuidof(IVLKTTraySubscribe), __uuidof(IVLKTPages)}) {
+        const auto one = taken(object->QueryInterface(iid, &out));
+        EXPECT_EQ(taken(one->QueryInterface(IID_IUnknown, &out)), object); // one identity
+    }
     // Hosts call by slot: AddPages stands after the three of IUnknown, and the destructor, which
     // has two slots with this compiler, after that.
     using slot_t = HRESULT(STDMETHODCALLTYPE*)(void*);
-    slot_t* const slots = *reinterpret_cast<slot_t**>(query(object, __uuidof(IVLKTPages)).get());
-    EXPECT_EQ(slots[3](object), S_OK);
-    slots[5](object);
+    taken(object->QueryInterface(__uuidof(IVLKTPages), &out));
+    slot_t* const slots = *static_cast<slot_t**>(out);
+    EXPECT_EQ(slots[3](out), S_OK);
+    EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 2); // what was refused is gone again
+    object.release();
+    slots[5](out);
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
     EXPECT_EQ(_pAtlModule->GetLockCount(), locks);
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
 }
 
 TEST(ErrorFrame, EachKindOfFailureHasItsStatusAndLine)
