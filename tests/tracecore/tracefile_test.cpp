@@ -1,12 +1,8 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "support/growth.h"
-#include "support/importhooks.h"
 #include "tracecore/tracefilename.h"
 #include "tracefixture.h"
-
-#include <map>
-#include <set>
 
 using namespace tracecore;
 
@@ -81,42 +77,12 @@ TEST_F(TraceFile, HoldsTextsOfAnyLengthAndSwitchingItKeepsNothing)
     EXPECT_EQ(grownBy([&] { expectText(9); }), "");
 }
 
-// Rights, sharing, dispositions and inheritance: what a call may do is in its numbers alone.
-TEST_F(TraceFile, PlatformIsAskedForWhatIsNeededAndNoMore)
+TEST_F(TraceFile, SwitchedOnInTheMiddleItShowsWhatWasEnteredBefore)
 {
-    static const std::map<std::string, const char*> shown = {
-        {"CreateFileW", "-nnsnn"}, {"CreateMutexW", "snt"},    {"OpenMutexW", "nnt"},
-        {"RegOpenKeyExW", "-tnn"}, {"SetFilePointer", "-npn"}, {"WaitForSingleObject", "-n"}};
-    static std::set<std::string> calls;
-    calls.clear();
-    std::vector<hookedFunction_t> functions;
-    for (const auto& [name, kinds] : shown)
-        functions.push_back({name.c_str(), 0, ERROR_ACCESS_DENIED});
-    const importHooks_t hooks(
-        GetModuleHandleW(nullptr), functions, +[](const hookedCall_t& call) {
-            calls.insert(call.shown(shown.at(call.function)));
-            return std::strstr(call.function, "Mutex") && *call.text(2) == L'G';
-        });
-    for (const DWORD newFileAlways : {1U, 0U}) {
-        setNumber(L"NewFileAlways", newFileAlways);
-        traced([] { traceText("x"); });
-    }
-    EXPECT_FALSE(realTracer_t().mutex);
-    const std::string global =
-        utf8FromWide(formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId()));
-    EXPECT_EQ(calls, (std::set<std::string>{
-                         "CreateFileW 40000000 3 2 8000080",
-                         "CreateFileW 40000000 3 4 8000080",
-                         "CreateMutexW 0 {32FA2EA5-DF93-459d-8F49-C1DC80404214}",
-                         "CreateMutexW inherit:0 0 " + global,
-                         "OpenMutexW 80000000 0 " + global,
-                         "RegOpenKeyExW ComponentsNOT 0 20019",
-                         "RegOpenKeyExW SOFTWARE\\Veltrano\\Tracing 0 20006",
-                         "RegOpenKeyExW SOFTWARE\\Veltrano\\Tracing 0 20019",
-                         "SetFilePointer 0 pointer 2",
-                         "WaitForSingleObject 0",
-                         "WaitForSingleObject ffffffff",
-                     }));
+    const traceScope_t outer("outer"), inner("inner");
+    const strings lines = traced([] { traceText("x"); }).lines();
+    EXPECT_EQ(strings(lines.begin() + 2, lines.begin() + 5),
+              (strings{"> outer", "> inner", "U x"}));
 }
 
 TEST_F(TraceFile, FileThatCannotBeOpenedSilencesTheProcessForGood)

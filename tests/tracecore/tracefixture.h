@@ -27,7 +27,8 @@ protected:
     tracingFixture()
     {
         using namespace tracecore;
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano");
+        for (const wchar_t* key : {L"SOFTWARE\\Veltrano", L"SOFTWARE\\Policies\\Veltrano"})
+            RegDeleteTreeW(HKEY_LOCAL_MACHINE, key);
         realTracer_t& tracer = theTracer();
         traceState().sinkKind = sinkNone;
         tracer.mode = sinkNowhere;

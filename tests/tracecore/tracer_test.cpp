@@ -1,6 +1,7 @@
 #include "tracecore/tracer.h"
 
 #include "security/objectsecurity.h"
+#include "support/patchimport.h"
 #include "support/tracerecorder.h"
 #include "tracecore/realtracer.h"
 
@@ -53,4 +54,7 @@ TEST(Tracer, WritersMutexLetsEveryUserIn)
     const CLocalMemory owner(descriptor);
     EXPECT_EQ(securityToString(static_cast<SECURITY_DESCRIPTOR*>(descriptor)),
               L"D:(A;;GA;;;AU)(A;;GA;;;SY)(A;;GA;;;BA)(A;;GA;;;BU)");
+    const importPatch_t create(
+        "CreateMutexW", +[]() -> HANDLE { return SetLastError(ERROR_ACCESS_DENIED), nullptr; });
+    EXPECT_TRUE(realTracer_t().mutex); // of another user, opened
 }

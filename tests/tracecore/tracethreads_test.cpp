@@ -2,62 +2,78 @@
 #include "support/tracetree.h"
 #include "tracefixture.h"
 
+#include <algorithm>
+#include <map>
+#include <random>
 #include <thread>
 
 using namespace tracecore;
 
-constexpr int rounds = 20; // for each writer
-
 using TraceThreads = tracingFixture;
 
-TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughThereAreMoreThreadsThanSlots)
+// More threads than there are slots, which this one pretends to be in turn.
+TEST(ThreadStacks, EachThreadFindsItsOwnWhereverItLies)
 {
-    setNumber(L"NewFileAlways", 0);
-    CKernelHandle own;
-    for (const int writers : {90, 20}) {
-        if (writers == 20) { // the mutex is another's, who lets nobody wait for it
-            const std::wstring name =
-                formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
-            own.reset(theTracer().mutex.release());
-            theTracer().mutex.reset(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
+    static DWORD thread;
+    thread = 4; // builds the table, and stays in it
+    std::map<DWORD, std::vector<std::string>> model = {{thread, {}}};
+    std::minstd_rand random(1);
+    std::string wrong; // said at the end: the test's library asks for the thread as well
+    {
+        const importPatch_t id{"GetCurrentThreadId", +[] { return thread; }};
+        threadStacks_t stacks;
+        for (int step = 0; step < 20000; ++step) {
+            thread = 4 + random() % 100 * 4;
+            auto& open = model[thread];
+            if (random() % 2) {
+                stacks.push(open.emplace_back(std::to_string(step)).c_str());
+            } else {
+                stacks.pop();
+                open.resize(open.empty() ? 0 : open.size() - 1);
+            }
+            const auto used = std::ranges::count_if(
+                model, [](const auto& one) { return one.first == 4 || !one.second.empty(); });
+            if (stacks.current().name != (open.empty() ? "main" : open.back()) ||
+                stacks.threads() != static_cast<size_t>(used))
+                wrong += std::to_string(step) + ' ';
         }
-        // Of its own: a file that is appended to has a note of the writer who opens it.
-        const std::filesystem::path path = traceTo(std::to_wstring(writers).c_str());
-        threadStacks_t& stacks = theTracer().stacks;
-        const size_t before = stacks.threads(); // this thread's is among them, and stays
-        meeting_t inside(writers + 1);
-        DWORD ids[90];
+    }
+    EXPECT_EQ(wrong, "");
+}
+
+TEST_F(TraceThreads, RecordsAreWholeAndFunctionsNestThoughNobodyMayWaitForTheMutex)
+{
+    const std::wstring name = formatWide(L"Global\\VLMAX_tracemutex_%04X", GetCurrentProcessId());
+    CKernelHandle own(theTracer().mutex.release());
+    theTracer().mutex.reset(OpenMutexW(READ_CONTROL, FALSE, name.c_str()));
+    constexpr int writers = 90, rounds = 20;
+    const size_t before = theTracer().stacks.threads(); // this one's is among them, and stays
+    DWORD ids[writers];
+    const decodedTrace_t trace = traced([&ids] {
+        meeting_t inside(writers);
         std::vector<std::jthread> threads;
-        for (int writer = 0; writer < writers; ++writer) {
+        for (int writer = 0; writer < writers; ++writer)
             threads.emplace_back([writer, &inside, &ids] {
                 ids[writer] = GetCurrentThreadId();
                 for (int i = 0; i < rounds; ++i) {
-                    traceScope_t outer(std::to_string(writer).c_str());
-                    for (int wait = 0; i == 0 && wait < 2; ++wait)
+                    const traceScope_t outer(std::to_string(writer).c_str());
+                    if (i == 0)
                         inside.arriveAndWait();
-                    traceScope_t inner("inner");
+                    const traceScope_t inner("inner");
                     traceFormat(0, "%d.%d", writer, i);
                 }
             });
-        }
-        inside.arriveAndWait();
-        EXPECT_EQ(stacks.threads(), before + threads.size());
-        inside.arriveAndWait();
-        threads.clear();
-        EXPECT_EQ(stacks.threads(), before);
-        setNumber(L"DoTrace", 0);
-        follow();
-        const decodedTrace_t trace = decodeTrace(fileBytes(path));
-        for (int writer = 0; writer < writers; ++writer) {
-            const std::string name = std::to_string(writer);
-            std::string expected;
-            for (int i = 0; i < rounds; ++i)
-                expected +=
-                    "> " + name + "\n > inner\n  U " + name + "." + std::to_string(i) + "\n";
-            EXPECT_EQ(traceTree(trace, ids[writer]), expected);
-        }
-    }
+    });
     theTracer().mutex = std::move(own);
+    EXPECT_EQ(theTracer().stacks.threads(), before);
+    for (int writer = 0; writer < writers; ++writer) {
+        const std::string number = std::to_string(writer);
+        std::string expected;
+        for (int i = 0; i < rounds; ++i)
+            expected +=
+                "> " + number + "\n > inner\n  U " + number + '.' + std::to_string(i) + '\n';
+        EXPECT_EQ(traceTree(trace, ids[writer]), expected);
+    }
 }
 
 TEST_F(TraceThreads, ThreadThatEndedWithTheMutexKeepsNobodyOut)
