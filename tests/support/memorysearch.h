@@ -3,10 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <string>
-#include <vector>
 
 // unusualOctets gives octets, none of them zero, that stand nowhere else.
 inline std::string unusualOctets(size_t size)
@@ -15,16 +13,6 @@ inline std::string unusualOctets(size_t size)
     for (size_t i = 0; i < size; ++i)
         made[i] = static_cast<char>(i * 37 % 89 + 0x21);
     return made;
-}
-
-// fillIn replaces runs of # by the octets, in place, so that nothing else has them.
-inline void fillIn(std::vector<uint8_t>& list, const std::string& by)
-{
-    for (auto at = list.begin(); at != list.end();) {
-        at = std::search_n(at, list.end(), by.size(), '#');
-        if (at != list.end())
-            at = std::copy(by.begin(), by.end(), at);
-    }
 }
 
 // copiesOf counts in all memory of the process that can be written.

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <map>
-#include <sstream>
 
 // A trace as a tree of lines: a call is "> name", and what happened in it follows, indented by one.
 // Line ends within a text show as {lf} and {crlf}, a blank at its end as {sp}. Date and time stamps
@@ -43,23 +42,5 @@ inline std::string traceTree(const decodedTrace_t& trace, uint32_t onlyThread = 
     for (const auto& [thread, depth] : depths)
         if (depth != 0)
             throw std::runtime_error("a call without an end");
-    return tree;
-}
-
-// wholeTree makes such a tree of a short form, in which " | " is a new line, after a call one
-// deeper.
-inline std::string wholeTree(const std::string& shortForm)
-{
-    std::string tree;
-    std::istringstream in(shortForm);
-    for (std::string line; std::getline(in, line);) {
-        std::string indent = "\n" + line.substr(0, line.find_first_not_of(' '));
-        for (size_t bar; (bar = line.find(" | ")) != std::string::npos;) {
-            indent += line[line.find_first_not_of(' ')] == '>' ? " " : "";
-            tree += line.substr(0, bar) + indent;
-            line.erase(0, bar + 3);
-        }
-        tree += line + '\n';
-    }
     return tree;
 }

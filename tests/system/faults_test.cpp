@@ -2,7 +2,6 @@
 #include "support/freshprocess.h"
 #include "support/growth.h"
 #include "support/importhooks.h"
-#include "support/memorysearch.h"
 
 #include <set>
 
@@ -85,22 +84,6 @@ bool countAndFail(const hookedCall_t& call)
     return true;
 }
 
-// behindSecret is what an octet string holds after its text: it is in a copy of the element, and in
-// no copy of the text. Two items of a list have it, put in place, so that nothing else has; and many
-// times each, so that a freed block which is used again doesn't hide what it held.
-const std::string behindSecret = unusualOctets(40);
-constexpr size_t timesBehind = 200;
-
-bytes secretList()
-{
-    const auto value = std::string("s\0\0\0", 4) + std::string(timesBehind * 40, '#');
-    bytes list = seq({seq({wide(L"other"), octets(value)}),
-                      seq({wide(L"KRS Protected Storage"), octets(value)})});
-    fillIn(list, behindSecret);
-    return list;
-}
-constexpr size_t ownCopies = 2 * timesBehind + 1; // of the list, and the octets themselves
-
 // The tracing mutex is a thread's own, so that another one has to ask.
 bool isTracingFree()
 {
@@ -118,8 +101,6 @@ bool isTracingFree()
 class Faults : public operationsTest, public testing::WithParamInterface<const char*>
 {
 protected:
-    Faults() { m_secrets = secretList(); }
-
     outcome_t failOnce(const plugin_t& plugin, size_t at)
     {
         outcome_t outcome;
@@ -138,8 +119,6 @@ protected:
             EXPECT_TRUE(allowed.count(outcome.statuses[i]) ||
                         outcome.statuses[i] == whole.statuses[i])
                 << failed << ": status " << outcome.statuses[i] << " of call " << i;
-        EXPECT_TRUE(GetParam() != std::string("pluginData") || copiesOf(behindSecret) == ownCopies)
-            << failed;
         // Without the environment a quick link is stored by another path.
         for (const auto& [name, content] : userFiles())
             EXPECT_TRUE(content.empty() || content == files.at(name) ||

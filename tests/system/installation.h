@@ -178,22 +178,24 @@ protected:
     {
         return traceTree(decodeTrace(fileBytes(m_traceFile)), onlyThread);
     }
-    // tree makes such a tree of a short form, where {krs} is the user's folder, {lower} the same in
-    // lower case, {new} the trace of newLogon's quick link, and {size} newLogon's last index.
-    std::string tree(std::string text) const
+    // expected gives a text of expected.rc, in which names in braces stand for what is the machine's:
+    // {krs} for the user's folder, {lower} for the same in lower case, {size} for newLogon's last index.
+    std::string expected(const wchar_t* name) const
     {
-        const std::string krs = utf8FromWide(m_krs.wstring()) + '\\';
-        std::string lower = krs;
-        CharLowerA(lower.data());
-        replaceAll(text, "{new}", R"( > RestoreQuickLinks | U SAQL OK, Num BLOBs=1
-  U bs3: {lower}templates\new.vlm
-  > QL::add | U QL for: kri::new.vlm | U   prof:  7 | U   name: 'New'
-   U   url : 'https://new.example' | U   QL created
-  > QL::save | U save krs::quicklinks.txt)");
-        replaceAll(text, "{size}", std::to_string(newLogon().size() - 1));
+        const HRSRC place = FindResourceW(nullptr, name, RT_RCDATA);
+        const auto first = static_cast<const char*>(LockResource(LoadResource(nullptr, place)));
+        std::string text(first, SizeofResource(nullptr, place)),
+            krs = utf8FromWide(m_krs.wstring());
         replaceAll(text, "{krs}", krs);
-        replaceAll(text, "{lower}", lower);
-        return wholeTree(text);
+        CharLowerA(krs.data());
+        for (const auto& [mark, meant] : {std::pair("{lower}", krs),
+                                          {"{user}", utf8FromWide(_wgetenv(L"USERPROFILE"))},
+                                          {"{built}", utf8FromWide(m_built.wstring())},
+                                          {"{v}", "SOFTWARE\\Veltrano"},
+                                          {"{id}", "{42F9948B-B690-4325-A073-63A8BF31FF32}"},
+                                          {"{size}", std::to_string(newLogon().size() - 1)}})
+            replaceAll(text, mark, meant);
+        return text;
     }
     std::map<std::string, std::string> userFiles() const // path below the user's folder, content
     {

@@ -58,7 +58,7 @@ protected:
         return outcome;
     }
 
-    bytes m_secrets = seq({seq({wide(L"KRS Protected Storage"), octets("s")})});
+    const bytes m_secrets = seq({seq({wide(L"KRS Protected Storage"), octets("s")})});
     const agentStub_t m_agentStub;
 
 private:
@@ -98,14 +98,11 @@ private:
         value_t notices, shown;
         addProperty(outcome, plugin.as<IVLKTElementUI>(), propertyNotifications, notices);
         outcome.given.clear();
-        if (notices.vt != (VT_ARRAY | VT_VARIANT) || !notices.parray ||
-            notices.parray->rgsabound[0].cElements == 0)
-            return;
-        const auto& element = *static_cast<VARIANT*>(notices.parray->pvData);
-        IVLKTElementUI* notice = nullptr;
-        if (element.vt != VT_UNKNOWN || !element.punkVal ||
-            FAILED(element.punkVal->QueryInterface(__uuidof(IVLKTElementUI),
-                                                   reinterpret_cast<void**>(&notice))))
+        const bool isThere = notices.vt == (VT_ARRAY | VT_VARIANT) && notices.parray &&
+                             notices.parray->rgsabound[0].cElements > 0;
+        const auto notice = static_cast<IVLKTElementUI*>(
+            isThere ? static_cast<VARIANT*>(notices.parray->pvData)->punkVal : nullptr);
+        if (!notice)
             return;
         shown.vt = VT_BOOL;
         shown.boolVal = VARIANT_TRUE;
@@ -116,7 +113,6 @@ private:
             value_t value;
             addProperty(outcome, notice, id, value);
         }
-        notice->Release();
     }
     void backup(const plugin_t& plugin, outcome_t& outcome)
     {

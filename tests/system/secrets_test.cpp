@@ -58,7 +58,9 @@ TEST_F(Secrets, StayInNoMoreThanTheCopiesThatAreNotOverwritten)
         const std::string value = std::string(whole.size(), '#') + std::string(2, '\0');
         bytes list = seq({seq({wide(L"other"), octets("x")}),
                           seq({wide(L"KRS Protected Storage"), octets(value)})});
-        fillIn(list, whole);
+        // In place, so that nothing else has it.
+        std::copy(whole.begin(), whole.end(),
+                  std::search_n(list.begin(), list.end(), whole.size(), '#'));
         // The front of a freed block is the heap's, so that the search is for what comes later.
         const std::string narrowEnd = secret.substr(24), wideEnd = whole.substr(48);
         ASSERT_EQ(2u, copiesOf(narrowEnd)); // ours
