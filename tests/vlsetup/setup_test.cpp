@@ -128,7 +128,10 @@ TEST_F(setupTest, RemovalLeavesEverythingAsItWas)
                 std::string left;
                 for (int i = 0; i < times; ++i) {
                     writeFile(medium / L"tool.exe", "tool " + std::to_string(i)); // an upgrade
-                    left = joined(install(asked));
+                    installation_t spelled = asked;
+                    if (i + 1 < times)
+                        spelled.root = L"C:\\OUR Product"; // the same folder
+                    left = joined(install(spelled));
                 }
                 EXPECT_EQ(fileBytes(bin / L"tool.exe"), "tool " + std::to_string(times - 1));
                 EXPECT_EQ(fileBytes(bin / L"xx\\texts.mui"), "texts");
