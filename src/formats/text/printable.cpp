@@ -1,8 +1,7 @@
 #include "formats/text/printable.h"
 
-#include "formats/text/unicode.h"
+#include "formats/text/escape.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -42,44 +41,33 @@ void appendCharacter(std::string& out, char32_t character, std::string_view byte
     }
 }
 
-void append(std::string& out, std::string_view text, bool keepLines)
-{
-    while (!text.empty()) {
-        const auto isPlain = [](char c) { return c >= 0x20 && c < 0x7F; };
-        const auto end = std::ranges::find_if_not(text, isPlain);
-        const auto run = static_cast<size_t>(end - text.begin());
-        out += text.substr(0, run);
-        text.remove_prefix(run);
-        if (text.empty())
-            return;
-        if (keepLines && (text.starts_with("\n") || text.starts_with("\r\n"))) {
-            text.remove_prefix(text.find('\n') + 1);
-            out += '\n';
-            continue;
-        }
-        const std::string_view before = text;
-        const char32_t character = takeCharacter(text);
-        appendCharacter(out, character, before.substr(0, before.size() - text.size()));
-    }
-}
-
 } // namespace
 
 void appendPrintable(std::string& out, std::string_view text)
 {
-    append(out, text, false);
+    appendEscaped(
+        out, text, [](char c) { return c >= 0x20 && c < 0x7F; }, appendCharacter);
 }
 
 std::string printable(std::string_view text)
 {
     std::string out;
-    append(out, text, false);
+    appendPrintable(out, text);
     return out;
 }
 
 std::string printableLines(std::string_view text)
 {
     std::string out;
-    append(out, text, true);
-    return out;
+    for (;;) {
+        const size_t end = text.find('\n');
+        std::string_view line = text.substr(0, end);
+        if (end != std::string_view::npos && line.ends_with('\r'))
+            line.remove_suffix(1);
+        appendPrintable(out, line);
+        if (end == std::string_view::npos)
+            return out;
+        out += '\n';
+        text.remove_prefix(end + 1);
+    }
 }
