@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""check-docs.py [--tools FOLDER] [--host VLHOST] checks the README and the pages of docs.
+"""check-docs.py [--tools FOLDER] [--host VLHOST] [--package FOLDER] checks the README and the pages of docs.
 
 Always: every relative link leads to a file, and to a heading in it.
 --tools: the folder of the native vlbackup and vltrace. Each line "$ COMMAND" in a block of code is run by a shell in a
@@ -7,6 +7,7 @@ Always: every relative link leads to a file, and to a heading in it.
          for anything.
 --host:  vlhost.exe of a build for Windows. Each line "> COMMAND" is run under Wine, in a profile of its own into which
          examples/samples/first.vlb was restored. It has to exit with 0, unless "> echo %ERRORLEVEL%" comes next.
+--package: the pages in the folder of a package instead; their links alone.
 The page of each tool that is given has to name the options that its --help knows, except those in tools.md, and no others.
 Exit status: 0 only if all is so.
 """
@@ -20,8 +21,14 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-PAGES = sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md"), *ROOT.glob("examples/**/*.md")])
 faults = []
+
+
+def pages_in(root):
+    return sorted([*root.glob("*.md"), *root.glob("docs/**/*.md"), *root.glob("examples/**/*.md")])
+
+
+PAGES = pages_in(ROOT)
 
 
 def code_lines(page):
@@ -60,9 +67,9 @@ def check_links(page):
     for path, anchor in re.findall(r"\]\((?!\w+:)([^)#\s]*)(?:#([^)\s]*))?\)", page.read_text()):
         target = page.parent / path if path else page
         if not target.exists():
-            faults.append(f"{page.relative_to(ROOT)}: no file {path}")
+            faults.append(f"{os.path.relpath(page, ROOT)}: no file {path}")
         elif anchor and anchor not in headings(target):
-            faults.append(f"{page.relative_to(ROOT)}: no heading #{anchor} in {path or 'it'}")
+            faults.append(f"{os.path.relpath(page, ROOT)}: no heading #{anchor} in {path or 'it'}")
 
 
 def options_in(text):
@@ -161,8 +168,9 @@ def check_host(host):
 parser = argparse.ArgumentParser(usage=__doc__)
 parser.add_argument("--tools", type=Path)
 parser.add_argument("--host", type=Path)
+parser.add_argument("--package", type=Path)
 given = parser.parse_args()
-for one in PAGES:
+for one in pages_in(given.package.resolve()) if given.package else PAGES:
     check_links(one)
 if given.tools:
     check_tools(given.tools)

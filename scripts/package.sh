@@ -18,13 +18,15 @@ cd "$out"
 cp -R "$root/build/dist/." "$name/"
 cp -R "$root/build/sdk" "$sdk"
 cp -R "$root/examples" "$sdk/examples"
-cp "$root/LICENSE" "$root/docs/integrating.md" "$sdk/"
 for file in vlbackup vltrace share; do
     [ ! -e "$name/$file" ] || mv "$name/$file" "$tools/"
 done
-for folder in "$name" "$tools"; do
-    cp -R "$root/README.md" "$root/CHANGELOG.md" "$root/LICENSE" "$root/docs" "$folder/"
-    "$root/scripts/sbom.py" notices "$folder"
+for folder in "$name" "$tools" "$sdk"; do
+    cp -R "$root"/*.md "$root/LICENSE" "$root/docs" "$folder/"
+    mkdir -p "$folder/examples"
+    cp -R "$root/examples/samples" "$folder/examples/"
+    "$root/scripts/check-docs.py" --package "$folder"
+    [ "$folder" = "$sdk" ] || "$root/scripts/sbom.py" notices "$folder"
 done
 
 # separate PREFIX FILE: the symbols of FILE go beside, and FILE names them for the debugger.
