@@ -7,7 +7,12 @@
 #include "shared/manpage.h"
 #include "shared/terminal.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
+
+const std::vector<std::string> colourings = {"auto", "always", "never"}; // as in colouring_t
 
 // Every command takes them too, which the parser asks of each, but lists in the help of the program
 // alone.
@@ -26,7 +31,19 @@ void passUp(CLI::App& command, const std::string& program)
 void addHabits(CLI::App& app)
 {
     setQuiet(false);
+    setColouring(colouring_t::automatic);
     passUp(app, app.get_name());
+    // Taken while the rest is read, so that it holds for what is wrong there, too.
+    app.add_option_function<std::string>(
+           "--color",
+           [](const std::string& word) {
+               const auto at = std::ranges::find(colourings, word) - colourings.begin();
+               setColouring(static_cast<colouring_t>(at));
+           },
+           "When to use colours; auto: on a terminal, unless NO_COLOR is set")
+        ->check(oneOf(colourings))
+        ->default_str("auto")
+        ->trigger_on_parse();
     app.add_flag_callback(
         "-q,--quiet", [] { setQuiet(true); }, "Print only what was asked for, and failures");
     app.set_version_flag(
@@ -39,7 +56,7 @@ void addHabits(CLI::App& app)
                throw CLI::CallForVersion(completionScript(commandTree(app), shell), 0);
            },
            "Print the completion of a shell")
-        ->check(CLI::IsMember(completionShells()))
+        ->check(oneOf(completionShells()))
         ->group("");
     app.add_flag_callback(
            "--man",
@@ -48,6 +65,23 @@ void addHabits(CLI::App& app)
            },
            "Print the manual page")
         ->group("");
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& words)
+{
+    std::string listed;
+    for (const std::string& word : words)
+        listed += (listed.empty() ? "" : ",") + word;
+    return {[words](const std::string& value) {
+                std::string fault = '"' + value + "\" is none of";
+                for (const std::string& word : words) {
+                    if (value == word)
+                        return std::string();
+                    fault += (word == words.front() ? " " : ", ") + word;
+                }
+                return fault;
+            },
+            '{' + listed + '}'};
 }
 
 std::string versionText(const CLI::App& app)

@@ -113,6 +113,8 @@ std::string manualPage(const std::vector<command_t>& tree, const std::string& ve
     out << ".SH EXIT STATUS\n";
     for (const auto& [status, meaning] : exitStatus::meanings)
         out << ".TP\n" << bold(std::to_string(status)) << '\n' << roff(meaning) << '\n';
-    out << ".SH ENVIRONMENT\n.TP\n" << bold("NO_COLOR") << "\nNo colours, if it is set.";
+    out << ".SH ENVIRONMENT\n.TP\n"
+        << bold("NO_COLOR") << "\nNo colours, if it is set and " << bold("--color")
+        << " isn't given.";
     return out.str();
 }

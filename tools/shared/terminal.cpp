@@ -12,7 +12,9 @@
 
 namespace {
 
-bool quietly = false; // one command line makes one process
+// One command line makes one process.
+bool quietly = false;
+colouring_t wanted = colouring_t::automatic;
 
 bool isSet(const char* variable) noexcept
 {
@@ -56,9 +58,15 @@ bool isTerminal(const std::ostream& stream) noexcept
 
 std::string coloured(const std::ostream& stream, colour_t colour, const std::string& text)
 {
-    if (isSet("NO_COLOR") || !showsColours(stream))
+    if (wanted == colouring_t::never ||
+        (wanted == colouring_t::automatic && (isSet("NO_COLOR") || !showsColours(stream))))
         return text;
     return "\x1B[" + std::to_string(static_cast<int>(colour)) + 'm' + text + "\x1B[0m";
+}
+
+void setColouring(colouring_t colouring) noexcept
+{
+    wanted = colouring;
 }
 
 bool isQuiet() noexcept

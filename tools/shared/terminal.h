@@ -10,9 +10,15 @@ bool isTerminal(const std::ostream& stream) noexcept;
 
 enum class colour_t { red = 31, green = 32, yellow = 33 };
 
-// coloured is the text in a colour if the stream goes to a terminal that shows colours, unless the
-// user has set NO_COLOR; else it is the text as it is.
+// coloured is the text in a colour, or as it is, by what the user wants.
 std::string coloured(const std::ostream& stream, colour_t colour, const std::string& text);
+
+enum class colouring_t {
+    automatic, // if the stream goes to a terminal that shows colours, unless NO_COLOR is set
+    always,
+    never,
+};
+void setColouring(colouring_t colouring) noexcept;
 
 // isQuiet is true after --quiet: then only what was asked for is printed, and failures.
 bool isQuiet() noexcept;

@@ -171,7 +171,7 @@ public:
                                   " 1 --type bool --value false", setProperty);
         set->add_option("id", m_arguments->command, "Number of the command")->required();
         set->add_option("--type", m_arguments->type, "Type of the value; null is no VARIANT at all")
-            ->check(CLI::IsMember({"bool", "number", "text", "empty", "null"}))
+            ->check(oneOf({"bool", "number", "text", "empty", "null"}))
             ->capture_default_str();
         set->add_option("--value", m_arguments->value, "true, false, a number or a text");
         for (CLI::App* const command : {get, set})

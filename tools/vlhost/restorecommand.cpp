@@ -188,7 +188,7 @@ void addRestoreCommand(CLI::App& app, const options_t& options)
     command
         ->add_option("--entry", arguments->entry,
                      "The operation to use: SetStorageData, SetStorageData2 or SetPluginData")
-        ->check(CLI::IsMember({"1", "2", "plugin-data"}))
+        ->check(oneOf({"1", "2", "plugin-data"}))
         ->capture_default_str();
     command->add_option("--flags", arguments->flags, "Passed on to the agent by --entry 2");
     command->add_option("--secret-from", arguments->secretFrom,

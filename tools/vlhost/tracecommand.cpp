@@ -242,7 +242,7 @@ void addTraceCommands(CLI::App& app, const options_t& options)
     CLI::App* const on = trace->add_subcommand("on", "Switch it on");
     on->add_option("--until", arguments->until, "The first day without it, such as 2026-12-31");
     on->add_option("--to", arguments->to, "Where it goes")
-        ->check(CLI::IsMember({"file", "console", "debugger"}))
+        ->check(oneOf({"file", "console", "debugger"}))
         ->capture_default_str();
     on->add_option("--dir", arguments->folder,
                    "Folder of the trace files, which the plug-in makes; it stays set");

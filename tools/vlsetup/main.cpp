@@ -6,10 +6,12 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <iostream>
-#include <map>
 
 namespace {
+
+const std::vector<std::string> standInWords = {"none", "missing", "all"}; // as in standIns_t
 
 std::wstring environment(const wchar_t* name)
 {
@@ -33,7 +35,7 @@ int main(int argc, char** argv)
     std::string root = utf8FromWide(environment(L"ProgramFiles") + L"\\Veltrano");
     std::string from = utf8FromWide(programFolder());
     std::string uninstaller;
-    standIns_t standIns = standIns_t::missing;
+    std::string standIns = "missing";
     bool replace = false;
 
     CLI::App* const installCommand = app.add_subcommand("install", "Install, repair or upgrade");
@@ -44,19 +46,19 @@ int main(int argc, char** argv)
         ->add_option(
             "--stand-ins", standIns,
             "Stand-ins for the product's neighbours: none, missing (where nothing is), or all")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, standIns_t>{{"none", standIns_t::none},
-                                              {"missing", standIns_t::missing},
-                                              {"all", standIns_t::all}}));
+        ->check(oneOf(standInWords))
+        ->capture_default_str();
     installCommand->add_flag("--replace", replace,
                              "Replace files of the same name; the removal puts them back");
     installCommand->add_option("--uninstaller", uninstaller,
                                "File of the package for the list of installed programs");
     addExample(*installCommand, "vlsetup install --stand-ins none");
     installCommand->callback([&] {
-        print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller), standIns,
-                       replace}));
-        std::cout << "installed in " << root << "\\bin\n";
+        const auto at = std::ranges::find(standInWords, standIns) - standInWords.begin();
+        print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller),
+                       static_cast<standIns_t>(at), replace}));
+        std::cout << "installed in " << utf8FromWide(fullPath(wideFromUtf8(root) + L"\\bin"))
+                  << '\n';
     });
 
     CLI::App* const uninstallCommand =

@@ -1,6 +1,7 @@
 #include "options.h"
 
 #include "formats/trace/levels.h"
+#include "shared/habits.h"
 
 #include <charconv>
 #include <optional>
@@ -49,7 +50,7 @@ void addFiles(CLI::App& command, options_t& options)
 {
     command
         .add_option("FILE", options.files,
-                    "trace files (.trc3), and folders with some; - is standard input")
+                    "trace files (.trc3, .trc3.gz), and folders with some; - is standard input")
         ->required();
 }
 
@@ -103,7 +104,7 @@ void addTailOptions(CLI::App& command, options_t& options)
 void addStatsOptions(CLI::App& command, options_t& options)
 {
     command.add_option("--sort", options.order, "what the table is in the order of")
-        ->check(CLI::IsMember({"name", "calls", "errors", "total", "longest"}))
+        ->check(oneOf({"name", "calls", "errors", "total", "longest"}))
         ->capture_default_str();
     command.add_flag("--json", options.json, "print JSON");
 }
@@ -116,7 +117,7 @@ void addExportOptions(CLI::App& command, options_t& options)
                     "jsonl: JSON Lines; csv: comma-separated values; chrome: for Perfetto, "
                     "speedscope and the like; folded: for flame graphs; otlp: for OpenTelemetry "
                     "collectors")
-        ->check(CLI::IsMember({"jsonl", "csv", "chrome", "folded", "otlp"}))
+        ->check(oneOf({"jsonl", "csv", "chrome", "folded", "otlp"}))
         ->capture_default_str();
     command
         .add_option("--utc-offset", options.utcOffset,
