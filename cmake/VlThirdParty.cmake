@@ -56,6 +56,15 @@ target_include_directories(vl_pcre2 SYSTEM PUBLIC ${vl_pcre2} PRIVATE ${pcre2_SO
 target_compile_definitions(vl_pcre2 PUBLIC PCRE2_STATIC PCRE2_CODE_UNIT_WIDTH=8
   PRIVATE HAVE_CONFIG_H SUPPORT_PCRE2_8 SUPPORT_UNICODE)
 
+# Compressed files; linked in like libmd.
+add_library(vl_zlib INTERFACE)
+if(WIN32)
+  target_link_libraries(vl_zlib INTERFACE z)
+else()
+  find_library(VL_Z_LIBRARY libz.a REQUIRED)
+  target_link_libraries(vl_zlib INTERFACE ${VL_Z_LIBRARY})
+endif()
+
 # ZIP archives: vlhost writes them, its test reads them.
 if(WIN32)
   FetchContent_Declare(minizip SYSTEM
@@ -68,5 +77,5 @@ if(WIN32)
   target_compile_definitions(vl_minizip PRIVATE NOCRYPT NOUNCRYPT)
   target_compile_options(vl_minizip PRIVATE -w)
   target_include_directories(vl_minizip SYSTEM PUBLIC ${minizip_SOURCE_DIR})
-  target_link_libraries(vl_minizip PUBLIC z)
+  target_link_libraries(vl_minizip PUBLIC vl_zlib)
 endif()

@@ -3,6 +3,7 @@
 with a model and with each other, read by this language's own readers. Exit status: 0 only if all agree."""
 import collections
 import csv
+import gzip
 import io
 import json
 import re
@@ -17,10 +18,10 @@ TOOL, SOURCE = sys.argv[1], Path(__file__).resolve().parents[2]
 NAME = "host.x64.vlonlineids.dll~~07.14.17_at_10.00.00.%03d~~1.%d.trc3"
 
 
-def run(*words, status=0):
+def run(*words, status=0, err=False):
     done = subprocess.run([TOOL, *map(str, words)], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     assert done.returncode == status, (words, done.returncode, done.stderr)
-    return done.stdout.decode()
+    return (done.stderr if err else done.stdout).decode()
 
 
 def same(what, one, other):
@@ -179,6 +180,21 @@ def damage_stays_balanced(folder, trace):
     same("columns", {len(row) for row in rows}, {15})
 
 
+def compressed_reads_as_it_was(folder, data):
+    plain, packed = folder / "plain.trc3", folder / "packed.trc3.gz"
+    plain.write_bytes(data)
+    lines = run("cat", plain).splitlines()[1:]
+    plain.unlink()
+    whole = gzip.compress(data[:5000]) + gzip.compress(data[5000:])
+    packed.write_bytes(whole + bytes(99))  # padding is no fault
+    same("compressed", run("cat", folder).splitlines()[1:], lines)
+    for size in range(999, len(whole), len(whole) // 30):
+        packed.write_bytes(whole[:size])
+        cut = run("cat", packed).splitlines()[1:-1]  # the last may be a part
+        same("cut", cut, lines[:len(cut)])
+        assert len(cut) > size // 50 and "is cut or damaged" in run("cat", packed, err=True), size
+
+
 def main():
     with tempfile.TemporaryDirectory() as place:
         folder = Path(place)
@@ -194,9 +210,11 @@ def main():
         same("itself", run("diff", first, first), "")
         assert "\n-" in run("diff", first, second, status=1)
         run("cat", "-e", "(x+x+)+[yz]", folder, status=1)  # would never end
-        broken = folder / "broken"
+        broken, compressed = folder / "broken", folder / "compressed"
         broken.mkdir()
         damage_stays_balanced(broken, tracefile.Trace(3, 60))
+        compressed.mkdir()
+        compressed_reads_as_it_was(compressed, tracefile.Trace(4, 900).bytes * 5)
 
 
 main()

@@ -82,7 +82,10 @@ void traceMerge_t::end(traceInput_t& input)
     input.begun = false;
     const traceFeed_t& feed = input.feed();
     const std::string name = input.source().shown;
-    if (feed.cutOffset)
+    if (!input.isWhole())
+        m_complain(CToolError(name + " is cut or damaged: the rest of its gzip data can't be read",
+                              "copy it again", exitStatus::good));
+    else if (feed.cutOffset)
         m_complain(CToolError(name + " is cut at byte " + std::to_string(*feed.cutOffset) +
                                   ": the rest is no whole record",
                               "is it still being written?", exitStatus::good));

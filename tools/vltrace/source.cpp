@@ -22,15 +22,17 @@ std::string lastPart(const std::string& name)
     return slash == std::string::npos ? name : name.substr(slash + 1);
 }
 
-bool isTraceName(const std::string& name)
+// extensionOf gives the size of a trace's extension; 0 if the name is none of a trace.
+size_t extensionOf(std::string_view name)
 {
-    constexpr std::string_view extension = ".trc3";
     const auto same = [](char a, char b) {
         return a == b || (a >= 'A' && a <= 'Z' && a + 32 == b);
     };
-    return name.size() > extension.size() &&
-           std::ranges::equal(std::string_view(name).substr(name.size() - extension.size()),
-                              extension, same);
+    for (const std::string_view extension : {".trc3", ".trc3.gz"})
+        if (name.size() > extension.size() &&
+            std::ranges::equal(name.substr(name.size() - extension.size()), extension, same))
+            return extension.size();
+    return 0;
 }
 
 } // namespace
@@ -61,7 +63,7 @@ std::string programOf(const std::string& name)
     const size_t machine = unstamped.rfind(".x64.");
     if (machine != std::string::npos && machine > 0)
         return unstamped.substr(0, machine);
-    return isTraceName(last) ? last.substr(0, last.rfind('.')) : last;
+    return last.substr(0, last.size() - extensionOf(last));
 }
 
 std::vector<std::string> tracesIn(const std::string& folder)
@@ -74,7 +76,7 @@ std::vector<std::string> tracesIn(const std::string& folder)
          entry.increment(error)) {
         const auto last = entry->path().filename().u8string();
         const std::string name(last.begin(), last.end());
-        if (isTraceName(name) && entryKind(entry->path()) == entryKind_t::file)
+        if (extensionOf(name) != 0 && entryKind(entry->path()) == entryKind_t::file)
             names.push_back(prefix + name);
     }
     if (error)

@@ -19,7 +19,6 @@ constexpr size_t beginningSize = 4096; // holds the header's time stamp
 
 void traceFeed_t::append(std::span<const uint8_t> bytes)
 {
-    size += bytes.size();
     m_reader.append(bytes);
 }
 
@@ -63,7 +62,7 @@ traceInput_t::traceInput_t(source_t source, std::istream& standardInput, size_t 
                            bool follows)
     : m_source(std::move(source)),
       m_standardInput(standardInput),
-      m_pieceSize(pieceSize),
+      m_pieceSize(std::max(pieceSize, gunzip_t::beginning)),
       m_follows(follows),
       m_held(m_source.name == "-" || entryKind(pathOf(m_source.name)) == entryKind_t::other),
       m_feed(std::make_unique<traceFeed_t>())
@@ -86,29 +85,51 @@ std::istream* traceInput_t::open()
         m_file = openInput(m_source.name);
     if (!m_file)
         return nullptr;
-    m_file.seekg(static_cast<std::streamoff>(m_feed->size));
+    m_file.seekg(static_cast<std::streamoff>(m_offset));
     return &m_file;
 }
 
-bool traceInput_t::readPiece()
+std::vector<uint8_t> traceInput_t::readFile()
 {
     std::istream* const stream = open();
     if (!stream)
-        return false;
+        return {};
     static_assert(sizeof(char) == sizeof(uint8_t));
-    m_piece.resize(m_pieceSize);
-    stream->read(reinterpret_cast<char*>(m_piece.data()),
-                 static_cast<std::streamsize>(m_piece.size()));
-    m_piece.resize(static_cast<size_t>(stream->gcount()));
+    std::vector<uint8_t> piece(m_pieceSize);
+    stream->read(reinterpret_cast<char*>(piece.data()), static_cast<std::streamsize>(piece.size()));
+    piece.resize(static_cast<size_t>(stream->gcount()));
     if (!m_follows)
         checkRead(m_source.name, *stream);
     if (!m_held)
         m_file.close();
-    const size_t missing = std::min(beginningSize - m_beginning.size(), m_piece.size());
-    m_beginning.insert(m_beginning.end(), m_piece.begin(),
-                       m_piece.begin() + static_cast<std::ptrdiff_t>(missing));
-    m_feed->append(m_piece);
-    return !m_piece.empty();
+    m_offset += piece.size();
+    const size_t missing = std::min(beginningSize - m_beginning.size(), piece.size());
+    m_beginning.insert(m_beginning.end(), piece.begin(),
+                       piece.begin() + static_cast<std::ptrdiff_t>(missing));
+    return piece;
+}
+
+bool traceInput_t::readPiece()
+{
+    std::vector<uint8_t> piece(m_gunzip ? m_pieceSize : 0);
+    piece.resize(m_gunzip ? m_gunzip->take(piece) : 0);
+    while (piece.empty()) {
+        const bool first = m_offset == 0;
+        std::vector<uint8_t> read = readFile();
+        if (read.empty())
+            return false;
+        if (first && gunzip_t::begins(read))
+            m_gunzip = std::make_unique<gunzip_t>();
+        if (!m_gunzip) {
+            piece = std::move(read);
+            break;
+        }
+        m_gunzip->append(std::move(read));
+        piece.resize(m_pieceSize);
+        piece.resize(m_gunzip->take(piece));
+    }
+    m_feed->append(piece);
+    return true;
 }
 
 bool traceInput_t::advance()
@@ -140,6 +161,8 @@ void traceInput_t::finish() noexcept
 void traceInput_t::restart()
 {
     m_feed = std::make_unique<traceFeed_t>();
+    m_gunzip.reset();
+    m_offset = 0;
     m_beginning.clear();
     m_finished = false;
 }
@@ -156,7 +179,7 @@ bool traceInput_t::wasReplaced()
                              [](uint8_t a, char b) { return a == static_cast<uint8_t>(b); }))
         return true;
     file.seekg(0, std::ios::end);
-    return file.tellg() < static_cast<std::streamoff>(m_feed->size);
+    return file.tellg() < static_cast<std::streamoff>(m_offset);
 }
 
 } // namespace vltrace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/trace/tracewalker.h"
+#include "gunzip.h"
 #include "source.h"
 
 #include <cstdint>
@@ -32,7 +33,6 @@ public:
 
     uint64_t damages = 0;
     uint64_t skipped = 0;              // bytes
-    uint64_t size = 0;                 // bytes fed
     std::optional<uint64_t> cutOffset; // of the damage that the file ends with
 
 private:
@@ -47,8 +47,9 @@ private:
     bool m_begun = false;
 };
 
-// traceInput_t reads one file piece by piece. A file is opened for each piece and not held, so that
-// any number of them can be read together, and one that grows can be replaced or removed meanwhile.
+// traceInput_t reads one file, compressed by gzip or not, piece by piece. A file is opened for each
+// piece and not held, so that any number of them can be read together, and one that grows can be
+// replaced or removed meanwhile.
 class traceInput_t
 {
 public:
@@ -75,13 +76,17 @@ public:
 
     bool isFinished() const noexcept { return m_finished; }
 
+    // isWhole is false for a compressed file that is cut or damaged: nothing after that can be read.
+    bool isWhole() const noexcept { return !m_gunzip || m_gunzip->isWhole(); }
+
     source_t& source() noexcept { return m_source; }
     const traceFeed_t& feed() const noexcept { return *m_feed; }
     bool begun = false; // for the use of who reads: the consumer knows of it
 
 private:
     bool readPiece();
-    std::istream* open(); // at the next piece; null if a followed file isn't there
+    std::vector<uint8_t> readFile(); // the next bytes of the file; none at its end
+    std::istream* open();            // at the next piece; null if a followed file isn't there
     void checkTrace() const;
 
     source_t m_source;
@@ -90,9 +95,10 @@ private:
     bool m_follows;
     bool m_finished = false;
     std::ifstream m_file;
-    bool m_held; // a pipe or the like: what was read can't be read again
+    bool m_held;           // a pipe or the like: what was read can't be read again
+    uint64_t m_offset = 0; // of what comes next in the file
+    std::unique_ptr<gunzip_t> m_gunzip;
     std::unique_ptr<traceFeed_t> m_feed;
-    std::vector<uint8_t> m_piece;
     std::vector<uint8_t> m_beginning; // of what was read: enough to recognise another file
     const tracecore::traceItem_t* m_item = nullptr;
 };
