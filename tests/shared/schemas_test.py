@@ -51,7 +51,8 @@ BACKUPS = {
 }
 COMMANDS = [
     ["ls"], ["info"], ["cat", "a.vlm"], ["extract", "out"], ["verify"], ["diff", "old", "--restored"], ["diff", "none"],
-    ["find", "a"], ["hex"], ["recover", "file"], ["redact", "file"], ["to-json", "file"], ["ls", "--wrong"],
+    ["find", "a"], ["hex"], ["recover", "file"], ["redact", "file"], ["to-json", "file"],
+    ["ls", "a*", "settings"], ["extract", "out", "a?vlm", "none"], ["merge", "old", "-o", "merged", "--force"], ["ls", "--wrong"],
 ]
 # What leads to a profile in which vlhost's examples can be run, and what has other documents than they.
 PROFILE = r"""
@@ -75,18 +76,18 @@ vlhost --wrong
 """
 
 
-def check(what, out, err):
-    for text in [out, *err.splitlines()]:
-        if not text:
-            continue
-        try:
-            document = json.loads(text)
-            seen.add(document["schema"])
-            schema = json.loads((ROOT / f"docs/schemas/{document['schema']}.json").read_text(encoding="utf-8"))
-            jsonschema.Draft7Validator.check_schema(schema)
-            jsonschema.validate(document, schema)
-        except Exception as error:
-            raise AssertionError(f"{what}: {text}") from error
+def check(what, *outputs):
+    for text in outputs:
+        while text := text.strip():
+            try:
+                document, end = json.JSONDecoder().raw_decode(text)
+                seen.add(document["schema"])
+                schema = json.loads((ROOT / f"docs/schemas/{document['schema']}.json").read_text(encoding="utf-8"))
+                jsonschema.Draft7Validator.check_schema(schema)
+                jsonschema.validate(document, schema)
+            except Exception as error:
+                raise AssertionError(f"{what}: {text}") from error
+            text = text[end:]
 
 
 def shown(*command):
@@ -114,8 +115,11 @@ def check_colours(tools):
         program, *words = tools / command[0], *(SAMPLES / word if "." in word else word for word in command[1:])
         assert colour in shown(program, *words), command
         piped = subprocess.run([program, *words], capture_output=True, check=False)
+        forced = subprocess.run(["env", "NO_COLOR=1", program, *words, "--color", "always"], capture_output=True,
+                                check=False)
+        assert colour in (forced.stdout + forced.stderr).decode(), command
         for plain in (shown("env", "NO_COLOR=1", program, *words), shown("env", "TERM=dumb", program, *words),
-                      (piped.stdout + piped.stderr).decode()):
+                      shown(program, *words, "--color", "never"), (piped.stdout + piped.stderr).decode()):
             assert "\x1B" not in plain, (command, plain)
     assert "name a file" in shown(tools / "vltrace", "view", SAMPLES / "restore.trc3"), "a page on the terminal"
 
@@ -123,9 +127,10 @@ def check_colours(tools):
 def check_tools(tools):
     with tempfile.TemporaryDirectory() as folder:
         def run(*arguments, tool="vlbackup"):
-            done = subprocess.run([tools / tool, *arguments, "--json"], cwd=folder, capture_output=True, text=True,
-                                  check=False)
-            check((tool, *arguments), done.stdout, done.stderr)
+            done = subprocess.run([tools / tool, *arguments, "--json"], cwd=folder, capture_output=True, check=False)
+            # What goes to standard output is a backup, and the report is beside it.
+            check((tool, *arguments), "" if {"recover", "merge"} & {*arguments} and arguments[-1] == "-" else
+                  done.stdout.decode(), done.stderr.decode())
 
         for name, content in BACKUPS.items():
             Path(folder, name).write_bytes(content)
@@ -135,6 +140,10 @@ def check_tools(tools):
             run("to-json", name, "json", "--force")
             run("from-json", "json", "file", "--force")
             run("to-json", name, "-")
+            run("recover", name, "-")
+            for other in ("old", "legacy"):
+                run("merge", name, other, "-o", "-")
+                run("merge", name, other, "--dry-run")
         for name in ("restore.trc3", "damaged.trc3", "first.vlb", "none", ""):
             run("stats", SAMPLES / name, tool="vltrace")
         run("stats", SAMPLES, folder, "--wrong", tool="vltrace")

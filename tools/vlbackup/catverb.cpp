@@ -12,7 +12,7 @@ std::span<const uint8_t> contentOf(const CBackupView& backup, const Call& call)
     const std::string& document = backup.settings.document;
     if (call.other == "settings" && backup.settings.form == SettingsForm::document)
         return {reinterpret_cast<const uint8_t*>(document.data()), document.size()};
-    refuseName(call);
+    throw missingName(call, call.other);
 }
 
 } // namespace

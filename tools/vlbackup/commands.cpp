@@ -12,11 +12,18 @@ void addCatOptions(CLI::App& command, Call& call)
         ->required();
 }
 
+void addNames(CLI::App& command, Call& call)
+{
+    command.add_option(
+        "name", call.names,
+        "Only these names, as ls shows them; * stands for any characters, ? for one");
+}
+
 void addExtractOptions(CLI::App& command, Call& call)
 {
     command.add_option("folder", call.output, "Where the files go; made if it is missing")
         ->required();
-    command.add_option("name", call.other, "The one stored name to write, as ls shows it");
+    addNames(command, call);
     command.add_flag("--force", call.force, "Replace files that exist");
 }
 
@@ -34,6 +41,17 @@ void addDiffOptions(CLI::App& command, Call& call)
     command.add_flag("--restored", call.restored,
                      "The other was taken after restoring this one: pass what the format makes "
                      "different");
+}
+
+void addMergeOptions(CLI::App& command, Call& call)
+{
+    command.add_option("other", call.other, "The second backup")->required();
+    command.add_option("-o,--output", call.output, "The file to write; - is standard output");
+    command
+        .add_option("--prefer", call.prefer, "Which one's to take of what both have differently")
+        ->check(oneOf({"first", "second"}));
+    command.add_flag("--dry-run", call.dryRun, "Write nothing, only show what it would be");
+    command.add_flag("--force", call.force, "Replace the file if it exists");
 }
 
 void addFindOptions(CLI::App& command, Call& call)
@@ -64,7 +82,8 @@ struct Verb {
     const char* inputWhat = "The backup";
 };
 constexpr Verb table[] = {
-    {"ls", "List everything in it", "vlbackup ls first.vlb", verbs::ls, nullptr},
+    {"ls", "List everything in it, or what has one of the names", "vlbackup ls first.vlb \"*.vlm\"",
+     verbs::ls, addNames},
     {"info", "Show its version, counts, sizes, checksum and verdict", "vlbackup info first.vlb",
      verbs::info, nullptr},
     {"verify",
@@ -75,9 +94,13 @@ constexpr Verb table[] = {
     {"cat", "Write the bytes of a stored file, or the settings document",
      "vlbackup cat first.vlb bank.vlm >bank.vlm", verbs::cat, addCatOptions},
     {"extract", "Write its stored files below a folder; exit status 1 if one can't be",
-     "vlbackup extract first.vlb out", verbs::extract, addExtractOptions},
+     "vlbackup extract first.vlb out \"*.vlm\"", verbs::extract, addExtractOptions},
     {"diff", "Compare it with another, or with the profile; exit status 1 if they differ",
      "vlbackup diff --restored first.vlb second.vlb", verbs::diff, addDiffOptions},
+    {"merge",
+     "Make a new backup of all that is in two; exit status 1 if they differ in what both have",
+     "vlbackup merge --prefer first first.vlb second.vlb -o both.vlb", verbs::merge,
+     addMergeOptions},
     {"recover",
      "Make a new backup of what is intact in a damaged one; exit status 1 if some is lost",
      "vlbackup recover damaged.vlb recovered.vlb", verbs::recover, addOutput},

@@ -69,9 +69,7 @@ int verbs::diff(const Call& call)
         throw CToolError(call.live ? "--live compares with the profile, not with another backup"
                                    : "the other backup is missing",
                          "name the other backup, or give --live", exitStatus::wrongUsage);
-    if (call.input == "-" && call.other == "-")
-        throw CToolError("both backups can't come from standard input", "save one to a file",
-                         exitStatus::wrongUsage);
+    refuseTwoInputs(call);
     const OpenBackup first = openBackup(call.input, call.in);
     if (!call.live)
         return compare(first.view, openBackup(call.other, call.in).view, call);

@@ -4,6 +4,7 @@
 #include "shared/toolerror.h"
 #include "verbs.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -67,9 +68,13 @@ int verbs::extract(const Call& call)
                          exitStatus::wrongUsage);
     const OpenBackup backup = openBackup(call.input, call.in);
     const CBackupFiles& files = backup.view.files;
-    const size_t chosen = findFile(backup.view, call.other);
-    if (!call.other.empty() && chosen == files.size())
-        refuseName(call);
+    CNameChoice choice(call.names);
+    std::vector<size_t> chosen;
+    for (size_t i = 0; i < files.size(); ++i)
+        if (choice.Has(files[i].name))
+            chosen.push_back(i);
+    if (chosen.empty() && !choice.All())
+        return reportUnmet(call, choice);
     const CExtraction extraction(call.output, call.force, call.input);
     COutcomes outcomes(call);
     const auto write = [&](const BackupFile& file) {
@@ -79,13 +84,9 @@ int verbs::extract(const Call& call)
             outcomes.Refused(file, error);
         }
     };
-    if (!call.other.empty()) {
-        write(files[chosen]);
-        return outcomes.Status();
-    }
     const std::vector<bool> last =
         lastOfEach(files.size(), [&](size_t i) { return files[i].Key(); });
-    for (size_t i = 0; i < files.size(); ++i) {
+    for (const size_t i : chosen) {
         const BackupFile file = files[i];
         if (last[i])
             write(file);
@@ -95,5 +96,5 @@ int verbs::extract(const Call& call)
                                             "\" is the same file as a later one, and isn't written",
                                         "a restore keeps the last"));
     }
-    return outcomes.Status();
+    return std::max(outcomes.Status(), reportUnmet(call, choice));
 }

@@ -4,6 +4,7 @@
 #include "verbs.h"
 
 #include <iomanip>
+#include <utility>
 
 namespace {
 
@@ -22,20 +23,34 @@ void settingsJson(const BackupSettings& settings, CJsonDocument& document)
     document.EndObject();
 }
 
-void listText(const CBackupView& backup, std::ostream& out)
+void listText(const CBackupView& backup, CNameChoice& choice, std::ostream& out)
 {
-    out << "templates\n";
-    for (const BackupFile& file : backup.files)
+    // A title of nothing is left out where names were given.
+    const auto list = [&](const char* title, const auto& items, const auto& show) {
+        bool titled = choice.All();
+        if (titled)
+            out << title << '\n';
+        for (const auto& item : items) {
+            if (!choice.Has(item.name))
+                continue;
+            if (!std::exchange(titled, true))
+                out << title << '\n';
+            show(item);
+        }
+    };
+    list("templates", backup.files, [&](const BackupFile& file) {
         out << std::setw(10) << file.content.size() << "  " << printable(file.name) << '\n';
-    out << "quick links\n";
-    for (const BackupLink& link : backup.links) {
+    });
+    list("quick links", backup.links, [&](const BackupLink& link) {
         out << "  " << printable(link.name) << " -> " << printable(link.target) << "  ("
             << printable(link.manifest) << ", profile " << link.profile << ", id "
             << printable(link.manifestid) << (link.wocred ? ", without credentials)\n" : ")\n");
-    }
-    out << "categories\n";
-    for (const BackupCategory& category : backup.categories)
+    });
+    list("categories", backup.categories, [&](const BackupCategory& category) {
         out << "  " << printable(category.name) << " = " << printable(category.text) << '\n';
+    });
+    if (!choice.Has("settings"))
+        return;
     out << "settings (" << formName(backup.settings.form) << ")\n";
     if (backup.settings.form == SettingsForm::document)
         out << "  " << printable(backup.settings.document) << '\n';
@@ -47,11 +62,13 @@ void listText(const CBackupView& backup, std::ostream& out)
     }
 }
 
-void listJson(const CBackupView& backup, std::ostream& out)
+void listJson(const CBackupView& backup, CNameChoice& choice, std::ostream& out)
 {
     CJsonDocument document(out, "vlbackup-ls-1");
     document.BeginList("categories");
     for (const BackupCategory& category : backup.categories) {
+        if (!choice.Has(category.name))
+            continue;
         document.BeginObject(nullptr);
         document.Text("name", category.name);
         document.Text("text", category.text);
@@ -60,6 +77,8 @@ void listJson(const CBackupView& backup, std::ostream& out)
     document.EndList();
     document.BeginList("quicklinks");
     for (const BackupLink& link : backup.links) {
+        if (!choice.Has(link.name))
+            continue;
         document.BeginObject(nullptr);
         document.Text("manifest", link.manifest);
         document.Text("manifestid", link.manifestid);
@@ -70,9 +89,12 @@ void listJson(const CBackupView& backup, std::ostream& out)
         document.EndObject();
     }
     document.EndList();
-    settingsJson(backup.settings, document);
+    if (choice.Has("settings"))
+        settingsJson(backup.settings, document);
     document.BeginList("templates");
     for (const BackupFile& file : backup.files) {
+        if (!choice.Has(file.name))
+            continue;
         document.BeginObject(nullptr);
         document.Flag("alien", file.alien);
         document.Text("name", file.name);
@@ -88,9 +110,10 @@ void listJson(const CBackupView& backup, std::ostream& out)
 int verbs::ls(const Call& call)
 {
     const OpenBackup backup = openBackup(call.input, call.in);
+    CNameChoice choice(call.names);
     if (call.json)
-        listJson(backup.view, call.out);
+        listJson(backup.view, choice, call.out);
     else
-        listText(backup.view, call.out);
-    return exitStatus::good;
+        listText(backup.view, choice, call.out);
+    return reportUnmet(call, choice);
 }

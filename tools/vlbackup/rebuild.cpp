@@ -1,68 +1,12 @@
-#include "formats/backup/records.h"
-#include "formats/der/dernode.h"
-#include "formats/text/unicode.h"
+#include "formats/backup/backupview.h"
 #include "salvage.h"
 #include "shared/backupinput.h"
 #include "verbs.h"
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 
 namespace {
-
-using Spans = std::vector<std::span<const uint8_t>>;
-
-void setList(CDerNode& node, const Spans& records)
-{
-    node.SetSequence(records.size());
-    for (size_t i = 0; i < records.size(); ++i)
-        node.Child(i).SetEncoded(records[i]);
-}
-
-// setLink stores a record as it is, unless its texts have the other form.
-void setLink(CDerNode& node, std::span<const uint8_t> bytes, TextForm form)
-{
-    CDerSequenceView record;
-    BackupLink link;
-    (void)record.Decode(bytes);
-    std::span<const uint8_t> octets;
-    const TextForm found = record[0].DecodeOctets(octets) ? TextForm::octets : TextForm::wide;
-    if (found == form || !decodeLink(record, found, link)) {
-        node.SetEncoded(bytes);
-        return;
-    }
-    node.SetSequence(6);
-    const auto set = [&](size_t item, const std::string& text) {
-        if (form == TextForm::octets)
-            node.Child(item).SetNarrow(text);
-        else
-            node.Child(item).SetWide(utf16FromUtf8(text));
-    };
-    set(0, link.name);
-    set(1, link.target);
-    set(2, link.manifest);
-    node.Child(3).SetInteger(link.profile);
-    set(4, link.manifestid);
-    node.Child(5).SetInteger(link.wocred ? 1 : 0);
-}
-
-std::vector<uint8_t> encode(const Salvage& salvage, size_t elementCount)
-{
-    const bool categories = !salvage.categories.empty() || elementCount >= 3;
-    CDerTree backup;
-    backup.SetSequence(!salvage.settings.empty() ? 4 : categories ? 3 : 2);
-    setList(backup.Child(0), salvage.files);
-    CDerNode& links = backup.Child(1);
-    links.SetSequence(salvage.links.size());
-    for (size_t i = 0; i < salvage.links.size(); ++i)
-        setLink(links.Child(i), salvage.links[i], versionOf(backup.Count()).linkTexts);
-    if (backup.Count() > 2)
-        setList(backup.Child(2), salvage.categories);
-    if (backup.Count() > 3)
-        backup.Child(3).SetEncoded(salvage.settings);
-    return backup.Encode();
-}
 
 // What is to be left out, by element and entry, and why.
 using Faults = std::map<std::pair<size_t, size_t>, std::string>;
@@ -98,8 +42,8 @@ Faults faultsOf(const std::vector<uint8_t>& bytes)
     return repeated.empty() ? errors : repeated;
 }
 
-void drop(Spans& records, size_t element, const Faults& faults, std::span<const uint8_t> backup,
-          std::vector<Loss>& losses)
+void drop(BackupParts::Records& records, size_t element, const Faults& faults,
+          std::span<const uint8_t> backup, std::vector<Loss>& losses)
 {
     size_t kept = 0;
     for (size_t i = 0; i < records.size(); ++i) {
@@ -121,7 +65,7 @@ std::vector<uint8_t> rebuildBackup(Salvage& salvage, std::span<const uint8_t> ba
                                    size_t elementCount)
 {
     for (;;) {
-        std::vector<uint8_t> bytes = encode(salvage, elementCount);
+        std::vector<uint8_t> bytes = encodeBackup(salvage, elementCount);
         const Faults faults = faultsOf(bytes);
         if (faults.empty())
             return bytes;
@@ -129,10 +73,11 @@ std::vector<uint8_t> rebuildBackup(Salvage& salvage, std::span<const uint8_t> ba
         drop(salvage.links, 1, faults, backup, salvage.losses);
         drop(salvage.categories, 2, faults, backup, salvage.losses);
         const auto settings = faults.lower_bound({3, 0});
-        if (settings == faults.end() || salvage.settings.empty())
+        if (settings == faults.end() || salvage.rest.empty())
             continue;
-        salvage.losses.push_back({static_cast<size_t>(salvage.settings.data() - backup.data()),
-                                  salvage.settings.size(), "settings", settings->second});
-        salvage.settings = {};
+        const std::span<const uint8_t> lost = salvage.rest[0];
+        salvage.losses.push_back({static_cast<size_t>(lost.data() - backup.data()), lost.size(),
+                                  "settings", settings->second});
+        salvage.rest.clear();
     }
 }

@@ -30,7 +30,7 @@ void recoveredCounts(const Salvage& salvage, CJsonDocument& document)
     document.BeginObject("recovered");
     document.Number("categories", salvage.categories.size());
     document.Number("quicklinks", salvage.links.size());
-    document.Flag("settings", !salvage.settings.empty());
+    document.Flag("settings", !salvage.rest.empty());
     document.Number("templates", salvage.files.size());
     document.EndObject();
 }
@@ -47,7 +47,7 @@ void report(const Salvage& salvage, std::ostream& out)
             << countText(salvage.files.size(), "template") << ", "
             << countText(salvage.links.size(), "quick link") << ", " << salvage.categories.size()
             << (salvage.categories.size() == 1 ? " category, " : " categories, ")
-            << (salvage.settings.empty() ? "no settings\n" : "settings\n");
+            << (salvage.rest.empty() ? "no settings\n" : "settings\n");
 }
 
 } // namespace
@@ -72,9 +72,7 @@ int verbs::recover(const Call& call)
         recoveredCounts(salvage, document);
         lostItems(salvage.losses, document);
     });
-    if (call.output == "-")
-        report(salvage, call.err);
-    else if (!call.json)
-        report(salvage, call.out);
+    if (!call.json)
+        report(salvage, call.output == "-" ? call.err : call.out);
     return salvage.losses.empty() ? exitStatus::good : exitStatus::failed;
 }

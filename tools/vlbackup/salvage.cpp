@@ -1,5 +1,6 @@
 #include "salvage.h"
 
+#include "formats/backup/elementtree.h"
 #include "formats/backup/formcheck.h"
 #include "formats/der/derheader.h"
 #include "formats/der/derreader.h"
@@ -135,7 +136,7 @@ Salvage salvageBackup(std::span<const uint8_t> backup)
         }
         addGap(backup, gap, at, salvage.losses);
         if (record.kind == ElementKind::settings)
-            salvage.settings = record.bytes; // the last is the backup's own
+            salvage.rest = {record.bytes}; // the last is the backup's own
         else
             (record.kind == ElementKind::storedFile ? salvage.files
              : record.kind == ElementKind::link     ? salvage.links

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/backup/elementtree.h"
+#include "backupparts.h"
 
 #include <cstdint>
 #include <span>
@@ -15,27 +15,22 @@ struct Loss {
     std::string what;
 };
 
-// Salvage is what is intact in a damaged backup: every record that verify finds no error of form in, wherever it is. Spans
-// are views into the backup's bytes.
-struct Salvage {
-    std::vector<std::span<const uint8_t>> files;
-    std::vector<std::span<const uint8_t>> links;
-    std::vector<std::span<const uint8_t>> categories;
-    std::span<const uint8_t> settings; // the whole element; empty if it is lost, or there was none
+// Salvage is what is intact in a damaged backup: every record that verify finds no error of form in, wherever it is. The
+// rest is the settings, or nothing.
+struct Salvage : BackupParts {
     std::vector<Loss> losses;
 
     bool Empty() const noexcept
     {
-        return files.empty() && links.empty() && categories.empty() && settings.empty();
+        return files.empty() && links.empty() && categories.empty() && rest.empty();
     }
 };
 
 // salvageBackup looks for records at every byte that is in no intact one, so that no length of what holds them is needed.
 Salvage salvageBackup(std::span<const uint8_t> backup);
 
-// rebuildBackup makes a backup of what was saved, in the form of the earliest version that holds it all: a restore leaves
-// alone what is not in it. What verify finds an error in is left out, and added to the losses: names that no file can
-// have, and all but the last of equal ones.
+// rebuildBackup makes a backup of what was saved, as encodeBackup does. What verify finds an error in is left out, and
+// added to the losses: names that no file can have, and all but the last of equal ones.
 //
 // backup:       the bytes that the spans are views of
 // elementCount: of the damaged backup, or 0 if that isn't known

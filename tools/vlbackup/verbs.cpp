@@ -1,7 +1,6 @@
 #include "verbs.h"
 
 #include "shared/backupinput.h"
-#include "shared/toolerror.h"
 
 #include <unordered_set>
 
@@ -36,10 +35,25 @@ const char* formName(SettingsForm form)
     }
 }
 
-void refuseName(const Call& call)
+void refuseTwoInputs(const Call& call)
 {
-    throw CToolError("no " + call.other + " in " + shownInput(call.input),
-                     "vlbackup ls shows the stored names");
+    if (call.input == "-" && call.other == "-")
+        throw CToolError("both backups can't come from standard input", "save one to a file",
+                         exitStatus::wrongUsage);
+}
+
+CToolError missingName(const Call& call, const std::string& name)
+{
+    return CToolError("no " + name + " in " + shownInput(call.input),
+                      "vlbackup ls shows the stored names");
+}
+
+int reportUnmet(const Call& call, const CNameChoice& choice)
+{
+    const std::vector<std::string> unmet = choice.Unmet();
+    for (const std::string& name : unmet)
+        reportFailure(call.err, "vlbackup", missingName(call, name), call.json);
+    return unmet.empty() ? exitStatus::good : exitStatus::failed;
 }
 
 size_t findFile(const CBackupView& backup, const std::string& name)

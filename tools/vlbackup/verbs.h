@@ -1,7 +1,9 @@
 #pragma once
 
 #include "formats/backup/backupview.h"
+#include "namechoice.h"
 #include "shared/inputfile.h"
+#include "shared/toolerror.h"
 
 #include <functional>
 #include <iosfwd>
@@ -13,12 +15,15 @@ struct Call {
     std::istream& in;
     std::ostream& out;
     std::ostream& err;
-    std::string input = {};  // the backup, or what the verb reads in its place
-    std::string other = {};  // a second backup, a stored name, or a text
-    std::string output = {}; // a file or a folder
+    std::string input = {};              // the backup, or what the verb reads in its place
+    std::string other = {};              // a second backup, a stored name, or a text
+    std::vector<std::string> names = {}; // of ls and extract, maybe with * and ?
+    std::string output = {};             // a file or a folder
     bool json = false;
     bool force = false;
-    bool strict = false;   // of verify
+    bool strict = false; // of verify
+    bool dryRun = false; // of merge
+    std::string prefer = {};
     bool restored = false; // of diff
     bool live = false;     // of diff
     bool fold = false;     // of find
@@ -38,6 +43,7 @@ int fromJson(const Call& call);
 int hex(const Call& call);
 int info(const Call& call);
 int ls(const Call& call);
+int merge(const Call& call);
 int recover(const Call& call);
 int redact(const Call& call);
 int toJson(const Call& call);
@@ -65,8 +71,14 @@ const char* verdictName(const CBackupView& backup);
 // formName is the word for the form of the settings.
 const char* formName(SettingsForm form);
 
-// refuseName fails for a stored name that the backup doesn't have.
-[[noreturn]] void refuseName(const Call& call);
+// refuseTwoInputs fails if both backups are to come from standard input.
+void refuseTwoInputs(const Call& call);
+
+// missingName is the failure for a stored name that the backup doesn't have.
+CToolError missingName(const Call& call, const std::string& name);
+
+// reportUnmet reports the names that have chosen nothing, and gives the exit status.
+int reportUnmet(const Call& call, const CNameChoice& choice);
 
 // findFile finds a stored file by its name. Of several with the same name it is the last, which a restore leaves on the
 // disk. The number of files if there is none.

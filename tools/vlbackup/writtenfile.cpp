@@ -9,10 +9,11 @@ void CWrittenFile::Complete(const char* schema, const std::function<void(CJsonDo
 {
     const auto size = static_cast<uint64_t>(m_file.Stream().tellp());
     m_file.Complete();
-    if (m_call.output == "-")
+    const bool standard = m_call.output == "-";
+    if (standard && !(m_call.json && more))
         return;
     if (m_call.json) {
-        CJsonDocument document(m_call.out, schema);
+        CJsonDocument document(standard ? m_call.err : m_call.out, schema);
         document.Text("path", m_call.output);
         document.Number("size", size);
         if (more)

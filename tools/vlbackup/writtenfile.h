@@ -12,12 +12,14 @@ class CWrittenFile
 {
 public:
     explicit CWrittenFile(const Call& call)
-        : m_call(call), m_file(call.output, call.force, {call.input}, call.out)
+        : m_call(call), m_file(call.output, call.force, {call.input, call.other}, call.out)
     {}
 
     std::ostream& Stream() noexcept { return m_file.Stream(); }
 
-    // Complete puts the file in its place, and reports its name and size unless it is standard output.
+    // Complete puts the file in its place, and reports its name and size. Beside a file on standard
+    // output, where the report would be in the way, it goes to standard error, and only if there is more.
+    //
     // more: adds to the JSON document of that schema
     void Complete(const char* schema, const std::function<void(CJsonDocument&)>& more = {});
 

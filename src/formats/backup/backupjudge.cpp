@@ -100,9 +100,7 @@ public:
         else
             Part(file.name);
         Extension(std::string(fileNamePart(file.target)), file.alien);
-        // A data file that isn't on the disk is stored as an empty one.
-        const bool data = file.name == "updata.vls" || file.name == "updata_temp.vls";
-        if (file.content.empty() && !data)
+        if (file.content.empty() && !isDataFile(file.name))
             Find(Grade::warning, "is empty, and a restore empties the file");
         if (const size_t other = m_files.Add(entry, file.Key()); other != entry)
             Find(Grade::error, "is the same file as " +

@@ -178,6 +178,11 @@ const char* nameFault(const std::string& name)
     return nullptr;
 }
 
+bool isDataFile(const std::string& name) noexcept
+{
+    return name == "updata.vls" || name == "updata_temp.vls";
+}
+
 const char* targetWarning(const std::string& target)
 {
     std::string lower = target;

@@ -31,5 +31,9 @@ bool isGuardedPlace(std::u16string_view key) noexcept;
 // would.
 const char* nameFault(const std::string& name);
 
+// isDataFile is true for the data files of the personal folder. An export stores one that isn't on
+// the disk as an empty one.
+bool isDataFile(const std::string& name) noexcept;
+
 // targetWarning says what a quick link opens that is no web address; null if it is one.
 const char* targetWarning(const std::string& target);
