@@ -44,6 +44,12 @@ TEST(SafeArrays, GrowAreReplacedInPlaceAndWrapped)
     EXPECT_EQ(failure.scode, E_INVALIDARG);
     const auto* texts = static_cast<BSTR*>(wrapped.parray->pvData);
     EXPECT_EQ(texts[0] + std::wstring(texts[1]), L"newsecond");
+    SAFEARRAY* const held = wrapped.parray;
+    SafeArrayLock(held);
+    ATL::CComVariant other(L"other");
+    handOver(&wrapped, other); // can't free it, and so gives nothing
+    EXPECT_TRUE(wrapped.vt != VT_BSTR && other.vt == VT_EMPTY);
+    SafeArrayUnlock(held);
 }
 
 } // namespace

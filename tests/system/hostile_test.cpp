@@ -214,8 +214,9 @@ protected:
     }
     HRESULT restore(const plugin_t& plugin, size_t entry, bytes backup) const
     {
-        if (entry == 2)
-            return setPluginData(plugin, {}, backup);
+        if (entry == 2) // no secrets, whatever their size
+            return plugin.as<IVLKTBackupRestore3>()->SetPluginData(
+                9, nullptr, static_cast<ULONG>(backup.size()), backup.data());
         value_t data(backup);
         const auto target = plugin.as<IVLKTBackupRestore2>();
         return entry == 0 ? target->SetStorageData(&data) : target->SetStorageData2(0x10002, &data);

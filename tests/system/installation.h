@@ -96,10 +96,12 @@ inline HRESULT setPluginData(const plugin_t& plugin, const bytes& secrets, const
         data.data());
 }
 
-// A call that ends in an exception within, and traces.
+// A call that ends in an exception within, and traces. Neither touches the last error.
 inline void callAndFail(const plugin_t& plugin)
 {
+    SetLastError(1234);
     EXPECT_EQ(E_POINTER, plugin.as<IVLKTElementUI>()->GetProperty(propertyName, nullptr));
+    EXPECT_EQ(1234u, GetLastError());
 }
 
 // installedTest installs the product for each test, with tracing on and a user who has a logon and a
