@@ -6,8 +6,11 @@
 #include "support/process.h"
 #include "support/registry.h"
 #include "support/state.h"
+#include "support/texts.h"
 
 #include <windows.h>
+
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -24,12 +27,6 @@ inline const std::wstring categoriesKey = dashboardKey + L"\\QLCategories";
 inline bool has(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
-}
-
-inline void expectIn(const std::string& text, std::initializer_list<const char*> parts)
-{
-    for (const char* part : parts)
-        EXPECT_TRUE(has(text, part)) << part << " is not in\n" << text;
 }
 
 inline processResult_t host(const std::wstring& arguments, const std::string& input = "")
@@ -51,6 +48,36 @@ inline std::string refused(const std::wstring& arguments, DWORD status = 1)
     EXPECT_EQ(status, result.status) << utf8FromWide(arguments);
     return result.out + result.err;
 }
+
+inline void expectOneLine(const std::wstring& arguments, DWORD status, const char* part = "")
+{
+    SCOPED_TRACE(utf8FromWide(arguments));
+    const auto [got, out, err] = host(arguments);
+    EXPECT_EQ(status, got);
+    EXPECT_EQ("", out);
+    EXPECT_EQ(err.size() - 1, err.find('\n')) << err;
+    EXPECT_TRUE(err.starts_with("vlhost: ") || err.starts_with("{")) << err;
+    expectIn(err, {part});
+}
+
+// agent_t is an agent that has made its window and its objects.
+struct agent_t {
+    agent_t()
+    {
+        const CKernelHandle ready(CreateEventW(nullptr, FALSE, FALSE, L"vlhost-test-agent"));
+        process.emplace(bin / L"vlagent.exe",
+                        L"--ready-event vlhost-test-agent --journal journal.jsonl");
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 60000));
+    }
+    ~agent_t()
+    {
+        process_t(bin / L"vlagent.exe", L"--quit").result();
+        process->result();
+    }
+    agent_t(const agent_t&) = delete;
+
+    std::optional<process_t> process;
+};
 
 // utf16 gives a text as it is in a backup.
 inline std::string utf16(const std::wstring& text)
