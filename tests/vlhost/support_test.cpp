@@ -144,8 +144,9 @@ TEST_F(Host, BundleHasNothingOfTheUsers)
     std::map<std::string, std::string> entries;
     for (int at = unzGoToFirstFile(archive); at == UNZ_OK; at = unzGoToNextFile(archive)) {
         char name[64] = "";
+        unz_file_info info;
         std::string content(1 << 22, '\0');
-        unzGetCurrentFileInfo(archive, nullptr, name, sizeof name, nullptr, 0, nullptr, 0);
+        unzGetCurrentFileInfo(archive, &info, name, sizeof name, nullptr, 0, nullptr, 0);
         unzOpenCurrentFile(archive);
         unzReadCurrentFile(archive, content.data(), 1 << 22);
         unzCloseCurrentFile(archive);

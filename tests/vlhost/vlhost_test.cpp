@@ -163,8 +163,8 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndChangeNothing)
     writeFile(L"text.dll", "no library");
     writeFile(L"cut.vlb", m_good.substr(0, m_good.size() / 2));
     writeFile(L"text.vlb", "no backup");
-    CFileHandle open = held(L"never.txt");
     const auto before = state();
+    CFileHandle open = held(L"never.txt");
     for (const std::wstring command : {L"restore", L"restore --force", L"drill", L"drill --json"}) {
         for (const wchar_t* input :
              {L" none.vlb", L" own", L" cut.vlb", L" text.vlb", L" never.txt"})
@@ -183,7 +183,6 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndChangeNothing)
         {L"trace on --dir traces", 2, "full path"},
         {L"trace on --until 2099-12-31", 2, "further away"}, // past, for the plug-in
         {L"trace on --until 2027-02-31", 2, "is no day"},
-        {L"call get-property 12345", 1, "ERROR_UNKNOWN_PROPERTY"},
         {L"backup own", 1, "folder"},
         {L"bundle own", 1, "folder"},
         {L"backup good.vlb", 1, "--force"},
@@ -193,8 +192,10 @@ TEST_F(Host, FailuresAreOneLineWithAHintAndChangeNothing)
         {L"bundle", 2, "--help"},
         {L"doctor x", 2, "--help"},
     };
+    open.reset();
     for (const auto& [arguments, status, part] : cases)
         expectOneLine(arguments, status, part);
+    expectIn(refused(L"call get-property 12345"), {"ERROR_UNKNOWN_PROPERTY"});
     expectState(before);
     EXPECT_EQ(m_good, fileBytes(L"good.vlb"));
     hostText(L"unregister");
