@@ -28,10 +28,6 @@ def same(what, one, other):
     assert one == other, (what, [pair for pair in zip(one, other) if pair[0] != pair[1]][:1] or (len(one), len(other)))
 
 
-def clock(ms):
-    return "%02d:%02d:%02d.%03d" % (ms // 3600000, ms // 60000 % 60, ms // 1000 % 60, ms % 1000)
-
-
 def split(level, text):
     """The text of a record without its status and colour, and what kind it is."""
     status = 0
@@ -39,14 +35,24 @@ def split(level, text):
         number, text = text.split(" ", 1)
         status = int(number)
     text = re.sub("^'`I([0-9A-F]{2})`'", "", text)
-    return text, "call" if level in "<>" else "error" if status else "note" if level == "E" else "message"
+    kinds = {">": "call", "<": "call", "N": "stamp", "E": "error" if status else "note"}
+    return text, kinds.get(level, "message")
 
 
 def expected(trace, file, pid):
     for offset, thread, level, text, now, chain, left, took in trace.records:
         plain, kind = split(level, text)
-        yield (file, str(pid), offset, "2017-07-14", clock(now), thread, level, kind, len(chain),
+        yield (file, str(pid), offset, *tracefile.date_and_time(now), thread, level, kind, len(chain),
                left or chain[-1] if left or chain else "", took, plain)
+
+
+FIELDS = ("file", "process", "offset", "date", "time", "thread", "level", "kind", "depth", "function", "milliseconds", "text")
+
+
+def rows_of(records):
+    for o in records:
+        o["file"] = Path(o["file"]).name
+    return [tuple(o.get(f, None if f == "milliseconds" else "") for f in FIELDS) for o in records]
 
 
 def lines_agree(folder, traces):
@@ -54,18 +60,14 @@ def lines_agree(folder, traces):
     records = [o for o in objects if o["type"] == "record"]
     times = [o["time"] for o in records]
     same("order", times, sorted(times))
-    fields = ("file", "process", "offset", "date", "time", "thread", "level", "kind", "depth", "function",
-              "milliseconds", "text")
-    for o in records:
-        o["file"] = Path(o["file"]).name
-    seen = [tuple(o.get(f, None if f == "milliseconds" else "") for f in fields) for o in records]
+    seen = rows_of(records)
     for file, (pid, trace) in traces.items():
         same(file, [row for row in seen if row[0] == file], list(expected(trace, file, pid)))
     same("offsets", [o for o in objects if o["type"] == "header"][0]["lines"][0], "trace3")
     rows = list(csv.DictReader(io.StringIO(run("export", "--format", "csv", folder), newline="")))
     for row in rows:
         row["file"] = Path(row["file"]).name
-    same("csv", [tuple(row[f] for f in fields) + (row["status"], row["statusName"], row["statusText"]) for row in rows],
+    same("csv", [tuple(row[f] for f in FIELDS) + (row["status"], row["statusName"], row["statusText"]) for row in rows],
          [tuple("" if v is None else str(v) for v in row) + tuple(o.get(f, "") for f in ("status", "statusName", "statusText"))
           for row, o in zip(seen, records)])
     assert "0x80070005" in {row["status"] for row in rows} and "ERROR_ACCESS_DENIED" in {row["statusName"] for row in rows}
@@ -168,6 +170,30 @@ def lnav_knows_the_lines(folder, records):
           for r in records])
 
 
+def damage_is_stepped_over(file):
+    trace = tracefile.Trace(4, 2500, damaged=True)
+    file.write_bytes(trace.bytes)
+    objects = [json.loads(line) for line in run("export", file).splitlines()]
+    same("damages", [(o["offset"], o["bytes"]) for o in objects if o["type"] == "damage"], trace.damages)
+    same("records", rows_of([o for o in objects if o["type"] == "record"]), list(expected(trace, file.name, "")))
+    same("unfinished", [sum(row["unfinished"] for row in json.loads(run("stats", "--json", file))["functions"])],
+         [sum(r[2] == ">" for r in trace.records) - sum(r[6] is not None for r in trace.records)])
+
+
+def a_failed_call_stays_one(file):
+    lines = [(">", "f"), ("E", "-5 failed"), *[("U", "more than one span's events")] * 1001, ("<", "")]
+    file.write_bytes(tracefile.HEADER + b"".join(tracefile.record(8, *line) for line in lines))
+    spans = json.loads(run("export", "--format", "otlp", file))["resourceSpans"][0]["scopeSpans"][0]["spans"]
+    same("failed", [s["status"].get("code") for s in spans if s["name"] == "f"], [2])
+
+
+def diff_sees_statuses_and_no_addresses(file, other):
+    for text, changed, status in (("0x80070005", "0x80004005", 1), ("0x7FFE12340000", "0x7FFE43210000", 0)):
+        file.write_bytes(tracefile.HEADER + tracefile.record(8, "U", text))
+        other.write_bytes(tracefile.HEADER + tracefile.record(8, "U", changed))
+        run("diff", file, other, status=status)
+
+
 def damage_stays_balanced(folder, trace):
     for i in range(len(tracefile.HEADER), len(trace.bytes), 7):
         flipped = bytearray(trace.bytes)
@@ -212,6 +238,10 @@ def main():
         run("cat", "-e", "(x+x+)+[yz]", folder, status=1)  # would never end
         broken, compressed = folder / "broken", folder / "compressed"
         broken.mkdir()
+        one, other = broken / (NAME % (0, 5)), broken / (NAME % (0, 6))
+        damage_is_stepped_over(one)
+        a_failed_call_stays_one(one)
+        diff_sees_statuses_and_no_addresses(one, other)
         damage_stays_balanced(broken, tracefile.Trace(3, 60))
         compressed.mkdir()
         compressed_reads_as_it_was(compressed, tracefile.Trace(4, 900).bytes * 5)

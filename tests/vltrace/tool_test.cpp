@@ -1,3 +1,4 @@
+#include "support/texts.h"
 #include "support/toolrun.h"
 #include "support/tracebytes.h"
 #include "vltrace/commands.h"
@@ -85,7 +86,7 @@ TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
     EXPECT_EQ(linesOf({"--notes"}), note);
     EXPECT_EQ(linesOf({"--notes", "--errors"}), error + note);
     write(sample, traceBytes_t("").records(8, {"Ua\nb\x1B\xC2\x9B\u202E"})); // at the end
-    EXPECT_NE(linesOf({"--no-marks"}).find("a\\nb\\x1B\\u{9B}\\u{202E}"), std::string::npos);
+    expectIn(linesOf({"--no-marks"}), {"a\\nb\\x1B\\u{9B}\\u{202E}"});
 }
 
 TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
@@ -115,6 +116,9 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
             levels += parsed(line)["level"].asString();
         EXPECT_EQ(levels, left) << testing::PrintToString(filter);
     }
+    write("t", sampleTrace()); // a name without a process
+    EXPECT_EQ(run({"export", name("t"), "--process", "4242"}).out.find("record"),
+              std::string::npos);
 }
 
 TEST_F(VltraceTool, OutputIsWholeOrUntouched)
@@ -141,7 +145,7 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
             SCOPED_TRACE(testing::PrintToString(arguments));
             const toolRun_t result = run(arguments);
             EXPECT_EQ(result.status, status);
-            EXPECT_NE(result.err.find(hint), std::string::npos) << result.err;
+            expectIn(result.err, {hint});
             const bool made = &arguments != &std::get<0>(cases[0]);
             EXPECT_EQ(written(), made ? run({"stats", in}).out : "");
             EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder), {}), 1 + made);
@@ -170,9 +174,11 @@ TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
             std::filesystem::remove(m_folder / sample);
         write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
                           .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
-        if (looks == 2)
-            write("new.TRC3", traceBytes_t().records(9, {"Unew"}));
-        return ++looks < 4;
+        if (looks == 3) // it becomes shorter
+            std::filesystem::resize_file(m_folder / "new.TRC3", 0);
+        if (looks >= 2)
+            write("new.TRC3", traceBytes_t().records(9, {looks == 2 ? "Unew" : "U"}));
+        return ++looks < 5;
     });
     const std::string lines = out.str() + err.str();
     const std::string mended = "  4242  0x0008  U me\uFFFDnded  -- the text is damaged --\n";
@@ -182,7 +188,8 @@ TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
     EXPECT_EQ(lines.substr(lines.find("2017-0")),
               "2017-07-15 00:00:00.005  4242  0x03C8    E note\n2017-07-15 00:00:00.005" + mended +
                   "\n# 4242: " + name(sample) + header + mended + "\n# #2: " + name("new.TRC3") +
-                  header + "  #2  0x0009  U new\n2017-07-14 01:02:03.004" + mended);
+                  header + "  #2  0x0009  U new\n2017-07-14 01:02:03.004" + mended + "\n# #2: " +
+                  name("new.TRC3") + header + "  #2  0x0009  U \n2017-07-14 01:02:03.004" + mended);
 }
 
 TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)

@@ -1,13 +1,22 @@
 """Makes trace files with a model of what is in them, from the format: it shares no code with what it checks."""
 import random
 import struct
+from datetime import datetime, timedelta
 
 MASK = 0xFFFFFFFF
 KEY = (0x6B7D1A35, 0xC2E94F08, 0x1F53B8D6, 0x94A0E72C)
 HEADER = ("trace3\r\nMachine name: PC-7\r\nTrace Ver: 3.0.2\r\nFileVersion: 1.2.3.4\r\n"
           "07/14/2017 10:00:00.000\r\n.\r\n").encode()
 TEXTS = ("plain", "Größe, \"of\" 日;\n</script><b>\u2028\t\\", "=1+1", "'`I04`'red", "x" * 300, "\U0001F511 key")
+DAMAGES = (random.Random(7).randbytes(5000), bytes(3000), b"U" * 3000,
+           b"\x28\1\0\0U\xC8\0\1\2\3", b"\x28\1\0\0X\1\0\t",  # half a record, an unknown level
+           b"\x28\1\0\0U\x30\1\0\0>")  # two headers that raced
 NAMES = ("CVLKTPages::SetStorageData", "QL::add", "a;b", "</script><script>alert(1)</script>", "prepfolderlist")
+
+
+def date_and_time(ms):
+    moment = datetime(2017, 7, 14) + timedelta(milliseconds=ms)
+    return str(moment.date()), moment.strftime("%H:%M:%S.") + f"{ms % 1000:03}"
 
 
 def signed_shift(value):
@@ -35,36 +44,47 @@ def record(thread, level, text=""):
 
 
 class Trace:
-    """A random run in order: records as (offset, thread, level, text, millisecond, open functions, left, ms of it)."""
+    """A random run in order: records as (offset, thread, level, text, millisecond, open functions, left, ms of it). A damaged
+    one has bytes that are no record, as (offset, size) of damages, exits without an entry, and further writers."""
 
-    def __init__(self, seed, size, begin=0):
+    def __init__(self, seed, size, begin=0, damaged=False):
         rand = random.Random(seed)
-        self.bytes, self.records, self.starts = HEADER + record(0x1A4, "t", "07/14/17"), [], []
+        self.bytes, self.records, self.damages = HEADER + record(0x1A4, "t", "07/14/17"), [], []
         now, stacks = 36_000_000 + begin, {0x1A4: [], 0x2B0: [], 0x3C8: []}
         self.stamp(now)
-        for _ in range(size):
+        for i in range(size):
+            if damaged and i % 20 == 19:
+                damage = rand.choice(DAMAGES)
+                self.damages.append((len(self.bytes), len(damage)))
+                self.bytes += damage
+                for stack in stacks.values():
+                    stack.clear()
             if rand.random() < 0.3:
                 now += rand.choice((0, 1, 7, 120))
                 self.stamp(now)
             thread = rand.choice(list(stacks))
             stack, kind = stacks[thread], rand.random()
             left, took = None, None
-            if not stack or (kind < 0.3 and len(stack) < 6):
+            if (not stack and not damaged) or (kind < 0.3 and len(stack) < 6):
                 level, text = ">", rand.choice(NAMES)
                 stack.append((text, now))
             elif kind < 0.55:
                 level, text = "<", ""
-                left, entered = stack.pop()
-                took = now - entered
+                if stack:
+                    left, entered = stack.pop()
+                    took = now - entered
+            elif damaged and kind < 0.6:
+                now += 24 * 3600 * 1000
+                year, date = date_and_time(now)[0].split("-", 1)
+                level, text = "N", f"{date}-{year}"
+                stack.clear()
             else:
                 level = rand.choice("UUDE")
-                text = rand.choice(TEXTS)
+                text = "\u00e4" * 0x7FFF if damaged and i % 500 == 0 else rand.choice(TEXTS)
                 if level == "E":
                     text = f"{rand.choice((0, -2147024891, 5))} {text}"
-            self.starts.append(len(self.bytes))
             self.records.append((len(self.bytes), thread, level, text, now, [name for name, _ in stack], left, took))
             self.bytes += record(thread, level, text)
 
     def stamp(self, now):
-        self.bytes += record(0x1A4, "T", "%02d:%02d:%02d.%03d" % (
-            now // 3600000, now // 60000 % 60, now // 1000 % 60, now % 1000))
+        self.bytes += record(0x1A4, "T", date_and_time(now)[1])
