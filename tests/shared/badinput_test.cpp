@@ -1,9 +1,7 @@
 #include "formats/text/printable.h"
-#include "support/backupbytes.h"
 #include "support/files.h"
-#include "support/toolrun.h"
 #include "support/tracebytes.h"
-#include "vlbackup/commands.h"
+#include "vlbackup/backups.h"
 #include "vltrace/commands.h"
 
 #ifndef _WIN32
@@ -23,14 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using tool_t =
-    std::function<int(std::vector<std::string>, std::istream&, std::ostream&, std::ostream&)>;
-
-int vltrace(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
-            std::ostream& err)
-{
-    return vltrace::runVltrace(std::move(arguments), in, out, err, [] { return false; });
-}
+using tool_t = std::function<toolRun_t(std::vector<std::string>)>;
 
 void expectOneLine(const toolRun_t& result, int status, const std::string& part)
 {
@@ -39,7 +30,7 @@ void expectOneLine(const toolRun_t& result, int status, const std::string& part)
     ASSERT_TRUE(result.err.ends_with("\n"));
     const std::string line = result.err.substr(0, result.err.size() - 1);
     EXPECT_EQ(line, printable(line));
-    EXPECT_NE(line.find(part), std::string::npos) << line;
+    expectIn(line, {part});
     EXPECT_TRUE(line.ends_with(line[0] == '{' ? "}" : ")")) << line; // the hint
 }
 
@@ -54,6 +45,10 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
     };
     const bytes backup = seq({seq({filePair(L"a.vlm", std::string(300, 'x'))}), seq({})});
     const std::vector<uint8_t> traceBytes = sampleTrace().bytes;
+    const tool_t ofBackups = [&](auto words) { return vlbackup(words, backup); };
+    const tool_t ofTraces = [&](auto words) {
+        return runTool(vltrace::runVltrace, words, backup, [] { return false; });
+    };
     const auto write = [&](const char* file, const auto& content) {
         std::ofstream(folder / file, std::ios::binary)
             << std::string(content.begin(), content.end());
@@ -78,35 +73,28 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
                                                        "it is a trace, which vltrace reads"};
     const struct {
         const char* name;
-        tool_t tool;
-        std::vector<std::vector<std::string>> commands; // "*" is the file
+        tool_t run;
+        std::vector<std::string> commands; // "*" is the file
         std::vector<std::pair<const char*, std::string>> more;
     } tools[] = {
         {"vlbackup",
-         runVlbackup,
-         {{"ls", "*"},
-          {"info", "--json", "*"},
-          {"cat", "*", "a.vlm"},
-          {"verify", "*"},
-          {"find", "*", "a"},
-          {"extract", "*", name("out")},
-          {"to-json", "*", "-"},
-          {"diff", "*", "-"},
-          {"diff", "-", "*"}},
+         ofBackups,
+         {"ls *", "info --json *", "cat * a.vlm", "verify *", "find * a", "extract * out",
+          "to-json * -", "diff * -", "diff - *"},
          {{write("cut", cut(backup)), "cut at byte " + std::to_string(backup.size() - 3) + " of "},
           json,
           trace}},
         {"vlbackup", // which take a damaged one
-         runVlbackup,
-         {{"hex", "*"}, {"recover", "*", "-"}, {"redact", "*", "-"}},
+         ofBackups,
+         {"hex *", "recover * -", "redact * -"},
          {json, trace}},
         {"vlbackup",
-         runVlbackup,
-         {{"from-json", "*", "-"}},
+         ofBackups,
+         {"from-json * -"},
          {{write("backup", backup), "it is a backup, which vlbackup reads"}}},
         {"vltrace",
-         vltrace,
-         {{"cat", "*"}, {"tail", "*"}, {"stats", "*"}, {"export", "*"}, {"diff", "*", "-"}},
+         ofTraces,
+         {"cat *", "tail *", "stats *", "export *", "diff * -"},
          {{write("backup", backup), "it is a backup, which vlbackup reads"}, json}},
     };
     for (const auto& tool : tools) {
@@ -114,33 +102,31 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
         inputs.insert(inputs.end(), shared.begin(), shared.end());
         for (const auto& command : tool.commands) {
             for (const auto& [file, reason] : inputs) {
-                SCOPED_TRACE(tool.name + (' ' + command[0]) + ' ' + reason);
-                auto arguments = command;
+                SCOPED_TRACE(tool.name + (' ' + command) + ' ' + reason);
+                auto arguments = wordsOf(command);
                 std::ranges::replace(arguments, "*", name(file));
-                const toolRun_t result = runTool(tool.tool, arguments, backup);
+                std::ranges::replace(arguments, "out", name("out"));
+                const toolRun_t result = tool.run(arguments);
                 // A table of nothing is a table still.
-                expectOneLine({result.status, command[0] == "stats" ? "" : result.out, result.err},
-                              1, reason);
+                expectOneLine(
+                    {result.status, arguments[0] == "stats" ? "" : result.out, result.err}, 1,
+                    reason);
             }
-            SCOPED_TRACE(tool.name + (' ' + command[0]));
-            auto wrong = command;
+            SCOPED_TRACE(tool.name + (' ' + command));
+            auto wrong = wordsOf(command);
             wrong.emplace_back("--w\xFFrong\x1B");
-            expectOneLine(runTool(tool.tool, wrong, backup), 2, "rong");
+            expectOneLine(tool.run(wrong), 2, "rong");
         }
-        expectOneLine(runTool(tool.tool, {}, backup), 2, "--help");
-        expectOneLine(runTool(tool.tool, {"what\n"}, backup), 2, "what\\n");
-        expectOneLine(runTool(tool.tool, {name("text")}, backup), 2, "a command goes before");
+        expectOneLine(tool.run({}), 2, "--help");
+        expectOneLine(tool.run({"what\n"}), 2, "what\\n");
+        expectOneLine(tool.run({name("text")}), 2, "a command goes before");
     }
-    const toolRun_t damaged =
-        runTool(vltrace, {"stats", name(write("cut.trc3", cut(traceBytes)))}, backup);
+    const toolRun_t damaged = ofTraces({"stats", name(write("cut.trc3", cut(traceBytes)))});
     EXPECT_EQ(damaged.status, 0);
-    EXPECT_NE(damaged.err.find("is cut at byte " + std::to_string(sampleTrace().starts.back())),
-              std::string::npos)
-        << damaged.err;
+    expectIn(damaged.err, {"is cut at byte " + std::to_string(sampleTrace().starts.back())});
     const std::string all(traceBytes.begin(), traceBytes.end());
     write("middle.trc3", cut(all) + std::string(100, '\xFF') + all.substr(sampleTrace().starts[0]));
-    EXPECT_EQ(runTool(vltrace, {"stats", name("middle.trc3")}, backup).err.find("is cut"),
-              std::string::npos);
+    EXPECT_EQ(ofTraces({"stats", name("middle.trc3")}).err.find("is cut"), std::string::npos);
 #ifndef _WIN32
     write("full", std::string("mine"));
     std::signal(SIGXFSZ, SIG_IGN);
@@ -148,7 +134,7 @@ TEST(BadInput, IsOneLineWithItsReasonFromEveryCommand)
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit none{0, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &none);
-    const toolRun_t full = runTool(runVlbackup, {"redact", "-", name("full"), "--force"}, backup);
+    const toolRun_t full = ofBackups({"redact", "-", name("full"), "--force"});
     setrlimit(RLIMIT_FSIZE, &before);
     expectOneLine(full, 1, "can't be written whole");
     EXPECT_EQ(fileBytes(folder / "full"), "mine");

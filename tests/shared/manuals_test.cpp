@@ -43,15 +43,15 @@ TEST(Manuals, AreReadByShellAndFormatter)
         {"vltrace cat --output ", "\n"}, // files are the shell's
         {"vltrace cat ", "\n"},
     };
+    writeFile(folder / "typed", R"(source ./completion
+complete -p vltrace >complete
+IFS=" " read -ra COMP_WORDS <<<"$1"
+[[ "$1" != *" " ]] || COMP_WORDS+=("")
+COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+_vltrace
+echo "${COMPREPLY[@]}")");
     for (const auto& [typed, offered] : cases)
-        EXPECT_EQ(output("bash -c 'source ./completion; complete -p vltrace >complete; IFS=\" \"; "
-                         "read -ra COMP_WORDS <<<\"" +
-                         std::string(typed) + "\"; [[ \"" + typed +
-                         "\" != *\" \" ]] || COMP_WORDS+=(\"\"); "
-                         "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _vltrace; "
-                         "echo \"${COMPREPLY[@]}\"'"),
-                  offered)
-            << typed;
+        EXPECT_EQ(output("bash typed '" + std::string(typed) + "'"), offered) << typed;
     writeFile(folder / "page", vltrace({"--man"}));
     EXPECT_EQ(output("! command -v groff >/dev/null || groff -ww -man -z page"), "");
     std::filesystem::remove_all(folder);

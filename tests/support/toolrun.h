@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -9,6 +10,13 @@ struct toolRun_t {
     int status;
     std::string out, err;
 };
+
+// wordsOf takes a command line apart at its blanks.
+inline std::vector<std::string> wordsOf(const std::string& line)
+{
+    std::istringstream in(line);
+    return {std::istream_iterator<std::string>(in), {}};
+}
 
 // runTool runs the main function of a tool on streams in memory: runTool(runVlbackup, {"ls", "-"},
 // backup). More are the arguments that the function takes after its streams.

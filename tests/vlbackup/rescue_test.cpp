@@ -54,10 +54,9 @@ void damageEach(const bytes& whole, const std::function<void(const bytes&, size_
 // Whole lines and documents, and nothing in them that steers a terminal.
 TEST(Vlbackup, AnyBytesGiveWholeAnswers)
 {
-    const std::vector<std::string> commands[] = {
-        {"ls", "-"}, {"verify", "-", "--json"}, {"ls", "-", "--json"}};
+    const char* const commands[] = {"ls -", "verify - --json", "ls - --json"};
     const auto check = [&](const bytes& backup, size_t command) {
-        const auto [status, out, err] = vlbackup(commands[command], backup);
+        const auto [status, out, err] = vlbackup(wordsOf(commands[command]), backup);
         EXPECT_EQ(out + err, printableLines(out + err));
         if (command != 0 && err.empty())
             parsed(out);
@@ -235,20 +234,19 @@ TEST(Find, LooksIntoEveryPartAndEncoding)
     const bytes backup = seq({seq({filePair(L"K\u00f6ln.vlm", {"\0K\0\xf6\0l\0n\0", 9}),
                                    filePair(L"b.vlm", "xx K\xC3\xB6ln K\xC3\xB6ln")}),
                               seq(entries[1]), seq(entries[2]), document});
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"find", "-", "K\u00f6ln"},
+    const std::pair<const char*, const char*> cases[] = {
+        {"find - K\u00f6ln",
          "byte 10, element 0/0/0: name of K\u00f6ln.vlm (once, UTF-16BE)\n"
          "byte 31, element 0/0/1: content of K\u00f6ln.vlm (once, UTF-16LE)\n"
          "byte 60, element 0/1/1: content of b.vlm (2 times, UTF-8)\n"
          "byte 450, element 3/0: document of settings.current.path_dontpromptlist_filename (once, "
          "UTF-8)\n"},
-        {{"find", "-", "z.EXE"}, ""},
-        {{"find", "-i", "-", "z.EXE"},
-         "byte 239, element 1/1/1: target of Bank (once, UTF-16BE)\n"},
+        {"find - z.EXE", ""},
+        {"find -i - z.EXE", "byte 239, element 1/1/1: target of Bank (once, UTF-16BE)\n"},
     };
-    for (const auto& [arguments, found] : cases) {
+    for (const auto& [command, found] : cases) {
         SCOPED_TRACE(found);
-        const toolRun_t result = vlbackup(arguments, backup);
+        const toolRun_t result = vlbackup(wordsOf(command), backup);
         EXPECT_EQ(result.out, found);
         EXPECT_EQ(result.status, result.out.empty() ? 1 : 0);
     }
