@@ -5,8 +5,7 @@
 
 namespace {
 
-class Export : public backupTest
-{};
+using Export = backupTest;
 
 bytes backupOf()
 {

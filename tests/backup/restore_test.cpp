@@ -4,8 +4,7 @@
 
 namespace {
 
-class Restore : public backupTest
-{};
+using Restore = backupTest;
 
 TEST_F(Restore, AFailureCostsThatFileAlone)
 {

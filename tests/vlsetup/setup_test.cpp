@@ -7,10 +7,12 @@
 #include "support/importhooks.h"
 #include "support/registry.h"
 #include "support/state.h"
+#include "support/texts.h"
 #include "vlsetup/places.h"
 
 #include <filesystem>
 #include <functional>
+#include <numeric>
 
 #include <gtest/gtest.h>
 
@@ -49,10 +51,7 @@ void expectState(const state_t& expected)
 
 std::string joined(const std::vector<std::string>& lines)
 {
-    std::string all;
-    for (const std::string& line : lines)
-        all += line + '\n';
-    return all;
+    return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
 class setupTest : public testing::Test
@@ -173,8 +172,7 @@ TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
     setValue(HKEY_LOCAL_MACHINE, key + L"\\Branding\\Common", L"Other", L"new");
     setValue(HKEY_LOCAL_MACHINE, tray, L"", L"C:\\Theirs\\plugin.dll", REG_EXPAND_SZ);
     writeFile(bin / L"xx\\notes.txt", "notes");
-    const std::string left = joined(install(m_asked)); // nor does an upgrade take it
-    EXPECT_NE(left.find("VLFPApi.dll stays"), std::string::npos) << left;
+    expectIn(joined(install(m_asked)), {"VLFPApi.dll stays"}); // nor does an upgrade take it
     writeFile(bin / L"tool.exe", "edited");
     EXPECT_THROW(install(m_asked), CToolError);
     state_t theirs = stateNow();
@@ -183,9 +181,8 @@ TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
         return one.first.ends_with(L".json") || (ours != installed.end() && *ours == one);
     });
     const removed_t removed = uninstall(root);
-    const std::string lines = joined(removed.lines);
-    for (const char* named : {"VLFPApi.dll was", "tool.exe was", "Applications\\BinDir was"})
-        EXPECT_NE(lines.find(named), std::string::npos) << lines;
+    expectIn(joined(removed.lines),
+             {"VLFPApi.dll was", "tool.exe was", "Applications\\BinDir was"});
     const state_t after = stateNow();
     for (const auto& [place, content] : theirs)
         EXPECT_TRUE(after.contains(place) && after.at(place) == content) << utf8FromWide(place);
@@ -218,14 +215,13 @@ TEST_F(setupTest, RefusesBeforeTheFirstChange)
         SetUp();
         c.prepare();
         const state_t before = stateNow();
-        const std::string said = refusal({c.from, c.to, {}, standIns_t::missing, false});
-        EXPECT_NE(said.find(c.says), std::string::npos) << said;
+        expectIn(refusal({c.from, c.to, {}, standIns_t::missing, false}), {c.says});
         expectState(before);
     }
     EXPECT_THROW(uninstall(root / L"nothing"), CToolError);
     const importPatch_t noRights(
         "RegOpenKeyExW", +[] { return ERROR_ACCESS_DENIED; });
-    EXPECT_NE(refusal(m_asked).find("administrator"), std::string::npos);
+    expectIn(refusal(m_asked), {"administrator"});
 }
 
 TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
@@ -262,8 +258,7 @@ TEST_F(setupTest, AFailedCallLeavesNothingHalfDone)
                     install(m_replacing);
             } catch (const CToolError& error) {
                 failed = true;
-                EXPECT_NE(std::string(error.what()).find("as it was"), std::string::npos)
-                    << error.what();
+                expectIn(error.what(), {"as it was"});
             }
             EXPECT_EQ(failed, left < 0) << function;
             const bool again = removal && fs::exists(bin / L"VLOnlineIDs.installed.json");
@@ -278,26 +273,22 @@ TEST_F(setupTest, TheScriptsInstallAndRemoveTheShippedPackage)
 {
     const fs::path package = L"C:\\pack & (1)! x", folder = L"C:\\Our Product\\a & (b)! c";
     fs::copy(built / L"..\\package", package, fs::copy_options::recursive);
-    const auto run = [](const std::wstring& command) {
-        writeFile(L"C:\\run\\run.cmd",
-                  "@call " + utf8FromWide(command) + " >C:\\run\\out.txt 2>&1\r\n");
-        return _wsystem(L"C:\\run\\run.cmd");
+    const auto run = [](const fs::path& program, const std::wstring& argument, int status) {
+        writeFile(L"C:\\run\\run.cmd", "@call \"" + utf8FromWide(program.native()) + "\" " +
+                                           utf8FromWide(argument) + " >C:\\run\\out.txt 2>&1\r\n");
+        const int got = _wsystem(L"C:\\run\\run.cmd");
+        const std::string out = fileBytes(L"C:\\run\\out.txt");
+        EXPECT_EQ(got, status) << out;
+        return out;
     };
-    const std::wstring quoted = L"\" \"" + folder.wstring() + L"\"";
-    run(L"cmd /c echo"); // makes the folder for its output
+    run(L"cmd", L"/c echo", 0); // makes the folder for its output
     const state_t before = stateNow();
-    EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + L"\" Q:\\x"), 1);
-    EXPECT_NE(fileBytes(L"C:\\run\\out.txt").find("there is no Q:"), std::string::npos);
-    EXPECT_EQ(run(L'"' + (package / L"install.cmd").wstring() + quoted), 0)
-        << fileBytes(L"C:\\run\\out.txt");
-    EXPECT_EQ(run(L'"' + (built / L"vl_example_host.exe").wstring() + L'"'), 0);
-    const std::string shown = fileBytes(L"C:\\run\\out.txt");
-    EXPECT_NE(shown.find("plug-in " + utf8FromWide((folder / L"bin\\VLOnlineIDs.dll").wstring())),
-              std::string::npos)
-        << shown;
-    EXPECT_NE(shown.find("level   2"), std::string::npos) << shown;
-    EXPECT_EQ(run(L'"' + (folder / L"bin\\uninstall.cmd").wstring() + L'"'), 0)
-        << fileBytes(L"C:\\run\\out.txt");
+    expectIn(run(package / L"install.cmd", L"Q:\\x", 1), {"there is no Q:"});
+    run(package / L"install.cmd", L'"' + folder.wstring() + L'"', 0);
+    expectIn(
+        run(built / L"vl_example_host.exe", L"", 0),
+        {"plug-in " + utf8FromWide((folder / L"bin\\VLOnlineIDs.dll").wstring()), "level   2"});
+    run(folder / L"bin\\uninstall.cmd", L"", 0);
     EXPECT_TRUE(fs::exists(folder / L"Cleanup.txt"));
     fs::remove_all(folder);
     expectState(before);
