@@ -1,5 +1,6 @@
 #include "backup/settingsdocument.h"
 #include "backupfixture.h"
+#include "support/growth.h"
 #include "support/importhooks.h"
 
 namespace {
@@ -9,25 +10,25 @@ using Restore = backupTest;
 TEST_F(Restore, AFailureCostsThatFileAlone)
 {
     write(L"personal\\old.vlm", "old");
+    write(L"personal\\older.vlm", "goes");
     write(L"personal\\updata.vls", "data");
     const auto hold = [&](const wchar_t* name) {
         return CFileHandle(CreateFileW((m_personal + name).c_str(), GENERIC_READ, FILE_SHARE_READ,
                                        nullptr, OPEN_ALWAYS, 0, nullptr));
     };
-    const CFileHandle held[] = {hold(L"held.vlm"), hold(L"old.vlm"), hold(L"updata.vls")};
+    const CFileHandle held[] = {hold(L"old.vlm"), hold(L"updata.vls")};
     const importHooks_t failing(
         GetModuleHandleW(nullptr), {{"WriteFile"}},
         [](const hookedCall_t& call) { return call.argument(2) == 6; }); // those of "failed"
-    EXPECT_EQ(restore(seq({seq({filePair(L"held.vlm", "c"), filePair(L"old.vlm", "c"),
-                                filePair(L"bad.vlm", "failed"), filePair(L"last.vlm", "c")}),
+    EXPECT_EQ(restore(seq({seq({filePair(L"old.vlm", "c"), filePair(L"bad.vlm", "failed"),
+                                filePair(L"last.vlm", "c")}),
                            seq({})})),
               S_OK);
     EXPECT_EQ(files(), (fileMap{{L"personal\\updata.vls", "data"},
-                                {L"personal\\held.vlm", ""},
                                 {L"personal\\old.vlm", "old"},
                                 {L"personal\\bad.vlm", ""},
                                 {L"personal\\last.vlm", "c"}}));
-    EXPECT_TRUE(traced(L"U Failed to delete 2 files|U Failed to delete " + m_personal +
+    EXPECT_TRUE(traced(L"U Failed to delete 1 files|U Failed to delete " + m_personal +
                        L"updata.vls file.|U Error writing File: " + m_personal + L"bad.vlm"));
 }
 
@@ -45,6 +46,11 @@ TEST_F(Restore, OnlyAByteArrayIsTakenWhateverItsBound)
     EXPECT_EQ(m_plugin.SetStorageData2(0xFFFF8000, &data), S_OK);
     EXPECT_TRUE(traced(L"U lBound = 5, uBound = 10"));
     EXPECT_EQ(posted(), (postings{{0xFFFF, 0x8000}})); // the flags as two words
+    const auto again = [&] {
+        m_plugin.SetStorageData(&data);
+        m_traces.all();
+    };
+    EXPECT_EQ(grownBy(again), "");
 }
 
 TEST_F(Restore, SettingsOfAnotherShapeSetNothing)
@@ -61,6 +67,8 @@ TEST_F(Restore, SettingsOfAnotherShapeSetNothing)
         EXPECT_EQ(RestoreSettings(&element), messages.empty());
         EXPECT_EQ(m_traces.joined(), messages);
     }
+    const bytes number = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":72}}})")});
+    EXPECT_EQ(restore(seq({seq({}), seq({}), seq({}), number})), E_UNEXPECTED);
 }
 
 } // namespace

@@ -46,7 +46,11 @@ TEST_F(Host, DoctorFindsEachFault)
     brand(bin / L"Branding.dll");
     EXPECT_EQ("agent window;agent objects;", bad());
     const agent_t agent;
+    const auto before = state();
     EXPECT_EQ("", bad());
+    expectState(before);
+    std::string x86 = fileBytes(other);
+    writeFile(L"x86.dll", x86.replace(x86.find(std::string("PE\0\0", 4)) + 4, 2, "\x4C\1"));
     const struct {
         const char* check;
         std::function<void()> plant, mend;
@@ -55,6 +59,7 @@ TEST_F(Host, DoctorFindsEachFault)
         {"keys", [&] { registerAs(other); }, again},
         {"file", [&] { registerAs(L"none.dll"); }, again},
         {"bitness", [&] { registerAs(L"never.txt"); }, again},
+        {"bitness", [&] { registerAs(L"x86.dll"); }, again},
         {"component", [&] { registerAs(bin / L"Branding.dll"); }, again},
         {"language files", [&] { registerAs(other); }, again},
         {"bin folder", [] { setBin(L"C:\\none"); }, [] { setBin(); }},

@@ -15,8 +15,11 @@ TEST_F(Host, BackupIsEqualToTheDiskOrNotWritten)
     refused(L"backup good.vlb"); // not without --force
     const processResult_t piped = host(L"backup -");
     EXPECT_EQ(m_good, piped.out);
-    hostText(L"backup summed.vlb --checksum");
-    EXPECT_TRUE(has(fileBytes(L"summed.vlb.sha256"), " summed.vlb\n"));
+    for (const std::wstring option : {L"--checksum", L"--force"}) { // which keeps one right
+        hostText(L"backup summed.vlb " + option);
+        expectIn(fileBytes(L"summed.vlb.sha256"), {" summed.vlb\n"});
+        writeFile(L"summed.vlb.sha256", "of another");
+    }
     refused(L"backup summed.vlb --checksum");
     expectIn(piped.err, {"2 templates and 1 data file, equal to the disk; 1 quick link; "
                          "1 category; settings"});
@@ -81,6 +84,7 @@ TEST_F(Host, UndoCanBeTriedAndBringsBackAttributes)
     change();
     const fs::path file = L"own\\late.vlm"; // that the plug-in can't delete
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(L"own\\Köln.vlm", FILE_ATTRIBUTE_HIDDEN); // which comes back plain
     const auto before = state();
     refused(L"restore failing.vlb --force"); // it is undone with the one that follows
     expectIn(host(L"restore good.vlb --entry 1").out, {"late.vlm: was not deleted"});
@@ -92,6 +96,7 @@ TEST_F(Host, UndoCanBeTriedAndBringsBackAttributes)
     hostText(L"restore --undo");
     expectState(before);
     EXPECT_TRUE(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE(GetFileAttributesW(L"own\\Köln.vlm") & FILE_ATTRIBUTE_HIDDEN);
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
@@ -130,6 +135,7 @@ TEST_F(Host, EveryFileThatAnyRestoreReplacedIsInSomeCopy)
 
 TEST_F(Host, CopyOfAnEarlierVersionIsTakenOver)
 {
+    fs::create_directories(copies / L"9.dropped"); // half removed
     writeFile(userData / L"RestoreUndo\\0", "early");
     writeFile(
         userData / L"RestoreUndo\\index.json",
@@ -139,6 +145,7 @@ TEST_F(Host, CopyOfAnEarlierVersionIsTakenOver)
         hostText(L"restore --undo");
         EXPECT_EQ(content, fileBytes(L"own\\bank.vlm"));
     }
+    EXPECT_FALSE(fs::exists(copies / L"9.dropped"));
 }
 
 TEST_F(Host, MarkedPathsStayInTheFoldersOfTheProfile)
@@ -298,6 +305,9 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
         EXPECT_EQ(left < 0, status == 1);
         EXPECT_EQ(status == 0, console != hostText(L"trace status"));
     }
+    setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", L"TracePathLow", L"C:\\low");
+    expectIn(hostText(L"trace on --dir C:\\third"), {"folder: C:\\third"});
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Tracing", L"TracePathLow");
     expectIn(hostText(L"trace off"), {"tracing: off"});
 }
 

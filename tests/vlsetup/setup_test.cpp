@@ -164,6 +164,8 @@ TEST_F(setupTest, WhatOthersChangedSinceStaysAndIsNamed)
     const state_t installed = stateNow();
     CFileHandle user(CreateFileW((bin / L"tool.exe").c_str(), GENERIC_READ, FILE_SHARE_READ,
                                  nullptr, OPEN_EXISTING, 0, nullptr));
+    writeFile(medium / L"tool.exe", "tool 2");
+    EXPECT_THROW(install(m_asked), CToolError);
     EXPECT_THROW(uninstall(root), CToolError);
     user.reset();
     expectState(installed);
