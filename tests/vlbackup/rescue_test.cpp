@@ -234,6 +234,9 @@ TEST(Find, LooksIntoEveryPartAndEncoding)
     const bytes backup = seq({seq({filePair(L"K\u00f6ln.vlm", {"\0K\0\xf6\0l\0n\0", 9}),
                                    filePair(L"b.vlm", "xx K\xC3\xB6ln K\xC3\xB6ln")}),
                               seq(entries[1]), seq(entries[2]), document});
+    // Half of one character and half of the next are none.
+    EXPECT_EQ(
+        vlbackup({"find", "-", "B"}, seq({seq({filePair(L"\u4100\u4200", "")}), seq({})})).out, "");
     const std::pair<const char*, const char*> cases[] = {
         {"find - K\u00f6ln",
          "byte 10, element 0/0/0: name of K\u00f6ln.vlm (once, UTF-16BE)\n"

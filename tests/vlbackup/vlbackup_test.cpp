@@ -118,10 +118,11 @@ protected:
     InFolder()
     {
         writeFile(m_root / "outside" / "theirs.vlm", "theirs");
-        fs::create_directory(m_root / "out");
+        fs::create_directories(m_root / "out/alien/C");
         std::error_code error; // Wine has none
         fs::create_directory_symlink(m_root / "outside", m_root / "out/link", error);
         fs::create_symlink(m_root / "outside/theirs.vlm", m_root / "out/link.vlm", error);
+        fs::create_directory_symlink(m_root / "outside", m_root / "out/alien/C/link", error);
         m_linked = !error;
     }
     ~InFolder() override { fs::remove_all(m_root); }
@@ -231,7 +232,8 @@ TEST_F(InFolder, ExtractStaysInItsFolderWhateverTheNamesAre)
             name += pieces[random() % std::size(pieces)];
         stored.push_back(filePair(name, std::to_string(i)));
     }
-    stored.push_back(filePair(L"link.vlm", "x"));
+    for (const wchar_t* name : {L"link.vlm", L"alien|C:\\link\\new.vlm"})
+        stored.push_back(filePair(name, "x"));
     const toolRun_t result = Extract(seq({seq(stored), none}), {"--force"});
     const auto files = Written();
     EXPECT_EQ(std::ranges::count(result.out, '\n'), files.size());
@@ -323,6 +325,7 @@ TEST(Verify, GradesWhatARestoreWouldMakeOfIt)
         {stored(L"alien|C:\\" + std::wstring(200, L'\u0416') + L"\\a.vlm"), "sound", ""},
         {links({seq({wide(L"")})}), "error", "quicklinks[0]: 1 element; a restore drops"},
         {links({link(L"n", L"t", L"..\\a.vlm")}), "error", "template with a path"},
+        {links({link(L"n", L"t", L"A.VLM")}), "sound", ""},
         {links({link(L"n", L"t", L"none.vlm")}), "warning", "no template of the personal folder"},
         {links({seq({wide(L"")}), link(L"l"), link(L"m")}), "error",
          "template and profile of quicklinks[1]"},

@@ -168,16 +168,19 @@ TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
 {
     std::istringstream in;
     std::ostringstream out, err;
+    const std::string longText = "U" + std::string(5000, 'x');
     int looks = 0;
     runVltrace({"tail", "-n1", "-f", name("")}, in, out, err, [&] {
         if (looks == 1)
             std::filesystem::remove(m_folder / sample);
         write(sample, traceBytes_t(looks == 1 ? traceBytes_t::header : "")
                           .records(8, {"Ume\xFFnded", "T01:02:03.004"}));
-        if (looks == 3) // it becomes shorter
+        if (looks == 2)
+            write("new.TRC3", traceBytes_t().records(9, {longText, "Unew"}));
+        if (looks == 3) { // it becomes shorter
             std::filesystem::resize_file(m_folder / "new.TRC3", 0);
-        if (looks >= 2)
-            write("new.TRC3", traceBytes_t().records(9, {looks == 2 ? "Unew" : "U"}));
+            write("new.TRC3", traceBytes_t().records(9, {longText}));
+        }
         return ++looks < 5;
     });
     const std::string lines = out.str() + err.str();
@@ -185,11 +188,13 @@ TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
     const std::string header =
         "\n# trace3\n# Compiled: Jul 14 2017 15:59:04\n"
         "# Trace Ver: 3.0.2\n# 07/14/2017 15:59:04.123\n2017-07-14 --:--:--.---";
+    const std::string longLine = "  #2  0x0009  U " + longText.substr(1) + "\n";
+    const std::string later = "2017-07-14 01:02:03.004" + mended;
     EXPECT_EQ(lines.substr(lines.find("2017-0")),
               "2017-07-15 00:00:00.005  4242  0x03C8    E note\n2017-07-15 00:00:00.005" + mended +
                   "\n# 4242: " + name(sample) + header + mended + "\n# #2: " + name("new.TRC3") +
-                  header + "  #2  0x0009  U new\n2017-07-14 01:02:03.004" + mended + "\n# #2: " +
-                  name("new.TRC3") + header + "  #2  0x0009  U \n2017-07-14 01:02:03.004" + mended);
+                  header + longLine + "2017-07-14 --:--:--.---  #2  0x0009  U new\n" + later +
+                  "\n# #2: " + name("new.TRC3") + header + longLine + later);
 }
 
 TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
