@@ -138,6 +138,10 @@ TEST_F(Host, BundleHasNothingOfTheUsers)
                             "Profile=1\r\nManifest=C:\\vlhost test\\own\\Zwölfender.vlm\r\n"
                             "ManifestID=frumious\r\n");
     setValue(HKEY_CURRENT_USER, categoriesKey, L"Xylophone", L"borogoves");
+    for (const wchar_t older : {L'1', L'2', L'3', L'4', L'5', L'6'})
+        writeFile(L"bundled\\h.x64.vlonlineids.dll~~01.02.06_at_03.04.05.00" +
+                      std::wstring(1, older) + L"~~1.1.trc3",
+                  "trace3\r\n.\r\n");
     hostText(L"trace on --dir \"C:\\vlhost test\\bundled\"");
     hostText(L"backup users.vlb --force");
     const agent_t agent;
@@ -159,8 +163,11 @@ TEST_F(Host, BundleHasNothingOfTheUsers)
         entries[name] = std::move(content);
     }
     unzClose(archive);
-    ASSERT_TRUE(entries.contains("trace-1.txt") && entries["backup.vlb"].size() > 100);
-    EXPECT_TRUE(has(entries["trace-1.txt"], " > CVLKTPages::GetStorageData\n"));
+    ASSERT_TRUE(entries.contains("trace-5.txt") && entries["backup.vlb"].size() > 100);
+    std::string traces; // the newest
+    for (const char number : {'1', '2', '3', '4', '5'})
+        traces += entries[std::string("trace-") + number + ".txt"];
+    EXPECT_TRUE(has(traces, " > CVLKTPages::GetStorageData\n"));
     EXPECT_TRUE(has(entries["doctor.json"], "\"settings provider\""));
     for (const auto& [name, content] : entries)
         for (const char* word : {"fender", "galumph", "mimsy", "vorpal", "abberwock", "frumious",
