@@ -287,6 +287,19 @@ TEST_F(setupTest, TheScriptsInstallAndRemoveTheShippedPackage)
     const state_t before = stateNow();
     expectIn(run(package / L"install.cmd", L"Q:\\x", 1), {"there is no Q:"});
     run(package / L"install.cmd", L'"' + folder.wstring() + L'"', 0);
+    { // as an installer repairs: without a console, and with nowhere to write to
+        std::wstring repair = L'"' + (package / L"vlsetup.exe").wstring() + L"\" install \"" +
+                              folder.wstring() + L'"';
+        STARTUPINFOW mute{};
+        mute.cb = sizeof mute, mute.dwFlags = STARTF_USESTDHANDLES;
+        PROCESS_INFORMATION made{};
+        DWORD status = 9;
+        CreateProcessW(nullptr, repair.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
+                       nullptr, &mute, &made);
+        const CKernelHandle process(made.hProcess), thread(made.hThread);
+        WaitForSingleObject(made.hProcess, 60000);
+        EXPECT_TRUE(GetExitCodeProcess(made.hProcess, &status) && status == 0) << status;
+    }
     expectIn(
         run(built / L"vl_example_host.exe", L"", 0),
         {"plug-in " + utf8FromWide((folder / L"bin\\VLOnlineIDs.dll").wstring()), "level   2"});

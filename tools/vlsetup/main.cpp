@@ -7,7 +7,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <iostream>
+#include <cstdio>
 
 namespace {
 
@@ -20,10 +20,13 @@ std::wstring environment(const wchar_t* name)
     return text;
 }
 
+// What was done stands, whether or not somebody can read it: an installer starts this program without
+// a console, and would take the work back if it were to fail.
 void print(const std::vector<std::string>& lines)
 {
     for (const std::string& line : lines)
-        std::cout << line << '\n';
+        std::puts(line.c_str());
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -57,8 +60,7 @@ int main(int argc, char** argv)
         const auto at = std::ranges::find(standInWords, standIns) - standInWords.begin();
         print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller),
                        static_cast<standIns_t>(at), replace}));
-        std::cout << "installed in " << utf8FromWide(fullPath(wideFromUtf8(root) + L"\\bin"))
-                  << '\n';
+        print({"installed in " + utf8FromWide(fullPath(wideFromUtf8(root) + L"\\bin"))});
     });
 
     CLI::App* const uninstallCommand =
@@ -70,7 +72,7 @@ int main(int argc, char** argv)
         print(result.lines);
         if (!result.complete)
             throw CToolError("not everything could be removed", "see above, and run it again");
-        std::cout << "uninstalled; what belongs to users stays\n";
+        print({"uninstalled; what belongs to users stays"});
     });
     return runTool(app, argc, argv);
 }
