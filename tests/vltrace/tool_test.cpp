@@ -85,6 +85,9 @@ TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
     EXPECT_EQ(linesOf({"--errors"}), error);
     EXPECT_EQ(linesOf({"--notes"}), note);
     EXPECT_EQ(linesOf({"--notes", "--errors"}), error + note);
+    write("fine.trc3", traceBytes_t().records(8, {"Ufine"}));
+    const std::string folder = run({"cat", "--errors", name("")}).out;
+    EXPECT_TRUE(folder.starts_with("# 4242: ") && folder.find("fine") == folder.npos) << folder;
     write(sample, traceBytes_t("").records(8, {"Ua\nb\x1B\xC2\x9B\u202E"})); // at the end
     expectIn(linesOf({"--no-marks"}), {"a\\nb\\x1B\\u{9B}\\u{202E}"});
 }
@@ -110,7 +113,9 @@ TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
     for (const auto& [filter, left] : cases) {
         std::vector<std::string> arguments = {"export", name(sample)};
         arguments.insert(arguments.end(), filter.begin(), filter.end());
-        std::istringstream lines(run(arguments).out);
+        const toolRun_t result = run(arguments);
+        EXPECT_EQ(result.err.empty(), *left != 0) << "nothing left has a line of its own";
+        std::istringstream lines(result.out);
         std::string levels; // of the records left
         for (std::string line; std::getline(lines, line);)
             levels += parsed(line)["level"].asString();

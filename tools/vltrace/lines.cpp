@@ -27,25 +27,34 @@ linePrinter_t::linePrinter_t(lineOptions_t options, std::function<void(std::stri
 
 void linePrinter_t::begin(const source_t& source)
 {
-    m_line = m_files++ > 0 ? "\n# " : "# ";
-    if (!source.label.empty())
-        m_line += source.label + ": ";
-    appendPrintable(m_line, source.shown);
-    m_line += '\n';
-    m_put(m_line);
+    m_headers[source.number] = {"\n# " + (source.label.empty() ? "" : source.label + ": ") +
+                                printable(source.shown) + '\n'};
+    if (!m_options.chains)
+        showHeader(source);
 }
 
-void linePrinter_t::takeHeader(const source_t&, const traceHeader_t& header)
+void linePrinter_t::takeHeader(const source_t& source, const traceHeader_t& header)
 {
-    for (const std::string& line : header.lines) {
-        m_line = "# " + printable(line) + "\n";
-        m_put(m_line);
+    std::vector<std::string>& lines = m_headers[source.number];
+    for (const std::string& line : header.lines)
+        lines.push_back("# " + printable(line) + '\n');
+    if (!m_options.chains)
+        showHeader(source);
+}
+
+void linePrinter_t::showHeader(const source_t& source)
+{
+    for (std::string& line : std::exchange(m_headers[source.number], {})) {
+        if (line[0] == '\n' && m_files++ == 0)
+            line.erase(0, 1); // no line between files before the first one
+        m_put(line);
     }
 }
 
 void linePrinter_t::takeDamage(const source_t& source, const traceDamage_t& damage,
                                const traceStep_t&)
 {
+    showHeader(source);
     m_line =
         "-- " + (source.label.empty() ? "" : source.label + ": ") + damageText(damage) + " --\n";
     m_put(m_line);
@@ -84,6 +93,8 @@ void linePrinter_t::takeRecord(const traceEvent_t& event)
 {
     if (!event.wanted)
         return;
+    if (m_options.chains)
+        showHeader(event.source);
     const traceRecord_t& record = event.record;
     const traceStep_t& step = event.step;
     const size_t depth =

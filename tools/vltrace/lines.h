@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <iosfwd>
+#include <map>
 #include <string>
+#include <vector>
 
 namespace vltrace {
 
@@ -16,7 +18,8 @@ struct lineOptions_t {
 };
 
 // linePrinter_t makes readable lines: date, time, process if there are several files, thread, level
-// and text, with nesting. The header, in front, and damage, in its place, have a mark of their own.
+// and text, with nesting. The header, in front, and damage, in its place, have a mark of their own. With
+// chains, the header of a file comes before the first record of it, and of one without any not at all.
 class linePrinter_t : public traceConsumer_i
 {
 public:
@@ -30,11 +33,13 @@ public:
     void takeRecord(const traceEvent_t& event) override;
 
 private:
+    void showHeader(const source_t& source);
     void appendChain(const tracecore::traceStep_t& step);
 
     lineOptions_t m_options;
     std::function<void(std::string&)> m_put;
     std::string m_line;
+    std::map<size_t, std::vector<std::string>> m_headers; // not shown yet, by the source's number
     momentTexts_t m_texts;
     size_t m_files = 0;
 };

@@ -105,6 +105,8 @@ void traceMerge_t::give(traceInput_t& input)
         traceEvent_t event{input.source(), *record, step, message, kindOf(record->level, message),
                            false};
         event.wanted = m_filter.wants(event);
+        m_read += event.kind != kind_t::stamp;
+        m_wanted += event.wanted;
         m_consumer.takeRecord(event);
     } else if (const auto* header = std::get_if<traceHeader_t>(&item)) {
         m_consumer.takeHeader(input.source(), *header);
@@ -158,6 +160,15 @@ int traceMerge_t::run(const std::vector<traceInput_t*>& inputs, bool labelled)
     return m_status;
 }
 
+void traceMerge_t::finish()
+{
+    m_consumer.finish();
+    if (m_read > 0 && m_wanted == 0)
+        m_complain(
+            CToolError("none of the " + std::to_string(m_read) + " records is what was asked for",
+                       "leave out a filter to see more", exitStatus::good));
+}
+
 void traceMerge_t::flush(traceInput_t& input)
 {
     input.finish();
@@ -184,7 +195,7 @@ int readInOrder(const inputs_t& inputs, traceConsumer_i& consumer)
     }
     traceMerge_t merge(consumer, inputs.filter, inputs.complain);
     status = std::max(status, merge.run(all));
-    consumer.finish();
+    merge.finish();
     return status;
 }
 
@@ -201,7 +212,7 @@ int readEach(const inputs_t& inputs, traceConsumer_i& consumer)
             status = error.ExitStatus();
         }
     }
-    consumer.finish();
+    merge.finish();
     return status;
 }
 

@@ -30,6 +30,9 @@ public:
     // Returns:  the exit status
     int run(const std::vector<traceInput_t*>& inputs, bool labelled = false);
 
+    // finish ends the consumer's work. Warns if the filters left nothing of what was read.
+    void finish();
+
     // flush brings what there is of an input in its order, for one that has been replaced.
     void flush(traceInput_t& input);
 
@@ -42,6 +45,8 @@ private:
     const filter_t& m_filter;
     std::function<void(const CToolError&)> m_complain;
     int m_status = 0;
+    size_t m_read = 0; // records other than stamps
+    size_t m_wanted = 0;
 };
 
 // inputs_t is how the names of a command line are read.
