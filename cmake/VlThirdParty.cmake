@@ -2,6 +2,9 @@
 # (scripts/setup.sh).
 include(FetchContent)
 set(vl_third_party ${CMAKE_SOURCE_DIR}/build/third-party)
+if(NOT EXISTS ${vl_third_party}/include)
+  message(FATAL_ERROR "build/third-party is missing: 'scripts/setup.sh build test' makes it")
+endif()
 
 # Only the tests need GoogleTest: without its package there are none, and the product builds all the same.
 set(vl_googletest /usr/src/googletest)
