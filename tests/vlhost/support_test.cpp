@@ -125,7 +125,11 @@ TEST_F(Host, DrillProvesABackupAndTouchesNothing)
     fs::remove_all(folder + deep);
     fs::remove(folder + std::wstring(240, L'n') + L".vlm");
     hostText(L"setting set path_alienstorage_dirs \"\"");
+    fs::rename(folder + L"own",
+               folder + L"own of later"); // a machine on which nothing was stored yet
     expectIn(hostText(L"drill slashed.vlb"), {"warning: C:/vlhost test/shared/team.vlm: outside"});
+    EXPECT_FALSE(fs::exists(folder + L"own"));
+    fs::rename(folder + L"own of later", folder + L"own");
     hostText(L"restore twice.vlb --force"); // which compares what it left with its plan
     EXPECT_EQ(bankIsFirst ? "post" : "bank", fileBytes(L"own\\bank.vlm")) << "the last one stays";
 }

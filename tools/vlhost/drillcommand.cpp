@@ -35,6 +35,23 @@ std::string reasonOf(const BackupDifference& difference, const CBackupView& trie
     return absent ? "an earlier form of backup has less in it" : reasonAfterRestore(difference);
 }
 
+// straysLeavingNothing lists those of the user's own profile, and removes the folders of the settings again, which are
+// made when they are asked for.
+std::vector<std::string> straysLeavingNothing(const CBackupView& backup)
+{
+    std::vector<std::filesystem::path> missing; // the innermost first
+    for (const wchar_t* key : {L"path_localstorage_dir", L"path_cachestorage_dir"})
+        for (std::filesystem::path folder = settings_getpath(key);
+             folder.has_relative_path() && !isThere(folder.wstring());
+             folder = folder.parent_path())
+            missing.push_back(folder);
+    std::vector<std::string> strays = straysOf(backup);
+    std::error_code ignored;
+    for (const std::filesystem::path& folder : missing)
+        std::filesystem::remove(folder, ignored); // one with something in it stays
+    return strays;
+}
+
 // restoreAndTake gives a backup of what a restore of this one makes of an empty profile.
 bytes_t restoreAndTake(const bytes_t& bytes, const options_t& options)
 {
@@ -79,10 +96,7 @@ void drill(const std::string& file, const options_t& options)
         refuseBackup(file, bytes, wanted);
     if (!wanted.Restorable())
         throw CToolError(shownInput(file) + " is not sound", "'vlbackup verify' says why");
-    std::vector<std::string> strays;
-    if (isThere(settings_getpath(L"path_localstorage_dir")) &&
-        isThere(settings_getpath(L"path_cachestorage_dir")))
-        strays = straysOf(wanted); // which would make these two
+    const std::vector<std::string> strays = straysLeavingNothing(wanted);
     const bytes_t again = restoreAndTake(bytes, options);
     CBackupView found;
     decodeBackup(again, found);
@@ -108,8 +122,8 @@ void drill(const std::string& file, const options_t& options)
             std::cout << (reason.empty() ? coloured(std::cout, colour_t::red, "difference")
                                          : coloured(std::cout, colour_t::green, "as expected"))
                       << ": "
-                      << printable(difference.element + ' ' + difference.item + ": " +
-                                   difference.what)
+                      << printable(difference.element + (difference.item.empty() ? "" : " ") +
+                                   difference.item + ": " + difference.what)
                       << (reason.empty() ? "" : " (" + reason + ')') << '\n';
     });
     json["restorable"] = lost == 0;
