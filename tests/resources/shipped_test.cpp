@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <string>
 #include <tuple>
 
@@ -68,13 +69,15 @@ std::string configuration(bool isDll, const std::wstring& language, const std::s
 
 TEST(LanguageNames, AreThePlatformsAndLeadToANeutralParent)
 {
+    // Newer releases of the platform have other names of these, or none.
+    const std::set<unsigned> changed = {102, 113, 121, 1111, 1126, 1137};
     for (unsigned id = 1; id <= 0xFFFF; ++id) {
         const auto language = static_cast<LANGID>(id);
         wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
         if (PRIMARYLANGID(language) != LANG_NEUTRAL)
             LCIDToLocaleName(language, name, LOCALE_NAME_MAX_LENGTH, LOCALE_ALLOW_NEUTRAL_NAMES);
-        ASSERT_EQ(languageName(language), name) << id;
-        if (!*name)
+        ASSERT_TRUE(languageName(language) == name || changed.contains(id)) << id;
+        if (languageName(language).empty())
             continue;
         const LANGID parent = neutralLanguage(language);
         ASSERT_FALSE(languageName(parent).empty()) << id;
