@@ -10,7 +10,7 @@ SYSTEM_DLLS = {f"{name}.dll" for name in (
     "advapi32 kernel32 msvcrt ole32 oleaut32 shell32 shfolder shlwapi user32").split()}
 
 dump = subprocess.run([sys.argv[1], "-p", sys.argv[2]], check=True, text=True, stdout=subprocess.PIPE).stdout
-exports = re.findall(r"^\t\[ *\d+\] (\S+)$", dump.split("[Ordinal/Name Pointer] Table")[1], re.MULTILINE)
+exports = re.findall(r"^\t\[ *\d+\] .*?(\S+)$", dump.split("[Ordinal/Name Pointer] Table")[1], re.MULTILINE)
 imports = {name.lower() for name in re.findall(r"^\s+DLL Name: (\S+)$", dump, re.MULTILINE)}
 sections = re.findall(r"^ +\d+ (\S+).*\n +(.*)$",
                       subprocess.run([sys.argv[1], "-h", sys.argv[2]], check=True, text=True,

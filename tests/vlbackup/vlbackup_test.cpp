@@ -31,6 +31,14 @@ void* operator new(size_t size)
     return block + 16 / sizeof *block;
 }
 
+// A sanitizer has its own, whose blocks are not for the delete below.
+void* operator new(size_t size, const std::nothrow_t&) noexcept
+try {
+    return operator new(size);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
 // Inlined, it would look to the compiler as if it read before the block.
 [[gnu::noinline]] void operator delete(void* memory) noexcept
 {
