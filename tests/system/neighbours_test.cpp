@@ -296,12 +296,13 @@ TEST_F(Link, EachNameMayBeAnothers)
                                  reinterpret_cast<void*>(waitImpatiently));
         callAndFail(plugin); // makes the trace
         const std::vector<badAgent_t> all = badAgents();
+        exchange(plugin, all.end()[-2]); // the first miss in a process is traced otherwise
         std::string text;
         for (const badAgent_t& bad : all) {
             SCOPED_TRACE(bad.first);
             ++progress;
             std::fprintf(stderr, "%s\n", bad.first.c_str());
-            std::string last; // the first miss in a process differs
+            std::string last; // of as many as the look for growth takes
             EXPECT_EQ("", grownBy([&] { last = exchange(plugin, bad); }));
             EXPECT_EQ("good, sent\n", exchange(plugin, all.back()));
             text += last;
