@@ -98,18 +98,19 @@ protected:
 
 TEST_F(Soak, ManyCallsKeepNothing)
 {
-    const int count = soak ? 10000 : 60;
+    const size_t count = soak ? 10000 : 60;
     const CLoadedModule policy(LoadLibraryW(m_policyLibrary)); // loading it each time takes long
     const silentPlugin_t plugin;
-    std::printf("%d calls of each operation:\n", count);
+    std::printf("%zu calls of each operation:\n", count);
     for (const char* const name : operationNames) {
         SCOPED_TRACE(name);
         const auto start = std::chrono::steady_clock::now();
         run(plugin, name);
-        const std::string grown = grownBy([&] {
-            for (int i = 0; i < count; ++i)
+        const auto calls = [&] {
+            for (size_t i = 0; i < count; ++i)
                 run(plugin, name);
-        });
+        };
+        const std::string grown = grownBy(calls, count);
         EXPECT_EQ("", grown);
         std::printf("  %-16s +%-40s %6.1f s\n", name, grown.empty() ? "0" : grown.c_str(),
                     secondsSince(start));
