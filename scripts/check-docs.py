@@ -165,7 +165,7 @@ def check_host(host):
         shutil.rmtree(prefix)
 
 
-parser = argparse.ArgumentParser(usage=__doc__)
+parser = argparse.ArgumentParser(usage=__doc__.replace("%", "%%"))
 parser.add_argument("--tools", type=Path)
 parser.add_argument("--host", type=Path)
 parser.add_argument("--package", type=Path)
