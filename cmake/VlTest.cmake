@@ -17,3 +17,15 @@ function(vl_add_test name)
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/results)
 endfunction()
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/results)
+
+# vl_add_transcripts(TOOL FOLDER)
+#
+# Runs each transcript (*.t) in the folder as a test: commands as a person types them, and all that they print.
+function(vl_add_transcripts tool folder)
+  file(GLOB files CONFIGURE_DEPENDS ${folder}/*.t)
+  foreach(file ${files})
+    get_filename_component(name ${file} NAME_WE)
+    add_test(NAME ${tool}_${name}_transcript
+      COMMAND ${CMAKE_SOURCE_DIR}/tests/support/transcript.sh $<TARGET_FILE_DIR:${tool}> ${file})
+  endforeach()
+endfunction()
