@@ -13,8 +13,8 @@ for program in hostile_test faults_test; do
         >>"$log" 2>&1 || failed="$failed $program"
 done
 cat "$log"
-tr -d '\r' <"$log" | awk -F ': | runs, | faults$' '
+tr -d '\r' <"$log" | sed -n 's/^\(.*\): \([0-9]*\) runs, \([0-9]*\) faults$/\1\t\2\t\3/p' | awk -F '\t' '
     BEGIN { row = "%-24s %8s %8s\n"; printf "\n" row, "what", "runs", "faults" }
-    / runs, [0-9]+ faults$/ { printf row, $1, $2, $3; runs += $2; faults += $3 }
+    { printf row, $1, $2, $3; runs += $2; faults += $3 }
     END { printf row, "all", runs, faults; exit runs == 0 || faults > 0 }' || failed="$failed (see above)"
 [ -z "$failed" ] && echo "faults: no finding" || { echo "faults: failed:$failed"; exit 1; }
