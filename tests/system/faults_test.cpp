@@ -148,6 +148,7 @@ TEST_P(Faults, EndWellAndKeepNothing)
         wanted = nullptr;
         points.push_back(calls + 1); // undisturbed
         const auto files = userFiles();
+        std::map<std::string, size_t> injected;
         for (const size_t at : points) {
             SCOPED_TRACE(at);
             failed.clear();
@@ -164,9 +165,12 @@ TEST_P(Faults, EndWellAndKeepNothing)
             EXPECT_TRUE(grown.empty() || failed == "fputs") // after which the stream stays open
                 << failed << ": grows by " << grown;
             EXPECT_TRUE(isTracingFree()) << failed;
+            ++injected[failed];
             ++runs;
         }
         printRuns(GetParam(), runs);
+        for (const auto& [function, times] : injected)
+            std::printf("failed %s %zu\n", function.c_str(), times);
     });
 }
 
