@@ -9,8 +9,9 @@
 #include <vector>
 
 // A benchmark is a ratio of two bodies measured in one run. All cases of a group take part in every
-// round, and each round begins with another one, so that whatever else the machine does meets all
-// alike; the median of the rounds decides.
+// round, so that whatever else the machine does meets all alike; the median of the rounds decides.
+// Each round has another order, in which each case follows another one, so that none always finds
+// the caches as the same neighbour left them.
 namespace bench {
 
 inline constexpr int usualRounds = 11;
@@ -70,8 +71,7 @@ public:
     {
         for (int round = -1; round < rounds; ++round) {
             for (size_t i = 0; i < m_cases.size(); ++i) {
-                const size_t turn = static_cast<size_t>(round + 1) + i;
-                case_t& one = m_cases[turn % m_cases.size()];
+                case_t& one = m_cases[Turn(static_cast<size_t>(round + 1), i)];
                 if (one.prepare)
                     one.prepare();
                 const double seconds = secondsOf(one.body);
@@ -106,6 +106,18 @@ private:
         std::function<void()> prepare;
         std::vector<double> seconds;
     };
+
+    // Turn gives the case at a place of a round: a balanced Latin square (E. J. Williams), by
+    // which each case comes after each other one equally often.
+    size_t Turn(size_t round, size_t place) const
+    {
+        const size_t count = m_cases.size();
+        if (count % 2 == 1 && round % 2 == 1) // an odd number takes the mirrored square, too
+            place = count - 1 - place;
+        const size_t zigzag = place % 2 == 1 ? place / 2 + 1 : count - place / 2;
+        return (round + zigzag) % count;
+    }
+
     std::vector<case_t> m_cases;
 };
 
