@@ -6,6 +6,8 @@
 #include "shared/terminal.h"
 #include "shared/toolerror.h"
 
+#include <algorithm>
+
 #include <json/reader.h>
 
 namespace {
@@ -71,8 +73,12 @@ bool decodeBackup(std::span<const uint8_t> bytes, CBackupView& view)
 
 bool beginsAsBackup(std::span<const uint8_t> bytes)
 {
-    // A digit 0 is the octet that begins a backup, too.
-    return bytes.size() > 1 && bytes[0] == 0x30 && (bytes[1] >= 0x80 || bytes[1] < 0x20);
+    // A digit 0 is the octet that begins a backup, too, but in text no control character comes soon.
+    const auto beginning = bytes.first(std::min<size_t>(bytes.size(), 8));
+    return bytes.size() > 1 && bytes[0] == 0x30 &&
+           (bytes[1] >= 0x80 || std::ranges::any_of(beginning, [](uint8_t c) {
+                return c < 0x20 && c != '\t' && c != '\r' && c != '\n';
+            }));
 }
 
 void refuseBackup(const std::string& name, std::span<const uint8_t> bytes, const CBackupView& view)

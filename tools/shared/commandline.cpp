@@ -31,9 +31,12 @@ CToolError usageError(const CLI::App& app, const CLI::Error& error)
         return CToolError("what to do with " + words.front() + " is missing",
                           "a command goes before it: see " + path + "--help",
                           exitStatus::wrongUsage);
+    std::string what = error.what();
+    if (what.starts_with(": ")) // of an option that help doesn't list
+        what.erase(0, 2);
     return CToolError(named ? '"' + words.front() + "\" is no " +
                                   (words.front()[0] == '-' ? "option" : "command")
-                            : error.what(),
+                            : what,
                       "see " + path + "--help", exitStatus::wrongUsage);
 }
 

@@ -59,22 +59,9 @@ private:
     int m_status = exitStatus::good;
 };
 
-} // namespace
-
-int verbs::extract(const Call& call)
+// writeFiles writes the chosen ones, and gives the exit status.
+int writeFiles(const Call& call, const CBackupFiles& files, const std::vector<size_t>& chosen)
 {
-    if (call.output == "-")
-        throw CToolError("a folder can't be standard output", "vlbackup cat writes one file there",
-                         exitStatus::wrongUsage);
-    const OpenBackup backup = openBackup(call.input, call.in);
-    const CBackupFiles& files = backup.view.files;
-    CNameChoice choice(call.names);
-    std::vector<size_t> chosen;
-    for (size_t i = 0; i < files.size(); ++i)
-        if (choice.Has(files[i].name))
-            chosen.push_back(i);
-    if (chosen.empty() && !choice.All())
-        return reportUnmet(call, choice);
     const CExtraction extraction(call.output, call.force, call.input);
     COutcomes outcomes(call);
     const auto write = [&](const BackupFile& file) {
@@ -96,5 +83,25 @@ int verbs::extract(const Call& call)
                                             "\" is the same file as a later one, and isn't written",
                                         "a restore keeps the last"));
     }
-    return std::max(outcomes.Status(), reportUnmet(call, choice));
+    return outcomes.Status();
+}
+
+} // namespace
+
+int verbs::extract(const Call& call)
+{
+    if (call.output == "-")
+        throw CToolError("a folder can't be standard output", "vlbackup cat writes one file there",
+                         exitStatus::wrongUsage);
+    const OpenBackup backup = openBackup(call.input, call.in);
+    const CBackupFiles& files = backup.view.files;
+    CNameChoice choice(call.names);
+    std::vector<size_t> chosen;
+    for (size_t i = 0; i < files.size(); ++i)
+        if (choice.Has(files[i].name))
+            chosen.push_back(i);
+    if (chosen.empty() && !choice.All())
+        return reportUnmet(call, choice);
+    const int written = writeFiles(call, files, chosen);
+    return std::max(written, reportUnmet(call, choice));
 }

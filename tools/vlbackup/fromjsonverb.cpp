@@ -12,7 +12,7 @@ std::vector<uint8_t> backupOf(const Call& call)
     const CInput input(call.input, call.in);
     const std::span<const uint8_t> bytes = input.Bytes();
     const auto first = std::ranges::find_if(bytes, [](uint8_t c) { return c > ' '; });
-    if (first == bytes.end() || *first != '{')
+    if (first == bytes.end() || (*first != '{' && *first != '['))
         throw CToolError(shownInput(call.input) + " is no JSON document: it is " +
                              describeBytes(bytes),
                          "vlbackup to-json writes one");

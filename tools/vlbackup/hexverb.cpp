@@ -86,8 +86,8 @@ private:
             offset += line.size();
         }
         if (left != 0)
-            m_out << std::setw(10) << offset << std::string(10, ' ') << left
-                  << " more bytes (--all shows them)\n";
+            m_out << std::setw(10) << offset << std::string(10, ' ') << countText(left, "more byte")
+                  << " (--all shows all)\n";
     }
 
     std::ostream& m_out;

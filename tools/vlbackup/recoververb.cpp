@@ -57,7 +57,8 @@ int verbs::recover(const Call& call)
     const OpenBackup backup(call.input, call.in);
     const std::span<const uint8_t> bytes = backup.input.Bytes();
     Salvage salvage = salvageBackup(bytes);
-    if (salvage.Empty() && !backup.readable)
+    const bool damaged = beginsAsBackup(bytes) && !salvage.losses.empty();
+    if (salvage.Empty() && !backup.readable && !damaged)
         refuseBackup(call.input, bytes, backup.view);
     const std::vector<uint8_t> recovered =
         rebuildBackup(salvage, bytes, backup.readable ? backup.view.elementCount : 0);

@@ -11,7 +11,8 @@
 std::u16string BackupFile::Key() const
 {
     // Paths and names are never equal: a name has no separator.
-    return alien ? pathKey(target) : nameKey(target);
+    const std::u16string key = alien ? pathKey(target) : nameKey(target);
+    return alien && key.empty() ? caseKey(name) : key; // one that isn't full leads nowhere known
 }
 
 std::u16string BackupCategory::Key() const
