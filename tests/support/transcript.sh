@@ -22,11 +22,18 @@ if [ -e "$bin/vlhost.exe" ]; then
     WINEPREFIX=$(mktemp -d "$root/build/wine/run-XXXXXX") || exit 1
     export WINEPREFIX HOME="$root/build/wine/home"
     "$root/scripts/clone-prefix.sh" "$WINEPREFIX" || exit 1
-    for program in "$bin"/*.exe; do
-        tool="$work/bin/$(basename "$program" .exe)"
-        printf '#!/bin/sh\nexec "%s" "%s" "$@"\n' "$root/scripts/wine-run.sh" "$program" >"$tool"
-        chmod +x "$tool"
+    # A program that stays keeps the server. Services and the desktop would hold the output open of the command that
+    # started them.
+    for program in "start notepad" "$bin/vlagent.exe --quit"; do
+        # shellcheck disable=SC2086 # words
+        "$root/scripts/wine-run.sh" $program </dev/null >/dev/null 2>&1
     done
+    # Debian's Wine finds its server below the folder for temporary files, which is another one in a transcript.
+    printf '#!/bin/sh\nTMPDIR="%s" exec "%s" "$@"\n' "${TMPDIR:-/tmp}" "$root/scripts/wine-run.sh" >"$work/bin/windows"
+    for program in "$bin"/*.exe; do
+        printf '#!/bin/sh\nexec windows "%s" "$@"\n' "$program" >"$work/bin/$(basename "$program" .exe)"
+    done
+    chmod +x "$work"/bin/*
 else
     ln -s "$bin/vlbackup" "$bin/vltrace" "$work/bin/"
 fi
