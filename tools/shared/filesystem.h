@@ -27,6 +27,9 @@ bool isLink(const std::filesystem::path& path) noexcept;
 // isSameFile is true for two paths of one existing file.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) noexcept;
 
+// isStandardInput is true for the path of the file that standard input was redirected from.
+bool isStandardInput(const std::filesystem::path& path) noexcept;
+
 // createNewFile makes an empty file; an existing one is an error.
 std::error_code createNewFile(const std::filesystem::path& path) noexcept;
 

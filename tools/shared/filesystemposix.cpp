@@ -49,6 +49,11 @@ bool isSameFile(const fs::path& one, const fs::path& other) noexcept
     return fs::equivalent(one, other, error);
 }
 
+bool isStandardInput(const fs::path& path) noexcept
+{
+    return isSameFile(path, "/dev/stdin");
+}
+
 std::error_code createNewFile(const fs::path& path) noexcept
 {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);

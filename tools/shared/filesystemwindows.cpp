@@ -22,6 +22,17 @@ CFileHandle openEntry(const fs::path& path, DWORD access) noexcept
                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
+bool areSame(HANDLE one, HANDLE other) noexcept
+{
+    BY_HANDLE_FILE_INFORMATION first{};
+    BY_HANDLE_FILE_INFORMATION second{};
+    return one && other && GetFileInformationByHandle(one, &first) &&
+           GetFileInformationByHandle(other, &second) &&
+           first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
+           first.nFileIndexHigh == second.nFileIndexHigh &&
+           first.nFileIndexLow == second.nFileIndexLow;
+}
+
 } // namespace
 
 fs::path pathOf(const std::string& name)
@@ -53,14 +64,12 @@ bool isLink(const fs::path& path) noexcept
 
 bool isSameFile(const fs::path& one, const fs::path& other) noexcept
 {
-    BY_HANDLE_FILE_INFORMATION first{};
-    BY_HANDLE_FILE_INFORMATION second{};
-    const CFileHandle files[] = {openEntry(one, 0), openEntry(other, 0)};
-    return files[0] && files[1] && GetFileInformationByHandle(files[0].get(), &first) &&
-           GetFileInformationByHandle(files[1].get(), &second) &&
-           first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
-           first.nFileIndexHigh == second.nFileIndexHigh &&
-           first.nFileIndexLow == second.nFileIndexLow;
+    return areSame(openEntry(one, 0).get(), openEntry(other, 0).get());
+}
+
+bool isStandardInput(const fs::path& path) noexcept
+{
+    return areSame(openEntry(path, 0).get(), GetStdHandle(STD_INPUT_HANDLE));
 }
 
 std::error_code createNewFile(const fs::path& path) noexcept

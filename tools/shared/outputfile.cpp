@@ -24,7 +24,7 @@ COutputFile::COutputFile(std::string name, bool replace, const std::vector<std::
         return;
     m_target = pathOf(m_name);
     for (const std::string& input : inputs)
-        if (input != "-" && isSameFile(m_target, pathOf(input)))
+        if (input == "-" ? isStandardInput(m_target) : isSameFile(m_target, pathOf(input)))
             throw CToolError(m_name + " is what is read", "give the output another name");
     refuseExisting(m_name, replace);
     Create();

@@ -6,8 +6,10 @@
 
 void reportFailure(std::ostream& err, const std::string& tool, const CToolError& error, bool asJson)
 {
+    const bool warning = error.ExitStatus() == exitStatus::good;
+    if (warning && isQuiet())
+        return;
     if (!asJson) {
-        const bool warning = error.ExitStatus() == exitStatus::good;
         err << coloured(err, warning ? colour_t::yellow : colour_t::red, tool + ':') << ' '
             << printable(error.what()) << '\n';
         return;

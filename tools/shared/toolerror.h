@@ -38,6 +38,6 @@ private:
 };
 
 // reportFailure writes the line of a failure or a warning, whatever is in it printable: for people,
-// or as the JSON document that docs/schemas/error-1.json describes.
+// or as the JSON document that docs/schemas/error-1.json describes. With --quiet a warning is none.
 void reportFailure(std::ostream& err, const std::string& tool, const CToolError& error,
                    bool asJson);
