@@ -165,6 +165,7 @@ int runDiff(const job_t& job)
             out.text += line[0] == '-'   ? coloured(job.out, colour_t::red, line)
                         : line[0] == '+' ? coloured(job.out, colour_t::green, line)
                                          : line;
+            out.text += '\n';
             out.written();
         });
     return equal ? exitStatus::good : differs;

@@ -1,5 +1,7 @@
 #include "csvlines.h"
 
+#include "lines.h"
+
 #include <string_view>
 
 using namespace tracecore;
@@ -55,7 +57,7 @@ void csvLines_t::takeDamage(const source_t& source, const traceDamage_t& damage,
     appendField(out, step.moment.day ? m_texts.date(step.moment) : std::string());
     appendField(out, step.moment.msOfDay ? m_texts.time(step.moment) : std::string());
     out += ",,damage,,,,,,,";
-    appendField(out, std::to_string(damage.bytes) + " bytes skipped: " + damage.reason);
+    appendField(out, damageText(damage));
     out.pop_back();
     out += "\r\n";
 }

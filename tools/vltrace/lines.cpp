@@ -12,13 +12,17 @@ using namespace tracecore;
 
 namespace vltrace {
 
+std::string skippedText(uint64_t bytes)
+{
+    return std::to_string(bytes) + (bytes == 1 ? " byte skipped" : " bytes skipped");
+}
+
 std::string damageText(const traceDamage_t& damage)
 {
     const std::string place = " at offset " + std::to_string(damage.offset) + ": " + damage.reason;
     if (damage.bytes == 0)
         return "damage" + place;
-    return std::to_string(damage.bytes) + (damage.bytes == 1 ? " byte" : " bytes") + " skipped" +
-           place;
+    return skippedText(damage.bytes) + place;
 }
 
 linePrinter_t::linePrinter_t(lineOptions_t options, std::function<void(std::string&)> put)

@@ -49,6 +49,9 @@ private:
 // marks: a colour directive as "[colour 04] "; else it is left out
 void appendMessage(std::string& line, const message_t& message, bool marks);
 
+// skippedText counts bytes, as in "12 bytes skipped".
+std::string skippedText(uint64_t bytes);
+
 constexpr size_t deepestIndent = 40; // deeper calls stay in one column
 
 // damageText gives damage as a clause, as in "12 bytes skipped at offset 240: no record can begin

@@ -1,5 +1,6 @@
 #include "merge.h"
 
+#include "lines.h"
 #include "shared/filesystem.h"
 #include "shared/inputfile.h"
 
@@ -92,7 +93,7 @@ void traceMerge_t::end(traceInput_t& input)
     else if (feed.damages > 0)
         m_complain(CToolError(name + " is damaged in " + std::to_string(feed.damages) +
                                   (feed.damages == 1 ? " place, " : " places, ") +
-                                  std::to_string(feed.skipped) + " bytes skipped",
+                                  skippedText(feed.skipped),
                               "vltrace cat shows where", exitStatus::good));
 }
 
@@ -164,9 +165,10 @@ void traceMerge_t::finish()
 {
     m_consumer.finish();
     if (m_read > 0 && m_wanted == 0)
-        m_complain(
-            CToolError("none of the " + std::to_string(m_read) + " records is what was asked for",
-                       "leave out a filter to see more", exitStatus::good));
+        m_complain(CToolError((m_read == 1 ? "the only record"
+                                           : "none of the " + std::to_string(m_read) + " records") +
+                                  (m_read == 1 ? " is not" : " is") + " what was asked for",
+                              "leave out a filter to see more", exitStatus::good));
 }
 
 void traceMerge_t::flush(traceInput_t& input)

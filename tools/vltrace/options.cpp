@@ -98,7 +98,11 @@ void addTailOptions(CLI::App& command, options_t& options)
     command.add_flag("-f,--follow", options.follow,
                      "go on until interrupted; files may be replaced meanwhile, and new ones come "
                      "into a folder");
-    command.add_option("-n,--lines", options.lines, "number of lines")->capture_default_str();
+    command.add_option("-n,--lines", options.lines, "number of lines")
+        ->check([](const std::string& text) {
+            return text.starts_with('-') ? '"' + text + "\" is no number of lines" : "";
+        })
+        ->capture_default_str();
 }
 
 void addStatsOptions(CLI::App& command, options_t& options)

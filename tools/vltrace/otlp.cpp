@@ -160,7 +160,9 @@ void otlpTrace_t::enter(thread_t& thread, call_t& call)
 
 void otlpTrace_t::leave(thread_t& thread, call_t& call, int64_t to, bool finished)
 {
-    writeSpan(call.name, call.from, to, thread.id, m_spans[call.tag], finished);
+    span_t& span = m_spans[call.tag];
+    span.failed = span.failed || span.failedBefore;
+    writeSpan(call.name, call.from, to, thread.id, span, finished);
     m_spans.erase(call.tag);
     m_out.written();
 }
@@ -194,10 +196,10 @@ void otlpTrace_t::writeEvents(uint32_t thread, bool loose, span_t& span)
     span.id = loose ? id_t{own, own, 0} : id_t{id.trace, own, id.span};
     writeSpan("events", span.from, span.to, thread, span);
     m_out.written();
-    const bool failed = span.failed;
+    const bool failed = span.failed || span.failedBefore;
     span = {};
     span.id = id;
-    span.failed = failed;
+    span.failedBefore = failed;
 }
 
 void otlpTrace_t::mark(thread_t& thread, const traceEvent_t& event, int64_t at)

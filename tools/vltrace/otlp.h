@@ -35,11 +35,12 @@ private:
     };
     struct span_t {
         id_t id{};
-        std::string events; // JSON, without the brackets around
-        size_t count = 0;   // of them
-        int64_t from = 0;   // time of the first
-        int64_t to = 0;     // and the last of them
-        bool failed = false;
+        std::string events;        // JSON, without the brackets around
+        size_t count = 0;          // of them
+        int64_t from = 0;          // time of the first
+        int64_t to = 0;            // and the last of them
+        bool failed = false;       // by an error among them
+        bool failedBefore = false; // among those that went into children
     };
     void enter(thread_t& thread, call_t& call) override;
     void leave(thread_t& thread, call_t& call, int64_t to, bool finished) override;

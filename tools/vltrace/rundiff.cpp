@@ -157,13 +157,13 @@ bool compareRuns(const run_t& one, const run_t& other, const lineTable_t& table,
             const runThread_t& b = threadOf(other, process, thread);
             const auto show = [&](char sign, const runThread_t& from, size_t at) {
                 put(sign + std::string(1 + size_t{2} * from.depths[at], ' ') +
-                    table.line(from.lines[at]) + "\n");
+                    table.line(from.lines[at]));
             };
             for (const hunk_t& hunk : hunksOf(compareSequences(a.lines, b.lines), a.lines.size())) {
                 equal = false;
                 put("@@ process " + std::to_string(process + 1) + ", thread " +
                     std::to_string(thread + 1) + ": record " + std::to_string(hunk.one + 1) +
-                    " and " + std::to_string(hunk.other + 1) + " @@\n");
+                    " and " + std::to_string(hunk.other + 1) + " @@");
                 size_t i = hunk.one;
                 size_t j = hunk.other;
                 for (const edit_t& edit : hunk.edits) {

@@ -60,6 +60,7 @@ std::string normalised(std::string_view text, std::optional<uint32_t> process, u
 // compareRuns writes the differences as hunks, the lines of one run with "-", those of the other
 // with "+" in front.
 //
+// put:     gets a line without its end
 // Returns: false if there are any
 bool compareRuns(const run_t& one, const run_t& other, const lineTable_t& table,
                  const std::function<void(const std::string&)>& put);

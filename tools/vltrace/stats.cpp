@@ -27,7 +27,7 @@ statsTable_t::call_t statsTable_t::pop(thread_t& walking)
 {
     const call_t call = walking.calls.back();
     walking.calls.pop_back();
-    --walking.open[call.stats];
+    walking.open[call.stats] -= call.counted;
     return call;
 }
 
@@ -72,9 +72,9 @@ void statsTable_t::enter(const traceEvent_t& event)
     thread_t& walking = m_walking[event.record.thread];
     functionStats_t& stats = row(event.record.text);
     size_t& open = walking.open[&stats];
-    walking.calls.push_back({&stats, event.wanted, open++ > 0});
-    if (event.wanted)
-        ++stats.calls;
+    walking.calls.push_back({&stats, event.wanted, open > 0});
+    open += event.wanted;
+    stats.calls += event.wanted;
 }
 
 void statsTable_t::leave(const traceEvent_t& event)

@@ -46,11 +46,11 @@ private:
     struct call_t {
         functionStats_t* stats;
         bool counted; // whether the filter wanted its entry
-        bool inner;   // a function of the same name was open
+        bool inner;   // a counted one of the same name was open
     };
     struct thread_t {
         std::vector<call_t> calls; // in step with the walker's open functions
-        std::unordered_map<const functionStats_t*, size_t> open;
+        std::unordered_map<const functionStats_t*, size_t> open; // counted ones
     };
     void lose(const tracecore::traceStep_t& step);
     void enter(const traceEvent_t& event);

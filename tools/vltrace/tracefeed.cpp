@@ -146,10 +146,15 @@ bool traceInput_t::advance()
             finish();
         }
     }
-    if (!m_follows && !m_feed->isTrace())
-        throw CToolError(m_source.shown + " is no trace: it is " + describeBytes(m_beginning),
-                         "trace files end in .trc3, and have something in them");
-    return false;
+    if (m_follows || m_feed->isTrace())
+        return false;
+    const std::string_view mark = "trace3";
+    const bool marked = m_beginning.size() >= mark.size() &&
+                        std::equal(mark.begin(), mark.end(), m_beginning.begin());
+    throw CToolError(m_source.shown +
+                         (marked ? " is cut or damaged: it has no more than the mark of a trace"
+                                 : " is no trace: it is " + describeBytes(m_beginning)),
+                     "trace files end in .trc3, and have something in them");
 }
 
 void traceInput_t::finish() noexcept
