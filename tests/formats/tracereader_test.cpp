@@ -78,19 +78,4 @@ TEST(TraceReader, EveryCutBitFlipAndWrongLengthLosesLittle)
     }
 }
 
-TEST(TraceReader, SaysWhatIsWrongWithAHeader)
-{
-    const std::pair<std::string, std::string> cases[] = {
-        {std::string("\x28\x01\0\0<\0\0", 7), "there is no header"},
-        {"trace3\r\nMachine na", "the header has no end"},
-        {"trace3\r\n" + std::string(100'000, 'x'), "the header has no end"},
-        {"trace4\r\n.\r\n", "the header doesn't begin with its mark, \"trace3\""},
-    };
-    for (const auto& [file, reason] : cases) {
-        const auto items = itemsOf(bytes_t(file.begin(), file.end()));
-        EXPECT_TRUE(!items.empty() && items.begin()->second.starts_with(reason)) << reason;
-    }
-    EXPECT_TRUE(itemsOf({}).empty());
-}
-
 } // namespace

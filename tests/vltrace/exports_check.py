@@ -180,20 +180,6 @@ def damage_is_stepped_over(file):
          [sum(r[2] == ">" for r in trace.records) - sum(r[6] is not None for r in trace.records)])
 
 
-def a_failed_call_stays_one(file):
-    lines = [(">", "f"), ("E", "-5 failed"), *[("U", "more than one span's events")] * 1001, ("<", "")]
-    file.write_bytes(tracefile.HEADER + b"".join(tracefile.record(8, *line) for line in lines))
-    spans = json.loads(run("export", "--format", "otlp", file))["resourceSpans"][0]["scopeSpans"][0]["spans"]
-    same("failed", [s["status"].get("code") for s in spans if s["name"] == "f"], [2])
-
-
-def diff_sees_statuses_and_no_addresses(file, other):
-    for text, changed, status in (("0x80070005", "0x80004005", 1), ("0x7FFE12340000", "0x7FFE43210000", 0)):
-        file.write_bytes(tracefile.HEADER + tracefile.record(8, "U", text))
-        other.write_bytes(tracefile.HEADER + tracefile.record(8, "U", changed))
-        run("diff", file, other, status=status)
-
-
 def damage_stays_balanced(folder, trace):
     for i in range(len(tracefile.HEADER), len(trace.bytes), 7):
         flipped = bytearray(trace.bytes)
@@ -232,16 +218,9 @@ def main():
         records = lines_agree(folder, traces)
         calls_agree(folder, traces, records)
         lnav_knows_the_lines(folder, records)
-        first, second = (folder / file for file in traces)
-        same("itself", run("diff", first, first), "")
-        assert "\n-" in run("diff", first, second, status=1)
-        run("cat", "-e", "(x+x+)+[yz]", folder, status=1)  # would never end
         broken, compressed = folder / "broken", folder / "compressed"
         broken.mkdir()
-        one, other = broken / (NAME % (0, 5)), broken / (NAME % (0, 6))
-        damage_is_stepped_over(one)
-        a_failed_call_stays_one(one)
-        diff_sees_statuses_and_no_addresses(one, other)
+        damage_is_stepped_over(broken / (NAME % (0, 5)))
         damage_stays_balanced(broken, tracefile.Trace(3, 60))
         compressed.mkdir()
         compressed_reads_as_it_was(compressed, tracefile.Trace(4, 900).bytes * 5)

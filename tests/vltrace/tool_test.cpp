@@ -3,28 +3,19 @@
 #include "support/tracebytes.h"
 #include "vltrace/commands.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <random>
 #include <sstream>
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 using namespace vltrace;
 
 namespace {
 
-toolRun_t run(std::vector<std::string> arguments, const std::vector<uint8_t>& input = {})
+toolRun_t run(std::vector<std::string> arguments)
 {
-    return runTool(runVltrace, std::move(arguments), input, [] { return false; });
-}
-
-Json::Value parsed(const std::string& text)
-{
-    Json::Value value;
-    EXPECT_TRUE(Json::Reader().parse(text, value)) << text;
-    return value;
+    return runTool(runVltrace, std::move(arguments), std::string(), [] { return false; });
 }
 
 // A folder of the test's own, with a name that is no ASCII, and the sample trace in it.
@@ -55,77 +46,6 @@ protected:
         (std::filesystem::path(u8"vltrace-Größe-日-") += std::to_string(std::random_device()()));
 };
 
-TEST_F(VltraceTool, CatShowsTimeThreadNestingAndStatusAndErrorsWithTheirChain)
-{
-    const auto linesOf = [this](std::vector<std::string> options) {
-        options.insert(options.begin(), {"cat", name(sample)});
-        const toolRun_t result = run(std::move(options));
-        EXPECT_EQ(std::to_string(result.status) + result.err, "0");
-        return result.out.substr(result.out.find("2017-"));
-    };
-    EXPECT_EQ(linesOf({}),
-              "2017-07-14 15:59:04.100  0x01A4  > SetStorageData\n"
-              "2017-07-14 15:59:04.110  0x01A4    > RestoreBackup\n"
-              "2017-07-14 15:59:04.150  0x01A4      E 0x80070005 ERROR_ACCESS_DENIED (access is "
-              "denied): Größe of 日\n"
-              "2017-07-14 15:59:04.020  0x02B0  > Poll\n"
-              "2017-07-14 15:59:04.160  0x02B0    U [colour 04] NoVLAgent\n"
-              "2017-07-14 15:59:04.160  0x02B0  < Poll  140 ms\n"
-              "2017-07-14 15:59:04.160  0x01A4    < RestoreBackup  50 ms\n"
-              "2017-07-14 15:59:04.300  0x01A4  < SetStorageData  200 ms\n"
-              "2017-07-14 15:59:04.300  0x03C8  N 07-14-2017\n"
-              "2017-07-15 00:00:00.005  0x03C8  > main\n"
-              "2017-07-15 00:00:00.005  0x03C8    E note\n");
-    const std::string error = "2017-07-14 15:59:04.150  0x01A4  E 0x80070005 ERROR_ACCESS_DENIED "
-                              "(access is denied): Größe of 日\n"
-                              "    in SetStorageData, entered 15:59:04.100\n"
-                              "    in RestoreBackup, entered 15:59:04.110\n";
-    const std::string note = "2017-07-15 00:00:00.005  0x03C8  E note\n"
-                             "    in main, entered 00:00:00.005\n";
-    EXPECT_EQ(linesOf({"--errors"}), error);
-    EXPECT_EQ(linesOf({"--notes"}), note);
-    EXPECT_EQ(linesOf({"--notes", "--errors"}), error + note);
-    write("fine.trc3", traceBytes_t().records(8, {"Ufine"}));
-    const std::string folder = run({"cat", "--errors", name("")}).out;
-    EXPECT_TRUE(folder.starts_with("# 4242: ") && folder.find("fine") == folder.npos) << folder;
-    write(sample, traceBytes_t("").records(8, {"Ua\nb\x1B\xC2\x9B\u202E"})); // at the end
-    expectIn(linesOf({"--no-marks"}), {"a\\nb\\x1B\\u{9B}\\u{202E}"});
-}
-
-TEST_F(VltraceTool, FiltersLeaveWhatMeetsAllOfThem)
-{
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"--thread", "688", "--thread", "0x3c8"}, ">U<N>E"},
-        {{"--level", "EU"}, "EUE"},
-        {{"--errors", "--level", "EU"}, "E"},
-        {{"--function", "restoreb"}, ">E<"},
-        {{"--function", "SetStorageData"}, ">>E<<"},
-        {{"--text", "Poll"}, "><"},
-        {{"-e", "storage|^p.ll$", "-i"}, ">><<"},
-        {{"-e", "storage|^P.ll$", "-e", "^no.e$"}, "><E"},
-        {{"--process", "0x1092", "--level", "E"}, "EE"},
-        {{"--process", "7"}, ""},
-        {{"--from", "2017-07-15"}, ">E"},
-        {{"--from", "15:59:04.150", "--to", "15:59:04.160"}, "EU<<"},
-        {{"--from", "2017-07-14T15:59:04.150", "--to", "2017-07-14 15:59"}, "EU<<<N"},
-        {{"--to", "2017-07-14 15:59:04"}, ">>E>U<<<N"}, // to the end of the second
-    };
-    for (const auto& [filter, left] : cases) {
-        std::vector<std::string> arguments = {"export", name(sample)};
-        arguments.insert(arguments.end(), filter.begin(), filter.end());
-        const toolRun_t result = run(arguments);
-        EXPECT_EQ(result.err.empty(), *left != 0) << "nothing left has a line of its own";
-        std::istringstream lines(result.out);
-        std::string levels; // of the records left
-        for (std::string line; std::getline(lines, line);)
-            levels += parsed(line)["level"].asString();
-        EXPECT_EQ(levels, left) << testing::PrintToString(filter);
-    }
-    write("t", sampleTrace()); // a name without a process
-    EXPECT_EQ(run({"export", name("t"), "--process", "4242"}).out.find("record"),
-              std::string::npos);
-}
-
 TEST_F(VltraceTool, OutputIsWholeOrUntouched)
 {
     const std::string in = name(sample), none = name("none.trc3");
@@ -141,10 +61,6 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
             {{"cat", "--force", "--output", name(""), in}, 1, "is a folder"},
             {{"cat", "--output", name("none/x"), in}, 1, "folder does not exist"},
             {{"cat", "--force", "--output", target, none}, 1, "does not exist"},
-            {{"stats", "--force", "--output", target, in, none}, 1, "is not written"},
-            {{"cat", "--force", "--from", "2017-02-30", "--output", target, in}, 2, "no time"},
-            {{"cat", "--force", "-e", "(", "--output", target, in}, 2, "no regular expression"},
-            {{"tail", "-f", "--force", "--output", target, in}, 2, "redirect"},
         };
         for (const auto& [arguments, status, hint] : cases) {
             SCOPED_TRACE(testing::PrintToString(arguments));
@@ -164,9 +80,6 @@ TEST_F(VltraceTool, OutputIsWholeOrUntouched)
         std::filesystem::remove(m_folder / file);
     }
     EXPECT_EQ(fileBytes(m_folder / sample), before);
-    // On standard output one that can't be read doesn't keep the next one back.
-    EXPECT_EQ(run({"cat", none, "-"}, sampleTrace().bytes).out,
-              run({"cat", "-"}, sampleTrace().bytes).out);
 }
 
 TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
@@ -200,38 +113,6 @@ TEST_F(VltraceTool, TailFollowsFilesThatGrowAreReplacedAndComeIntoAFolder)
                   "\n# 4242: " + name(sample) + header + mended + "\n# #2: " + name("new.TRC3") +
                   header + longLine + "2017-07-14 --:--:--.---  #2  0x0009  U new\n" + later +
                   "\n# #2: " + name("new.TRC3") + header + longLine + later);
-}
-
-TEST_F(VltraceTool, StatsSumUpCallsErrorsAndDurations)
-{
-    // The clock is set back at the end.
-    write("t", traceBytes_t().records(8, {"t07/14/17", "T10:00:00.000", ">outer", "T10:00:00.100",
-                                          ">twice", "T10:00:00.200", ">twice", "E-1 x", "E0 z",
-                                          "Uy", "T10:00:00.500", "<", "T10:00:01.000", "<", ">back",
-                                          "T09:00:00.000", "<"}));
-    EXPECT_EQ(
-        run({"stats", name("t")}).out, // the inner 300 ms are not added
-        "      calls     errors      notes   messages unfinished   total ms    mean ms longest ms  "
-        "function\n"
-        "          2          1          1          1          0        900        450        900  "
-        "twice\n"
-        "          1          0          0          0          0          0          0          0  "
-        "back\n"
-        "          1          0          0          0          1          -          -          -  "
-        "outer\n");
-}
-
-TEST_F(VltraceTool, FoldedStacksEndAtAHundredFunctions)
-{
-    traceBytes_t trace;
-    for (int i = 0; i < 150; ++i)
-        trace.records(8, {">f"});
-    write("t", trace);
-    const std::string stacks = run({"export", "--format", "folded", name("t")}).out;
-    EXPECT_EQ(100, std::count(stacks.begin(), stacks.end(), '\n'));
-    const std::string last = stacks.substr(stacks.rfind('\n', stacks.size() - 2) + 1);
-    EXPECT_EQ(100, std::count(last.begin(), last.end(), ';'));
-    EXPECT_TRUE(last.ends_with("f 101\n")) << last;
 }
 
 } // namespace

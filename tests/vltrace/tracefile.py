@@ -1,6 +1,18 @@
-"""Makes trace files with a model of what is in them, from the format: it shares no code with what it checks."""
+#!/usr/bin/env python3
+"""Makes trace files with a model of what is in them, from the format: it shares no code with what it checks.
+
+As a program it makes of each line on standard input what stands in it, and writes it to standard output:
+
+    # trace3                         a line of the header; without any, it is trace3 and the full stop
+    07/14/17 10:00:00.100 1A4 > f    a record: stamps before it, if there are any, its thread, its level, its text
+    1A4 U caf\\xE9                    a text with a byte that is no character
+    ! 28 01 00                       bytes as they are
+
+With --more there is no header: the lines go on with a file."""
 import random
+import re
 import struct
+import sys
 from datetime import datetime, timedelta
 
 MASK = 0xFFFFFFFF
@@ -39,8 +51,17 @@ def scramble(text):
 
 
 def record(thread, level, text=""):
-    scrambled = scramble(text.encode())
-    return struct.pack("<IcH", thread, level.encode(), len(scrambled)) + scrambled
+    scrambled = scramble(text if isinstance(text, bytes) else text.encode())
+    return struct.pack("<IcH", thread, level.encode(), len(scrambled) & 0xFFFF) + scrambled
+
+
+def written(line):
+    if line[:1] in ("#", "!"):
+        return line[2:].encode() + b"\r\n" if line[0] == "#" else bytes.fromhex(line[1:])
+    date, time, thread, level, text = re.fullmatch(r"(\d\d/\S+ )?(\d\d:\S+ )?(\w+) (\S) ?(.*)", line).groups()
+    text = re.sub(rb"\\x(..)", lambda match: bytes.fromhex(match[1].decode()), text.encode())
+    stamps = (record(int(thread, 16), stamp, given.strip()) for stamp, given in (("t", date), ("T", time)) if given)
+    return b"".join(stamps) + record(int(thread, 16), level, text)
 
 
 class Trace:
@@ -88,3 +109,10 @@ class Trace:
 
     def stamp(self, now):
         self.bytes += record(0x1A4, "T", date_and_time(now)[1])
+
+
+if __name__ == "__main__":
+    lines = sys.stdin.read().splitlines()
+    if lines[:1] and lines[0][0] != "#" and "--more" not in sys.argv:
+        sys.stdout.buffer.write(b"trace3\r\n.\r\n")
+    sys.stdout.buffer.write(b"".join(map(written, lines)))
