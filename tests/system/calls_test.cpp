@@ -1,9 +1,6 @@
 #include "operations.h"
-#include "support/importhooks.h"
 
-#include <map>
 #include <set>
-#include <sstream>
 
 // What the plug-in asks the platform for, and in which order: access masks, sharing, dispositions,
 // key options, inheritance. Each distinct call stands once, where it came first. Before its switch is
@@ -13,30 +10,11 @@ namespace {
 
 using Calls = operationsTest;
 
-// The arguments that are shown, by their kinds.
-const std::map<std::string, std::string> shown = [] {
-    std::istringstream in(
-        "_vsnwprintf - CreateDirectoryW ts CreateFileMappingW -snnnt CreateFileW tnnsnn "
-        "CreateMutexW snt CreateSemaphoreW snnt DeleteFileW t FindFirstFileW t FindWindowExW nntt "
-        "GetDriveTypeW t "
-        "GetNamedSecurityInfoW tnn ImpersonateSelf n LoadLibraryExW t-n LoadLibraryW t "
-        "MapViewOfFile -nnnn OpenEventW nnt OpenFileMappingW nnt OpenMutexW nnt "
-        "OpenProcessToken -n OpenSemaphoreW nnt OpenThreadToken -nn PostMessageW --nn "
-        "RegCreateKeyExW ktntnn RegDeleteKeyW kt RegDeleteValueW -t RegOpenKeyExW ktnn "
-        "RegSetValueExW -tnnd RegisterWindowMessageW t ReleaseSemaphore -n SetEvent - "
-        "SetFilePointer -npn SetNamedSecurityInfoW tnn SetSecurityInfo -nn SetThreadToken - "
-        "ShellExecuteW -ttttn WaitForSingleObject -n WriteFile - _wfopen tt ");
-    std::map<std::string, std::string> kinds;
-    for (std::string name; in >> name;)
-        in >> kinds[name];
-    return kinds;
-}();
-
 std::vector<std::string> seen;
 
 bool note(const hookedCall_t& call)
 {
-    seen.push_back(call.shown(shown.at(call.function)));
+    seen.push_back(call.shown(shownKinds.at(call.function)));
     return std::string_view("ShellExecuteW") == call.function; // opens nothing
 }
 
@@ -46,10 +24,10 @@ TEST_F(Calls, OfASessionAreTheseInThisOrder)
     const CLoadedModule settings(LoadLibraryW((m_built / L"VloSet.dll").c_str()));
     const plugin_t plugin;
     std::vector<hookedFunction_t> functions;
-    for (const auto& [name, kinds] : shown)
+    for (const auto& [name, kinds] : shownKinds)
         functions.push_back({name});
     const importHooks_t own(GetModuleHandleW(L"VLOnlineIDs.dll"), functions, note);
-    const importHooks_t settingsSet(settings.get(), {{"RegSetValueExW"}}, note);
+    const importHooks_t settingsSet(settings.get(), {{"RegGetValueW"}, {"RegSetValueExW"}}, note);
     static DWORD passed = 0; // milliseconds, more than a look at the switch waits for
     const importPatch_t ticks(GetModuleHandleW(L"VLOnlineIDs.dll"), "GetTickCount",
                               reinterpret_cast<void*>(+[] { return GetTickCount() + passed; }));

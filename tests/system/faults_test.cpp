@@ -1,7 +1,6 @@
 #include "operations.h"
 #include "support/freshprocess.h"
 #include "support/growth.h"
-#include "support/importhooks.h"
 
 #include <set>
 
@@ -16,43 +15,45 @@ namespace {
 // What a call returns when it fails, and the calls. Those that let something go are left out: they
 // don't fail.
 const std::pair<ULONGLONG, const char*> failures[] = {
-    {0, "_wfopen AddAce calloc ConvertSecurityDescriptorToStringSecurityDescriptorW "
-        "ConvertStringSecurityDescriptorToSecurityDescriptorW ConvertStringSidToSidW CopySid "
-        "CreateDirectoryW CreateFileMappingW CreateMutexW CreateSemaphoreW DeleteFileW "
-        "ExpandEnvironmentStringsW FileTimeToLocalFileTime FileTimeToSystemTime "
-        "FindNextFileW FindResourceExW FindResourceW FindWindowExW FormatMessageW GetAce "
-        "GetDriveTypeW GetEnvironmentVariableW GetFileSizeEx GetLongPathNameW "
-        "GetModuleFileNameW GetModuleHandleExW GetModuleHandleW GetProcAddress "
-        "GetSecurityDescriptorControl GetSecurityDescriptorDacl GetSecurityDescriptorGroup "
-        "GetSecurityDescriptorOwner GetSecurityDescriptorSacl GetSystemDirectoryW "
-        "GetTokenInformation GetVersionExW HeapAlloc HeapReAlloc ImpersonateSelf "
-        "InitializeAcl InitializeCriticalSectionEx InitializeSecurityDescriptor "
-        "InitializeSid IsValidSid LoadLibraryExW LoadLibraryW LoadResource LoadStringW "
-        "LockResource LookupAccountSidW malloc MapViewOfFile MultiByteToWideChar OpenEventW "
-        "OpenFileMappingW OpenMutexW OpenProcessToken OpenSemaphoreW OpenThreadToken "
-        "PathAppendW PathRemoveFileSpecW PostMessageW ReadFile realloc "
-        "RegisterWindowMessageW SafeArrayCreate SetEvent SetSecurityDescriptorControl "
-        "SetSecurityDescriptorDacl SetSecurityDescriptorGroup SetSecurityDescriptorOwner "
-        "SetSecurityDescriptorSacl ShellExecuteW SizeofResource StringFromGUID2 "
-        "SysAllocString SysAllocStringByteLen SysAllocStringLen VirtualQuery "
+    {0, "calloc FileTimeToLocalFileTime FileTimeToSystemTime malloc MultiByteToWideChar realloc "
         "WideCharToMultiByte WriteFile"},
     {0xFFFFFFFF, "WaitForSingleObject"},
-    {~0ULL,
-     "CreateFileW FindFirstFileW fputs GetFileSize SetFilePointer"}, // INVALID_HANDLE_VALUE and the like
+    {~0ULL, "fputs SetFilePointer"}, // INVALID_HANDLE_VALUE and the like
+    // From here on those that tracing doesn't make.
+    {~0ULL, "CreateFileW FindFirstFileW GetFileSize"},
+    {0,
+     "_wfopen AddAce ConvertSecurityDescriptorToStringSecurityDescriptorW "
+     "ConvertStringSecurityDescriptorToSecurityDescriptorW ConvertStringSidToSidW CopySid "
+     "CreateDirectoryW CreateFileMappingW CreateMutexW CreateSemaphoreW DeleteFileW "
+     "ExpandEnvironmentStringsW FindNextFileW FindResourceExW FindResourceW FindWindowExW "
+     "FormatMessageW GetAce GetDriveTypeW GetEnvironmentVariableW GetFileSizeEx GetLongPathNameW "
+     "GetModuleFileNameW GetModuleHandleExW GetModuleHandleW GetProcAddress "
+     "GetSecurityDescriptorControl GetSecurityDescriptorDacl GetSecurityDescriptorGroup "
+     "GetSecurityDescriptorOwner GetSecurityDescriptorSacl GetSystemDirectoryW "
+     "GetTokenInformation GetVersionExW HeapAlloc HeapReAlloc ImpersonateSelf InitializeAcl "
+     "InitializeCriticalSectionEx InitializeSecurityDescriptor InitializeSid IsValidSid "
+     "LoadLibraryExW LoadLibraryW LoadResource LoadStringW LockResource LookupAccountSidW "
+     "MapViewOfFile OpenEventW OpenFileMappingW OpenMutexW OpenProcessToken OpenSemaphoreW "
+     "OpenThreadToken PathAppendW PathRemoveFileSpecW PostMessageW ReadFile "
+     "RegisterWindowMessageW SafeArrayCreate SetEvent SetSecurityDescriptorControl "
+     "SetSecurityDescriptorDacl SetSecurityDescriptorGroup SetSecurityDescriptorOwner "
+     "SetSecurityDescriptorSacl ShellExecuteW SizeofResource StringFromGUID2 SysAllocString "
+     "SysAllocStringByteLen SysAllocStringLen VirtualQuery"},
     {ERROR_NOT_ENOUGH_MEMORY,
      "GetNamedSecurityInfoW RegCreateKeyExW RegDeleteKeyW RegDeleteValueW RegEnumValueW "
-     "RegOpenKeyExW RegQueryInfoKeyW RegQueryValueExW RegSetValueExW "
-     "SetNamedSecurityInfoW SetSecurityInfo"},
-    {0x8007000E, "SafeArrayAccessData SafeArrayCopy SafeArrayGetLBound SafeArrayGetUBound "
-                 "SafeArrayGetVartype SafeArrayLock SafeArrayPtrOfIndex SafeArrayRedim "
-                 "StringFromCLSID VariantCopyInd"},
+     "RegOpenKeyExW RegQueryInfoKeyW RegQueryValueExW RegSetValueExW SetNamedSecurityInfoW "
+     "SetSecurityInfo"},
+    {0x8007000E,
+     "SafeArrayAccessData SafeArrayCopy SafeArrayGetLBound SafeArrayGetUBound "
+     "SafeArrayGetVartype SafeArrayLock SafeArrayPtrOfIndex SafeArrayRedim StringFromCLSID "
+     "VariantCopyInd"},
 };
 
-std::vector<hookedFunction_t> failing()
+std::vector<hookedFunction_t> failing(size_t firstRow = 0)
 {
     std::vector<hookedFunction_t> functions;
-    for (const auto& [result, names] : failures)
-        for (const hookedFunction_t& function : hookedFunctions(names, result))
+    for (size_t i = firstRow; i < std::size(failures); ++i)
+        for (const auto& function : hookedFunctions(failures[i].second, failures[i].first))
             functions.push_back(function);
     return functions;
 }
@@ -79,7 +80,8 @@ bool countAndFail(const hookedCall_t& call)
         sample(call);
     if (calls != failAt)
         return std::string_view("ShellExecuteW") == call.function; // no programs on the screen
-    failed = call.function;
+    const auto kinds = shownKinds.find(call.function);
+    failed = kinds == shownKinds.end() ? call.function : call.shown(kinds->second);
     std::fprintf(stderr, "call %zu, %s\n", calls, call.function); // the last one is where it ended
     return true;
 }
@@ -127,6 +129,8 @@ protected:
     }
 };
 
+using FaultTraces = operationsTest;
+
 TEST_P(Faults, EndWellAndKeepNothing)
 {
     const std::string scenario = GetParam();
@@ -171,6 +175,57 @@ TEST_P(Faults, EndWellAndKeepNothing)
         printRuns(GetParam(), runs);
         for (const auto& [function, times] : injected)
             std::printf("failed %s %zu\n", function.c_str(), times);
+    });
+}
+
+// The trace of each operation, and what each failing call adds to it and changes in the results, the
+// same once in an operation.
+// The calls that tracing makes, too, are left out.
+TEST_F(FaultTraces, SayWhatFailedAndWhatCameOfIt)
+{
+    IN_FRESH_PROCESS({
+        static std::atomic<size_t> runs{0};
+        endWhenStuck(runs);
+        const CLoadedModule policy(LoadLibraryW(m_policyLibrary)); // loading takes long
+        const plugin_t plugin;
+        const HMODULE dll = GetModuleHandleW(L"VLOnlineIDs.dll");
+        const importPatch_t ticks(dll, "GetTickCount", // no look at the switch
+                                  reinterpret_cast<void*>(+[] { return DWORD{0}; }));
+        const importHooks_t hooks(dll, failing(3), countAndFail);
+        callAndFail(plugin); // makes the trace
+        const size_t header = fileBytes(m_traceFile).find("\r\n.\r\n") + 5;
+        std::string all;
+        for (const std::string name : {"information", "status", "notification", "backup", "restore",
+                                       "pluginData", "registration"}) {
+            const auto runOnce = [&](size_t at) {
+                fs::resize_file(m_traceFile, header); // each record is put at its end
+                calls = 0;
+                failAt = at;
+                const outcome_t outcome = run(plugin, name);
+                failAt = 0;
+                return std::pair(outcome, traced());
+            };
+            runOnce(0);
+            const auto [good, usual] = runOnce(0);
+            std::set<std::string> known;
+            all += name + ":\n" + usual;
+            for (size_t at = 1, end = calls; at <= end; ++at, ++runs) {
+                const auto [bad, lines] = runOnce(at);
+                std::string row;
+                std::istringstream text(lines);
+                for (std::string line; text >> std::ws && std::getline(text, line);)
+                    row += usual.find(line + '\n') == usual.npos ? "; " + line : "";
+                for (size_t i = 0; i < std::min(good.statuses.size(), bad.statuses.size()); ++i)
+                    if (bad.statuses[i] != good.statuses[i])
+                        row += "; status " + std::to_string(bad.statuses[i]);
+                row += bad.given == good.given ? "" : "; other results";
+                if (!row.empty() && known.insert(failed + row).second)
+                    all += ' ' + failed + row.replace(0, 1, " ->") + '\n';
+                runOnce(0);
+            }
+        }
+        EXPECT_EQ(expected(L"FAULTS"), all);
+        printRuns("traced faults", runs);
     });
 }
 

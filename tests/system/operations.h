@@ -2,7 +2,30 @@
 
 #include "installation.h"
 #include "support/agentstub.h"
-#include "support/patchimport.h"
+#include "support/importhooks.h"
+
+#include <map>
+#include <sstream>
+
+// The arguments that are shown, by their kinds.
+inline const std::map<std::string, std::string> shownKinds = [] {
+    std::istringstream in(
+        "_vsnwprintf - CreateDirectoryW ts CreateFileMappingW -snnnt CreateFileW tnnsnn "
+        "CreateMutexW snt CreateSemaphoreW snnt DeleteFileW t FindFirstFileW t FindWindowExW nntt "
+        "GetDriveTypeW t "
+        "GetNamedSecurityInfoW tnn ImpersonateSelf n LoadLibraryExW t-n LoadLibraryW t "
+        "MapViewOfFile -nnnn OpenEventW nnt OpenFileMappingW nnt OpenMutexW nnt "
+        "OpenProcessToken -n OpenSemaphoreW nnt OpenThreadToken -nn PostMessageW --nn "
+        "RegCreateKeyExW ktntnn RegDeleteKeyW kt RegDeleteValueW -t RegOpenKeyExW ktnn "
+        "RegGetValueW --t RegQueryValueExW -t "
+        "RegSetValueExW -tnnd RegisterWindowMessageW t ReleaseSemaphore -n SetEvent - "
+        "SetFilePointer -npn SetNamedSecurityInfoW tnn SetSecurityInfo -nn SetThreadToken - "
+        "ShellExecuteW -ttttn WaitForSingleObject -n WriteFile - _wfopen tt ");
+    std::map<std::string, std::string> kinds;
+    for (std::string name; in >> name;)
+        in >> kinds[name];
+    return kinds;
+}();
 
 // silentPlugin_t opens no program on the screen.
 struct silentPlugin_t : plugin_t {
@@ -184,7 +207,8 @@ private:
 
     const std::vector<bytes> m_files = {filePair(L"new.vlm", "new"), filePair(L"bank.vlm", "bank"),
                                         filePair(L"updata.vls", "state")};
-    const bytes m_settings = seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
-                                         R"("show_training_prompt":true}}})")});
-    const bytes m_oldSettings = seq({integer(1), wide(L"K"), octets("list")});
+    const bytes m_settings =
+        seq({narrow(R"({"settings":{"current":{"open_guard_desk_qa":"K",)"
+                    R"("show_training_prompt":"0","useGrabbingCreds":true}}})")});
+    const bytes m_oldSettings = seq({integer(0), wide(L"K"), octets("list")});
 };
