@@ -1,8 +1,6 @@
-#include "agent/discovery.h"
 #include "agent/transfer.h"
 #include "neighbours/linknames.h"
 #include "support/agentstub.h"
-#include "support/freshprocess.h"
 #include "support/importhooks.h"
 #include "support/linkfixture.h"
 #include "support/tracerecorder.h"
@@ -81,25 +79,6 @@ TEST(LinkSemaphore, IsMadeForOneClientOrIsTheMutexOfThatName)
     failingError = ERROR_ACCESS_DENIED; // after which a mutex is asked for
     const CKernelHandle mutex(CreateMutexW(nullptr, FALSE, L"vl-test-mutex"));
     EXPECT_TRUE(openLinkSemaphore(L"vl-test-mutex"));
-}
-
-TEST(FirstMiss, IsAnErrorOnceInAProcess)
-{
-    const std::wstring text = L"IPC.OpenFileMapping 'nosuch' MMF.FILE_NOT_FOUND";
-    IN_FRESH_PROCESS({
-        traceRecorder_t trace;
-        openSharedBlock(L"nosuch");
-        openSharedBlock(L"nosuch");
-        const importPatch_t find("FindWindowExW", failing);
-        for (const DWORD error : {5u, 0u, 2u, 3u}) { // the second leaves the last error as it is
-            failingError = error;
-            findAgentWindow();
-        }
-        EXPECT_EQ(L"|E 0 " + text + L"|U '`I04`'" + text + win32(5) +
-                      L"No access to VlAgent|U '`I04`'VLAgent not running|U '`I04`'NoVLAgent" +
-                      win32(3) + L"No access to VlAgent",
-                  trace.joined());
-    });
 }
 
 } // namespace

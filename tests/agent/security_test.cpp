@@ -1,7 +1,5 @@
-#include "agent/sharedblock.h"
 #include "security/objectsecurity.h"
-#include "support/linkfixture.h"
-#include "support/tracerecorder.h"
+#include "support/patchimport.h"
 
 #include <aclapi.h>
 #include <sddl.h>
@@ -75,21 +73,6 @@ TEST(ObjectSecurity, CallerInAContainerLetsNoContainersIn)
         ATL::CDacl list;
         EXPECT_EQ(added, addAppContainerAce(list, 1, 0)) << error;
     }
-}
-
-TEST(ObjectSecurity, NothingIsMadeWithoutItAndALabelMayFail)
-{
-    traceRecorder_t trace;
-    failingError = 5;
-    const importPatch_t label(
-        "SetSecurityInfo", +[] { return 6; });
-    EXPECT_TRUE(createSharedBlock(L"vl-test", 16).view);
-    const importPatch_t token("OpenProcessToken", failing);
-    EXPECT_FALSE(createSharedBlock(L"vl-test", 16).handle);
-    EXPECT_FALSE(openLinkSemaphore(L"vl-test"));
-    EXPECT_EQ(trace.joined(),
-              L"|E 0 set SACL failed 0x6" + win32(5) + L"SA" + win32(5) + L"IPC.InitSA 'vl-test'" +
-                  win32(2) + L"IPC.Failed to open semaphore 'vl-test'. BAD." + win32(5) + L"SA");
 }
 
 TEST(ObjectSecurity, FolderListKeepsItsEntriesAndGetsOneForPackages)
