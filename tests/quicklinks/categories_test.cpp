@@ -40,10 +40,11 @@ void restore(const bytes& encoded)
 
 TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
 {
-    const std::wstring longName(259, L'n');
+    const std::wstring longName(259, L'n'), longText(280, L't');
     const std::tuple<std::wstring, std::wstring, std::wstring, DWORD, DWORD> cases[] = {
         {L"m", L"%X%\u4E00", L"a=A;m=%X%\u4E00;z=Z;", REG_EXPAND_SZ, 10},
         {L"m", L"b\0c"s, L"a=A;m=b;z=Z;", REG_SZ, 8},
+        {L"m", longText, L"a=A;m=" + longText + L";z=Z;", REG_SZ, 562},
         {longName, L"", L"a=A;" + longName + L"=;z=Z;", REG_SZ, 2},
         {longName + L"n", L"", L"a=A;", REG_SZ, 2},
         {L"m", L"", L"a=A;", REG_SZ, 0},

@@ -155,6 +155,12 @@ TEST_F(QuickLinks, AddTracesThenRefusesCreatesOrUpdates)
     settings.values.clear();
     ql.flush();
     EXPECT_FALSE(ql.dirty || QL::removefile()); // of one that failed
+    const std::wstring longPath = m_root + std::wstring(249 - m_root.size(), L'q');
+    settings.values[L"path_quicklink_filename"] = longPath;
+    writeFile(longPath, "");
+    const importPatch_t calls("DeleteFileW", notePath<FALSE, 0>);
+    EXPECT_FALSE(QL::removefile());
+    EXPECT_EQ(noted, LR"(\\?\)" + longPath + L'|');
 }
 
 TEST_F(QuickLinks, FindTakesTheFirstMatchAsAWalkWould)

@@ -1,5 +1,7 @@
 #include "neighbours/vlfpapi.h"
 
+#include "neighbours/secretclient.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
@@ -32,6 +34,8 @@ TEST(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
 {
     std::string sealed(4096, 'x'), out(9, 'x');
     const auto at = [](std::string& text) { return reinterpret_cast<BYTE*>(text.data()); };
+    std::vector<BYTE> value;
+    EXPECT_EQ(secretFromUtf8("\xFF", value), HRESULT_FROM_WIN32(ERROR_NO_UNICODE_TRANSLATION));
     EXPECT_EQ(VLFPStoreSecret(user, 3, L"s", reinterpret_cast<const BYTE*>("plaintext"), 9), S_OK);
     EXPECT_EQ(VLFPDoesSecretExist(user, 3, L"s"), 1);
     EXPECT_EQ(VLFPDoesSecretExist(L"HOME\\bob", 3, L"s") | VLFPDoesSecretExist(user, 2, L"s"), 0);

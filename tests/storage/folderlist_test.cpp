@@ -3,6 +3,10 @@
 #include "support/fakesettings.h"
 #include "support/surroundings.h"
 
+#include <comdef.h>
+
+#include <stdexcept>
+
 struct FolderList : Surroundings {
     // prepared gives the folders, marking those whose flags aren't all set, and what was traced.
     std::wstring prepared()
@@ -47,6 +51,28 @@ TEST_F(FolderList, EachModeHasItsFoldersAndTheFirstOfEqualPathsStays)
     m_provider.queried.clear();
     EXPECT_EQ(prepared(), L"C:\\Admin\\;C:\\Used\\;own R:\\c\\;|U local 'R:\\c\\'|U done\n");
     EXPECT_EQ(m_provider.queried.size(), 4u); // the mode, which asks no more, and three folders
+}
+
+TEST_F(FolderList, AnExceptionEndsTheStepWithItsLine)
+{
+    static void (*raise)();
+    const importPatch_t search(
+        "FindFirstFileW", +[]() -> HANDLE { return raise(), nullptr; });
+    m_provider.values[L"path_cachestorage_dir"] = LR"(C:
+one\)";
+    const std::tuple<void (*)(), const wchar_t*, const wchar_t*> cases[] = {
+        {[] { throw _com_error(E_ABORT); }, L"-2147467260 [COM]", L"-2147467260 [COM]"},
+        {[] { throw std::runtime_error("why"); }, L"0 [STD]why", L"-2147418113 [STD]why"},
+        {[] { throw 7; }, L"0 oo", L"-2147418113 oo"}};
+    for (const auto& [thrown, preparing, listing] : cases) {
+        raise = thrown;
+        std::vector<FileRec> files;
+        FolderRec network{LR"(\\none\share\)", true, true, true};
+        EXPECT_EQ(prepared(), std::wstring(L"|E ") + preparing);
+        enumfnames({LR"(Q:\)", true, true, true}, files);
+        EXPECT_EQ(traced(), std::wstring(LR"(|U   'q:\*.vlm'|E )") + listing);
+        EXPECT_TRUE(checkpath(network) && traced() == L"|E 0 exception");
+    }
 }
 
 TEST_F(FolderList, OnlyFixedAndNetworkPathsCanBeUsed)

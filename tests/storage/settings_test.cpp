@@ -24,15 +24,19 @@ TEST_F(Settings, StatusDecidesAndAFailureKeepsTheValue)
         return request->size == 20 && !wcscmp(request->key, L"key") && request->value ? S_FALSE
                                                                                       : E_FAIL;
     };
-    const std::tuple<SettingsCall, HRESULT, const wchar_t*> cases[] = {
-        {noText, S_FALSE, L""}, {nullptr, E_NOTIMPL, L"old"}};
-    for (const auto& [call, status, kept] : cases) {
+    const auto notFound = [](SettingsRequest*) { return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND); };
+    const std::tuple<SettingsCall, HRESULT, const wchar_t*, const wchar_t*> cases[] = {
+        {noText, S_FALSE, L"", L""},
+        {nullptr, E_NOTIMPL, L"old", L"|E -2147467263 cannot set 'key'"},
+        {notFound, HRESULT(0x80070002), L"old", L"|E 0 INSTALLATION: cannot set 'key'"}};
+    for (const auto& [call, status, kept, lines] : cases) {
         const SettingsProvider provider{nullptr, call, call, nullptr, nullptr};
         settings_replace(&provider);
         std::wstring value = L"old";
         EXPECT_EQ(settings_query(L"key", value), status);
         EXPECT_EQ(value, kept);
         EXPECT_EQ(settings_set(L"key", L""), status);
+        EXPECT_EQ(traced(), lines);
     }
     settings_replace(nullptr);
 }

@@ -26,12 +26,9 @@ TEST_F(TextFile, MarkDecidesTheEncoding)
         load_textfile(file, lines);
         EXPECT_EQ(lines, expected);
     }
-}
-
-TEST_F(TextFile, FileOfAnUnknownSizeIsNotMapped)
-{
-    writeFile(m_root + L"t", "a");
-    const importPatch_t size(
-        "GetFileSize", +[](HANDLE) { return SetLastError(ERROR_IO_DEVICE), INVALID_FILE_SIZE; });
-    EXPECT_FALSE(mapfile_open(m_root + L"t").view);
+    const importPatch_t open(
+        "CreateFileW", +[]() -> HANDLE { throw std::runtime_error("why"); });
+    TextLines lines = {"old"};
+    load_textfile(file, lines);
+    EXPECT_EQ(traced(), L"|E 0 load_textfile: why");
 }
