@@ -26,22 +26,11 @@ TEST(Object, ComesFromTheOneFactoryAndAnswersForItsEightInterfacesAndNoOther)
     EXPECT_EQ(_pAtlModule->GetLockCount(), locks + 1); // only the way from one to two locks
     const auto factory = static_cast<IClassFactory*>(made.get());
     auto object = taken(factory->CreateInstance(nullptr, IID_IUnknown, &out));
-    _ATL_OBJMAP_ENTRY& entry = *_AtlObjectMapFirst[0];
     const std::pair<HRESULT, std::function<HRESULT(void**)>> refusals[] = {
         {CLASS_E_CLASSNOTAVAILABLE,
          [](void** to) { return DllGetClassObject(IID_IUnknown, IID_IUnknown, to); }},
         {E_NOINTERFACE,
          [](void** to) { return DllGetClassObject(CLSID_CVLKTPages, IID_IDispatch, to); }},
-        {E_OUTOFMEMORY,
-         [&](void** to) {
-             void* const kept = entry.pCF->exchange(nullptr);
-             const auto maker = std::exchange(entry.pfnGetClassObject,
-                                              [](void*, REFIID, void**) { return E_OUTOFMEMORY; });
-             const HRESULT status = DllGetClassObject(CLSID_CVLKTPages, IID_IClassFactory, to);
-             entry.pfnGetClassObject = maker;
-             entry.pCF->store(kept);
-             return status;
-         }},
         {CLASS_E_NOAGGREGATION,
          [&](void** to) { return factory->CreateInstance(factory, IID_IUnknown, to); }},
         {E_NOINTERFACE,

@@ -171,10 +171,12 @@ TEST_F(Status, PropertiesOfThePlugin)
               L"8:name 8:Password Manager 8:description 19:2 8204:0-1 ");
     for (const ULONG id : {0u, 5u, 7u, 9u, 99u, 102u, 104u, 0xFFFFFFFFu})
         EXPECT_EQ(get(pages, {id}), L"80070648=0: ") << id; // cleared before the id is seen
-    ATL::CComVariant held(static_cast<IVLKTPages*>(pages));
+    const auto self = static_cast<IVLKTPages*>(pages);
+    ATL::CComVariant held(self), alsoHeld(self);
     pages->GetProperty(0, &held);
-    static_cast<IVLKTPages*>(pages)->AddRef();
-    EXPECT_EQ(static_cast<IVLKTPages*>(pages)->Release(), 1u); // what it held was let go
+    pages->GetInfo(0, &alsoHeld);
+    self->AddRef();
+    EXPECT_EQ(self->Release(), 1u); // what it held was let go
 }
 
 TEST_F(Status, ANotificationOffersWhatItsLevelAllowsAndIsDismissed)
@@ -196,6 +198,13 @@ TEST_F(Status, ANotificationOffersWhatItsLevelAllowsAndIsDismissed)
         EXPECT_EQ(out, &out);
         EXPECT_EQ(notice->AddRef(), 2u); // nothing was kept
         notice->Release();
+        VARIANT busy = {};
+        busy.vt = VT_ARRAY | VT_UI1;
+        busy.parray = SafeArrayCreateVector(VT_UI1, 0, 1);
+        SafeArrayLock(busy.parray);
+        EXPECT_EQ(notice->GetProperty(3, &busy), DISP_E_ARRAYISLOCKED);
+        SafeArrayUnlock(busy.parray);
+        SafeArrayDestroy(busy.parray);
         ATL::CComVariant flag; // only a boolean counts, and anything but 0 is true
         for (const auto& [type, to, shown] :
              {std::tuple(VT_BOOL, 0, L"11:0 "), {VT_I2, 1, L"11:0 "}, {VT_BOOL, 1, L"11:-1 "}}) {

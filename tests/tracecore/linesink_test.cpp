@@ -28,8 +28,10 @@ const std::wstring prefix = formatWide(L"0x%x 12:00:00.000 f() ", GetCurrentThre
 TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
 {
     static PHANDLER_ROUTINE handler;
-    static int beeps;
-    const importPatch_t beep{"Beep", +[] { return ++beeps; }}, sleep{"Sleep", +[] {}};
+    static std::string tune;
+    const importPatch_t beep{"Beep",
+                             +[](DWORD tone, DWORD) { tune += std::to_string(tone / 100); }};
+    const importPatch_t sleep{"Sleep", +[](DWORD time) { tune += std::string(time / 500, ' '); }};
     const importPatch_t control{"SetConsoleCtrlHandler", +[](PHANDLER_ROUTINE routine, BOOL add) {
                                     handler = add ? routine : nullptr;
                                 }};
@@ -53,12 +55,16 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
         EXPECT_EQ(shownIn(row++), std::tuple(prefix + line, colour, 240 * 2048));
     }
     ASSERT_NE(handler, nullptr);
-    const std::tuple<DWORD, BOOL, int> events[] = {{0, TRUE, 11}, {1, FALSE, 12}, {2, TRUE, 10},
-                                                   {3, FALSE, 0}, {5, FALSE, 9},  {6, FALSE, 8}};
-    for (const auto& [event, handled, notes] : events) {
-        beeps = 0;
+    wchar_t title[64] = {};
+    GetConsoleTitleW(title, 64);
+    EXPECT_TRUE(
+        std::wstring(title).starts_with(formatWide(L"DBG [PID:%04X]: ", GetCurrentProcessId())));
+    const std::tuple<DWORD, BOOL, size_t> events[] = {{0, TRUE, 4},  {1, FALSE, 5}, {2, TRUE, 3},
+                                                      {3, FALSE, 0}, {5, FALSE, 2}, {6, FALSE, 1}};
+    for (const auto& [event, handled, last] : events) {
+        tune.clear();
         EXPECT_EQ(handler(event), handled) << event;
-        EXPECT_EQ(beeps, notes) << event;
+        EXPECT_EQ(tune, last ? "24 42622  " + std::string(last, '2') : "") << event;
     }
     console.reset();
     EXPECT_EQ(handler, nullptr);

@@ -24,16 +24,37 @@ TEST_F(TraceFile, HoldsTheRecordsOfARunWithTheirTimesLateEntriesAndExits)
             traceWrite('>', L"nothing");
             traceStatusW(L"two", E_ACCESSDENIED);
         }
-        testTime = {2017, 7, 0, 15, 0, 0, 1, 0};
+        testTime = {2017, 8, 0, 15, 0, 0, 1, 0};
         traceScope_t sibling(nullptr);
+        theTracer().stacks.frames()->last().entered += 199999; // the other clock is behind
         CKernelHandle held = std::move(theTracer().mutex);
         traceText("three"); // works without it
         theTracer().mutex = std::move(held);
+        traceScope_t last("last");
+        theTracer().stacks.frames()->last().entered += 200000; // and here was set back
+        traceText("four");
     });
-    EXPECT_EQ(trace.lines(),
-              (strings{"t 07/14/17", "T 23:59:59.998", "> outer", "T 23:59:59.999",
-                       "> inn\xC3\xA9r", "t 07/15/17", "T 00:00:00.000", "U one \xE2\x82\xAC",
-                       "E -2147024891 two", "< ", "T 00:00:01.000", "> ", "U three", "< ", "< "}));
+    EXPECT_EQ(trace.lines(), (strings{"t 07/14/17",
+                                      "T 23:59:59.998",
+                                      "> outer",
+                                      "T 23:59:59.999",
+                                      "> inn\xC3\xA9r",
+                                      "t 07/15/17",
+                                      "T 00:00:00.000",
+                                      "U one \xE2\x82\xAC",
+                                      "E -2147024891 two",
+                                      "< ",
+                                      "t 08/15/17",
+                                      "T 00:00:01.000",
+                                      "> ",
+                                      "U three",
+                                      "T 00:00:01.020",
+                                      "> last",
+                                      "T 00:00:01.000",
+                                      "U four",
+                                      "< ",
+                                      "< ",
+                                      "< "}));
 }
 
 TEST_F(TraceFile, LaterWriterAppendsANoteAndANewFileStartsWithTheHeader)
@@ -103,6 +124,11 @@ TEST_F(TraceFile, HeaderNamesBuildSystemVersionAndProducts)
     const importPatch_t version{"GetVersionExA",
                                 +[](OSVERSIONINFOA* out) { return *out = system, TRUE; }};
     const auto header = [this] { return traced([] { traceText("x"); }).header; };
+    {
+        const importPatch_t module{"GetModuleFileNameA", +[] { return 0; }};
+        const strings bare = header();
+        EXPECT_EQ(bare[6] + bare[7], "FileVersion: UNKNOWNNo Veltrano products found");
+    }
     setText(L"Version", L"8.1", L"Products\\Good");
     setText(L"Version", std::wstring(255, L'v'), L"Products\\Long");
     setText(L"Other", L"", L"Products\\None");
@@ -136,7 +162,10 @@ TEST_F(TraceFile, NameComesFromProgramModuleTimeAndSettings)
     const auto nameOf = [](HMODULE module, wchar_t* path) {
         return lstrlenW(lstrcpyW(path, module ? L"C:\\Apps\\My\\VL\u00D6nlineIDs.DLL" : program));
     };
-    const importPatch_t names{"GetModuleFileNameW", +nameOf};
+    const auto fullName = [](const wchar_t* path, wchar_t* full) {
+        return wcscmp(path, L"HOST~1.EXE") ? 0 : lstrlenW(lstrcpyW(full, L"C:\\My\\host.exe"));
+    };
+    const importPatch_t names{"GetModuleFileNameW", +nameOf}, full{"GetLongPathNameW", +fullName};
     DWORD session = 0;
     ProcessIdToSessionId(GetCurrentProcessId(), &session);
     const std::wstring shared = formatWide(L".x64.vl\u00F6nlineids.dll%d.0.trc3", session);
@@ -149,7 +178,7 @@ TEST_F(TraceFile, NameComesFromProgramModuleTimeAndSettings)
         cases[] = {
             {L"host.exe", true, true, false, L"  C:\\x y  ", L"", L"C:\\x y"},
             {L"host.exe", false, true, true, L"   ", L"", mine + L"host" + shared},
-            {L"host.exe", true, true, true, L"", L"", mine + L"host" + stamped},
+            {L"HOST~1.EXE", true, true, true, L"", L"", mine + L"host" + stamped},
             {L"host.exe", false, true, false, L"", L" ", mine + L"host" + stamped},
             {L"dot.", false, true, true, L"", deep, deep + L"/dot." + shared},
             {L"iexplore.exe", false, false, true, L"", L"", mine + L"iexplore" + shared},
