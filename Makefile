@@ -65,7 +65,7 @@ lint:
 fuzz:
 	$(set-up) build test fuzz
 	@$(call configure,fuzz)
-	@$(call compile,fuzz)
+	@$(call compile,fuzz,vl_fuzz)
 	@scripts/fuzz.sh $(SECONDS)
 
 faults: build

@@ -12,7 +12,7 @@ void feed(std::span<const uint8_t> bytes, size_t pieceSize, vltrace::traceConsum
     std::istringstream in(std::string(bytes.begin(), bytes.end()));
     vltrace::traceInput_t input(vltrace::sourceOf("-", 1), in, pieceSize, false);
     const vltrace::filter_t filter;
-    vltrace::traceMerge_t merge(consumer, filter, [](const std::string&) {});
+    vltrace::traceMerge_t merge(consumer, filter, [](const CToolError&) {});
     merge.run({&input});
     consumer.finish();
 }
