@@ -88,6 +88,8 @@ coverage:
 	$(set-up) build test coverage
 	@$(call configure,coverage)
 	@$(call compile,coverage)
+	@$(call configure,coverage-native)
+	@$(call compile,coverage-native)
 	@scripts/base-prefix.sh
 	@scripts/coverage.sh
 
