@@ -6,7 +6,6 @@ schemas_test.py tools FOLDER runs vlbackup and vltrace, schemas_test.py host VLH
 import json
 import os
 import re
-import shlex
 import shutil
 import subprocess
 import sys
@@ -89,33 +88,6 @@ def check(what, *outputs):
             text = text[end:]
 
 
-def shown(*command):
-    """What a terminal gets of a command."""
-    line = shlex.join(str(word) for word in command)
-    return subprocess.run(["script", "-q", "-c", line, "/dev/null"], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          check=False).stdout.decode()
-
-
-def check_colours(tools):
-    os.environ.pop("NO_COLOR", None)
-    os.environ["TERM"] = "xterm"
-    red, yellow, green = "\x1B[31m", "\x1B[33m", "\x1B[32m"
-    for colour, *command in [
-            (red, "vlbackup", "verify", "cut.vlb"), (yellow, "vlbackup", "info", "first.vlb"),
-            (green, "vlbackup", "diff", "first.vlb", "first.vlb"), (red, "vlbackup", "diff", "first.vlb", "second.vlb"),
-            (red, "vltrace", "cat", "failed.trc3"), (yellow, "vltrace", "cat", "damaged.trc3")]:
-        program, *words = tools / command[0], *(SAMPLES / word if "." in word else word for word in command[1:])
-        assert colour in shown(program, *words), command
-        piped = subprocess.run([program, *words], capture_output=True, check=False)
-        forced = subprocess.run(["env", "NO_COLOR=1", program, *words, "--color", "always"], capture_output=True,
-                                check=False)
-        assert colour in (forced.stdout + forced.stderr).decode(), command
-        for plain in (shown("env", "NO_COLOR=1", program, *words), shown("env", "TERM=dumb", program, *words),
-                      shown(program, *words, "--color", "never"), (piped.stdout + piped.stderr).decode()):
-            assert "\x1B" not in plain, (command, plain)
-    assert "name a file" in shown(tools / "vltrace", "view", SAMPLES / "restore.trc3"), "a page on the terminal"
-
-
 def check_tools(tools):
     with tempfile.TemporaryDirectory() as folder:
         def run(*arguments, tool="vlbackup"):
@@ -139,7 +111,6 @@ def check_tools(tools):
         for name in ("restore.trc3", "damaged.trc3", "first.vlb", "none", ""):
             run("stats", SAMPLES / name, tool="vltrace")
         run("stats", SAMPLES, folder, "--wrong", tool="vltrace")
-    check_colours(tools)
 
 
 def check_host(host):
