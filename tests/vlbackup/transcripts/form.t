@@ -111,6 +111,11 @@ Quick links.
   error: quicklinks[2]: "n" has the template and profile of quicklinks[1], and a restore keeps one (byte 112, element 1/2)
   not sound
   [1]
+  $ judge $(seq $pair) $(seq $none $(seq $(wide n) $(wide x.exe) $a $one $id $one)) $none $document
+  error: quicklinks[0]: 0 elements; a restore drops the record (byte 25, element 1/0)
+  warning: quicklinks[1]: "n" opens a program: x.exe (byte 27, element 1/1)
+  not sound
+  [1]
   $ judge $(seq $pair) $(seq $(seq $(narrow n) $(tlv 04 74) $(narrow a.vlm) $one $(wide i)))
   note: backup: 2 elements: an early version; templates and quick links with narrow texts are restored (byte 0)
   warning: quicklinks[0] target: a text that doesn't end with its one terminating zero (byte 31, element 1/0/1)

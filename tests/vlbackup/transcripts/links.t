@@ -152,6 +152,8 @@ The settings document is JSON, as leniently read as a restore does, and has text
   [1]
   $ current useGrabbingCreds '\"x\"'
   sound
+  $ current useGrabbingCreds 1
+  sound
   $ current other 1
   sound
   $ backup '' '' '{"showPrompt": 1, "hotKey": "\u0007"}' | vlbackup verify -

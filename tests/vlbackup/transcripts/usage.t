@@ -62,6 +62,9 @@ How the program is asked, and what it says to what it does not understand.
   Example:
     vlbackup find -i first.vlb bank.example
   Options of every command: see vlbackup --help
+  $ vlbackup help | head -n 2
+  Looks into backups of the password manager. A backup named - is read from standard input.
+  Usage: vlbackup [OPTIONS] SUBCOMMAND
   $ for command in ls info verify find cat extract diff merge recover redact to-json from-json hex
   > do vlbackup $command --help | sed -n -e 1,2p -e '/^  *-.*  /p' | grep -v -e --help; done
   List everything in it, or what has one of the names
@@ -139,6 +142,9 @@ How the program is asked, and what it says to what it does not understand.
   vlbackup: The following argument was not expected: --wrong (see vlbackup ls --help)
   [2]
   $ vlbackup ls first.vlb -- --json
+  vlbackup: no --json in first.vlb (vlbackup ls shows the stored names)
+  [1]
+  $ vlbackup cat first.vlb -- --json
   vlbackup: no --json in first.vlb (vlbackup ls shows the stored names)
   [1]
   $ vlbackup info first.vlb extra
