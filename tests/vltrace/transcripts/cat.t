@@ -56,7 +56,8 @@ The year of a stamp is the one nearest to the last that is known. A date or a ti
   > 02/29/00 24:00:00.000 8 U no leap year, no such hour
   > 02/28/00 23:60:00.000 8 > f
   > 02/28/00 23:59:00.000 8 <
-  > 13/01/00 8 U no such month
+  > 02/27/00 23:00:00.000 8 > g
+  > 13/01/00 23:30:00.000 8 <
   > .
   # standard input
   # trace3
@@ -66,7 +67,8 @@ The year of a stamp is the one nearest to the last that is known. A date or a ti
   ---------- --:--:--.---  0x0008  U no leap year, no such hour
   2100-02-28 --:--:--.---  0x0008  > f
   2100-02-28 23:59:00.000  0x0008  < f
-  ---------- 23:59:00.000  0x0008  U no such month
+  2100-02-27 23:00:00.000  0x0008  > g
+  ---------- 23:30:00.000  0x0008  < g
 
 Another writer begins: what its thread had open is forgotten, that of other threads is not.
 
