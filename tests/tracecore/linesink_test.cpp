@@ -44,7 +44,7 @@ TEST_F(LineSink, ConsoleShowsMessagesInColourAndPlaysATuneForItsEnd)
     console->write('>', L"f", "f");
     const std::tuple<const wchar_t*, std::wstring, WORD> cases[] = {
         {L"U'`I04`'SA: x", L"SA: x", 4},
-        {L"D'`I0A`'debug", L"debug", 10},
+        {L"D'`I0F`'debug", L"debug", 15},
         {L"E-2147024891 rest", L"*ERR* " + denied + L" rest", 12},
         {L"E0 '`I04`'N/A", L"*ERR* '`I04`'N/A", 12},
         {L"E-2147418113 dropped", L"*ERR* 8000FFFF", 12},
