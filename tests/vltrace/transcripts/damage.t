@@ -72,7 +72,7 @@ At the end: a header, or a text, that is cut. No more is said of the places befo
   ---------- --:--:--.---  0x0008  U whole again
   -- 4 bytes skipped at offset 43: a record is cut short --
 
-A record after damage is believed if its text is long or another record follows.
+A record after damage is believed if its text is readable, and long or another record follows.
 
   $ trace <<'.' | vltrace cat -
   > ! FF FF FF
@@ -80,15 +80,16 @@ A record after damage is believed if its text is long or another record follows.
   > ! FE FE
   > 8 U 8 bytes.
   > ! FD
+  > 8 U not \x01 readable
   > 8 U one
   > 8 <
   > .
-  vltrace: standard input is damaged in 2 places, 20 bytes skipped (vltrace cat shows where)
+  vltrace: standard input is damaged in 2 places, 41 bytes skipped (vltrace cat shows where)
   # standard input
   # trace3
   -- 19 bytes skipped at offset 11: no record can begin here --
   ---------- --:--:--.---  0x0008  U 8 bytes.
-  -- 1 byte skipped at offset 45: no record can begin here --
+  -- 22 bytes skipped at offset 45: no record can begin here --
   ---------- --:--:--.---  0x0008  U one
   ---------- --:--:--.---  0x0008  < (a function whose entry is not known)
 

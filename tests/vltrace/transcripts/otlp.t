@@ -82,6 +82,9 @@ Several files are several resources; one without spans is none.
   "name": "events","kind
   "name": "unknown","attr
   "code": 2
+  $ vltrace export --format otlp host*.trc3 --notes | grep -c '"code"'
+  0
+  [1]
 
 More than a thousand events go into children.
 

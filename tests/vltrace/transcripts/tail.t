@@ -38,7 +38,7 @@ The last lines, and files that grow.
 
 Followed, one look after another: what comes is shown when it is there, as far as it is whole.
 
-  $ follow() { timeout 60 vltrace tail -f "$@" >lines 2>&1 & }
+  $ follow() { : >lines; timeout 60 vltrace tail -f "$@" >>lines 2>&1 & }
   $ seen() { i=0; until grep -q -e "$1" lines || [ $((i += 1)) -gt 600 ]; do sleep 0.05; done; }
   $ shown() { seen "$1"; kill $!; { wait $!; } 2>/dev/null; cat lines; }
   $ follow -n 1 other.trc3
