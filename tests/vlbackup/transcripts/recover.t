@@ -254,6 +254,8 @@ Nothing at all.
   [1]
   $ env printf '\x30\x04\x30\x00\x30\x00' | vlbackup recover - - 2> /dev/null | od -An -tx1
    30 04 30 00 30 00
+  $ env printf '\x30\x06\x30\x00\x30\x00\x30\x00' | vlbackup recover - - 2> /dev/null | od -An -tx1
+   30 06 30 00 30 00 30 00
   $ printf '' | vlbackup recover - out
   vlbackup: standard input is no backup: it is empty (a backup is what 'vlhost backup' writes)
   [1]

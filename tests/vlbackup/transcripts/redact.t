@@ -101,3 +101,5 @@ Bytes that are in no known form are filled; damage stays damage.
   $ bytes 30 10 30 00 30 00 30 00 30 04 02 02 57 57 04 02 57 57 | vlbackup redact - - | od -An -tx1
    30 10 30 00 30 00 30 00 30 04 02 02 78 78 04 02
    78 78
+  $ bytes 30 0D 30 07 30 05 1E 05 00 61 62 30 02 30 80 FF | vlbackup redact - - | od -An -tx1
+   30 0d 30 07 30 05 1e 05 00 62 78 30 02 04 80 78
