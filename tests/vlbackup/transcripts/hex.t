@@ -185,6 +185,16 @@ Links, early settings, unknown elements and damage.
       }
     ]
   }
+  $ bytes 30 0E 30 0A 30 08 1E 00 04 00 30 02 04 00 30 00 | vlbackup hex -
+      offset  tag    length  path          meaning
+           0  30         14                backup
+           2  30         10  0               templates
+           4  30          8  0/0               stored file
+           6  1e          0  0/0/0               name ""
+           8  04          0  0/0/1               content
+          10  30          2  0/0/2               unknown item
+          12          04 00                                            ..
+          14  30          0  1               quick links
   $ bytes 30 81 0A 30 00 30 00 30 00 04 02 02 00 | vlbackup hex - --json | tail -n 11
         "hex": "0200",
         "header": 2,

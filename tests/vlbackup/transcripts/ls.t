@@ -196,7 +196,7 @@ Nothing in a backup steers the terminal.
   > {"schema": "vlbackup-backup-1", "templates": [{"name": "\u001b[31m\u202e\t.vlm", "content": ""}],
   >  "quicklinks": [{"name": "a\nb", "target": "\u007f", "manifest": "\u0085", "profile": 1, "manifestid": "\u2028",
   >                  "wocred": true}],
-  >  "categories": [{"name": "\u200e", "text": "\u2066"}], "settings": {"document": "\r\n\u0001<\ufffd"}}
+  >  "categories": [{"name": "\u200e", "text": "\u2066"}, {"name": "😀", "text": "߀ߺ"}], "settings": {"document": "\r\n\u0001<\ufffd"}}
   > END
   $ vlbackup ls odd.vlb
   templates
@@ -205,6 +205,7 @@ Nothing in a backup steers the terminal.
     a\nb -> \x7F  (\u{85}, profile 1, id \u{2028}, without credentials)
   categories
     \u{200E} = \u{2066}
+    😀 = ߀ߺ
   settings (document)
     \r\n\x01<�
   $ vlbackup ls --json odd.vlb
@@ -214,6 +215,10 @@ Nothing in a backup steers the terminal.
       {
         "name": "\u200e",
         "text": "\u2066"
+      },
+      {
+        "name": "😀",
+        "text": "߀ߺ"
       }
     ],
     "quicklinks": [
