@@ -267,6 +267,20 @@ It is found in the registry, or by name.
     "file": "C:\\Program Files\\Veltrano\\bin\\VLOnlineIDs.dll",
     "schema": "vlhost-register-1"
   }
+  $ cp "$place/VLOnlineIDs.dll" .
+  $ vlhost register --plugin 'C:\work\VLOnlineIDs.dll'
+  file: C:\work\VLOnlineIDs.dll
+  done: DllRegisterServer
+  $ vlhost unregister
+  file: C:\work\VLOnlineIDs.dll
+  done: DllUnregisterServer
+  $ vlhost register
+  file: C:\Program Files\Veltrano\bin\VLOnlineIDs.dll
+  done: DllRegisterServer
+  $ role='HKLM\SOFTWARE\Veltrano\VLKT\Plugins\UIElements\BackupRestore\{42F9948B-B690-4325-A073-63A8BF31FF32}'
+  $ windows reg add "$role" /ve /t REG_EXPAND_SZ /d '%SystemDrive%\Program Files\Veltrano\bin\VLOnlineIDs.dll' /f >log
+  $ vlhost info | sed -n 1p
+  file: C:\Program Files\Veltrano\bin\VLOnlineIDs.dll
   $ vlhost register --plugin 'C:\Program Files\Veltrano\bin\Branding.dll'
   vlhost: C:\Program Files\Veltrano\bin\Branding.dll has no DllRegisterServer (is this the plug-in's DLL?)
   [1]
@@ -293,5 +307,5 @@ It is found in the registry, or by name.
       TargetShellVersions    REG_MULTI_SZ    6.0\07.0\08.0
   HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT\Plugins\UIElements\BackupRestore
   HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT\Plugins\UIElements\BackupRestore\{42F9948B-B690-4325-A073-63A8BF31FF32}
-      (Default)    REG_EXPAND_SZ    C:\Program Files\Veltrano\bin\VLOnlineIDs.dll
+      (Default)    REG_EXPAND_SZ    %SystemDrive%\Program Files\Veltrano\bin\VLOnlineIDs.dll
       TargetShellVersions    REG_MULTI_SZ    6.0\07.0\08.0

@@ -139,7 +139,7 @@ Marked paths need the settings' leave, or --force.
 What a later user has is added to, changed or deleted; what can't be is a difference.
 
   $ cd "$drive/Logons"
-  $ rm bank.vlm; echo later >updata.vls; echo late >late.vlm; echo kept >kept.txt; rm quicklinks.txt
+  $ rm bank.vlm; echo later >updata.vls; echo late >late.vlm; echo late >late.vls; echo kept >kept.txt; rm quicklinks.txt
   $ windows reg add 'HKCU\SOFTWARE\Veltrano\Applications\DashBoard\QLCategories' /v Late /d late /f >../work/log
   $ vlhost setting set open_guard_desk_qa F1 --quiet
   $ cd ../work
@@ -217,6 +217,11 @@ What a later user has is added to, changed or deleted; what can't be is a differ
           "action": "delete",
           "bytes": 5,
           "path": "C:\\Logons\\late.vlm"
+        },
+        {
+          "action": "delete",
+          "bytes": 5,
+          "path": "C:\\Logons\\late.vls"
         }
       ],
       "quickLinks": 

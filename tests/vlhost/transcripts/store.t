@@ -21,6 +21,9 @@ The settings of the user, and the secret.
   }
   $ vlhost setting get path_cachestorage_dir
   path_cachestorage_dir: %APPDATA%\Cache\
+  $ windows reg add 'HKCU\SOFTWARE\Veltrano\Settings' /v path_cachestorage_dir /t REG_EXPAND_SZ /d '%SystemDrive%\Cache\' /f >log
+  $ vlhost setting get path_cachestorage_dir
+  path_cachestorage_dir: C:\Cache\
   $ vlhost setting set show_training_prompt 1 --quiet
   $ vlhost setting set useGrabbingCreds ''
   useGrabbingCreds: 
@@ -29,7 +32,7 @@ The settings of the user, and the secret.
   $ values 'HKCU\SOFTWARE\Veltrano\Settings'
   HKEY_CURRENT_USER\SOFTWARE\Veltrano\Settings
       open_guard_desk_qa    REG_SZ    Ctrl+H
-      path_cachestorage_dir    REG_SZ    %APPDATA%\Cache\
+      path_cachestorage_dir    REG_EXPAND_SZ    %SystemDrive%\Cache\
       path_dontpromptlist_filename    REG_SZ    C:\Logons\never.txt
       path_localstorage_dir    REG_SZ    C:\Logons\
       path_quicklink_filename    REG_SZ    C:\Logons\quicklinks.txt

@@ -288,3 +288,15 @@ The one copy of earlier versions is taken over.
   put back
   $ cat "$drive/Logons/early.vlm"
   early (no-eol)
+
+A file that lost its attributes alone is put back, too.
+
+  $ restore
+  [1]
+  $ windows attrib +h 'C:\Logons\bank.vlm'
+  $ restore
+  [1]
+  $ vlhost restore --undo --dry-run | grep vlm
+    change          15  C:\Logons\bank.vlm
+    same            15  C:\Logons\Poststelle Köln.vlm
+    same            15  C:\Logons\日本語メール.vlm

@@ -111,23 +111,32 @@ Others' changes stay, and are named.
   $ echo edited >"$drive/Our Product/bin/tool.exe"
   $ echo notes >"$drive/Our Product/bin/notes.txt"
   $ windows reg add 'HKLM\SOFTWARE\Veltrano\Applications' /v BinDir /d 'C:\Theirs' /f >log
+  $ tray='HKLM\SOFTWARE\Veltrano\VLKT\Plugins\TrayIcon\{42F9948B-B690-4325-A073-63A8BF31FF32}'
+  $ windows reg add "$tray" /ve /d 'C:\Theirs\plugin.dll' /f >log
+  $ echo theirs >"$drive/windows/system32/VLFPApi.dll"
   $ install
   vlsetup: not from an installation of this product: C:\Our Product\bin\tool.exe (move it away, choose another folder, or replace it with --replace)
   [1]
   $ vlsetup uninstall 'C:\Our Product'
   HKLM\SOFTWARE\Veltrano\Applications\BinDir was changed since and stays
   C:\Our Product\bin\tool.exe was changed since and stays
+  C:\windows\system32\VLFPApi.dll was changed since and stays
   uninstalled; what belongs to users stays
   $ files
-  find: 'windows/system32/VLFPApi.dll': No such file or directory
   Our Product
   Our Product/Cleanup.txt
   Our Product/bin
   Our Product/bin/notes.txt
   Our Product/bin/tool.exe
+  windows/system32/VLFPApi.dll
   $ values Veltrano
   HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\Applications
       BinDir    REG_SZ    C:\Theirs
+  HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT
+  HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT\Plugins
+  HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT\Plugins\TrayIcon
+  HKEY_LOCAL_MACHINE\SOFTWARE\Veltrano\VLKT\Plugins\TrayIcon\{42F9948B-B690-4325-A073-63A8BF31FF32}
+      (Default)    REG_SZ    C:\Theirs\plugin.dll
   $ values 'Microsoft\Windows\CurrentVersion\Uninstall\VLOnlineIDs'
   reg: Unable to find the specified registry key
   $ vlsetup uninstall 'C:\Our Product'
