@@ -1,8 +1,11 @@
 #include "agent/discovery.h"
 #include "agent/transfer.h"
 #include "common/module.h"
+#include "support/agentstub.h"
 #include "support/linkfixture.h"
 #include "support/process.h"
+
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -37,6 +40,24 @@ TEST(Agent, JournalsWhatItStoresAndWhyItRefusesBeforeItAnswers)
     const size_t first = journal.find(passedOn);
     EXPECT_NE(std::string::npos, first);
     EXPECT_EQ(std::string::npos, journal.find(passedOn, first + 1)); // what is refused is not
+}
+
+// The earlier one took the signal, and is no more.
+TEST(Agent, AnswersAClientThatAnEarlierOneLeft)
+{
+    const agentStub_t earlier;
+    const CKernelHandle answered(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::thread client([&] {
+        sendToAgent(earlier.window, restore2DoneMessage(), "left", "b");
+        SetEvent(answered.get());
+    });
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(earlier.dataReady.get(), limit));
+    std::filesystem::path program = moduleFileName(nullptr);
+    const process_t agent(program.replace_filename(L"vlagent.exe"));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(answered.get(), limit));
+    earlier.answer();
+    client.join();
+    agent.kill();
 }
 
 } // namespace

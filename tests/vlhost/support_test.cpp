@@ -8,79 +8,12 @@
 #include <unzip.h>
 
 #include <algorithm>
-#include <functional>
 
 #include <json/reader.h>
 
 // What a user and who helps get of an installation: doctor, drill, bundle, and the program's manuals.
 
 namespace {
-
-TEST_F(Host, DoctorFindsEachFault)
-{
-    const auto bad = [] {
-        std::string names;
-        Json::Value document;
-        std::istringstream(host(L"doctor --json").out) >> document;
-        for (const auto& one : document["checks"])
-            if (!one["good"].asBool())
-                names += one["check"].asString() + (one["mend"].asString().empty() ? "?;" : ";");
-        return names;
-    };
-    const auto registerAs = [](const fs::path& file) {
-        for (const wchar_t* role : {L"UIElements\\AppControl", L"UIElements\\BackupRestore"})
-            setValue(HKEY_LOCAL_MACHINE,
-                     std::wstring(L"SOFTWARE\\Veltrano\\VLKT\\Plugins\\") + role +
-                         L"\\{42F9948B-B690-4325-A073-63A8BF31FF32}",
-                     L"", fs::absolute(file));
-    };
-    const fs::path policy = L"C:\\windows\\system32\\VLFPApi.dll", other = L"VLOnlineIDs.dll";
-    const auto again = [] { hostText(L"register"); };
-    const auto brand = [](const fs::path& file) {
-        setValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Veltrano\\Branding\\Common", L"DLLPath", file);
-    };
-    const auto settings = [](const wchar_t* place) {
-        hostText(L"setting set path_localstorage_dir \"C:\\vlhost test\\" + std::wstring(place));
-    };
-    fs::copy_file(bin / other, other, fs::copy_options::overwrite_existing);
-    brand(bin / L"Branding.dll");
-    EXPECT_EQ("agent window;agent objects;", bad());
-    const agent_t agent;
-    const auto before = state();
-    EXPECT_EQ("", bad());
-    expectState(before);
-    std::string x86 = fileBytes(other);
-    writeFile(L"x86.dll", x86.replace(x86.find(std::string("PE\0\0", 4)) + 4, 2, "\x4C\1"));
-    const struct {
-        const char* check;
-        std::function<void()> plant, mend;
-    } faults[] = {
-        {"registration", [] { hostText(L"unregister"); }, again},
-        {"keys", [&] { registerAs(other); }, again},
-        {"file", [&] { registerAs(L"none.dll"); }, again},
-        {"bitness", [&] { registerAs(L"never.txt"); }, again},
-        {"bitness", [&] { registerAs(L"x86.dll"); }, again},
-        {"component", [&] { registerAs(bin / L"Branding.dll"); }, again},
-        {"language files", [&] { registerAs(other); }, again},
-        {"bin folder", [] { setBin(L"C:\\none"); }, [] { setBin(); }},
-        {"settings provider", [] { setBin(folder); }, [] { setBin(); }},
-        {"console program", [] { setBin(folder); }, [] { setBin(); }},
-        {"policy library", [&] { fs::rename(policy, L"away.dll"); },
-         [&] { fs::rename(L"away.dll", policy); }},
-        {"branding", [&] { brand(L"never.txt"); }, [&] { brand(bin / L"Branding.dll"); }},
-        {"personal folder", [&] { settings(L"never.txt\\in\\\\\""); },
-         [&] { settings(L"own\\\\\""); }},
-        {"policy", [] { hostText(L"disable"); }, [] { hostText(L"enable"); }},
-        {"trace switch", [] { hostText(L"trace on --dir \"C:\\vlhost test\\never.txt\\in\""); },
-         [] { hostText(L"trace off"); }},
-    };
-    for (const auto& fault : faults) {
-        fault.plant();
-        EXPECT_TRUE(has(';' + bad(), std::string(";") + fault.check + ';')) << fault.check << bad();
-        fault.mend();
-        EXPECT_EQ("", bad()) << fault.check;
-    }
-}
 
 TEST_F(Host, DrillProvesABackupAndTouchesNothing)
 {

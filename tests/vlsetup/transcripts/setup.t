@@ -108,7 +108,7 @@ While a file is in use nothing is changed.
 
 Others' changes stay, and are named.
 
-  $ echo edited >"$drive/Our Product/bin/tool.exe"
+  $ echo more >>"$drive/Our Product/bin/tool.exe"
   $ echo notes >"$drive/Our Product/bin/notes.txt"
   $ windows reg add 'HKLM\SOFTWARE\Veltrano\Applications' /v BinDir /d 'C:\Theirs' /f >log
   $ tray='HKLM\SOFTWARE\Veltrano\VLKT\Plugins\TrayIcon\{42F9948B-B690-4325-A073-63A8BF31FF32}'
