@@ -1,5 +1,6 @@
 #include "agent/discovery.h"
 #include "backupfixture.h"
+#include "support/importhooks.h"
 #include "support/linkfixture.h"
 
 namespace {
@@ -25,16 +26,25 @@ protected:
 TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
 {
     const bytes triple = seq({wide(name), octets("v"), octets("w")});
-    const bytes one = seq({wide(name), octets("1\0"s)}), two = seq({wide(name), octets("2\0"s)});
+    const bytes one = seq({wide(name), octets("s\0e\0c\0"s)}),
+                two = seq({wide(name), octets("2\0"s)});
     const bytes others = seq({wide(L"krs protected storage"), octets("o\0"s)});
     const std::tuple<bytes, std::string, int> cases[] = {
-        {seq({triple, others, one}), "1", 1},
-        {seq({one, two, triple}), "1", 0},                   // the later ones unread
+        {seq({triple, others, one}), "sec", 1},
+        {seq({one, two, triple}), "sec", 0},                 // the later ones unread
         {seq({seq({wide(name), octets("a\0b"s)})}), "a", 0}, // ends in half a unit
         {seq({others, seq({wide(name + L"2"), octets("o\0"s)})}), "", 0},
         {seq({octets("x"), seq({}), triple, integer(1)}), "", 4},
         {{0x30, 0x05, 0x01}, "", 0},
     };
+    static size_t kept = 0; // blocks that are freed with the secret in them
+    const importHooks_t frees(
+        GetModuleHandleW(nullptr), {{"HeapFree"}}, [](const hookedCall_t& call) {
+            const auto* const block = reinterpret_cast<const char*>(call.argument(2));
+            const std::string_view bytes(block, HeapSize(GetProcessHeap(), 0, block));
+            kept += bytes.find("s\0e\0c\0"s) != bytes.npos;
+            return false;
+        });
     for (const auto& [list, body, unknown] : cases) { // items of a wrong shape
         SCOPED_TRACE(body + ' ' + std::to_string(unknown));
         clear();
@@ -50,6 +60,7 @@ TEST_F(PluginData, TheAgentGetsTheFirstSecretOfTheNameOrTheNameAlone)
         EXPECT_EQ(std::ranges::count(records, L"Unknown secret blob", &traceRecord_t::text),
                   unknown);
     }
+    EXPECT_EQ(kept, 0u);
     EXPECT_EQ(m_plugin.SetPluginData(4, nullptr, 4, seq({seq({})}).data()), E_UNEXPECTED);
 }
 

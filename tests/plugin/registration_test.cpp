@@ -77,8 +77,6 @@ TEST(Registration, ACleanupLineIsAppendedToAFileWithTheMarkOrIsTracedAsFailed)
         const std::string text = fileBytes(L"C:\\Cleanup.txt");
         EXPECT_EQ(text, std::string(reinterpret_cast<const char*>(after.data()), after.size() * 2));
     }
-    EXPECT_EQ(AddCleanupLine(nullptr, L"p", 1, nullptr), E_INVALIDARG);
-    EXPECT_EQ(AddCleanupLine(L"K", L"", 1, nullptr), E_INVALIDARG);
     const std::tuple<const wchar_t*, DWORD, DWORD, uint32_t> folders[] = {
         // Not terminated, nothing at all, not there.
         {L"C:\\xX", REG_SZ, 8, 0x8007000D},

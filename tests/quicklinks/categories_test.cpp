@@ -69,7 +69,6 @@ TEST(Categories, BackupEndsAtTheFirstValueThatIsNoTerminatedText)
 TEST(Categories, RestoreEmptiesTheLastUsedOnlyWhereTheKeyWas)
 {
     restore({0x30, 10, 0x30, 0, 0x30, 6, 0x1E, 4, 0, 'n', 0, 0});
-    qlcategories_restore(nullptr);
     EXPECT_EQ(valuesOf(categories), L"=;n=;");
     RegDeleteTreeW(HKEY_CURRENT_USER, dashboard);
     restore({0x30, 0});
