@@ -88,3 +88,8 @@ The console.
   $ log="$drive/users/root/AppData/Local/Veltrano/KRS/VLUserConsole.log"
   $ until [ -s "$log" ]; do sleep 0.1; done; shown <"$log"
   {"time":N,"process":N,"arguments":["{42F9948B-B690-4325-A073-63A8BF31FF32}:0:0"],"plugin":"{42F9948B-B690-4325-A073-63A8BF31FF32}","page":"0","item":"0","window":false}
+
+The journal keeps earlier runs.
+
+  $ grep -c '"started"' journal.txt
+  2

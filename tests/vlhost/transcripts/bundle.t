@@ -106,3 +106,8 @@ Without the plug-in, too.
   version.txt
   
   
+
+Its files are of this month.
+
+  $ zipinfo -T support.zip | awk '/^-/ { print substr($7, 1, 6) }' | sort -u | sed "s/$(date +%Y%m)/now/"
+  now

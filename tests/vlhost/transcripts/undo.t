@@ -300,3 +300,11 @@ A file that lost its attributes alone is put back, too.
     change          15  C:\Logons\bank.vlm
     same            15  C:\Logons\Poststelle Köln.vlm
     same            15  C:\Logons\日本語メール.vlm
+
+Files are compared to their ends.
+
+  $ head -c 70000 /dev/zero | tr '\0' x >"$drive/Logons/large.vlm"
+  $ vlhost backup large.vlb --quiet
+  $ printf y | dd of="$drive/Logons/large.vlm" bs=1 seek=69999 conv=notrunc status=none
+  $ vlhost restore large.vlb --dry-run | grep large
+    change       70000  C:\Logons\large.vlm

@@ -174,3 +174,8 @@ What is no trace.
   vltrace: standard input is no trace: it is empty (trace files end in .trc3, and have something in them)
   vltrace: standard input is no trace: it is empty (trace files end in .trc3, and have something in them)
   [1]
+
+An apostrophe in the help is quoted for the shell.
+
+  $ vltrace --completion zsh | grep -oE "Perl.{4}s" | sort -u
+  Perl'\''s
