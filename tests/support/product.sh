@@ -2,7 +2,8 @@
 # product.sh, read by a transcript's shell, lays the product into C:\Program Files\Veltrano\bin with the keys that lead to
 # it, as an installation does, and a user's folder C:\Logons; the current folder is C:\work. The system is one on which the
 # plug-in chooses the language of its texts itself: Wine doesn't.
-drive="$WINEPREFIX/drive_c" place="$WINEPREFIX/drive_c/Program Files/Veltrano/bin"
+drive="$WINEPREFIX/drive_c"
+profile="$drive/users/$(id -un)" place="$drive/Program Files/Veltrano/bin"
 mkdir -p "$place" "$drive/Logons" "$drive/work"
 cp -lR "$BIN"/vlhost.exe "$BIN"/vlagent.exe "$BIN"/VLUserConsole.exe "$BIN"/*.dll "$BIN"/??-* "$place"
 cp "$BIN/VLFPApi.dll" "$drive/windows/system32"

@@ -13,7 +13,7 @@ The agent takes over secrets and messages; the console notes down each start.
   [1]
   $ printf 'pässwörd\r\n' | vlhost restore first.vlb --force --entry plugin-data --secret-from 0 | tail -3
   vlhost: not everything came back as the backup has it ('vlhost restore --undo' puts the old state back)
-  safety copy: 1 in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies
+  safety copy: 1 in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (glob)
   difference: C:\Shared Logons\équipe.vlm: was not written: its folder is missing, and a restore makes none
   difference: C:\users\anna\AppData\Roaming\Veltrano\KRS\Cache\cached.vlm: was not written: its folder is missing, and a restore makes none
   $ vlhost secret read
@@ -85,7 +85,7 @@ The console.
   $ VLUSERCONSOLE_LOG='C:\work\own.txt' VLUserConsole 'Köln:1:0' && shown <own.txt
   {"time":N,"process":N,"arguments":["Köln:1:0"],"plugin":"Köln","page":"1","item":"0","window":false}
   $ vlhost console --quiet
-  $ log="$drive/users/root/AppData/Local/Veltrano/KRS/VLUserConsole.log"
+  $ log="$profile/AppData/Local/Veltrano/KRS/VLUserConsole.log"
   $ until [ -s "$log" ]; do sleep 0.1; done; shown <"$log"
   {"time":N,"process":N,"arguments":["{42F9948B-B690-4325-A073-63A8BF31FF32}:0:0"],"plugin":"{42F9948B-B690-4325-A073-63A8BF31FF32}","page":"0","item":"0","window":false}
 

@@ -83,7 +83,7 @@ Marked paths need the settings' leave, or --force.
     settings: as in the backup
   warning: templates[1]: "alien|C:\users\anna\AppData\Roaming\Veltrano\KRS\Cache\cached.vlm" goes into a folder of the system, of programs or of a user
   warning: quicklinks[1]: "ノート" opens a program: C:\windows\notepad.exe
-  safety copy: 1 in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies
+  safety copy: 1 in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (glob)
   difference: C:\users\anna\AppData\Roaming\Veltrano\KRS\Cache\cached.vlm: was not written: its folder is missing, and a restore makes none
   vlhost: not everything came back as the backup has it ('vlhost restore --undo' puts the old state back)
   [1]
@@ -103,7 +103,7 @@ Marked paths need the settings' leave, or --force.
     settings: as in the backup
   warning: templates[1]: "alien|C:\users\anna\AppData\Roaming\Veltrano\KRS\Cache\cached.vlm" goes into a folder of the system, of programs or of a user
   warning: quicklinks[1]: "ノート" opens a program: C:\windows\notepad.exe
-  safety copy: 2 in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies
+  safety copy: 2 in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (glob)
   restored and compared: all is as the backup has it
   $ tr -d '\r' <"$drive/Logons/quicklinks.txt"
   [ShortCutRecord]
@@ -140,7 +140,7 @@ What a later user has is added to, changed or deleted; what can't be is a differ
 
   $ cd "$drive/Logons"
   $ rm bank.vlm; echo later >updata.vls; echo late >late.vlm; echo late >late.vls; echo kept >kept.txt; rm quicklinks.txt
-  $ windows reg add 'HKCU\SOFTWARE\Veltrano\Applications\DashBoard\QLCategories' /v Late /d late /f >../work/log
+  $ windows reg add 'HKCU\SOFTWARE\Veltrano\Applications\DashBoard\QLCategories' /v Late /d late /f >"$drive/log"
   $ vlhost setting set open_guard_desk_qa F1 --quiet
   $ cd ../work
   $ windows attrib +r 'C:\Logons\late.vlm'
@@ -321,10 +321,10 @@ Wrong usage changes nothing.
   warning: quicklinks[1]: "ノート" opens a program: C:\windows\notepad.exe
   vlhost: no agent is running, so the secret would be lost (nothing was touched; start vlagent.exe first)
   [1]
-  $ mkdir -p away; mv "$drive/users/root/AppData/Local/Veltrano/KRS/SafetyCopies" away
-  $ echo file >"$drive/users/root/AppData/Local/Veltrano/KRS/SafetyCopies"
+  $ mkdir -p away; mv "$profile/AppData/Local/Veltrano/KRS/SafetyCopies" away
+  $ echo file >"$profile/AppData/Local/Veltrano/KRS/SafetyCopies"
   $ vlhost restore first.vlb | tail -1
-  vlhost: no safety copy can be made: filesystem error: cannot create directories: Not a directory [C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies] (nothing was touched)
+  vlhost: no safety copy can be made: filesystem error: cannot create directories: Not a directory [C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies] (nothing was touched) (glob)
   warning: quicklinks[1]: "ノート" opens a program: C:\windows\notepad.exe
   $ rm "$place/VloSet.dll"
   $ vlhost restore first.vlb

@@ -4,7 +4,7 @@ The settings of the user, and the secret.
   $ vlhost setting get path_localstorage_dir
   path_localstorage_dir: C:\Logons\
   $ vlhost setting get path_cachestorage_dir
-  path_cachestorage_dir: C:\users\root\AppData\Roaming\Veltrano\KRS\Cache\
+  path_cachestorage_dir: C:\\users\\*\\AppData\\Roaming\\Veltrano\\KRS\\Cache\\ (glob)
   $ vlhost setting get path_bin_dir --json
   {
     "key": "path_bin_dir",

@@ -1,10 +1,10 @@
 Safety copies: what a restore replaces can be put back.
 
   $ . $TESTS/support/product.sh
-  $ copies="$drive/users/root/AppData/Local/Veltrano/KRS/SafetyCopies"
+  $ copies="$profile/AppData/Local/Veltrano/KRS/SafetyCopies"
   $ restore() { vlhost restore first.vlb --force --quiet 2>>log; }
   $ vlhost restore --undo
-  vlhost: there is no safety copy in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies (a restore makes one)
+  vlhost: there is no safety copy in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (a restore makes one) (glob)
   [1]
   $ vlhost restore --list-undo
   there is no safety copy
@@ -44,7 +44,7 @@ Safety copies: what a restore replaces can be put back.
     setting open_guard_desk_qa: 
     setting show_training_prompt: 1
     setting useGrabbingCreds: 0
-  safety copy: 2 in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies
+  safety copy: 2 in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (glob)
   put back
   $ cat "$drive/Logons/bank.vlm" "$drive/Logons/own.vlm"; ls "$drive/Logons"
   mineownbank.vlm
@@ -191,7 +191,7 @@ A second one brings back what the first replaced; a number chooses.
         "undoes": []
       }
     ],
-    "folder": "C:\\users\\root\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies",
+    "folder": "C:\\\\users\\\\*\\\\AppData\\\\Local\\\\Veltrano\\\\KRS\\\\SafetyCopies", (glob)
     "schema": "vlhost-list-undo-1"
   }
   $ vlhost restore --undo 9
@@ -258,11 +258,11 @@ Work that was killed half way: what it left goes, and an undo goes back to befor
   puts back: safety copy 13 92
   $ rm "$copies/$newest"/files/0/[0-9]*
   $ vlhost restore --list-undo >list; head -1 list
-  vlhost: the safety copy in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies\13 is damaged (what is left of its files can be copied by hand)
+  vlhost: the safety copy in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies\\13 is damaged (what is left of its files can be copied by hand) (glob)
     92  20??-??-??T??:??:??Z      6 files         335 bytes  before a restore; holds what the work before, after copy 13, had left unfinished <- put back by --undo (glob)
   $ vlhost setting set path_localstorage_dir 'C:\other' --quiet
   $ vlhost restore --undo --json
-  {"error": "the safety copy in C:\\users\\root\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies\\13 is damaged","exitStatus": 0,"hint": "what is left of its files can be copied by hand","schema": "error-1","tool": "vlhost"}
+  {"error": "the safety copy in C:\\\\users\\\\*\\\\AppData\\\\Local\\\\Veltrano\\\\KRS\\\\SafetyCopies\\\\13 is damaged","exitStatus": 0,"hint": "what is left of its files can be copied by hand","schema": "error-1","tool": "vlhost"} (glob)
   {"error": "the safety copy is of the personal folder C:\\Logons\\, which is C:\\other now","exitStatus": 1,"hint": "nothing was touched; set path_localstorage_dir back first","schema": "error-1","tool": "vlhost"}
   [1]
   $ vlhost setting set path_localstorage_dir 'C:\Logons\' --quiet
@@ -284,7 +284,7 @@ The one copy of earlier versions is taken over.
     delete           0  C:\Logons\updata_temp.vls
     delete         285  C:\Logons\quicklinks.txt
     categories: 0 in place of 2
-  safety copy: 2 in C:\users\root\AppData\Local\Veltrano\KRS\SafetyCopies
+  safety copy: 2 in C:\\users\\*\\AppData\\Local\\Veltrano\\KRS\\SafetyCopies (glob)
   put back
   $ cat "$drive/Logons/early.vlm"
   early (no-eol)
