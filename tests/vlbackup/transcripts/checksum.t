@@ -1,6 +1,6 @@
 The checksum beside a backup, in the forms that sha256sum writes.
 
-  $ cp $SAMPLES/first.vlb 'my backup.vlb'; zeros=$(printf '%064d' 0)
+  $ cp "$SAMPLES"/first.vlb 'my backup.vlb'; zeros=$(printf '%064d' 0)
   $ verify() { vlbackup verify 'my backup.vlb' | grep -v ^warning:.[tq]; }
   $ verify
   sound, with warnings

@@ -1,6 +1,6 @@
 Colours of the tools. A terminal shows them, unless it can't or NO_COLOR is set.
 
-  $ cp $SAMPLES/* .
+  $ cp "$SAMPLES"/* .
   $ export TERM=xterm; unset NO_COLOR
   $ colours() { tr -d '\r' | sed 's/\x1B\[\([0-9]*\)m/<\1>/g'; }
   $ terminal() { script -qc "$*" /dev/null < /dev/null | colours; }

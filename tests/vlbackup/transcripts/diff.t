@@ -1,6 +1,6 @@
 What two backups don't share.
 
-  $ cp $SAMPLES/*.vlb .
+  $ cp "$SAMPLES"/*.vlb .
   $ vlbackup diff first.vlb first.vlb
   equal
   $ vlbackup diff first.vlb second.vlb

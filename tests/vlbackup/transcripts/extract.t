@@ -1,6 +1,6 @@
 Stored files are written below a folder, and nowhere else.
 
-  $ cp $SAMPLES/first.vlb .
+  $ cp "$SAMPLES"/first.vlb .
   $ vlbackup extract first.vlb out
   out/alien/C/Shared Logons/équipe.vlm
   out/alien/C/users/anna/AppData/Roaming/Veltrano/KRS/Cache/cached.vlm

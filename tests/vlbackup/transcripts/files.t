@@ -1,6 +1,6 @@
 One stored file, and the rules for every file that is written.
 
-  $ cp $SAMPLES/first.vlb .
+  $ cp "$SAMPLES"/first.vlb .
   $ vlbackup cat first.vlb bank.vlm
   template: bank
   $ vlbackup cat first.vlb 'Poststelle Köln.vlm' --json

@@ -1,6 +1,6 @@
 A text in everything that a backup holds.
 
-  $ cp $SAMPLES/first.vlb .
+  $ cp "$SAMPLES"/first.vlb .
   $ vlbackup find first.vlb Köln
   byte 301, element 0/3/0: name of Poststelle Köln.vlm (once, UTF-16BE)
   byte 663, element 1/1/2: manifest of ノート (once, UTF-16BE)

@@ -27,7 +27,7 @@ An export writes four elements; another number makes another version.
   $ judge $none
   vlbackup: standard input is no whole backup: 1 element where a restore wants at least 2 (copy it again, or save what is intact by 'vlbackup recover')
   [1]
-  $ (cat $SAMPLES/first.vlb; printf x) | vlbackup verify - | grep byte.after
+  $ (cat "$SAMPLES"/first.vlb; printf x) | vlbackup verify - | grep byte.after
   note: backup: 1 byte after its end, which a restore ignores (byte 942)
   $ judge $one $content $(wide x) $none
   error: templates: not a sequence (byte 2, element 0)

@@ -1,6 +1,6 @@
 The bytes of a backup, element by element.
 
-  $ cp $SAMPLES/*.vlb .
+  $ cp "$SAMPLES"/*.vlb .
   $ vlbackup hex first.vlb | head -n 24
       offset  tag    length  path          meaning
            0  30        938                backup

@@ -1,6 +1,6 @@
 The summary of a backup.
 
-  $ cp $SAMPLES/* .
+  $ cp "$SAMPLES"/* .
   $ vlbackup info first.vlb
   backup       942 bytes, 4 elements: the current version; templates, quick links, categories and settings are restored
   sha-256      5c5a22657b67ad55652dbc5e8c54c18401df800fe49fe6894d0d000792485ce8

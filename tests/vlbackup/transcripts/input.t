@@ -1,6 +1,6 @@
 Inputs that are no backup: one line each, with the reason and what to do.
 
-  $ cp $SAMPLES/*.vlb $SAMPLES/restore.trc3 .
+  $ cp "$SAMPLES"/*.vlb "$SAMPLES"/restore.trc3 .
   $ vlbackup ls none.vlb
   vlbackup: none.vlb does not exist (is the name spelt right?)
   [1]

@@ -1,6 +1,6 @@
 A backup as JSON, and back.
 
-  $ cp $SAMPLES/first.vlb .
+  $ cp "$SAMPLES"/first.vlb .
   $ vlbackup to-json first.vlb first.json
   first.json: 1467 bytes
   $ cat first.json

@@ -1,6 +1,6 @@
 What is in a backup, as lists.
 
-  $ cp $SAMPLES/* .
+  $ cp "$SAMPLES"/* .
   $ vlbackup ls first.vlb
   templates
            7  alien|C:\Shared Logons\équipe.vlm

@@ -1,6 +1,6 @@
 One backup of all that is in two.
 
-  $ cp $SAMPLES/first.vlb .
+  $ cp "$SAMPLES"/first.vlb .
   $ vlbackup to-json first.vlb - | sed 's/équipe/team/; s/Meine Bank/My bank/' | vlbackup from-json - third.vlb
   third.vlb: 932 bytes
   $ vlbackup merge first.vlb third.vlb -o both.vlb

@@ -1,6 +1,6 @@
 What is intact in a damaged backup.
 
-  $ cp $SAMPLES/*.vlb .
+  $ cp "$SAMPLES"/*.vlb .
   $ vlbackup recover cut.vlb recovered.vlb
   recovered.vlb: 381 bytes
   lost: byte 379, 21 bytes: damaged, or not of a kind that a restore takes

@@ -1,6 +1,6 @@
 A copy of the same shape without anything personal.
 
-  $ cp $SAMPLES/*.vlb .
+  $ cp "$SAMPLES"/*.vlb .
   $ vlbackup redact first.vlb case.vlb
   case.vlb: 942 bytes
   $ vlbackup ls case.vlb

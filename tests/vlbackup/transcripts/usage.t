@@ -126,7 +126,7 @@ How the program is asked, and what it says to what it does not understand.
   $ vlbackup "$(printf 'what\n')" --json
   {"error": "\"what\" is no command","exitStatus": 2,"hint": "see vlbackup --help","schema": "error-1","tool": "vlbackup"}
   [2]
-  $ cp $SAMPLES/first.vlb .; vlbackup first.vlb
+  $ cp "$SAMPLES"/first.vlb .; vlbackup first.vlb
   vlbackup: what to do with first.vlb is missing (a command goes before it: see vlbackup --help)
   [2]
   $ vlbackup first.vlb ls

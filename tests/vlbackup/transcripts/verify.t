@@ -2,7 +2,7 @@ The verdict of verify, and what it says of contents.
 
 A warning alone fails with --strict; in JSON each finding has its grade and place.
 
-  $ cp $SAMPLES/*.vlb .
+  $ cp "$SAMPLES"/*.vlb .
   $ vlbackup verify first.vlb
   warning: templates[1]: "alien|C:\users\anna\AppData\Roaming\Veltrano\KRS\Cache\cached.vlm" goes into a folder of the system, of programs or of a user (byte 89, element 0/1)
   warning: quicklinks[1]: "ノート" opens a program: C:\windows\notepad.exe (byte 579, element 1/1)

@@ -1,6 +1,6 @@
 The agent takes over secrets and messages; the console notes down each start.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ shown() { sed -E 's/"(time|process|client|window|message)":("[^"]*"|[0-9]+)/"\1":N/g'; }
   $ start() { vlagent --journal journal.txt "$@" >agent 2>&1 & until grep -qs . agent; do sleep 0.1; done; cat agent; }
   $ vlagent --quit

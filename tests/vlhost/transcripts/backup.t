@@ -1,6 +1,6 @@
 A backup is compared with the disk before it is written.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlhost backup logons.vlb
   vlhost: the plug-in gave no backup: there is nothing to back up, or it failed (the plug-in hides failures: 'vlhost trace on', try again, and read the trace)
   [1]

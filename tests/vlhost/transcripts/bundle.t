@@ -1,6 +1,6 @@
 A bundle says what a helper needs, and nothing of the user's own.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ mkdir "$drive/traces"
   $ for day in 1 2 3 4 5; do
   >   cp "$SAMPLES/failed.trc3" "$drive/traces/old.x64.vlonlineids.dll~~01.0$day.26_at_00.00.00.000~~1.$day.trc3"

@@ -1,6 +1,6 @@
 Single operations: their status, and all that they return.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlhost call get-property 1
   status:
     name: S_OK

@@ -1,6 +1,6 @@
 What a dashboard shows of the plug-in, and what its buttons do.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlhost info
   file: C:\Program Files\Veltrano\bin\VLOnlineIDs.dll
   name: Veltrano Personal Security Password Manager

@@ -1,6 +1,6 @@
 The doctor finds what is wrong, and which command mends it.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlagent >agent & until grep -qs ready agent; do sleep 0.1; done
   $ vlhost doctor
   good  registration: C:\Program Files\Veltrano\bin\VLOnlineIDs.dll

@@ -1,6 +1,6 @@
 A drill proves that a backup can be put back, and touches nothing of the user's own.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ left() { ls "$profile/Temp" | grep drill; windows reg query 'HKCU\SOFTWARE\Veltrano-Drill' 2>&1 | grep HKEY; ls "$drive/Logons"; }
   $ vlagent --journal journal.txt >agent & until grep -qs ready agent; do sleep 0.1; done
   $ vlhost drill first.vlb

@@ -1,6 +1,6 @@
 A restore shows its plan, makes a safety copy, and compares.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlhost restore first.vlb --dry-run
   backup: 4 elements: the current version; templates, quick links, categories and settings are restored
   plan:

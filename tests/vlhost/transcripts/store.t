@@ -1,6 +1,6 @@
 The settings of the user, and the secret.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ vlhost setting get path_localstorage_dir
   path_localstorage_dir: C:\Logons\
   $ vlhost setting get path_cachestorage_dir

@@ -1,6 +1,6 @@
 Tracing is switched for the machine.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ tracing='HKLM\SOFTWARE\Veltrano\Tracing'
   $ vlhost trace status
   tracing: off

@@ -1,6 +1,6 @@
 Safety copies: what a restore replaces can be put back.
 
-  $ . $TESTS/support/product.sh
+  $ . "$TESTS/support/product.sh"
   $ copies="$profile/AppData/Local/Veltrano/KRS/SafetyCopies"
   $ restore() { vlhost restore first.vlb --force --quiet 2>>log; }
   $ vlhost restore --undo
