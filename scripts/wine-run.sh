@@ -4,7 +4,8 @@ wine=${WINE:-$(dpkg -L wine64 | grep '/wine64$' | head -n 1)}
 : "${WINEPREFIX:?names the prefix to run in}"
 # In the C locale Wine can't name files beyond ASCII.
 case "${LC_ALL:-}" in '' | C | POSIX) export LC_ALL=C.UTF-8 ;; esac
-unset DISPLAY WAYLAND_DISPLAY
+# Debian's Wine has its server's folder below TMPDIR, where another one in between finds none; its release 10 ends in it.
+unset DISPLAY WAYLAND_DISPLAY TMPDIR
 export WINEPREFIX WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 # Wine maps the shared user data at a fixed address. With randomised addresses about one new process in ten thousand

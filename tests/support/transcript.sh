@@ -28,8 +28,7 @@ if [ -e "$bin/vlhost.exe" ]; then
         # shellcheck disable=SC2086 # words
         "$root/scripts/wine-run.sh" $program </dev/null >/dev/null 2>&1
     done
-    # Debian's Wine finds its server below the folder for temporary files, which is another one in a transcript.
-    printf '#!/bin/sh\nTMPDIR="%s" exec "%s" "$@"\n' "${TMPDIR:-/tmp}" "$root/scripts/wine-run.sh" >"$work/bin/windows"
+    printf '#!/bin/sh\nexec "%s" "$@"\n' "$root/scripts/wine-run.sh" >"$work/bin/windows"
     for program in "$bin"/*.exe; do
         printf '#!/bin/sh\nexec windows "%s" "$@"\n' "$program" >"$work/bin/$(basename "$program" .exe)"
     done
