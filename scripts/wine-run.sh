@@ -4,7 +4,8 @@ wine=${WINE:-$(dpkg -L wine64 | grep '/wine64$' | head -n 1)}
 : "${WINEPREFIX:?names the prefix to run in}"
 # In the C locale Wine can't name files beyond ASCII.
 case "${LC_ALL:-}" in '' | C | POSIX) export LC_ALL=C.UTF-8 ;; esac
-# Debian's Wine has its server's folder below TMPDIR, where another one in between finds none; its release 10 ends in it.
+# Debian's Wine keeps its server's folder below TMPDIR: with another one it starts a second server for the same prefix, and
+# release 10 crashes wherever the variable is set.
 unset DISPLAY WAYLAND_DISPLAY TMPDIR
 export WINEPREFIX WINEDEBUG="${WINEDEBUG:--all}" WINEARCH=win64
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
