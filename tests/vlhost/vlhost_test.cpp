@@ -163,15 +163,15 @@ TEST_F(Host, TraceIsSwitchedAndFollowed)
     static int left; // registry values that can be written until one can't; negative after that
     for (int n = 0, status = 1; status != 0; ++n) {
         SCOPED_TRACE(left = n);
-        CLI::App app("", "vlhost");
+        const CTool tool("vlhost", "");
         const options_t options;
-        addTraceCommands(app, options);
+        addTraceCommands(tool, options);
         {
             const importHooks_t hooks(
                 GetModuleHandleW(nullptr), {{"RegSetValueExW", ERROR_DISK_FULL}},
                 +[](const hookedCall_t&) { return left-- == 0; });
             std::ostringstream out, err;
-            status = runTool(app, {"trace", "on", "--dir", "C:\\other"}, out, err);
+            status = runTool(tool, {"trace", "on", "--dir", "C:\\other"}, out, err);
         }
         EXPECT_EQ(left < 0, status == 1);
         EXPECT_EQ(status == 0, console != hostText(L"trace status"));

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 
@@ -58,9 +61,128 @@ bool wantsJson(const std::vector<std::string>& arguments)
 
 } // namespace
 
-int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
-            const std::function<int()>& work)
+COption COption::Required() const
 {
+    m_option->required();
+    return *this;
+}
+
+COption COption::ShowDefault() const
+{
+    m_option->capture_default_str();
+    return *this;
+}
+
+COption COption::ValueName(const std::string& word) const
+{
+    m_option->type_name(word);
+    return *this;
+}
+
+COption COption::Group(const std::string& title) const
+{
+    m_option->group(title);
+    return *this;
+}
+
+COption COption::Excludes(const COption& other) const
+{
+    m_option->excludes(other.m_option);
+    return *this;
+}
+
+COption COption::OneEachTime() const
+{
+    m_option->allow_extra_args(false);
+    return *this;
+}
+
+COption COption::Values(int least, int most) const
+{
+    m_option->expected(least, most);
+    return *this;
+}
+
+COption COption::OneOf(const std::vector<std::string>& words) const
+{
+    m_option->check(oneOf(words));
+    return *this;
+}
+
+COption COption::Check(std::function<std::string(const std::string& value)> fault) const
+{
+    m_option->check(std::move(fault));
+    return *this;
+}
+
+CCommand CCommand::AddCommand(const std::string& name, const std::string& help,
+                              const std::string& example) const
+{
+    CLI::App* const command = m_command->add_subcommand(name, help);
+    command->footer("Example:\n  " + example);
+    return CCommand(*command);
+}
+
+CCommand CCommand::AddGroup(const std::string& name, const std::string& help) const
+{
+    CLI::App* const group = m_command->add_subcommand(name, help);
+    group->require_subcommand(1);
+    return CCommand(*group);
+}
+
+template <class T>
+COption CCommand::AddOption(const std::string& names, T& value, const std::string& help) const
+{
+    return COption(*m_command->add_option(names, value, help));
+}
+
+COption CCommand::AddFlag(const std::string& names, bool& value, const std::string& help) const
+{
+    return COption(*m_command->add_flag(names, value, help));
+}
+
+template <class T>
+COption CCommand::AddTaken(const std::string& names,
+                           std::function<void(const std::vector<T>&)> take,
+                           const std::string& help) const
+{
+    return COption(*m_command->add_option_function<std::vector<T>>(names, std::move(take), help));
+}
+
+void CCommand::Do(std::function<void()> work) const
+{
+    m_command->callback(std::move(work));
+}
+
+CTool::CTool(const std::string& name, const std::string& help)
+    : CTool(std::make_unique<CLI::App>(help, name))
+{}
+
+CTool::CTool(std::unique_ptr<CLI::App> app) : CCommand(*app), m_app(std::move(app))
+{
+    m_app->require_subcommand(1);
+}
+
+CTool::~CTool() = default;
+
+void refuseOption(const std::string& name, const std::string& why)
+{
+    throw CLI::ValidationError(name, why);
+}
+
+template <class T> bool readNumber(const std::string& text, T& number)
+{
+    T found{};
+    if (!CLI::detail::lexical_cast(text, found))
+        return false;
+    number = found;
+    return true;
+}
+
+int runTool(const CTool& tool, std::vector<std::string> arguments, std::ostream& out,
+            std::ostream& err, const std::function<int()>& work)
+{
+    CLI::App& app = tool.App();
     const auto fail = [&, json = wantsJson(arguments)](const CToolError& error) {
         out.flush();
         reportFailure(err, app.get_name(), error, json);
@@ -89,8 +211,29 @@ int runTool(CLI::App& app, std::vector<std::string> arguments, std::ostream& out
     }
 }
 
-int runTool(CLI::App& app, int argc, char** argv)
+int runTool(const CTool& tool, int argc, char** argv)
 {
     const CToolStreams streams;
-    return runTool(app, toolArguments(argc, argv), std::cout, std::cerr);
+    return runTool(tool, toolArguments(argc, argv), std::cout, std::cerr);
 }
+
+// The types of values that the tools' options have.
+template COption CCommand::AddOption(const std::string&, std::string&, const std::string&) const;
+template COption CCommand::AddOption(const std::string&, std::vector<std::string>&,
+                                     const std::string&) const;
+template COption CCommand::AddOption(const std::string&, int&, const std::string&) const;
+template COption CCommand::AddOption(const std::string&, long&, const std::string&) const;
+template COption CCommand::AddOption(const std::string&, unsigned&, const std::string&) const;
+template COption CCommand::AddOption(const std::string&, unsigned long&, const std::string&) const;
+template COption CCommand::AddOption(const std::string&, unsigned long long&,
+                                     const std::string&) const;
+template COption CCommand::AddOption(const std::string&, std::optional<int>&,
+                                     const std::string&) const;
+template COption CCommand::AddTaken(const std::string&,
+                                    std::function<void(const std::vector<std::string>&)>,
+                                    const std::string&) const;
+template COption CCommand::AddTaken(const std::string&,
+                                    std::function<void(const std::vector<unsigned>&)>,
+                                    const std::string&) const;
+template bool readNumber(const std::string&, long&);
+template bool readNumber(const std::string&, unsigned&);

@@ -4,6 +4,8 @@
 #include <cctype>
 #include <sstream>
 
+#include <CLI/CLI.hpp>
+
 namespace {
 
 // choicesOf reads what the parser shows of a checked value: "TEXT:{file,console}", or with numbers

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 // The commands of a program as data: what manual page and completions are made of.
 

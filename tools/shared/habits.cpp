@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include <CLI/CLI.hpp>
+
 namespace {
 
 const std::vector<std::string> colourings = {"auto", "always", "never"}; // as in colouring_t
@@ -47,7 +49,7 @@ void addHabits(CLI::App& app)
     app.add_flag_callback(
         "-q,--quiet", [] { setQuiet(true); }, "Print only what was asked for, and failures");
     app.set_version_flag(
-        "-V,--version", [&app] { return versionText(app); },
+        "-V,--version", [&app] { return versionText(app.get_name()); },
         "Print the versions of it and its formats");
     // The parser ends with what such a call carries, as it does for --version.
     app.add_option_function<std::string>(
@@ -84,14 +86,8 @@ CLI::Validator oneOf(const std::vector<std::string>& words)
             '{' + listed + '}'};
 }
 
-std::string versionText(const CLI::App& app)
+std::string versionText(const std::string& tool)
 {
-    return app.get_name() + " " VL_VERSION "\nbackup format " +
-           std::to_string(currentBackupElements) + "\ntrace format " +
-           tracecore::traceFormatVersion;
-}
-
-void addExample(CLI::App& command, const std::string& example)
-{
-    command.footer("Example:\n  " + example);
+    return tool + " " VL_VERSION "\nbackup format " + std::to_string(currentBackupElements) +
+           "\ntrace format " + tracecore::traceFormatVersion;
 }

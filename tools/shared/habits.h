@@ -3,7 +3,10 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+class Validator;
+} // namespace CLI
 
 // The options that every tool has, whatever it does.
 
@@ -16,9 +19,6 @@ void addHabits(CLI::App& app);
 CLI::Validator oneOf(const std::vector<std::string>& words);
 
 // versionText is what --version prints.
-std::string versionText(const CLI::App& app);
-
-// addExample shows a command line in the command's help and manual page.
 //
-// example: as it is typed
-void addExample(CLI::App& command, const std::string& example);
+// tool: its name
+std::string versionText(const std::string& tool);

@@ -6,70 +6,66 @@
 
 namespace {
 
-void addCatOptions(CLI::App& command, Call& call)
+void addCatOptions(const CCommand& command, Call& call)
 {
-    command.add_option("name", call.other, "The stored name as ls shows it, or settings")
-        ->required();
+    command.AddOption("name", call.other, "The stored name as ls shows it, or settings").Required();
 }
 
-void addNames(CLI::App& command, Call& call)
+void addNames(const CCommand& command, Call& call)
 {
-    command.add_option(
-        "name", call.names,
-        "Only these names, as ls shows them; * stands for any characters, ? for one");
+    command.AddOption("name", call.names,
+                      "Only these names, as ls shows them; * stands for any characters, ? for one");
 }
 
-void addExtractOptions(CLI::App& command, Call& call)
+void addExtractOptions(const CCommand& command, Call& call)
 {
-    command.add_option("folder", call.output, "Where the files go; made if it is missing")
-        ->required();
+    command.AddOption("folder", call.output, "Where the files go; made if it is missing")
+        .Required();
     addNames(command, call);
-    command.add_flag("--force", call.force, "Replace files that exist");
+    command.AddFlag("--force", call.force, "Replace files that exist");
 }
 
-void addVerifyOptions(CLI::App& command, Call& call)
+void addVerifyOptions(const CCommand& command, Call& call)
 {
-    command.add_flag("--strict", call.strict, "Exit status 1 for a warning, too");
+    command.AddFlag("--strict", call.strict, "Exit status 1 for a warning, too");
 }
 
-void addDiffOptions(CLI::App& command, Call& call)
+void addDiffOptions(const CCommand& command, Call& call)
 {
-    command.add_option("other", call.other, "The other backup");
-    command.add_flag("--live", call.live,
-                     "Compare with the profile as it is now: vlhost, which must be beside, takes a "
-                     "backup of it (Windows)");
-    command.add_flag("--restored", call.restored,
-                     "The other was taken after restoring this one: pass what the format makes "
-                     "different");
+    command.AddOption("other", call.other, "The other backup");
+    command.AddFlag("--live", call.live,
+                    "Compare with the profile as it is now: vlhost, which must be beside, takes a "
+                    "backup of it (Windows)");
+    command.AddFlag("--restored", call.restored,
+                    "The other was taken after restoring this one: pass what the format makes "
+                    "different");
 }
 
-void addMergeOptions(CLI::App& command, Call& call)
+void addMergeOptions(const CCommand& command, Call& call)
 {
-    command.add_option("other", call.other, "The second backup")->required();
-    command.add_option("-o,--output", call.output, "The file to write; - is standard output");
-    command
-        .add_option("--prefer", call.prefer, "Which one's to take of what both have differently")
-        ->check(oneOf({"first", "second"}));
-    command.add_flag("--dry-run", call.dryRun, "Write nothing, only show what it would be");
-    command.add_flag("--force", call.force, "Replace the file if it exists");
+    command.AddOption("other", call.other, "The second backup").Required();
+    command.AddOption("-o,--output", call.output, "The file to write; - is standard output");
+    command.AddOption("--prefer", call.prefer, "Which one's to take of what both have differently")
+        .OneOf({"first", "second"});
+    command.AddFlag("--dry-run", call.dryRun, "Write nothing, only show what it would be");
+    command.AddFlag("--force", call.force, "Replace the file if it exists");
 }
 
-void addFindOptions(CLI::App& command, Call& call)
+void addFindOptions(const CCommand& command, Call& call)
 {
-    command.add_option("text", call.other, "What to look for")->required();
-    command.add_flag("-i,--ignore-case", call.fold, "Take a letter from A to Z for its small one");
+    command.AddOption("text", call.other, "What to look for").Required();
+    command.AddFlag("-i,--ignore-case", call.fold, "Take a letter from A to Z for its small one");
 }
 
-void addHexOptions(CLI::App& command, Call& call)
+void addHexOptions(const CCommand& command, Call& call)
 {
-    command.add_flag("--all", call.all, "Show every byte of a long content");
+    command.AddFlag("--all", call.all, "Show every byte of a long content");
 }
 
-void addOutput(CLI::App& command, Call& call)
+void addOutput(const CCommand& command, Call& call)
 {
-    command.add_option("output", call.output, "The file to write; - is standard output")
-        ->required();
-    command.add_flag("--force", call.force, "Replace the file if it exists");
+    command.AddOption("output", call.output, "The file to write; - is standard output").Required();
+    command.AddFlag("--force", call.force, "Replace the file if it exists");
 }
 
 // Verb is one command of the program. addOptions adds what the verb takes besides a backup, and may be null.
@@ -78,7 +74,7 @@ struct Verb {
     const char* what;
     const char* example;
     int (*run)(const Call& call);
-    void (*addOptions)(CLI::App& command, Call& call);
+    void (*addOptions)(const CCommand& command, Call& call);
     const char* inputWhat = "The backup";
 };
 constexpr Verb table[] = {
@@ -119,21 +115,17 @@ constexpr Verb table[] = {
 int runVlbackup(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
                 std::ostream& err)
 {
-    CLI::App app("Looks into backups of the password manager. A backup named - is read from "
-                 "standard input.",
-                 "vlbackup");
-    app.require_subcommand(1);
-    app.fallthrough();
+    const CTool tool("vlbackup", "Looks into backups of the password manager. A backup named - is "
+                                 "read from standard input.");
     Call call{in, out, err};
-    app.add_flag("--json", call.json, "Print JSON");
+    tool.AddFlag("--json", call.json, "Print JSON");
     int status = exitStatus::good;
     for (const Verb& verb : table) {
-        CLI::App* const command = app.add_subcommand(verb.name, verb.what);
-        command->add_option("backup", call.input, verb.inputWhat)->required();
+        const CCommand command = tool.AddCommand(verb.name, verb.what, verb.example);
+        command.AddOption("backup", call.input, verb.inputWhat).Required();
         if (verb.addOptions)
-            verb.addOptions(*command, call);
-        addExample(*command, verb.example);
-        command->callback([&] { status = verb.run(call); });
+            verb.addOptions(command, call);
+        command.Do([&] { status = verb.run(call); });
     }
-    return runTool(app, std::move(arguments), out, err, [&] { return status; });
+    return runTool(tool, std::move(arguments), out, err, [&] { return status; });
 }

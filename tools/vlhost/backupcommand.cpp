@@ -120,17 +120,16 @@ void takeAndCheck(const arguments_t& arguments, const options_t& options)
 
 } // namespace
 
-void addBackupCommand(CLI::App& app, const options_t& options)
+void addBackupCommand(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const command = app.add_subcommand(
-        "backup", "Take a backup of the user's stored logons, and compare it with the disk");
+    const CCommand command = tool.AddCommand(
+        "backup", "Take a backup of the user's stored logons, and compare it with the disk",
+        "vlhost backup logons.vlb --checksum");
     const auto arguments = std::make_shared<arguments_t>();
-    command->add_option("file", arguments->file, "Where the bytes go; - is standard output")
-        ->required();
-    command->add_flag("--force", arguments->force, "Replace the file");
-    command->add_flag(
-        "--checksum", arguments->checksum,
-        "Write its SHA-256 beside it, as FILE.sha256, which 'vlbackup verify' checks");
-    addExample(*command, "vlhost backup logons.vlb --checksum");
-    command->callback([arguments, &options] { takeAndCheck(*arguments, options); });
+    command.AddOption("file", arguments->file, "Where the bytes go; - is standard output")
+        .Required();
+    command.AddFlag("--force", arguments->force, "Replace the file");
+    command.AddFlag("--checksum", arguments->checksum,
+                    "Write its SHA-256 beside it, as FILE.sha256, which 'vlbackup verify' checks");
+    command.Do([arguments, &options] { takeAndCheck(*arguments, options); });
 }

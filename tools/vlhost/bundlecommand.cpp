@@ -160,15 +160,13 @@ void bundle(const arguments_t& arguments, const options_t& options, const std::s
 
 } // namespace
 
-void addBundleCommand(CLI::App& app, const options_t& options)
+void addBundleCommand(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const command = app.add_subcommand(
-        "bundle", "Pack what a helper needs to know, with nothing of the user's own in it");
+    const CCommand command = tool.AddCommand(
+        "bundle", "Pack what a helper needs to know, with nothing of the user's own in it",
+        "vlhost bundle support.zip");
     const auto arguments = std::make_shared<arguments_t>();
-    command->add_option("file", arguments->file, "The ZIP archive; - is standard output")
-        ->required();
-    command->add_flag("--force", arguments->force, "Replace the file");
-    addExample(*command, "vlhost bundle support.zip");
-    command->callback(
-        [arguments, &app, &options] { bundle(*arguments, options, versionText(app)); });
+    command.AddOption("file", arguments->file, "The ZIP archive; - is standard output").Required();
+    command.AddFlag("--force", arguments->force, "Replace the file");
+    command.Do([arguments, &options] { bundle(*arguments, options, versionText("vlhost")); });
 }

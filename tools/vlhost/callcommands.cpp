@@ -78,7 +78,7 @@ Json::Value setProperty(const CPluginHost& host, const arguments_t& arguments)
         setText(value, arguments.value);
     } else if (arguments.type == "number") {
         value.Get()->vt = VT_I4;
-        if (!CLI::detail::lexical_cast(arguments.value, value.Get()->lVal))
+        if (!readNumber(arguments.value, value.Get()->lVal))
             throw CToolError("'" + arguments.value + "' is no number", "", exitStatus::wrongUsage);
     } else if (arguments.type == "bool") {
         if (arguments.value != "true" && arguments.value != "false")
@@ -161,25 +161,25 @@ Json::Value setPluginData(const CPluginHost& host, const arguments_t& arguments)
 class CCalls
 {
 public:
-    CCalls(CLI::App* call, const options_t& options) : m_call(call), m_options(options) {}
+    CCalls(const CCommand& call, const options_t& options) : m_call(call), m_options(options) {}
 
     void AddProperties()
     {
-        CLI::App* const get = Add("get-property", "IVLKTElementUI::GetProperty", " 1", getProperty);
-        get->add_option("id", m_arguments->number, "Number of the property")->required();
-        CLI::App* const set = Add("set-property", "IVLKTElementUI::SetProperty",
-                                  " 1 --type bool --value false", setProperty);
-        set->add_option("id", m_arguments->command, "Number of the command")->required();
-        set->add_option("--type", m_arguments->type, "Type of the value; null is no VARIANT at all")
-            ->check(oneOf({"bool", "number", "text", "empty", "null"}))
-            ->capture_default_str();
-        set->add_option("--value", m_arguments->value, "true, false, a number or a text");
-        for (CLI::App* const command : {get, set})
-            command->add_option("--notification", m_arguments->notification,
-                                "Of that notification, the first is 1, instead of the plug-in");
+        const CCommand get = Add("get-property", "IVLKTElementUI::GetProperty", " 1", getProperty);
+        get.AddOption("id", m_arguments->number, "Number of the property").Required();
+        const CCommand set = Add("set-property", "IVLKTElementUI::SetProperty",
+                                 " 1 --type bool --value false", setProperty);
+        set.AddOption("id", m_arguments->command, "Number of the command").Required();
+        set.AddOption("--type", m_arguments->type, "Type of the value; null is no VARIANT at all")
+            .OneOf({"bool", "number", "text", "empty", "null"})
+            .ShowDefault();
+        set.AddOption("--value", m_arguments->value, "true, false, a number or a text");
+        for (const CCommand command : {get, set})
+            command.AddOption("--notification", m_arguments->notification,
+                              "Of that notification, the first is 1, instead of the plug-in");
         Add("get-info", "IVLKTPluginInfo::GetInfo", " 0", getInfo)
-            ->add_option("id", m_arguments->number, "Number of the information")
-            ->required();
+            .AddOption("id", m_arguments->number, "Number of the information")
+            .Required();
     }
 
     void AddState()
@@ -194,8 +194,8 @@ public:
             [](const CPluginHost& host, const arguments_t& arguments) {
                 return outcome(host.Get<IVLKTDisableApp>().get()->DisableLocal(arguments.number));
             })
-            ->add_option("flag", m_arguments->number, "1 switches it off, 0 on")
-            ->required();
+            .AddOption("flag", m_arguments->number, "1 switches it off, 0 on")
+            .Required();
         Add("subscribe", "IVLKTTraySubscribe::Subscribe", "",
             [](const CPluginHost& host, const arguments_t&) {
                 return outcome(host.Get<IVLKTTraySubscribe>().get()->Subscribe());
@@ -207,28 +207,28 @@ public:
         Add("get-storage-data", "IVLKTBackupRestore2::GetStorageData", "", getStorageData);
         Add("set-storage-data", "IVLKTBackupRestore2::SetStorageData", " logons.vlb",
             setStorageData)
-            ->add_option("file", m_arguments->file, "The backup")
-            ->required();
-        CLI::App* const second = Add("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
-                                     " 7 logons.vlb", setStorageData2);
-        second->add_option("flags", m_arguments->number, "Passed on to the agent")->required();
-        second->add_option("file", m_arguments->file, "The backup")->required();
-        CLI::App* const third = Add("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
-                                    " logons.vlb --secrets list.der", setPluginData);
-        third->add_option("file", m_arguments->file, "The backup")->required();
-        third->add_option("--secrets", m_arguments->secretsFile,
-                          "The encoded secret list; - is standard input");
+            .AddOption("file", m_arguments->file, "The backup")
+            .Required();
+        const CCommand second = Add("set-storage-data2", "IVLKTBackupRestore2::SetStorageData2",
+                                    " 7 logons.vlb", setStorageData2);
+        second.AddOption("flags", m_arguments->number, "Passed on to the agent").Required();
+        second.AddOption("file", m_arguments->file, "The backup").Required();
+        const CCommand third = Add("set-plugin-data", "IVLKTBackupRestore3::SetPluginData",
+                                   " logons.vlb --secrets list.der", setPluginData);
+        third.AddOption("file", m_arguments->file, "The backup").Required();
+        third.AddOption("--secrets", m_arguments->secretsFile,
+                        "The encoded secret list; - is standard input");
     }
 
 private:
     using body_t = Json::Value (*)(const CPluginHost&, const arguments_t&);
 
     // sample: the arguments of the example, with a blank in front
-    CLI::App* Add(const char* name, const char* help, const char* sample, body_t body)
+    CCommand Add(const char* name, const char* help, const char* sample, body_t body)
     {
-        CLI::App* const command = m_call->add_subcommand(name, help);
-        addExample(*command, std::string("vlhost call ") + name + sample);
-        command->callback([&options = m_options, arguments = m_arguments, body] {
+        const CCommand command =
+            m_call.AddCommand(name, help, std::string("vlhost call ") + name + sample);
+        command.Do([&options = m_options, arguments = m_arguments, body] {
             const CPluginHost host(options.plugin);
             const Json::Value result = body(host, *arguments);
             printResult("vlhost-call-1", result, options.json);
@@ -240,18 +240,16 @@ private:
         return command;
     }
 
-    CLI::App* m_call;
+    const CCommand m_call;
     const options_t& m_options;
     const std::shared_ptr<arguments_t> m_arguments = std::make_shared<arguments_t>();
 };
 
 } // namespace
 
-void addCallCommands(CLI::App& app, const options_t& options)
+void addCallCommands(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const call =
-        app.add_subcommand("call", "Call one operation and print all that it gives");
-    call->require_subcommand(1);
+    const CCommand call = tool.AddGroup("call", "Call one operation and print all that it gives");
     CCalls calls(call, options);
     calls.AddProperties();
     calls.AddState();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
+#include "shared/commandline.h"
 
-#include <CLI/CLI.hpp>
+#include <string>
 
 // options_t is what every command of the host takes.
 struct options_t {
@@ -11,13 +11,13 @@ struct options_t {
 };
 
 // Each adds its commands to the program; options lives as long as the program.
-void addBackupCommand(CLI::App& app, const options_t& options);
-void addDashboardCommands(CLI::App& app, const options_t& options);
-void addRegistrationCommands(CLI::App& app, const options_t& options);
-void addStoreCommands(CLI::App& app, const options_t& options);
-void addRestoreCommand(CLI::App& app, const options_t& options);
-void addBundleCommand(CLI::App& app, const options_t& options);
-void addCallCommands(CLI::App& app, const options_t& options);
-void addDoctorCommand(CLI::App& app, const options_t& options);
-void addDrillCommand(CLI::App& app, const options_t& options);
-void addTraceCommands(CLI::App& app, const options_t& options);
+void addBackupCommand(const CCommand& tool, const options_t& options);
+void addDashboardCommands(const CCommand& tool, const options_t& options);
+void addRegistrationCommands(const CCommand& tool, const options_t& options);
+void addStoreCommands(const CCommand& tool, const options_t& options);
+void addRestoreCommand(const CCommand& tool, const options_t& options);
+void addBundleCommand(const CCommand& tool, const options_t& options);
+void addCallCommands(const CCommand& tool, const options_t& options);
+void addDoctorCommand(const CCommand& tool, const options_t& options);
+void addDrillCommand(const CCommand& tool, const options_t& options);
+void addTraceCommands(const CCommand& tool, const options_t& options);

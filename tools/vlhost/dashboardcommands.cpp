@@ -254,13 +254,12 @@ constexpr char shownSchema[] = "vlhost-notifications-1";
 
 } // namespace
 
-void addDashboardCommands(CLI::App& app, const options_t& options)
+void addDashboardCommands(const CCommand& tool, const options_t& options)
 {
     const auto add = [&](const char* name, const char* help, auto body, auto print,
                          const char* schema) {
-        CLI::App* const command = app.add_subcommand(name, help);
-        addExample(*command, std::string("vlhost ") + name);
-        command->callback([&options, body, print, schema] {
+        const CCommand command = tool.AddCommand(name, help, std::string("vlhost ") + name);
+        command.Do([&options, body, print, schema] {
             const CPluginHost host(options.plugin);
             print(schema, body(host), options.json);
         });

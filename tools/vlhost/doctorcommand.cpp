@@ -62,10 +62,10 @@ Json::Value jsonOf(const std::vector<checkup_t>& checkups)
     return json;
 }
 
-void addDoctorCommand(CLI::App& app, const options_t& options)
+void addDoctorCommand(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const command = app.add_subcommand(
-        "doctor", "Check the installation and what this user has; exit status 1 if one is bad");
-    addExample(*command, "vlhost doctor");
-    command->callback([&options] { diagnose(options); });
+    const CCommand command = tool.AddCommand(
+        "doctor", "Check the installation and what this user has; exit status 1 if one is bad",
+        "vlhost doctor");
+    command.Do([&options] { diagnose(options); });
 }

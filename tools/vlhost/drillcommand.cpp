@@ -141,13 +141,13 @@ void drill(const std::string& file, const options_t& options)
 
 } // namespace
 
-void addDrillCommand(CLI::App& app, const options_t& options)
+void addDrillCommand(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const command = app.add_subcommand(
+    const CCommand command = tool.AddCommand(
         "drill",
-        "Prove that a backup can be restored, in a throw-away profile; exit status 1 if not");
+        "Prove that a backup can be restored, in a throw-away profile; exit status 1 if not",
+        "vlhost drill logons.vlb");
     const auto file = std::make_shared<std::string>();
-    command->add_option("file", *file, "The backup; - is standard input")->required();
-    addExample(*command, "vlhost drill logons.vlb");
-    command->callback([file, &options] { drill(*file, options); });
+    command.AddOption("file", *file, "The backup; - is standard input").Required();
+    command.Do([file, &options] { drill(*file, options); });
 }

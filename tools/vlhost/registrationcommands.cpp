@@ -43,13 +43,12 @@ void registerWith(const options_t& options, const char* function, bool registere
 
 } // namespace
 
-void addRegistrationCommands(CLI::App& app, const options_t& options)
+void addRegistrationCommands(const CCommand& tool, const options_t& options)
 {
     const auto add = [&](const char* name, const char* help, const char* function,
                          bool registered) {
-        CLI::App* const command = app.add_subcommand(name, help);
-        addExample(*command, std::string("vlhost ") + name);
-        command->callback([=, &options] { registerWith(options, function, registered); });
+        const CCommand command = tool.AddCommand(name, help, std::string("vlhost ") + name);
+        command.Do([=, &options] { registerWith(options, function, registered); });
     };
     add("register", "Register the plug-in with the dashboard", "DllRegisterServer", false);
     add("unregister", "Take the plug-in out of the dashboard", "DllUnregisterServer", true);

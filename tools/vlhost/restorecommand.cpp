@@ -178,44 +178,44 @@ void restoreFile(const arguments_t& arguments, const options_t& options)
 
 } // namespace
 
-void addRestoreCommand(CLI::App& app, const options_t& options)
+void addRestoreCommand(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const command =
-        app.add_subcommand("restore", "Put a backup back, after a safety copy of what it replaces");
+    const CCommand command =
+        tool.AddCommand("restore", "Put a backup back, after a safety copy of what it replaces",
+                        "vlhost restore logons.vlb --dry-run");
     const auto arguments = std::make_shared<arguments_t>();
-    auto* const file =
-        command->add_option("file", arguments->file, "The backup; - is standard input");
+    const COption file =
+        command.AddOption("file", arguments->file, "The backup; - is standard input");
     command
-        ->add_option("--entry", arguments->entry,
-                     "The operation to use: SetStorageData, SetStorageData2 or SetPluginData")
-        ->check(oneOf({"1", "2", "plugin-data"}))
-        ->capture_default_str();
-    command->add_option("--flags", arguments->flags, "Passed on to the agent by --entry 2");
-    command->add_option("--secret-from", arguments->secretFrom,
-                        "File descriptor with the secret's value, for --entry plugin-data");
-    command->add_flag("--dry-run", arguments->dryRun, "Show the plan, and stop");
-    command->add_flag("--force", arguments->force,
-                      "Restore a backup that is not sound, or that writes to other folders than "
-                      "this profile's");
-    auto* const undoOption = command->add_option_function<std::vector<std::string>>(
+        .AddOption("--entry", arguments->entry,
+                   "The operation to use: SetStorageData, SetStorageData2 or SetPluginData")
+        .OneOf({"1", "2", "plugin-data"})
+        .ShowDefault();
+    command.AddOption("--flags", arguments->flags, "Passed on to the agent by --entry 2");
+    command.AddOption("--secret-from", arguments->secretFrom,
+                      "File descriptor with the secret's value, for --entry plugin-data");
+    command.AddFlag("--dry-run", arguments->dryRun, "Show the plan, and stop");
+    command.AddFlag("--force", arguments->force,
+                    "Restore a backup that is not sound, or that writes to other folders than "
+                    "this profile's");
+    const COption undoOption = command.AddTaken<std::string>(
         "--undo",
         [arguments](const std::vector<std::string>& given) {
             arguments->undo = true;
             if (given.empty() || given.front().empty())
                 return;
             unsigned number = 0;
-            if (!CLI::detail::lexical_cast(given.front(), number) || number == 0)
+            if (!readNumber(given.front(), number) || number == 0)
                 throw CToolError("'" + given.front() + "' is no number of a safety copy",
                                  "'vlhost restore --list-undo' lists them", exitStatus::wrongUsage);
             arguments->undoNumber = number;
         },
         "Put back what the last restore replaced, or the safety copy of that number");
-    undoOption->expected(0, 1)->type_name("NUMBER")->excludes(file);
-    command->add_flag("--list-undo", arguments->listUndo, "List the safety copies, newest first")
-        ->excludes(file)
-        ->excludes(undoOption);
-    addExample(*command, "vlhost restore logons.vlb --dry-run");
-    command->callback([arguments, &options] {
+    undoOption.Values(0, 1).ValueName("NUMBER").Excludes(file);
+    command.AddFlag("--list-undo", arguments->listUndo, "List the safety copies, newest first")
+        .Excludes(file)
+        .Excludes(undoOption);
+    command.Do([arguments, &options] {
         if (arguments->file.empty() && !arguments->undo && !arguments->listUndo)
             throw CToolError("a backup is wanted", "vlhost restore FILE", exitStatus::wrongUsage);
         if (arguments->secretFrom && arguments->entry != "plugin-data")

@@ -24,38 +24,37 @@ Json::Value done(const char* what, const std::string& name)
     return json;
 }
 
-void addSecretCommands(CLI::App& app, const options_t& options)
+void addSecretCommands(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const secret =
-        app.add_subcommand("secret", "The named secret that the host keeps beside a backup");
-    secret->require_subcommand(1);
+    const CCommand secret =
+        tool.AddGroup("secret", "The named secret that the host keeps beside a backup");
     const auto arguments = std::make_shared<arguments_t>();
-    secret->add_option("--name", arguments->name, "Its name")->capture_default_str();
+    secret.AddOption("--name", arguments->name, "Its name").ShowDefault();
 
-    CLI::App* const store =
-        secret->add_subcommand("store", "Store it; the value is never on the command line");
-    store->add_option("--from", arguments->descriptor, "File descriptor to read it from")
-        ->capture_default_str();
-    addExample(*store, "vlhost secret store < password.txt");
-    store->callback([arguments, &options] {
+    const CCommand store =
+        secret.AddCommand("store", "Store it; the value is never on the command line",
+                          "vlhost secret store < password.txt");
+    store.AddOption("--from", arguments->descriptor, "File descriptor to read it from")
+        .ShowDefault();
+    store.Do([arguments, &options] {
         const CSecretBytes value = readSecretFrom(arguments->descriptor);
         CSecretStore().Store(wideFromUtf8(arguments->name), value);
         printDone(secretSchema, done("stored", arguments->name), options.json);
     });
 
     const auto target = std::make_shared<int>(1);
-    CLI::App* const show = secret->add_subcommand("read", "Write its value to a file descriptor");
-    show->add_option("--to", *target, "File descriptor to write it to")->capture_default_str();
-    addExample(*show, "vlhost secret read | vlhost restore logons.vlb --entry plugin-data "
-                      "--secret-from 0");
-    show->callback([arguments, target] {
+    const CCommand show =
+        secret.AddCommand("read", "Write its value to a file descriptor",
+                          "vlhost secret read | vlhost restore logons.vlb --entry plugin-data "
+                          "--secret-from 0");
+    show.AddOption("--to", *target, "File descriptor to write it to").ShowDefault();
+    show.Do([arguments, target] {
         writeSecretTo(*target, CSecretStore().Read(wideFromUtf8(arguments->name)));
     });
 
-    CLI::App* const ask =
-        secret->add_subcommand("exists", "Check whether it is there; exit status 1 if not");
-    addExample(*ask, "vlhost secret exists");
-    ask->callback([arguments, &options] {
+    const CCommand ask = secret.AddCommand(
+        "exists", "Check whether it is there; exit status 1 if not", "vlhost secret exists");
+    ask.Do([arguments, &options] {
         Json::Value json(Json::objectValue);
         json["name"] = arguments->name;
         const bool exists = CSecretStore().Exists(wideFromUtf8(arguments->name));
@@ -65,9 +64,8 @@ void addSecretCommands(CLI::App& app, const options_t& options)
             throw CToolError("there is no secret '" + arguments->name + "'");
     });
 
-    CLI::App* const remove = secret->add_subcommand("delete", "Remove it");
-    addExample(*remove, "vlhost secret delete");
-    remove->callback([arguments, &options] {
+    const CCommand remove = secret.AddCommand("delete", "Remove it", "vlhost secret delete");
+    remove.Do([arguments, &options] {
         CSecretStore().Delete(wideFromUtf8(arguments->name));
         printDone(secretSchema, done("deleted", arguments->name), options.json);
     });
@@ -96,17 +94,15 @@ Json::Value settingOf(const std::string& key, const std::string& value, bool asJ
     return json;
 }
 
-void addSettingsCommands(CLI::App& app, const options_t& options)
+void addSettingsCommands(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const settings =
-        app.add_subcommand("setting", "The settings of the settings provider");
-    settings->require_subcommand(1);
+    const CCommand settings = tool.AddGroup("setting", "The settings of the settings provider");
     const auto arguments = std::make_shared<arguments_t>();
 
-    CLI::App* const get = settings->add_subcommand("get", "Read one");
-    get->add_option("key", arguments->name, "Its key")->required();
-    addExample(*get, "vlhost setting get path_localstorage_dir");
-    get->callback([arguments, &options] {
+    const CCommand get =
+        settings.AddCommand("get", "Read one", "vlhost setting get path_localstorage_dir");
+    get.AddOption("key", arguments->name, "Its key").Required();
+    get.Do([arguments, &options] {
         std::wstring value;
         const HRESULT status = settings_query(wideFromUtf8(arguments->name), value);
         if (FAILED(status))
@@ -115,11 +111,11 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
                     options.json);
     });
 
-    CLI::App* const set = settings->add_subcommand("set", "Write one");
-    set->add_option("key", arguments->name, "Its key")->required();
-    set->add_option("value", arguments->value, "Its new value")->required();
-    addExample(*set, "vlhost setting set path_localstorage_dir D:\\Logons\\");
-    set->callback([arguments, &options] {
+    const CCommand set = settings.AddCommand(
+        "set", "Write one", "vlhost setting set path_localstorage_dir D:\\Logons\\");
+    set.AddOption("key", arguments->name, "Its key").Required();
+    set.AddOption("value", arguments->value, "Its new value").Required();
+    set.Do([arguments, &options] {
         const HRESULT status =
             settings_set(wideFromUtf8(arguments->name), wideFromUtf8(arguments->value));
         if (FAILED(status))
@@ -131,8 +127,8 @@ void addSettingsCommands(CLI::App& app, const options_t& options)
 
 } // namespace
 
-void addStoreCommands(CLI::App& app, const options_t& options)
+void addStoreCommands(const CCommand& tool, const options_t& options)
 {
-    addSecretCommands(app, options);
-    addSettingsCommands(app, options);
+    addSecretCommands(tool, options);
+    addSettingsCommands(tool, options);
 }

@@ -215,49 +215,46 @@ void switchOn(const arguments_t& arguments, const options_t& options)
     change(arguments, options, true, [&] { switchTraceOn(until, target, folder); });
 }
 
-void addWait(CLI::App* command, const std::shared_ptr<arguments_t>& arguments)
+void addWait(const CCommand& command, const std::shared_ptr<arguments_t>& arguments)
 {
     command
-        ->add_option_function<std::vector<unsigned>>(
+        .AddTaken<unsigned>(
             "--wait",
             [arguments](const std::vector<unsigned>& given) {
                 arguments->process = given.empty() ? everyProcess : given.front();
             },
             "Wait until that process, or without a number every one that has the plug-in loaded, "
             "has followed: its trace file is open, or closed")
-        ->expected(0, 1)
-        ->type_name("PROCESS");
-    command->add_option("--timeout", arguments->timeout, "Seconds that --wait waits at the most")
-        ->capture_default_str();
+        .Values(0, 1)
+        .ValueName("PROCESS");
+    command.AddOption("--timeout", arguments->timeout, "Seconds that --wait waits at the most")
+        .ShowDefault();
 }
 
 } // namespace
 
-void addTraceCommands(CLI::App& app, const options_t& options)
+void addTraceCommands(const CCommand& tool, const options_t& options)
 {
-    CLI::App* const trace = app.add_subcommand("trace", "The plug-in's tracing");
-    trace->require_subcommand(1);
+    const CCommand trace = tool.AddGroup("trace", "The plug-in's tracing");
     const auto arguments = std::make_shared<arguments_t>();
 
-    CLI::App* const on = trace->add_subcommand("on", "Switch it on");
-    on->add_option("--until", arguments->until, "The first day without it, such as 2026-12-31");
-    on->add_option("--to", arguments->to, "Where it goes")
-        ->check(oneOf({"file", "console", "debugger"}))
-        ->capture_default_str();
-    on->add_option("--dir", arguments->folder,
-                   "Folder of the trace files, which the plug-in makes; it stays set");
+    const CCommand on = trace.AddCommand(
+        "on", "Switch it on", "vlhost trace on --dir C:\\traces --until 2026-12-31 --wait");
+    on.AddOption("--until", arguments->until, "The first day without it, such as 2026-12-31");
+    on.AddOption("--to", arguments->to, "Where it goes")
+        .OneOf({"file", "console", "debugger"})
+        .ShowDefault();
+    on.AddOption("--dir", arguments->folder,
+                 "Folder of the trace files, which the plug-in makes; it stays set");
     addWait(on, arguments);
-    addExample(*on, "vlhost trace on --dir C:\\traces --until 2026-12-31 --wait");
-    on->callback([arguments, &options] { switchOn(*arguments, options); });
+    on.Do([arguments, &options] { switchOn(*arguments, options); });
 
-    CLI::App* const off = trace->add_subcommand("off", "Switch it off");
+    const CCommand off = trace.AddCommand("off", "Switch it off", "vlhost trace off --wait 4711");
     addWait(off, arguments);
-    addExample(*off, "vlhost trace off --wait 4711");
-    off->callback([arguments, &options] { change(*arguments, options, false, switchTraceOff); });
+    off.Do([arguments, &options] { change(*arguments, options, false, switchTraceOff); });
 
-    CLI::App* const status =
-        trace->add_subcommand("status", "What is set, and which trace files lie there");
-    addExample(*status, "vlhost trace status");
-    status->callback(
+    const CCommand status = trace.AddCommand(
+        "status", "What is set, and which trace files lie there", "vlhost trace status");
+    status.Do(
         [&options] { printResult(traceSchema, statusOf(module_t(options.plugin)), options.json); });
 }

@@ -33,46 +33,44 @@ void print(const std::vector<std::string>& lines)
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Installs and removes the plug-in, its tools and its texts.", "vlsetup");
-    app.require_subcommand(1);
+    const CTool tool("vlsetup", "Installs and removes the plug-in, its tools and its texts.");
     std::string root = utf8FromWide(environment(L"ProgramFiles") + L"\\Veltrano");
     std::string from = utf8FromWide(programFolder());
     std::string uninstaller;
     std::string standIns = "missing";
     bool replace = false;
 
-    CLI::App* const installCommand = app.add_subcommand("install", "Install, repair or upgrade");
-    installCommand->add_option("folder", root, "The product's folder")->capture_default_str();
-    installCommand->add_option("--from", from,
-                               "The unpacked package, instead of this program's folder");
+    const CCommand installCommand = tool.AddCommand("install", "Install, repair or upgrade",
+                                                    "vlsetup install --stand-ins none");
+    installCommand.AddOption("folder", root, "The product's folder").ShowDefault();
+    installCommand.AddOption("--from", from,
+                             "The unpacked package, instead of this program's folder");
     installCommand
-        ->add_option(
+        .AddOption(
             "--stand-ins", standIns,
             "Stand-ins for the product's neighbours: none, missing (where nothing is), or all")
-        ->check(oneOf(standInWords))
-        ->capture_default_str();
-    installCommand->add_flag("--replace", replace,
-                             "Replace files of the same name; the removal puts them back");
-    installCommand->add_option("--uninstaller", uninstaller,
-                               "File of the package for the list of installed programs");
-    addExample(*installCommand, "vlsetup install --stand-ins none");
-    installCommand->callback([&] {
+        .OneOf(standInWords)
+        .ShowDefault();
+    installCommand.AddFlag("--replace", replace,
+                           "Replace files of the same name; the removal puts them back");
+    installCommand.AddOption("--uninstaller", uninstaller,
+                             "File of the package for the list of installed programs");
+    installCommand.Do([&] {
         const auto at = std::ranges::find(standInWords, standIns) - standInWords.begin();
         print(install({wideFromUtf8(from), wideFromUtf8(root), wideFromUtf8(uninstaller),
                        static_cast<standIns_t>(at), replace}));
         print({"installed in " + utf8FromWide(fullPath(wideFromUtf8(root) + L"\\bin"))});
     });
 
-    CLI::App* const uninstallCommand =
-        app.add_subcommand("uninstall", "Remove what was installed, and nothing else");
-    uninstallCommand->add_option("folder", root, "The product's folder")->capture_default_str();
-    addExample(*uninstallCommand, "vlsetup uninstall");
-    uninstallCommand->callback([&] {
+    const CCommand uninstallCommand = tool.AddCommand(
+        "uninstall", "Remove what was installed, and nothing else", "vlsetup uninstall");
+    uninstallCommand.AddOption("folder", root, "The product's folder").ShowDefault();
+    uninstallCommand.Do([&] {
         const removed_t result = uninstall(wideFromUtf8(root));
         print(result.lines);
         if (!result.complete)
             throw CToolError("not everything could be removed", "see above, and run it again");
         print({"uninstalled; what belongs to users stays"});
     });
-    return runTool(app, argc, argv);
+    return runTool(tool, argc, argv);
 }

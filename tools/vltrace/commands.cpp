@@ -175,9 +175,9 @@ struct verb_t {
     const char* name;
     const char* help;
     const char* example;
-    void (*addInputs)(CLI::App& command, options_t& options);
-    void (*addOptions)(CLI::App& command, options_t& options); // beside those of all verbs
-    int (*run)(const job_t& job);                              // gives the exit status
+    void (*addInputs)(const CCommand& command, options_t& options);
+    void (*addOptions)(const CCommand& command, options_t& options); // beside those of all verbs
+    int (*run)(const job_t& job);                                    // gives the exit status
 };
 
 constexpr verb_t verbs[] = {
@@ -255,17 +255,15 @@ int runVltrace(std::vector<std::string> arguments, std::istream& in, std::ostrea
 {
     options_t options;
     const verb_t* chosen = nullptr;
-    CLI::App app("Reads trace files of the plug-in, damaged ones too.", "vltrace");
-    app.require_subcommand(1);
+    const CTool tool("vltrace", "Reads trace files of the plug-in, damaged ones too.");
     for (const verb_t& verb : verbs) {
-        CLI::App& command = *app.add_subcommand(verb.name, verb.help);
+        const CCommand command = tool.AddCommand(verb.name, verb.help, verb.example);
         verb.addInputs(command, options);
         addShared(command, options);
         verb.addOptions(command, options);
-        addExample(command, verb.example);
-        command.callback([&] { chosen = &verb; });
+        command.Do([&] { chosen = &verb; });
     }
-    return runTool(app, std::move(arguments), out, err, [&] {
+    return runTool(tool, std::move(arguments), out, err, [&] {
         return run(*chosen, options, {in, out, err}, wait);
     });
 }

@@ -2,12 +2,11 @@
 
 #include "filter.h"
 #include "lines.h"
+#include "shared/commandline.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace vltrace {
 
@@ -37,16 +36,16 @@ struct options_t {
 };
 
 // Adding options to a command. addShared adds what every command has: filters and output.
-void addFiles(CLI::App& command, options_t& options);
-void addRuns(CLI::App& command, options_t& options);
-void addShared(CLI::App& command, options_t& options);
-void addKinds(CLI::App& command, options_t& options);
-void addLineOptions(CLI::App& command, options_t& options);
-void addTailOptions(CLI::App& command, options_t& options);
-void addStatsOptions(CLI::App& command, options_t& options);
-void addExportOptions(CLI::App& command, options_t& options);
+void addFiles(const CCommand& command, options_t& options);
+void addRuns(const CCommand& command, options_t& options);
+void addShared(const CCommand& command, options_t& options);
+void addKinds(const CCommand& command, options_t& options);
+void addLineOptions(const CCommand& command, options_t& options);
+void addTailOptions(const CCommand& command, options_t& options);
+void addStatsOptions(const CCommand& command, options_t& options);
+void addExportOptions(const CCommand& command, options_t& options);
 
-// What the options mean; they raise a CLI::ValidationError or a CToolError for what means nothing.
+// What the options mean; for what means nothing they raise a CToolError, or what refuseOption raises.
 filter_t filterOf(const options_t& options);
 lineOptions_t lineOptionsOf(const options_t& options, const std::ostream& out);
 int utcOffsetOf(const options_t& options); // minutes
