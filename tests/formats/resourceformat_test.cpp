@@ -96,4 +96,10 @@ TEST(MuiFile, IsUnsoundWhenCutOrForged)
         put(forged, offset, {value});
         EXPECT_FALSE(readMuiFile(forged).sound) << offset << ' ' << value;
     }
+    // Three entries each: one more than 65,536 could be the first of very many.
+    const auto soundWith = [](size_t count) {
+        const sampleResource_t one{6, 65, stringBlock({u"text"})};
+        return readMuiFile(sampleImage(std::vector<sampleResource_t>(count, one))).sound;
+    };
+    EXPECT_TRUE(soundWith(21845) && !soundWith(21846));
 }

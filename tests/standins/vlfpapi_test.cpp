@@ -1,6 +1,7 @@
 #include "neighbours/vlfpapi.h"
 
 #include "neighbours/secretclient.h"
+#include "support/patchimport.h"
 
 #include <string>
 
@@ -28,6 +29,9 @@ TEST(PolicyLibrary, TheMachinesValueComesBeforeTheUsers)
     EXPECT_EQ(asked(), std::tuple(1, 7u));
     EXPECT_EQ(VLFPSetPolicySettingsEx(1, &record), S_OK);
     EXPECT_EQ(asked(), std::tuple(0, 2u));
+    const std::wstring longerThanAny(20000, L'n');
+    record.name = longerThanAny.c_str();
+    EXPECT_TRUE(FAILED(VLFPSetPolicySettingsEx(1, &record)) && FAILED(record.status));
 }
 
 TEST(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
@@ -47,6 +51,23 @@ TEST(PolicyLibrary, ASecretIsKeptSealedUnderUserKindAndName)
     EXPECT_EQ(VLFPReadSecret(user, 3, L"s", at(out), &size), static_cast<LONG>(0x800700EA));
     EXPECT_EQ(VLFPReadSecret(user, 3, L"s", at(out), &size), S_OK); // the size that is needed
     EXPECT_EQ(out, "plaintext");
+}
+
+TEST(SecretClient, WantsAllFunctionsOfTheLibrary)
+{
+    static std::string missing;
+    static const auto original = reinterpret_cast<decltype(&GetProcAddress)>(
+        importedFunction(GetModuleHandleW(nullptr), "GetProcAddress"));
+    const importPatch_t without(
+        "GetProcAddress", +[](HMODULE library, const char* name) {
+            return original(library, name == missing ? "missing" : name);
+        });
+    EXPECT_EQ(CSecretClient().Status(), S_OK);
+    for (const char* name :
+         {"VLFPDoesSecretExist", "VLFPStoreSecret", "VLFPReadSecret", "VLFPDeleteSecret"}) {
+        missing = name;
+        EXPECT_EQ(CSecretClient().Status(), HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND)) << name;
+    }
 }
 
 } // namespace

@@ -308,3 +308,17 @@ Files are compared to their ends.
   $ printf y | dd of="$drive/Logons/large.vlm" bs=1 seek=69999 conv=notrunc status=none
   $ vlhost restore large.vlb --dry-run | grep large
     change       70000  C:\Logons\large.vlm
+
+The do-not-prompt list that a backup of the earlier form replaces is in the copy.
+
+  $ printf mine >"$drive/Logons/never.txt"
+  $ vlbackup from-json - earlier.vlb --quiet <<'END'
+  > {"schema": "vlbackup-backup-1", "templates": [], "quicklinks": [], "categories": [],
+  >  "settings": {"showPrompt": 1, "hotKey": "Alt+1", "dontPromptList": "BAF4"}}
+  > END
+  $ vlhost restore earlier.vlb --quiet
+  $ cat "$drive/Logons/never.txt"
+  \x04\x00\x01 (no-eol) (esc)
+  $ vlhost restore --undo --quiet
+  $ cat "$drive/Logons/never.txt"
+  mine (no-eol)
