@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 // The load and the release of a DLL against those of an empty one that imports the same functions:
 // the first in a new process, and later ones in a process that has it no more. As in a host, the
@@ -34,39 +35,43 @@ int loadSeconds(const wchar_t* path)
     return 0;
 }
 
+// A process may wait for the system's server once more than another one does: a round takes the
+// median of several.
+constexpr int processesInRound = 7;
+
 struct times_t {
-    double first = 0;
-    double later = 0;
+    std::vector<double> first;
+    std::vector<double> later;
 };
 
-times_t runChild(const std::wstring& dll)
+void runChild(const std::wstring& dll, times_t& times)
 {
     const std::string text =
         bench::runProgram(L"load_bench.exe", L"\"" + bench::programFolder() + dll + L"\"");
-    times_t times;
-    if (std::sscanf(text.c_str(), "%lf %lf", &times.first, &times.later) != 2)
+    double first = 0;
+    double later = 0;
+    if (std::sscanf(text.c_str(), "%lf %lf", &first, &later) != 2)
         std::exit(2);
-    return times;
+    times.first.push_back(first);
+    times.later.push_back(later);
 }
 
 void compare(const std::wstring& dll, const std::wstring& empty, const char* name)
 {
     std::vector<double> first;
     std::vector<double> later;
-    for (int round = -1; round < 2 * bench::usualRounds; ++round) {
+    for (int round = -1; round < bench::usualRounds; ++round) {
         times_t its;
         times_t floor;
-        if (round % 2 == 0) {
-            floor = runChild(empty);
-            its = runChild(dll);
-        } else {
-            its = runChild(dll);
-            floor = runChild(empty);
+        for (int i = 0; i < processesInRound; ++i) {
+            const bool emptyFirst = (round + i) % 2 == 0;
+            runChild(emptyFirst ? empty : dll, emptyFirst ? floor : its);
+            runChild(emptyFirst ? dll : empty, emptyFirst ? its : floor);
         }
         if (round < 0)
             continue;
-        first.push_back(its.first / floor.first);
-        later.push_back(its.later / floor.later);
+        first.push_back(bench::quantile(its.first, 0.5) / bench::quantile(floor.first, 0.5));
+        later.push_back(bench::quantile(its.later, 0.5) / bench::quantile(floor.later, 0.5));
     }
     const std::string what = std::string("load and free of ") + name + " / an empty DLL";
     bench::row(what, "in a new process", first, 1.3);
