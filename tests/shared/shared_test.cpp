@@ -1,11 +1,40 @@
+#include "formats/backup/storednames.h"
 #include "formats/text/printable.h"
+#include "formats/text/unicode.h"
 #include "shared/filesystem.h"
 #include "shared/jsontext.h"
 #include "shared/statusnames.h"
 
+#include <algorithm>
+#include <map>
+
 #include <gtest/gtest.h>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace {
+
+#ifdef _WIN32
+TEST(CaseKey, IsTheSystemsOwn)
+{
+    constexpr std::pair<char16_t, char16_t> alphabets[] = {
+        {'A', 0x17F}, {0x1F8, 0x233}, {0x386, 0x3CE}, {0x400, 0x586}, {0x1E00, 0x1EFF}};
+    const auto key = [](char16_t c) { return caseKey(utf8FromUtf16({&c, 1})); };
+    std::map<std::u16string, wchar_t> capitals;
+    for (wchar_t c = 'A'; c < 0xFFFF; ++c) {
+        if (c >= 0xD800 && c < 0xE000)
+            continue;
+        wchar_t capital = c;
+        CharUpperBuffW(&capital, 1);
+        EXPECT_EQ(capitals.emplace(key(c), capital).first->second, capital) << +c;
+        const bool checked = std::ranges::any_of(
+            alphabets, [c](auto& of) { return c >= of.first && c <= of.second; });
+        EXPECT_TRUE(!checked || key(c) == key(capital)) << +c;
+    }
+}
+#endif
 
 TEST(Printable, NothingSteersATerminal)
 {

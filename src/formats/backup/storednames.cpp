@@ -4,25 +4,78 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <vector>
 
 namespace {
 
 constexpr size_t longestName = 255; // of a part, in UTF-16 units
 
+// capitals_t are capital letters and where their small ones are: all further on by the same number,
+// or, where both lie side by side, each after its capital, which is even or odd.
+struct capitals_t {
+    enum : int16_t { even = -1, odd = -2 }; // which no distance is
+
+    char16_t first;
+    char16_t last;
+    int16_t distance;
+};
+
+constexpr capitals_t capitals[] = {
+    {'A', 'Z', 32},
+    {0xC0, 0xD6, 32},
+    {0xD8, 0xDE, 32},
+    {0x100, 0x12F, capitals_t::even},
+    {0x132, 0x137, capitals_t::even},
+    {0x139, 0x148, capitals_t::odd},
+    {0x14A, 0x177, capitals_t::even},
+    {0x178, 0x178, -121},
+    {0x179, 0x17E, capitals_t::odd},
+    {0x181, 0x181, 210}, // Hausa's and Azerbaijani's
+    {0x18A, 0x18A, 205},
+    {0x18F, 0x18F, 202},
+    {0x198, 0x199, capitals_t::even},
+    {0x1A0, 0x1A5, capitals_t::even},
+    {0x1AF, 0x1B0, capitals_t::odd},
+    {0x1B3, 0x1B4, capitals_t::odd},
+    {0x1CD, 0x1DC, capitals_t::odd},
+    {0x1DE, 0x1EF, capitals_t::even},
+    {0x1F4, 0x1F5, capitals_t::even},
+    {0x1F8, 0x21F, capitals_t::even},
+    {0x222, 0x233, capitals_t::even},
+    {0x386, 0x386, 38},
+    {0x388, 0x38A, 37},
+    {0x38C, 0x38C, 64},
+    {0x38E, 0x38F, 63},
+    {0x391, 0x3A1, 32},
+    {0x3A3, 0x3AB, 32},
+    {0x400, 0x40F, 80},
+    {0x410, 0x42F, 32},
+    {0x460, 0x481, capitals_t::even},
+    {0x48A, 0x4BF, capitals_t::even},
+    {0x4C0, 0x4C0, 15},
+    {0x4C1, 0x4CE, capitals_t::odd},
+    {0x4D0, 0x52F, capitals_t::even},
+    {0x531, 0x556, 48},
+    {0x1E00, 0x1E95, capitals_t::even},
+    {0x1EA0, 0x1EFF, capitals_t::even},
+    {0xFF21, 0xFF3A, 32},
+};
+
 char16_t folded(char16_t c) noexcept
 {
-    const auto within = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-    if (within('A', 'Z') || (within(0xC0, 0xDE) && c != 0xD7) || within(0x391, 0x3A9) ||
-        within(0x410, 0x42F) || within(0xFF21, 0xFF3A))
-        return static_cast<char16_t>(c + 0x20);
-    if (within(0x400, 0x40F))
-        return static_cast<char16_t>(c + 0x50);
-    if (within(0x139, 0x148) || within(0x179, 0x17E)) // the capitals here are odd
+    const auto* const range = std::find_if(std::begin(capitals), std::end(capitals),
+                                           [c](const capitals_t& one) { return c <= one.last; });
+    if (range == std::end(capitals) || c < range->first)
+        return c;
+    switch (range->distance) {
+    case capitals_t::even:
+        return static_cast<char16_t>(c | 1);
+    case capitals_t::odd:
         return static_cast<char16_t>(c + (c & 1));
-    if (within(0x100, 0x177))
-        return c == 0x130 ? c : static_cast<char16_t>(c | 1);
-    return c;
+    default:
+        return static_cast<char16_t>(c + range->distance);
+    }
 }
 
 bool isLetter(char16_t c) noexcept

@@ -16,8 +16,8 @@ std::u16string pathKey(const std::string& path);
 // nameKey does the same for a file name.
 std::u16string nameKey(const std::string& name);
 
-// caseKey gives texts that differ only in case the same key: letters of the Latin, Greek and
-// Cyrillic alphabets are lower-case.
+// caseKey gives texts that differ only in case the same key: letters of the Latin, Greek, Cyrillic
+// and Armenian alphabets are lower-case, except rare ones outside Europe.
 std::u16string caseKey(const std::string& text);
 
 // isBelow is true for the key of a path in the folder of the other key, or deeper.

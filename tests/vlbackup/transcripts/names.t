@@ -87,6 +87,7 @@ Names in another case are one file, as Windows has it: Latin, Greek and Cyrillic
   not sound
   $ names × ÷ ß ẞ ı I İ i ÿ Ÿ ŉ Ŋ | grep same
   error: templates[7]: "i" is the same file as templates[5], and a restore keeps one
+  error: templates[9]: "\xc5\xb8" is the same file as templates[8], and a restore keeps one (esc)
 
 A marked path is full, and does not climb; each of its parts is one that a file system takes.
 
