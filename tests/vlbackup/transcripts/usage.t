@@ -1,18 +1,15 @@
 How the program is asked, and what it says to what it does not understand.
 
-  $ vlbackup --help
+  $ vlbackup --help | grep .
   Looks into backups of the password manager. A backup named - is read from standard input.
   Usage: vlbackup [OPTIONS] SUBCOMMAND
-  
   Options:
     -h,--help                   Print this help message and exit
     --json                      Print JSON
-    --color TEXT:{auto,always,never}=auto
+    --color TEXT:{auto,always,never}*auto* (glob)
                                 When to use colours; auto: on a terminal, unless NO_COLOR is set
     -q,--quiet                  Print only what was asked for, and failures
     -V,--version                Print the versions of it and its formats
-  
-  
   Subcommands:
     ls                          List everything in it, or what has one of the names
     info                        Show its version, counts, sizes, checksum and verdict
@@ -27,7 +24,6 @@ How the program is asked, and what it says to what it does not understand.
     to-json                     Write all of it as JSON, to edit or to process
     from-json                   Make a backup from the JSON that to-json writes
     hex                         Show its bytes, element by element
-  
   $ vlbackup merge --help
   Make a new backup of all that is in two; exit status 1 if they differ in what both have
   Usage: vlbackup merge [OPTIONS] backup other

@@ -46,7 +46,7 @@ A bundle says what a helper needs, and nothing of the user's own.
   196 T 23:30:11.053
   196 > CVLKTPages::SetStorageData
   196 U lBound = 0, uBound = 1
-  196 E -2147418113 <...>
+  196 E -2147418113 *<...> (glob)
   196 < 
   $ sed -n 's/^[0-9]* > //p' support/trace-5.txt
   CVLKTPages::SetStorageData

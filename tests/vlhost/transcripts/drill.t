@@ -1,7 +1,8 @@
 A drill proves that a backup can be put back, and touches nothing of the user's own.
 
   $ . "$TESTS/support/product.sh"
-  $ left() { ls "$profile/Temp" | grep drill; windows reg query 'HKCU\SOFTWARE\Veltrano-Drill' 2>&1 | grep HKEY; ls "$drive/Logons"; }
+  $ temp=$(windows cmd /c 'echo %TEMP%' | tr -d '\r' | sed "s,^C:,$drive,; s,\\\\,/,g")
+  $ left() { ls "$temp" | grep drill; windows reg query 'HKCU\SOFTWARE\Veltrano-Drill' 2>&1 | grep HKEY; ls "$drive/Logons"; }
   $ vlagent --journal journal.txt >agent & until grep -qs ready agent; do sleep 0.1; done
   $ vlhost drill first.vlb
   warning: C:\Shared Logons\équipe.vlm: outside the folders that this profile's settings name; a restore asks for --force
@@ -75,7 +76,7 @@ A drill proves that a backup can be put back, and touches nothing of the user's 
 
 One that was killed leaves its profile to the next.
 
-  $ mkdir -p "$profile/Temp/vlhost-drill-99999/Local" "$profile/Temp/vlhost-drill-x"
+  $ mkdir -p "$temp/vlhost-drill-99999/Local" "$temp/vlhost-drill-x"
   $ windows reg add 'HKCU\SOFTWARE\Veltrano-Drill\99999\Software' /f >log
   $ left
   vlhost-drill-99999
