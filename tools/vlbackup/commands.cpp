@@ -1,7 +1,6 @@
 #include "commands.h"
 
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "verbs.h"
 
 namespace {

@@ -5,7 +5,6 @@
 #include "shared/backupinput.h"
 #include "shared/checksumfile.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/outputfile.h"
 #include "shared/terminal.h"
 #include "takebackup.h"

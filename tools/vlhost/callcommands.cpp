@@ -3,7 +3,6 @@
 #include "print.h"
 #include "secretstore.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
 #include "variantjson.h"

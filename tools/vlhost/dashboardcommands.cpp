@@ -4,7 +4,6 @@
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/systemerror.h"
 #include "variantjson.h"
 #include "variants.h"

@@ -3,7 +3,6 @@
 #include "formats/text/printable.h"
 #include "print.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/terminal.h"
 
 #include <algorithm>

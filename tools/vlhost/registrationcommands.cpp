@@ -3,7 +3,6 @@
 #include "pluginhost.h"
 #include "print.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/systemerror.h"
 #include "shared/windowsfiles.h"
 

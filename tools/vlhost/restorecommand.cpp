@@ -8,7 +8,6 @@
 #include "secretstore.h"
 #include "shared/backupinput.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/inputfile.h"
 #include "shared/systemerror.h"
 #include "shared/terminal.h"

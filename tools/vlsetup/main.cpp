@@ -1,7 +1,6 @@
 #include "common/text.h"
 #include "setup.h"
 #include "shared/commandline.h"
-#include "shared/habits.h"
 #include "shared/windowsfiles.h"
 
 #include <windows.h>

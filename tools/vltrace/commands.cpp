@@ -12,7 +12,6 @@
 #include "rundiff.h"
 #include "shared/commandline.h"
 #include "shared/filesystem.h"
-#include "shared/habits.h"
 #include "shared/outputfile.h"
 #include "shared/terminal.h"
 #include "stats.h"

@@ -1,7 +1,6 @@
 #include "options.h"
 
 #include "formats/trace/levels.h"
-#include "shared/habits.h"
 
 #include <charconv>
 #include <optional>
